@@ -1,0 +1,137 @@
+# One function per kind of target. What holds for all of a kind (warnings, visibility, Qt strictness, where the
+# result lies) is said here once; a folder's CMakeLists.txt is a list of sources. Arguments that a function does not
+# know are fatal.
+
+include(GNUInstallDirs)
+
+# The installation tree that the build makes for the example client; its shape is the one Pathes describes.
+set(PLUGININTERFACE_INSTALLATION_DIR "${PROJECT_BINARY_DIR}/installation/Contents")
+
+macro(_plugininterface_parse function options single multi)
+    cmake_parse_arguments(ARG "${options}" "${single}" "${multi}" ${ARGN})
+    if(ARG_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "${function}: unknown arguments: ${ARG_UNPARSED_ARGUMENTS}")
+    endif()
+endmacro()
+
+# What every target of this project is compiled with.
+function(plugininterface_strict target)
+    target_compile_features(${target} PRIVATE cxx_std_17)
+    set_target_properties(${target} PROPERTIES
+        AUTOMOC ON
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
+    target_compile_definitions(${target} PRIVATE
+        QT_NO_CAST_FROM_ASCII
+        QT_NO_CAST_TO_ASCII
+        QT_NO_FOREACH
+        QT_NO_KEYWORDS
+        QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+        QT_NO_URL_CAST_FROM_STRING
+        QT_DEPRECATED_WARNINGS
+        QT_STRICT_ITERATORS)
+    target_compile_options(${target} PRIVATE
+        $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+        -Woverloaded-virtual -Wundef>
+        $<$<CXX_COMPILER_ID:MSVC>:/W4>)
+    if(PLUGININTERFACE_WERROR)
+        set_target_properties(${target} PROPERTIES COMPILE_WARNING_AS_ERROR ON)
+    endif()
+    # A symbol that the hidden visibility hides from its user shows at the link, not at load.
+    target_link_options(${target} PRIVATE $<$<PLATFORM_ID:Linux>:LINKER:--as-needed>)
+endfunction()
+
+# A folder of the library: plugininterface_library_folder(HEADERS <public headers> SOURCES <sources and private headers>)
+# Public headers are installed under their folder's name and compiled alone by the build.
+function(plugininterface_library_folder)
+    _plugininterface_parse(plugininterface_library_folder "" "" "HEADERS;SOURCES" ${ARGN})
+    target_sources(plugininterface PRIVATE ${ARG_SOURCES} ${ARG_HEADERS})
+    cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME folder)
+    list(TRANSFORM ARG_HEADERS PREPEND "${folder}/")
+    set_property(TARGET plugininterface APPEND PROPERTY PLUGININTERFACE_PUBLIC_HEADERS ${ARG_HEADERS})
+endfunction()
+
+# One translation unit for each public header, which holds nothing but its #include.
+function(plugininterface_check_headers_alone)
+    get_target_property(headers plugininterface PLUGININTERFACE_PUBLIC_HEADERS)
+    set(units)
+    foreach(header IN LISTS headers)
+        string(REGEX REPLACE "\\.h$" ".cpp" unit "${CMAKE_CURRENT_BINARY_DIR}/headers_alone/${header}")
+        file(CONFIGURE OUTPUT "${unit}" CONTENT "#include <${header}>\n" @ONLY)
+        list(APPEND units "${unit}")
+    endforeach()
+    add_library(plugininterface_headers_alone OBJECT ${units})
+    plugininterface_strict(plugininterface_headers_alone)
+    set_target_properties(plugininterface_headers_alone PROPERTIES AUTOMOC OFF)
+    target_link_libraries(plugininterface_headers_alone PRIVATE plugininterface::plugininterface)
+endfunction()
+
+# A command-line tool: plugininterface_tool(<name> SOURCES ... [LIBRARIES ...])
+function(plugininterface_tool name)
+    _plugininterface_parse(plugininterface_tool "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    plugininterface_strict(${name})
+    target_link_libraries(${name} PRIVATE plugininterface::plugininterface ${ARG_LIBRARIES})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+endfunction()
+
+# A part of the example that its programs and their tests share: plugininterface_example_library(<name> SOURCES ... [LIBRARIES ...])
+function(plugininterface_example_library name)
+    _plugininterface_parse(plugininterface_example_library "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    plugininterface_strict(${name})
+    # Plugins are shared objects and may link it.
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/examples")
+    target_link_libraries(${name} PUBLIC plugininterface::plugininterface ${ARG_LIBRARIES})
+endfunction()
+
+# A program of the example: plugininterface_example(<name> SOURCES ... [LIBRARIES ...] [INSTALLATION_NAME <file>])
+# With INSTALLATION_NAME it lies in the client folder of the installation tree under that name, otherwise in bin.
+function(plugininterface_example name)
+    _plugininterface_parse(plugininterface_example "" "INSTALLATION_NAME" "SOURCES;LIBRARIES" ${ARGN})
+    plugininterface_tool(${name} SOURCES ${ARG_SOURCES} LIBRARIES ${ARG_LIBRARIES})
+    if(ARG_INSTALLATION_NAME)
+        set_target_properties(${name} PROPERTIES
+            OUTPUT_NAME "${ARG_INSTALLATION_NAME}"
+            SUFFIX ""
+            RUNTIME_OUTPUT_DIRECTORY "${PLUGININTERFACE_INSTALLATION_DIR}/Client")
+    endif()
+endfunction()
+
+# A plugin: plugininterface_plugin(<name> SOURCES ... [LIBRARIES ...] [DIRECTORY <output folder>])
+# Without DIRECTORY it lies in the plugin folder of the installation tree, where the example client finds it.
+function(plugininterface_plugin name)
+    _plugininterface_parse(plugininterface_plugin "" "DIRECTORY" "SOURCES;LIBRARIES" ${ARGN})
+    if(NOT ARG_DIRECTORY)
+        set(ARG_DIRECTORY "${PLUGININTERFACE_INSTALLATION_DIR}/Client/Plugins")
+    endif()
+    add_library(${name} MODULE ${ARG_SOURCES})
+    plugininterface_strict(${name})
+    target_link_libraries(${name} PRIVATE plugininterface::plugininterface ${ARG_LIBRARIES})
+    set_target_properties(${name} PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY "${ARG_DIRECTORY}")
+endfunction()
+
+# A Qt Test program: plugininterface_test(<name> SOURCES ... [LIBRARIES ...] [DEFINITIONS ...] [SERIAL])
+# A warning in its log that the test did not announce with QTest::ignoreMessage() fails it. SERIAL is for tests that
+# cannot share the machine with another one; say why beside it.
+function(plugininterface_test name)
+    _plugininterface_parse(plugininterface_test "SERIAL" "" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    plugininterface_strict(${name})
+    target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(${name} PRIVATE plugininterface::plugininterface Qt5::Test ${ARG_LIBRARIES})
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp"
+        FAIL_REGULAR_EXPRESSION "QWARN  :|QCRITICAL:|QSYSTEM:"
+        RUN_SERIAL ${ARG_SERIAL})
+endfunction()
+
+# A Google Benchmark program: plugininterface_benchmark(<name> SOURCES ...)
+function(plugininterface_benchmark name)
+    _plugininterface_parse(plugininterface_benchmark "" "" "SOURCES" ${ARGN})
+    plugininterface_tool(${name} SOURCES ${ARG_SOURCES} LIBRARIES benchmark::benchmark)
+endfunction()

@@ -1,0 +1,30 @@
+# Sourced by ./demo and ./test: installs what is missing and builds a preset. Both run in the project's folder.
+
+say() { printf '\n== %s\n' "$*"; }
+
+# Installs those Debian packages of cmake/packages.txt that are not there.
+install_packages() {
+    local missing=() package as_root=()
+    for package in $(grep -v '^#' cmake/packages.txt); do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    say "Installing ${missing[*]}"
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" \
+        >/dev/null
+}
+
+# build_preset NAME
+build_preset() {
+    say "Building $1"
+    cmake --preset "$1" >/dev/null
+    cmake --build --preset "$1"
+}
+
+# Runs a command on a virtual display of its own with a window manager, as a desktop has.
+on_virtual_display() {
+    # shellcheck disable=SC2016
+    xvfb-run -a --server-args='-screen 0 1280x900x24' bash -c 'openbox & "$@"; result=$?; kill %1; exit $result' _ "$@"
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QtCore/qglobal.h>
+
+// Everything in the library is hidden but what bears this macro: host and plugins see the public classes and
+// functions and nothing else.
+#if defined(PLUGININTERFACE_LIBRARY)
+#define PLUGININTERFACE_EXPORT Q_DECL_EXPORT
+#else
+#define PLUGININTERFACE_EXPORT Q_DECL_IMPORT
+#endif

@@ -1,0 +1,48 @@
+#include "Console.h"
+
+#include <Singleton_p.h>
+
+namespace {
+
+constexpr int MAX_MESSAGES = 1000;
+
+} // namespace
+
+PLUGININTERFACE_DEFINE_SINGLETON(CConsole);
+
+QList<CConsole::SConsoleMessage> CConsole::m_listMessages;
+
+CConsole::CConsole()
+{
+    // Under the name that the signal's signature bears, for queued connections.
+    qRegisterMetaType<SConsoleMessage>("SConsoleMessage");
+}
+
+void CConsole::AddMessage(const QString &message, EMessageCategory category, EMessageLevel level,
+                          const QString &detail, int number)
+{
+    SConsoleMessage record;
+    record.dtTimestamp = QDateTime::currentDateTime();
+    record.strMessage = message;
+    record.strDetail = detail;
+    record.eCategory = category;
+    record.eLevel = level;
+    record.iDetail = number;
+
+    m_listMessages.append(record);
+    if (m_listMessages.size() > MAX_MESSAGES)
+        m_listMessages.removeFirst();
+
+    if (IsExisting())
+        Q_EMIT m_Instance->signal_MessageAdded(record);
+}
+
+QList<CConsole::SConsoleMessage> CConsole::GetMessages()
+{
+    return m_listMessages;
+}
+
+void CConsole::Clear()
+{
+    m_listMessages.clear();
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <Export.h>
+
+#include <QString>
+#include <QStringList>
+
+/// Operations on files and directory trees that survive a file being held open for a moment by another program.
+///
+/// Each single step is tried up to ten times, with 200 ms between two attempts; a step that keeps failing blocks the
+/// calling thread for 1.8 s. The first failure ends an operation, and what was done until then stays done. An
+/// operation with an `error` argument puts the failed step there, in English; all but CopyFile() empty it first.
+/// Paths are absolute. No state, any thread.
+namespace FileFunctions {
+
+/// The steps that are tried again.
+enum FileAction {
+    FA_RemoveFile = 0,
+    FA_RemoveDir = 1, ///< Of an empty directory.
+    FA_MakePath = 2,  ///< A directory with all above it.
+    FA_Rename = 3,    ///< From the first path to the second.
+    FA_Copy = 4,      ///< From the first path to the second, which must not exist.
+};
+
+/// Does one step; \a second is used by the last two alone.
+PLUGININTERFACE_EXPORT bool DoAction(FileAction action, QString first, QString second);
+
+/// Absolute paths of all that lies below a directory, hidden entries included: each directory before its contents,
+/// the directories of a level before its files. Names that end in ".svn" are left out, with what lies below them.
+/// Links to directories are followed, but not back into a directory that is being listed.
+PLUGININTERFACE_EXPORT QStringList GetFilePaths(const QString &path);
+
+/// Checks ahead of a move that everything to be moved is there and everything to be replaced can be written. Changes
+/// nothing.
+PLUGININTERFACE_EXPORT bool IsMoveAbleDir(const QString &from, const QString &to, QString &error);
+
+/// Copies, or with \a move moves, the files of a tree over another one and replaces those that exist there.
+/// Directories come to exist with the files below them, so empty ones are not made.
+PLUGININTERFACE_EXPORT bool CopyDir(const QString &from, const QString &to, QString &error, bool move);
+
+/// Copies a file over another one.
+PLUGININTERFACE_EXPORT bool CopyFile(const QString &from, const QString &to, QString &error);
+
+/// Moves the files of a tree over another one, then removes what is left of the first.
+PLUGININTERFACE_EXPORT bool MoveDir(const QString &from, const QString &to, QString &error);
+
+/// Removes a tree, ".svn" included. Links are removed, not followed. True if there is nothing at \a path.
+PLUGININTERFACE_EXPORT bool RemoveDir(const QString &path, QString &error);
+
+} // namespace FileFunctions

@@ -1,0 +1,221 @@
+#include "PluginInterface.h"
+
+#include <plugin/PacketLayerWrapper.h>
+
+#include <QtEndian>
+
+#include <limits>
+
+namespace {
+
+constexpr int MAX_COUNTED_BYTES = std::numeric_limits<quint16>::max();
+
+template <typename Number>
+void AppendLittleEndian(QByteArray &data, Number value)
+{
+    char bytes[sizeof value];
+    qToLittleEndian(value, bytes);
+    data.append(bytes, sizeof bytes);
+}
+
+// The payload may be shorter than its event wants; it reads as 0 then.
+template <typename Number>
+Number ReadLittleEndian(const QByteArray &data)
+{
+    return data.size() < int(sizeof(Number)) ? Number(0) : qFromLittleEndian<Number>(data.constData());
+}
+
+// A 16-bit count of the bytes, then the bytes.
+void AppendCounted(QByteArray &data, const QByteArray &bytes)
+{
+    AppendLittleEndian(data, static_cast<quint16>(bytes.size()));
+    data.append(bytes);
+}
+
+QByteArray ToUtf8WithinCount(const QString &text)
+{
+    QByteArray bytes = text.toUtf8();
+    if (bytes.size() <= MAX_COUNTED_BYTES)
+        return bytes;
+    // The byte at the cut has to begin a character; those that continue one look like 10xxxxxx.
+    int length = MAX_COUNTED_BYTES;
+    while (length > 0 && (static_cast<unsigned char>(bytes.at(length)) & 0xC0u) == 0x80u)
+        --length;
+    bytes.truncate(length);
+    return bytes;
+}
+
+QString TextUpToZero(const QByteArray &data)
+{
+    return QString::fromUtf8(data.constData(),
+                             static_cast<int>(qstrnlen(data.constData(), static_cast<uint>(data.size()))));
+}
+
+} // namespace
+
+CPluginInterfaceFunctions::CPluginInterfaceFunctions()
+{
+    // A queued delivery finds the type by its name.
+    qRegisterMetaType<CEvent>("CEvent");
+    connect(this, &CPluginInterfaceFunctions::signal_ReceiveEvent, this,
+            &CPluginInterfaceFunctions::slot_ReceiveEvent, Qt::AutoConnection);
+}
+
+CPluginInterfaceFunctions::~CPluginInterfaceFunctions() = default;
+
+void CPluginInterfaceFunctions::RegisterEvents()
+{
+    Q_EMIT signal_RegisterForEvent(QStringLiteral("M2PE"), QString());
+    RegisterForEvents();
+}
+
+void CPluginInterfaceFunctions::emit_ReceiveEvent(CEvent e)
+{
+    Q_EMIT signal_ReceiveEvent(e);
+}
+
+void CPluginInterfaceFunctions::RegisterForEvent(const QString &tag1, const QString &tag2) const
+{
+    constexpr int TAG_LENGTH = sizeof CEvent::tag1;
+    if (tag1.size() < TAG_LENGTH || (!tag2.isEmpty() && tag2.size() < TAG_LENGTH))
+        return;
+    Q_EMIT signal_RegisterForEvent(tag1, tag2);
+}
+
+void CPluginInterfaceFunctions::SendInternEvent(CEvent e, bool afterLogin)
+{
+    if (!afterLogin) {
+        Q_EMIT signal_SendEvent(e);
+        return;
+    }
+    // Nobody can be logged in yet, so the event itself is kept back.
+    OpenLoginDialog();
+}
+
+void CPluginInterfaceFunctions::SendInternEvent(unsigned char moduleID, unsigned int targetID, QString tag1,
+                                                QString tag2, bool afterLogin)
+{
+    CEvent event = CEvent::Create(tag1, tag2);
+    event.moduleID = moduleID;
+    event.targetID = targetID;
+    SendInternEvent(event, afterLogin);
+}
+
+void CPluginInterfaceFunctions::SendToServer(char *data, int length, bool afterLogin)
+{
+    SendPacketBytes(QStringLiteral("RSRV"), data, length, afterLogin);
+}
+
+void CPluginInterfaceFunctions::SendToServer(const char *group, unsigned char moduleID, unsigned int targetID,
+                                             const char *data, int length, bool afterLogin)
+{
+    SendFramed(QStringLiteral("RSRV"), CPacketLayerWrapper(group, moduleID, targetID), data, length, afterLogin);
+}
+
+void CPluginInterfaceFunctions::SendToWebServer(const char *data, int length, bool afterLogin)
+{
+    SendPacketBytes(QStringLiteral("RWEB"), data, length, afterLogin);
+}
+
+void CPluginInterfaceFunctions::SendToWebServer(const char *group, unsigned char moduleID, unsigned int targetID,
+                                                const char *data, int length, bool afterLogin)
+{
+    SendFramed(QStringLiteral("RWEB"), CPacketLayerWrapper(group, moduleID, targetID), data, length, afterLogin);
+}
+
+void CPluginInterfaceFunctions::OpenWebPage(WebLinks::id link, bool afterLogin)
+{
+    QByteArray data;
+    AppendLittleEndian<qint32>(data, link);
+    SendToHost(QStringLiteral("WLID"), data, afterLogin);
+}
+
+void CPluginInterfaceFunctions::OpenWebPage(const QString &link, bool afterLogin)
+{
+    if (link.isEmpty())
+        return;
+    SendToHost(QStringLiteral("WLNK"), link.toUtf8(), afterLogin);
+}
+
+void CPluginInterfaceFunctions::OpenWebPage(const QString &first, const QString &second, bool afterLogin)
+{
+    QByteArray data;
+    AppendCounted(data, second.left(MAX_COUNTED_BYTES).toLatin1());
+    AppendCounted(data, first.left(MAX_COUNTED_BYTES).toLatin1());
+    SendToHost(QStringLiteral("WEBW"), data, afterLogin);
+}
+
+void CPluginInterfaceFunctions::OpenLoginDialog()
+{
+    SendToHost(QStringLiteral("LGND"), QByteArray(), false);
+}
+
+void CPluginInterfaceFunctions::RequestCashierInformation()
+{
+    SendToHost(QStringLiteral("RQCI"), QByteArray(), true);
+}
+
+void CPluginInterfaceFunctions::RequestShutDown()
+{
+    SendToHost(QStringLiteral("RSHD"), QByteArray(), false);
+}
+
+void CPluginInterfaceFunctions::AddDesignerPage(const QString &name, QWidget *page)
+{
+    if (name.isEmpty() || !page)
+        return;
+    CEvent event = CEvent::Create(QStringLiteral("DESI"), QStringLiteral("ADDW"));
+    AppendCounted(event.data, ToUtf8WithinCount(name));
+    event.widget = page;
+    SendInternEvent(event, false);
+}
+
+void CPluginInterfaceFunctions::slot_ReceiveEvent(CEvent e)
+{
+    if (e.HasTags("M2PE", "SCOE"))
+        ConnectionEstablished(ReadLittleEndian<quint16>(e.data));
+    else if (e.HasTags("M2PE", "SCOC"))
+        ConnectionStateChanged(static_cast<EConnectionState::type>(ReadLittleEndian<qint32>(e.data)));
+    else if (e.HasTags("M2PE", "LGNF"))
+        LoginFailed(TextUpToZero(e.data));
+    else
+        ReceiveEvent(e);
+}
+
+void CPluginInterfaceFunctions::SendToHost(const QString &tag2, const QByteArray &data, bool afterLogin)
+{
+    CEvent event = CEvent::Create(QStringLiteral("P2ME"), tag2);
+    event.data = data;
+    SendInternEvent(event, afterLogin);
+}
+
+void CPluginInterfaceFunctions::SendPacketBytes(const QString &tag2, const char *data, int length, bool afterLogin)
+{
+    if (length < 0 || (!data && length > 0))
+        return;
+    SendToHost(tag2, QByteArray(data, length), afterLogin);
+}
+
+void CPluginInterfaceFunctions::SendFramed(const QString &tag2, CPacketLayerWrapper packet, const char *data,
+                                           int length, bool afterLogin)
+{
+    if (packet.AddPacket(data, static_cast<unsigned short>(length)))
+        SendPacketBytes(tag2, packet.GetPacket(), packet.GetPacketSize(), afterLogin);
+}
+
+CPluginInterface::CPluginInterface() = default;
+
+CPluginInterface::~CPluginInterface() = default;
+
+// A plugin overrides what it cares about.
+void CPluginInterface::ReceiveEvent(CEvent) {}
+
+void CPluginInterface::RegisterForEvents() {}
+
+void CPluginInterface::ConnectionEstablished(unsigned short) {}
+
+void CPluginInterface::ConnectionStateChanged(EConnectionState::type) {}
+
+void CPluginInterface::LoginFailed(QString) {}
+
+void CPluginInterface::CreateDesignerPages() {}

@@ -1,0 +1,14 @@
+# Runs a command and ends the test if it fails.
+function(run)
+    execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+# Configures the consumer: configure_consumer(<build folder> [<option>...])
+function(configure_consumer dir)
+    run("${CMAKE_COMMAND}" -S "${CONSUMER_DIR}" -B "${dir}" -G "${GENERATOR}"
+        -D "CMAKE_BUILD_TYPE=${BUILD_TYPE}"
+        -D "CMAKE_CXX_COMPILER=${CXX_COMPILER}"
+        -D "CMAKE_CXX_COMPILER_LAUNCHER=${CXX_COMPILER_LAUNCHER}"
+        -D "CMAKE_CXX_FLAGS=${CXX_FLAGS}"
+        ${ARGN})
+endfunction()

@@ -1,0 +1,26 @@
+cmake_minimum_required(VERSION 3.25)
+include("${CMAKE_CURRENT_LIST_DIR}/common.cmake")
+
+file(REMOVE_RECURSE "${WORK_DIR}")
+run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
+
+# Private headers stay at home, and the consumer includes each of the others.
+set(include_dir "${WORK_DIR}/prefix/include/plugininterface")
+file(GLOB_RECURSE headers RELATIVE "${include_dir}" "${include_dir}/*")
+if(NOT headers)
+    message(FATAL_ERROR "no headers in ${include_dir}")
+endif()
+file(READ "${CONSUMER_DIR}/main.cpp" consumer)
+foreach(header IN LISTS headers)
+    if(header MATCHES "_p\\.h$")
+        message(FATAL_ERROR "private header installed: ${header}")
+    endif()
+    string(FIND "${consumer}" "#include <${header}>" position)
+    if(position EQUAL -1)
+        message(FATAL_ERROR "the consumer doesn't include ${header}")
+    endif()
+endforeach()
+
+configure_consumer("${WORK_DIR}/build" -D "CMAKE_PREFIX_PATH=${WORK_DIR}/prefix")
+run("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
+run("${WORK_DIR}/build/consumer")

@@ -1,0 +1,43 @@
+#include <plugin/PluginInterface.h>
+
+#include <sharedinstances/Singletons.h>
+
+#include <QDataStream>
+
+// On "TEST" "RPRT" it sends what it sees: the shared addresses, then the texts in the console, in an event of the
+// same tags. On "TEST" "LOGM" it adds its name to the console.
+class CReportingPlugin : public CPluginInterface
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID CPluginInterface_iid)
+
+public:
+    QString GetName() const override { return QStringLiteral(PLUGIN_NAME); }
+    QString GetVersion() const override { return QStringLiteral("1.0"); }
+    QStringList GetDependencies() const override { return {}; }
+    bool Initialize() override { return true; }
+    void Start() override {}
+    bool CanClose() override { return true; }
+    void Shutdown() override {}
+    QWidget *CreateView(QWidget *) override { return nullptr; }
+
+    void ReceiveEvent(CEvent e) override
+    {
+        if (e.HasTags("TEST", "LOGM")) {
+            // Built at run time: the letters of a literal would go with this file when it is unloaded.
+            CConsole::AddMessage(QString::fromLatin1(PLUGIN_NAME), CConsole::MC_Plugin, CConsole::ML_Info, QString(),
+                                 0);
+        } else if (e.HasTags("TEST", "RPRT")) {
+            QStringList messages;
+            const QList<CConsole::SConsoleMessage> all = CConsole::GetMessages();
+            for (const CConsole::SConsoleMessage &message : all)
+                messages << message.strMessage;
+            e.data.clear();
+            QDataStream out(&e.data, QIODevice::WriteOnly);
+            out << GetSharedAddresses() << messages;
+            SendInternEvent(e, false);
+        }
+    }
+};
+
+#include "ReportingPlugin.moc"
