@@ -1,0 +1,201 @@
+#include "Host.h"
+
+#include <files/Console.h>
+
+#include <QDataStream>
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace {
+
+void Note(const QString &text, CConsole::EMessageCategory category, CConsole::EMessageLevel level)
+{
+    CConsole::AddMessage(text, category, level, QString(), 0);
+}
+
+// A server must not speak in the host's or a plugin's name.
+bool IsReservedGroup(const QString &group)
+{
+    return group == QLatin1String("M2PE") || group == QLatin1String("P2ME") || group == QLatin1String("DESI");
+}
+
+template <typename Number>
+QByteArray LittleEndianBytes(Number value)
+{
+    QByteArray bytes(sizeof value, Qt::Uninitialized);
+    qToLittleEndian(value, bytes.data());
+    return bytes;
+}
+
+// A Latin-1 text behind its 16-bit length; null if it isn't all there.
+QString ReadCountedText(QDataStream &stream)
+{
+    quint16 length = 0;
+    stream >> length;
+    QByteArray text(length, Qt::Uninitialized);
+    if (stream.status() != QDataStream::Ok || stream.readRawData(text.data(), length) != length)
+        return QString();
+    return QString::fromLatin1(text);
+}
+
+} // namespace
+
+CHost::CHost(const QString &server, quint16 port, QObject *parent)
+    : QObject(parent)
+    , m_link(server, port)
+{
+    connect(&m_link, &CServerLink::signal_StateChanged, this, &CHost::slot_ConnectionStateChanged);
+    connect(&m_link, &CServerLink::signal_PacketReceived, this, &CHost::slot_PacketReceived);
+    connect(&m_link, &CServerLink::signal_Problem, this,
+            [](const QString &text) { Note(text, CConsole::MC_Network, CConsole::ML_Warning); });
+    connect(&m_plugins, &CPluginManager::signal_PluginDropped, this,
+            [this](CPluginInterface *plugin) { m_router.Unregister(plugin); });
+}
+
+void CHost::StartPlugins(const QString &directory)
+{
+    m_plugins.Load(directory);
+    // A plugin that refuses is dropped on the way, with those that depend on it, so the steps walk over copies.
+    const auto loaded = m_plugins.GetPlugins();
+    for (CPluginInterface *plugin : loaded)
+        ConnectPlugin(plugin);
+    for (CPluginInterface *plugin : loaded) {
+        if (m_plugins.GetPlugins().contains(plugin) && !plugin->Initialize())
+            m_plugins.Drop(plugin, QStringLiteral("it couldn't be initialized"));
+    }
+    const auto initialized = m_plugins.GetPlugins();
+    for (CPluginInterface *plugin : initialized) {
+        plugin->Start();
+        Note(QStringLiteral("Plugin \"%1\" %2 started").arg(plugin->GetName(), plugin->GetVersion()),
+             CConsole::MC_Plugin, CConsole::ML_Info);
+    }
+    for (CPluginInterface *plugin : initialized)
+        plugin->CreateDesignerPages();
+}
+
+void CHost::OpenLink()
+{
+    m_link.Open();
+}
+
+bool CHost::CanClose() const
+{
+    const auto &plugins = m_plugins.GetPlugins();
+    return std::all_of(plugins.begin(), plugins.end(), [](CPluginInterface *plugin) { return plugin->CanClose(); });
+}
+
+void CHost::Shutdown()
+{
+    m_link.Close();
+    const auto &plugins = m_plugins.GetPlugins();
+    std::for_each(plugins.rbegin(), plugins.rend(), [](CPluginInterface *plugin) { plugin->Shutdown(); });
+}
+
+void CHost::slot_SendEvent(CEvent e)
+{
+    if (e.HasTags("P2ME", "LGND"))
+        OpenLoginDialog();
+    else if (e.HasTags("P2ME", "RQCI"))
+        RequestCashierInformation();
+    else if (e.HasTags("P2ME", "RSHD"))
+        Q_EMIT signal_ShutDownRequested();
+    else if (e.HasTags("P2ME", "RSRV"))
+        SendToServer(e.data);
+    else if (e.HasTags("P2ME", "RWEB"))
+        Note(QStringLiteral("A packet for the web server is lost: there is no link to it"), CConsole::MC_Network,
+             CConsole::ML_Warning);
+    else if (e.HasTags("P2ME", "WLID"))
+        OpenLinkID(e.data);
+    else if (e.HasTags("P2ME", "WLNK"))
+        OpenAddress(QString::fromUtf8(e.data));
+    else if (e.HasTags("P2ME", "WEBW"))
+        OpenAddressWithQuery(e.data);
+    else
+        m_router.Deliver(e);
+}
+
+void CHost::slot_ConnectionStateChanged(EConnectionState::type state)
+{
+    DeliverToPlugins(QStringLiteral("SCOC"), LittleEndianBytes<qint32>(state));
+    // With the number of links so far, so that a plugin can tell the first from a later one.
+    if (state == EConnectionState::Connected)
+        DeliverToPlugins(QStringLiteral("SCOE"), LittleEndianBytes<quint16>(++m_usLinkCount));
+    Q_EMIT signal_ConnectionStateChanged(state);
+}
+
+void CHost::slot_PacketReceived(CPacketLayerWrapper packet)
+{
+    const QString group = packet.GetGroup();
+    if (IsReservedGroup(group)) {
+        Note(QStringLiteral("The game server sent a packet of the group %1, which is the client's own").arg(group),
+             CConsole::MC_Network, CConsole::ML_Warning);
+        return;
+    }
+    while (packet.GetNext()) {
+        CEvent event = CEvent::Create(group, packet.GetPayloadTag());
+        event.moduleID = packet.GetModuleID();
+        event.targetID = packet.GetTargetID();
+        event.data = QByteArray(packet.GetPayload(), packet.GetPayloadLength());
+        m_router.Deliver(event);
+    }
+}
+
+void CHost::ConnectPlugin(CPluginInterface *plugin)
+{
+    connect(plugin, &CPluginInterface::signal_SendEvent, this, &CHost::slot_SendEvent);
+    connect(plugin, &CPluginInterface::signal_RegisterForEvent, this,
+            [this, plugin](const QString &tag1, const QString &tag2) { m_router.Register(plugin, tag1, tag2); });
+    plugin->RegisterEvents();
+}
+
+void CHost::DeliverToPlugins(const QString &tag2, const QByteArray &data)
+{
+    CEvent event = CEvent::Create(QStringLiteral("M2PE"), tag2);
+    event.data = data;
+    m_router.Deliver(event);
+}
+
+void CHost::OpenLoginDialog()
+{
+    DeliverToPlugins(QStringLiteral("LGNF"), QByteArrayLiteral("The game server keeps no accounts."));
+}
+
+void CHost::RequestCashierInformation()
+{
+    Note(QStringLiteral("There is no cashier information: the game server keeps no accounts"), CConsole::MC_Network,
+         CConsole::ML_Info);
+}
+
+void CHost::SendToServer(const QByteArray &packet)
+{
+    if (!m_link.Send(packet))
+        Note(QStringLiteral("A packet of %1 bytes for the game server is lost").arg(packet.size()),
+             CConsole::MC_Network, CConsole::ML_Warning);
+}
+
+void CHost::OpenLinkID(const QByteArray &data)
+{
+    const qint32 id = data.size() < int(sizeof(qint32)) ? 0 : qFromLittleEndian<qint32>(data.constData());
+    Note(QStringLiteral("Page %1 has no address").arg(id), CConsole::MC_General, CConsole::ML_Warning);
+}
+
+void CHost::OpenAddress(const QString &address)
+{
+    const QUrl url(address, QUrl::StrictMode);
+    // A plugin may have its address from a server; nothing but a web page is opened.
+    if (url.isValid() && (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https")))
+        Q_EMIT signal_PageRequested(url);
+    else
+        Note(QStringLiteral("No web page: %1").arg(address), CConsole::MC_General, CConsole::ML_Warning);
+}
+
+// The plugins of this client pass a page's address first and its query second; the second one leads in the payload.
+void CHost::OpenAddressWithQuery(const QByteArray &data)
+{
+    QDataStream stream(data);
+    stream.setByteOrder(QDataStream::LittleEndian);
+    const QString query = ReadCountedText(stream);
+    const QString address = ReadCountedText(stream);
+    OpenAddress(query.isEmpty() ? address : address + QLatin1Char('?') + query);
+}

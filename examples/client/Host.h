@@ -1,0 +1,60 @@
+#pragma once
+
+#include "EventRouter.h"
+#include "PluginManager.h"
+#include "ServerLink.h"
+
+#include <QObject>
+#include <QUrl>
+
+/// The host's side of the bus: loads the plugins, keeps the link to the game server, and serves what plugins ask for.
+class CHost : public QObject
+{
+    Q_OBJECT
+
+public:
+    CHost(const QString &server, quint16 port, QObject *parent = nullptr);
+
+    /// Loads the plugins of \a directory and starts them, each behind those it depends on.
+    void StartPlugins(const QString &directory);
+    /// Puts a plugin on the bus and lets it register; StartPlugins() does so with those that it loads.
+    void ConnectPlugin(CPluginInterface *plugin);
+    /// Opens the link to the game server; it comes back by itself from then on.
+    void OpenLink();
+
+    /// Whether every plugin agrees that the client ends.
+    bool CanClose() const;
+    /// Closes the link and shuts the plugins down, the last started first.
+    void Shutdown();
+
+    const CPluginManager &GetPluginManager() const { return m_plugins; }
+    const CServerLink &GetServerLink() const { return m_link; }
+
+Q_SIGNALS:
+    void signal_ConnectionStateChanged(EConnectionState::type state);
+    /// A plugin wants the client to end.
+    void signal_ShutDownRequested();
+    /// A plugin wants a page to be shown; always http or https.
+    void signal_PageRequested(const QUrl &url);
+
+private Q_SLOTS:
+    void slot_SendEvent(CEvent e);
+    void slot_ConnectionStateChanged(EConnectionState::type state);
+    void slot_PacketReceived(CPacketLayerWrapper packet);
+
+private:
+    void DeliverToPlugins(const QString &tag2, const QByteArray &data);
+
+    // What plugins ask for under "P2ME".
+    void OpenLoginDialog();
+    void RequestCashierInformation();
+    void SendToServer(const QByteArray &packet);
+    void OpenLinkID(const QByteArray &data);
+    void OpenAddress(const QString &address);
+    void OpenAddressWithQuery(const QByteArray &data);
+
+    CEventRouter m_router;
+    CServerLink m_link;
+    CPluginManager m_plugins;
+    quint16 m_usLinkCount = 0;
+};

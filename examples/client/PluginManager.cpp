@@ -1,0 +1,125 @@
+#include "PluginManager.h"
+
+#include <files/Console.h>
+
+#include <QDir>
+#include <QLibrary>
+#include <QPluginLoader>
+#include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+void Complain(const QString &text)
+{
+    CConsole::AddMessage(text, CConsole::MC_Plugin, CConsole::ML_Error, QString(), 0);
+}
+
+} // namespace
+
+CPluginManager::CPluginManager(QObject *parent)
+    : QObject(parent)
+{
+}
+
+CPluginManager::~CPluginManager()
+{
+    while (!m_plugins.isEmpty())
+        Unload(m_plugins.last());
+}
+
+void CPluginManager::Load(const QString &directory)
+{
+    QVector<CPluginInterface *> found;
+    QSet<QString> names;
+    const QFileInfoList files = QDir(directory).entryInfoList(QDir::Files, QDir::Name);
+    for (const QFileInfo &file : files) {
+        if (!QLibrary::isLibrary(file.fileName()))
+            continue;
+        CPluginInterface *plugin = LoadFile(file.absoluteFilePath());
+        if (!plugin)
+            continue;
+        if (names.contains(plugin->GetName())) {
+            Complain(QStringLiteral("%1: there is a plugin \"%2\" already").arg(file.fileName(), plugin->GetName()));
+            Unload(plugin);
+            continue;
+        }
+        names.insert(plugin->GetName());
+        found.append(plugin);
+    }
+
+    m_plugins = SortByDependencies(found);
+    for (CPluginInterface *plugin : qAsConst(found)) {
+        if (m_plugins.contains(plugin))
+            continue;
+        Complain(QStringLiteral("Plugin \"%1\" is left out: it needs %2")
+                     .arg(plugin->GetName(), plugin->GetDependencies().join(QLatin1String(", "))));
+        Unload(plugin);
+    }
+}
+
+void CPluginManager::Drop(CPluginInterface *plugin, const QString &reason)
+{
+    const QString name = plugin->GetName();
+    Complain(QStringLiteral("Plugin \"%1\" is dropped: %2").arg(name, reason));
+    // The last one first: a plugin may rely on those it depends on until it is gone.
+    for (int i = m_plugins.size() - 1; i >= 0; i = std::min(i, m_plugins.size()) - 1) {
+        if (m_plugins.at(i)->GetDependencies().contains(name))
+            Drop(m_plugins.at(i), QStringLiteral("it needs \"%1\"").arg(name));
+    }
+    Q_EMIT signal_PluginDropped(plugin);
+    Unload(plugin);
+}
+
+QVector<CPluginInterface *> CPluginManager::SortByDependencies(const QVector<CPluginInterface *> &plugins)
+{
+    QVector<CPluginInterface *> sorted;
+    QSet<QString> names;
+    QVector<CPluginInterface *> waiting = plugins;
+    const auto isReady = [&names](const CPluginInterface *plugin) {
+        const QStringList dependencies = plugin->GetDependencies();
+        return std::all_of(dependencies.begin(), dependencies.end(),
+                           [&names](const QString &name) { return names.contains(name); });
+    };
+    for (;;) {
+        const auto next = std::find_if(waiting.begin(), waiting.end(), isReady);
+        if (next == waiting.end())
+            return sorted;
+        names.insert((*next)->GetName());
+        sorted.append(*next);
+        waiting.erase(next);
+    }
+}
+
+CPluginInterface *CPluginManager::LoadFile(const QString &file)
+{
+    auto loader = new QPluginLoader(file, this);
+    // The metadata is read off the file without loading it.
+    const QString interface = loader->metaData().value(QLatin1String("IID")).toString();
+    if (interface != QLatin1String(CPluginInterface_iid)) {
+        Complain(interface.isEmpty() ? QStringLiteral("%1 is no plugin").arg(file)
+                                     : QStringLiteral("%1 is built for %2, this client for %3")
+                                           .arg(file, interface, QLatin1String(CPluginInterface_iid)));
+        delete loader;
+        return nullptr;
+    }
+    auto plugin = qobject_cast<CPluginInterface *>(loader->instance());
+    if (!plugin) {
+        Complain(QStringLiteral("%1 can't be loaded: %2").arg(file, loader->errorString()));
+        delete loader;
+        return nullptr;
+    }
+    m_loaders.append(loader);
+    return plugin;
+}
+
+void CPluginManager::Unload(CPluginInterface *plugin)
+{
+    const auto loader = std::find_if(m_loaders.begin(), m_loaders.end(),
+                                     [plugin](QPluginLoader *candidate) { return candidate->instance() == plugin; });
+    m_plugins.removeAll(plugin);
+    (*loader)->unload(); // deletes the plugin
+    delete *loader;
+    m_loaders.erase(loader);
+}

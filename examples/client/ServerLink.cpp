@@ -1,0 +1,119 @@
+#include "ServerLink.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int FIRST_RETRY_MS = 250;
+constexpr int LAST_RETRY_MS = 4000;
+constexpr int PACKET_LIMIT_MS = 10000;
+
+bool IsOnePacket(const QByteArray &bytes)
+{
+    return bytes.size() >= CPacketLayerWrapper::HEADER_SIZE &&
+           qFromLittleEndian<quint16>(bytes.constData() + ucPacketSizePos) == bytes.size();
+}
+
+} // namespace
+
+CServerLink::CServerLink(const QString &server, quint16 port, QObject *parent)
+    : QObject(parent)
+    , m_strServer(server)
+    , m_usPort(port)
+    , m_iRetryMs(FIRST_RETRY_MS)
+{
+    m_packetTimer.setSingleShot(true);
+    m_packetTimer.setInterval(PACKET_LIMIT_MS);
+    connect(&m_packetTimer, &QTimer::timeout, this, [this] { GiveUp(QStringLiteral("doesn't finish a packet")); });
+    m_retryTimer.setSingleShot(true);
+    connect(&m_retryTimer, &QTimer::timeout, this, &CServerLink::Connect);
+    connect(&m_socket, &QTcpSocket::stateChanged, this, &CServerLink::slot_SocketStateChanged);
+    connect(&m_socket, &QTcpSocket::readyRead, this, &CServerLink::slot_ReadyRead);
+}
+
+CServerLink::~CServerLink()
+{
+    // The socket would report its end when the timers are gone already.
+    m_socket.disconnect(this);
+}
+
+void CServerLink::Open()
+{
+    if (m_eState != EConnectionState::Disconnected)
+        return;
+    SetState(EConnectionState::Connecting);
+    Connect();
+}
+
+void CServerLink::Close()
+{
+    SetState(EConnectionState::Disconnected);
+    m_packetTimer.stop();
+    m_retryTimer.stop();
+    m_socket.abort();
+}
+
+QString CServerLink::GetAddress() const
+{
+    return m_strServer + QLatin1Char(':') + QString::number(m_usPort);
+}
+
+bool CServerLink::Send(const QByteArray &packet)
+{
+    if (m_eState != EConnectionState::Connected || !IsOnePacket(packet))
+        return false;
+    return m_socket.write(packet) == packet.size();
+}
+
+void CServerLink::slot_SocketStateChanged(QAbstractSocket::SocketState state)
+{
+    if (m_eState == EConnectionState::Disconnected)
+        return;
+    if (state == QAbstractSocket::ConnectedState) {
+        SetState(EConnectionState::Connected);
+    } else if (state == QAbstractSocket::UnconnectedState) {
+        // The pause grows until a server has sent a packet: one that only takes links isn't asked in a tight loop.
+        m_packetTimer.stop();
+        m_retryTimer.start(m_iRetryMs);
+        m_iRetryMs = std::min(m_iRetryMs * 2, LAST_RETRY_MS);
+        SetState(EConnectionState::Reconnecting);
+    }
+}
+
+void CServerLink::slot_ReadyRead()
+{
+    m_stream.Append(m_socket.readAll());
+    CPacketLayerWrapper packet;
+    // Whoever takes a packet may close the link.
+    while (m_eState == EConnectionState::Connected && m_stream.TakePacket(packet)) {
+        m_iRetryMs = FIRST_RETRY_MS;
+        m_packetTimer.stop();
+        Q_EMIT signal_PacketReceived(packet);
+    }
+    if (m_stream.IsBroken())
+        GiveUp(QStringLiteral("sends what is no packet"));
+    else if (m_stream.HasPartialPacket() && !m_packetTimer.isActive())
+        m_packetTimer.start();
+}
+
+void CServerLink::GiveUp(const QString &reason)
+{
+    Q_EMIT signal_Problem(QStringLiteral("%1 %2; the link is closed").arg(GetAddress(), reason));
+    m_socket.abort();
+}
+
+void CServerLink::Connect()
+{
+    m_stream.Reset();
+    m_socket.connectToHost(m_strServer, m_usPort);
+}
+
+void CServerLink::SetState(EConnectionState::type state)
+{
+    if (m_eState == state)
+        return;
+    m_eState = state;
+    Q_EMIT signal_StateChanged(state);
+}

@@ -1,0 +1,93 @@
+#include "GameServer.h"
+#include "TableFile.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDateTime>
+
+#include <cstdio>
+#include <limits>
+
+namespace {
+
+int Fail(const QString &error)
+{
+    std::fprintf(stderr, "gameserver: %s\n", qUtf8Printable(error));
+    return 1;
+}
+
+struct SOptions
+{
+    QString strData;
+    quint32 uiPort = 0;
+    quint32 uiSeed = 0;
+    quint32 uiIdle = 0;
+};
+
+/// False, with the reason in \a error, if the option's value isn't a number within the limits.
+bool ReadNumber(const QCommandLineParser &parser, const QCommandLineOption &option, quint32 least, quint32 most,
+                quint32 &number, QString &error)
+{
+    bool good = false;
+    number = parser.value(option).toUInt(&good);
+    if (good && number >= least && number <= most)
+        return true;
+    error = QStringLiteral("--%1 takes a number from %2 to %3").arg(option.names().constFirst()).arg(least).arg(most);
+    return false;
+}
+
+bool ReadOptions(const QCoreApplication &application, SOptions &options, QString &error)
+{
+    const QCommandLineOption data(QStringLiteral("data"), QStringLiteral("JSON file with the tables; required."),
+                                  QStringLiteral("file"));
+    const QCommandLineOption port(QStringLiteral("port"),
+                                  QStringLiteral("Port on 127.0.0.1; 0, the default, is any."),
+                                  QStringLiteral("number"), QStringLiteral("0"));
+    const QCommandLineOption seed(QStringLiteral("seed"),
+                                  QStringLiteral("Seed for the coming and going of players; default 1."),
+                                  QStringLiteral("number"), QStringLiteral("1"));
+    const QCommandLineOption idle(QStringLiteral("idle-ms"),
+                                  QStringLiteral("Milliseconds that a packet may stay half-sent; default 15000."),
+                                  QStringLiteral("number"), QStringLiteral("15000"));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Serves a list of poker tables to clients on this machine until a signal ends it.\n"
+        "Prints \"listening on PORT\" once clients can connect. Clients that come and go, and why, are\n"
+        "told on standard error. The exit code is 1 if the server cannot start."));
+    parser.addHelpOption();
+    parser.addOptions({data, port, seed, idle});
+    parser.process(application);
+
+    options.strData = parser.value(data);
+    if (options.strData.isEmpty())
+        error = QStringLiteral("--data is missing; see --help");
+    else if (!parser.positionalArguments().isEmpty())
+        error = QStringLiteral("unknown argument \"%1\"; see --help").arg(parser.positionalArguments().constFirst());
+    return error.isEmpty() &&
+           ReadNumber(parser, port, 0, std::numeric_limits<quint16>::max(), options.uiPort, error) &&
+           ReadNumber(parser, seed, 0, std::numeric_limits<quint32>::max(), options.uiSeed, error) &&
+           ReadNumber(parser, idle, 1, std::numeric_limits<qint32>::max(), options.uiIdle, error);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    SOptions options;
+    QVector<LobbyProtocol::STable> tables;
+    QString error;
+    if (!ReadOptions(application, options, error) ||
+        !LoadTables(options.strData, static_cast<quint32>(QDateTime::currentSecsSinceEpoch()), tables, error))
+        return Fail(error);
+
+    CGameServer server(tables, options.uiSeed, static_cast<int>(options.uiIdle));
+    if (!server.Listen(static_cast<quint16>(options.uiPort)))
+        return Fail(QStringLiteral("port %1: %2").arg(options.uiPort).arg(server.GetError()));
+
+    // Whoever started the server waits for this line to learn the port. Nothing is kept that a signal could lose, so
+    // the default action of SIGTERM and SIGINT is the right end.
+    std::printf("listening on %d\n", int(server.GetPort()));
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}

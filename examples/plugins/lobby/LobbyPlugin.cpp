@@ -1,0 +1,94 @@
+#include "LobbyPlugin.h"
+
+#include "LobbyView.h"
+
+#include <files/Console.h>
+
+namespace {
+
+constexpr QLatin1String TEXT_MALFORMED("Lobby: the game server sent something malformed, which was ignored. Further "
+                                       "cases on this connection are not reported.");
+
+} // namespace
+
+void CLobbyPlugin::ReceiveEvent(CEvent e)
+{
+    if (HandleRecord(e) || m_bWarned)
+        return;
+    m_bWarned = true;
+    CConsole::AddMessage(TEXT_MALFORMED, CConsole::MC_Network, CConsole::ML_Warning,
+                         QString::fromLatin1(e.tag2, sizeof e.tag2), e.data.size());
+}
+
+void CLobbyPlugin::RegisterForEvents()
+{
+    RegisterForEvent(QString::fromLatin1(LobbyProtocol::GROUP), QString());
+}
+
+void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
+{
+    m_pModel->SetStale();
+    ForgetIncoming();
+    m_bWarned = false;
+    if (state != EConnectionState::Connected)
+        return;
+    const QByteArray request = LobbyProtocol::EncodeGetList();
+    SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), request.size(), false);
+}
+
+QWidget *CLobbyPlugin::CreateView(QWidget *parent)
+{
+    return new CLobbyView(m_pModel, parent);
+}
+
+// False if the record is one of the lobby's, but malformed. Other events, and tags that a newer server may send, are
+// nobody's fault.
+bool CLobbyPlugin::HandleRecord(const CEvent &event)
+{
+    if (event.HasTags(LobbyProtocol::GROUP, LobbyProtocol::TABLE))
+        return HandleTable(event.data);
+    if (event.HasTags(LobbyProtocol::GROUP, LobbyProtocol::LIST_END))
+        return HandleListEnd(event.data);
+    if (event.HasTags(LobbyProtocol::GROUP, LobbyProtocol::PLAYER_COUNTS))
+        return HandlePlayerCounts(event.data);
+    return true;
+}
+
+bool CLobbyPlugin::HandleTable(const QByteArray &payload)
+{
+    LobbyProtocol::STable table;
+    if (!LobbyProtocol::DecodeTable(payload, table) || m_incomingIDs.contains(table.uiID) ||
+        m_incoming.size() >= LobbyProtocol::MAX_TABLES)
+        return false;
+    m_incoming.append(table);
+    m_incomingIDs.insert(table.uiID);
+    return true;
+}
+
+bool CLobbyPlugin::HandleListEnd(const QByteArray &payload)
+{
+    quint32 count = 0;
+    if (!LobbyProtocol::DecodeListEnd(payload, count))
+        return false;
+    // A list that lacks what was malformed is still the best there is.
+    m_pModel->SetTables(m_incoming);
+    const bool complete = quint32(m_incoming.size()) == count;
+    ForgetIncoming();
+    return complete;
+}
+
+bool CLobbyPlugin::HandlePlayerCounts(const QByteArray &payload)
+{
+    QVector<LobbyProtocol::SPlayerCount> counts;
+    if (!LobbyProtocol::DecodePlayerCounts(payload, counts))
+        return false;
+    for (const LobbyProtocol::SPlayerCount &count : qAsConst(counts))
+        m_pModel->SetPlayers(count);
+    return true;
+}
+
+void CLobbyPlugin::ForgetIncoming()
+{
+    m_incoming.clear();
+    m_incomingIDs.clear();
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "TableListModel.h"
+
+#include <plugin/PluginInterface.h>
+
+#include <QSet>
+
+/// Shows the tables of the game server. It asks for the list each time the link stands, and keeps the old one on
+/// screen until the new one is complete.
+class CLobbyPlugin : public CPluginInterface
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID CPluginInterface_iid)
+
+public:
+    void ReceiveEvent(CEvent e) override;
+    void RegisterForEvents() override;
+    void ConnectionStateChanged(EConnectionState::type state) override;
+
+    QString GetName() const override { return QStringLiteral("lobby"); }
+    QString GetVersion() const override { return QStringLiteral("1.0"); }
+    QStringList GetDependencies() const override { return QStringList(); }
+    bool Initialize() override { return true; }
+    void Start() override {}
+    bool CanClose() override { return true; }
+    void Shutdown() override {}
+    QWidget *CreateView(QWidget *parent) override;
+
+private:
+    bool HandleRecord(const CEvent &event);
+    bool HandleTable(const QByteArray &payload);
+    bool HandleListEnd(const QByteArray &payload);
+    bool HandlePlayerCounts(const QByteArray &payload);
+    void ForgetIncoming();
+
+    CTableListModel *m_pModel = new CTableListModel(this);
+    QVector<LobbyProtocol::STable> m_incoming; // the list that isn't complete yet
+    QSet<quint32> m_incomingIDs;
+    bool m_bWarned = false; // on this connection
+};

@@ -1,0 +1,196 @@
+#include "Tour.h"
+
+#include <files/Console.h>
+
+#include <QAbstractItemModel>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTableView>
+#include <QTextStream>
+#include <QtTest>
+
+#include <optional>
+
+namespace {
+
+constexpr int STEP_LIMIT_MS = 15000;
+constexpr int MIN_TABLES = 200;
+
+// The front of a packet that says it has 300 bytes.
+const QByteArray HALF_PACKET("LOBB\x01\x00\x00\x00\x00\x2c\x01\x21\x01TB", 15);
+const QByteArray GARBAGE(64, '\xff');
+
+QString Describe(const CEvent &event)
+{
+    CPacketLayerWrapper packet(event.data.constData());
+    packet.GetNext();
+    return QStringLiteral("%1 %2 in a packet of %3 bytes")
+        .arg(packet.GetGroup(), packet.GetPayloadTag())
+        .arg(packet.GetPacketSize());
+}
+
+} // namespace
+
+CTour::CTour(const STourOptions &options, CHost &host, QMainWindow &window)
+    : m_options(options)
+    , m_host(host)
+    , m_window(window)
+{
+    const auto &plugins = host.GetPluginManager().GetPlugins();
+    for (CPluginInterface *plugin : plugins) {
+        QObject::connect(plugin, &CPluginInterface::signal_SendEvent, &window, [this](const CEvent &event) {
+            if (event.HasTags("P2ME", "RSRV"))
+                m_strLastRequest = Describe(event);
+        });
+    }
+}
+
+int CTour::Run()
+{
+    QDir().mkpath(m_options.strOutput);
+    ShowStart();
+    ShowLobby();
+    ShowLostServer();
+    ShowBadServers();
+    ShowReturn();
+    QTextStream(stdout) << (m_bFailed ? QStringLiteral("The tour failed.\n")
+                                      : QStringLiteral("All %1 steps happened.\n").arg(m_iSteps));
+    return m_bFailed ? 1 : 0;
+}
+
+quint16 CTour::FindFreePort()
+{
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost);
+    return server.serverPort();
+}
+
+void CTour::Step(const QString &text, const TAction &action, const TLook &look)
+{
+    if (m_bFailed)
+        return;
+    action();
+    QString seen;
+    m_bFailed = !QTest::qWaitFor([&] { return !(seen = look()).isEmpty(); }, STEP_LIMIT_MS);
+    QTextStream(stdout) << (m_bFailed ? "FAILED " : "ok     ") << ++m_iSteps << ". " << text << ": "
+                        << (m_bFailed ? QStringLiteral("not seen") : seen) << Qt::endl;
+}
+
+void CTour::ShowStart()
+{
+    const auto nothing = [] {};
+    Step(QStringLiteral("The host has loaded a plugin from a shared object"), nothing, [this] {
+        const auto &plugins = m_host.GetPluginManager().GetPlugins();
+        return plugins.isEmpty() ? QString()
+                                 : plugins.first()->GetName() + QLatin1Char(' ') + plugins.first()->GetVersion();
+    });
+    Step(QStringLiteral("Without a game server the client waits"), nothing,
+         [this] { return SeeState(EConnectionState::Reconnecting); });
+}
+
+void CTour::ShowLobby()
+{
+    const auto nothing = [] {};
+    Step(
+        QStringLiteral("The game server starts behind the client"), [this] { StartGameServer(); },
+        [this] { return m_strServerLine; });
+    Step(QStringLiteral("The client connects"), nothing, [this] { return SeeState(EConnectionState::Connected); });
+    Step(QStringLiteral("The plugin asks for the tables"), nothing, [this] { return m_strLastRequest; });
+    Step(QStringLiteral("The answer fills the lobby"), nothing, [this] { return SeeFilledLobby(); });
+    Step(
+        QStringLiteral("Player counts change by themselves"),
+        [this] {
+            QObject::connect(Find<QTableView>("lobbyTable")->model(), &QAbstractItemModel::dataChanged, &m_window,
+                             [this] { ++m_iCountChanges; });
+        },
+        [this] { return m_iCountChanges > 0 ? QStringLiteral("%1 changes").arg(m_iCountChanges) : QString(); });
+    Step(QStringLiteral("A picture of the lobby"), nothing,
+         [this] { return SaveScreenshot(QStringLiteral("lobby")); });
+    Step(
+        QStringLiteral("A filter shortens the list"),
+        [this] { QTest::keyClicks(Find<QLineEdit>("lobbyFilter"), QStringLiteral("omaha")); },
+        [this] {
+            const int rows = Find<QTableView>("lobbyTable")->model()->rowCount();
+            return rows > 0 && rows < MIN_TABLES ? QStringLiteral("%1 tables").arg(rows) : QString();
+        });
+    Step(
+        QStringLiteral("Without it the list is whole again"), [this] { Find<QLineEdit>("lobbyFilter")->clear(); },
+        [this] { return SeeFilledLobby(); });
+}
+
+void CTour::ShowLostServer()
+{
+    Step(
+        QStringLiteral("The game server is killed"), [this] { m_gameServer.Kill(); },
+        [this] { return SeeState(EConnectionState::Reconnecting); });
+    Step(
+        QStringLiteral("A picture without the server"), [] {},
+        [this] { return SaveScreenshot(QStringLiteral("lobby-offline")); });
+}
+
+void CTour::ShowBadServers()
+{
+    const auto isBad = [this](const QString &text, const QByteArray &bytes, bool hangUp) {
+        std::optional<CBadServer> server;
+        // The second link shows that the client has survived the first one and come back.
+        Step(
+            text, [&] { server.emplace(m_options.usPort, bytes, hangUp); },
+            [&] { return server->GetLinkCount() > 1 ? QStringLiteral("the client came back") : QString(); });
+    };
+    isBad(QStringLiteral("A server sends half a packet and is gone"), HALF_PACKET, true);
+    isBad(QStringLiteral("A server sends what is no packet"), GARBAGE, false);
+}
+
+void CTour::ShowReturn()
+{
+    Step(
+        QStringLiteral("The game server is back, and so is the client"),
+        [this] {
+            m_strLastRequest.clear();
+            StartGameServer();
+        },
+        [this] { return SeeState(EConnectionState::Connected); });
+    Step(
+        QStringLiteral("The plugin asks anew"), [] {}, [this] { return m_strLastRequest; });
+    Step(
+        QStringLiteral("The lobby is filled"), [] {}, [this] { return SeeFilledLobby(); });
+    Step(
+        QStringLiteral("The window closes"), [this] { m_window.close(); },
+        [this] { return m_window.isVisible() ? QString() : QStringLiteral("no window"); });
+}
+
+void CTour::StartGameServer()
+{
+    m_strServerLine = m_gameServer.Start(m_options.strGameServer, m_options.strTables, m_options.usPort);
+}
+
+QString CTour::SeeState(EConnectionState::type state) const
+{
+    return m_host.GetServerLink().GetState() == state ? Find<QLabel>("connectionState")->text() : QString();
+}
+
+QString CTour::SeeFilledLobby() const
+{
+    const auto *table = Find<QTableView>("lobbyTable");
+    if (!table || table->model()->rowCount() < MIN_TABLES)
+        return QString();
+    return QStringLiteral("%1 tables, the first one is %2")
+        .arg(table->model()->rowCount())
+        .arg(table->model()->index(0, 0).data().toString());
+}
+
+QString CTour::SaveScreenshot(const QString &name) const
+{
+    const QPixmap picture = m_window.grab();
+    const QString file = m_options.strOutput + QLatin1Char('/') + name + QLatin1String(".png");
+    if (!picture.save(file))
+        return QString();
+    return QStringLiteral("%1.png, %2 by %3 pixels").arg(name).arg(picture.width()).arg(picture.height());
+}
+
+template <typename Widget>
+Widget *CTour::Find(const char *objectName) const
+{
+    return m_window.findChild<Widget *>(QLatin1String(objectName));
+}

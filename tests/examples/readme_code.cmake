@@ -1,0 +1,8 @@
+file(READ "${ROOT}/README.md" readme)
+foreach(source IN ITEMS plugin.cpp host.cpp)
+    file(READ "${ROOT}/examples/minimal/${source}" code)
+    string(FIND "${readme}" "```cpp\n${code}```" position)
+    if(position EQUAL -1)
+        message(FATAL_ERROR "README.md doesn't show examples/minimal/${source} as it is")
+    endif()
+endforeach()
