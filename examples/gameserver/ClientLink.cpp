@@ -8,8 +8,8 @@
 
 namespace {
 
-// Some fifty lists. Who lets more pile up doesn't read.
-constexpr qint64 MAX_UNSENT_BYTES = 1 << 20;
+// More than the longest list takes, so that only who doesn't read lets it pile up.
+constexpr qint64 MAX_UNSENT_BYTES = 4 << 20;
 
 } // namespace
 
@@ -38,13 +38,9 @@ void CClientLink::Send(const QByteArray &packets)
 
 void CClientLink::OnReadyRead()
 {
-    const QByteArray bytes = m_pSocket->readAll();
-    m_stream.Append(bytes);
-    m_iUntaken += bytes.size();
-
+    m_stream.Append(m_pSocket->readAll());
     CPacketLayerWrapper packet;
     while (!m_bEnded && m_stream.TakePacket(packet)) {
-        m_iUntaken -= packet.GetPacketSize();
         m_halfSent.stop();
         const QString fault = HandlePacket(packet);
         if (!fault.isEmpty())
@@ -52,7 +48,7 @@ void CClientLink::OnReadyRead()
     }
     if (m_stream.IsBroken())
         End(QStringLiteral("dropped: a size that no packet has, or records that don't fill it"));
-    else if (!m_bEnded && m_iUntaken > 0 && !m_halfSent.isActive())
+    else if (!m_bEnded && m_stream.HasPartialPacket() && !m_halfSent.isActive())
         m_halfSent.start();
 }
 
@@ -61,7 +57,7 @@ QString CClientLink::HandlePacket(CPacketLayerWrapper &packet)
 {
     if (packet.GetGroup() != QLatin1String(LobbyProtocol::GROUP))
         return QStringLiteral("an unknown group");
-    while (packet.GetNext()) {
+    while (!m_bEnded && packet.GetNext()) {
         const QByteArray payload(packet.GetPayload(), packet.GetPayloadLength());
         if (!payload.startsWith(LobbyProtocol::GET_LIST))
             return QStringLiteral("an unknown tag");

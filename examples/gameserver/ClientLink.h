@@ -35,7 +35,6 @@ private:
     QString m_strPeer;
     CPacketStream m_stream;
     QTimer m_halfSent;
-    int m_iUntaken = 0; // bytes in the stream that belong to a packet that isn't whole
     bool m_bSubscribed = false;
     bool m_bEnded = false;
 };

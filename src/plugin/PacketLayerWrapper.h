@@ -2,6 +2,7 @@
 
 #include <Export.h>
 
+#include <QMetaType>
 #include <QString>
 
 #include <vector>
@@ -76,3 +77,5 @@ private:
     std::vector<char> m_buffer;    // always exactly the packet
     unsigned short m_usCursor = 0; // offset of the current record; 0 is before the first
 };
+
+Q_DECLARE_METATYPE(CPacketLayerWrapper)

@@ -12,6 +12,7 @@
 
 namespace {
 
+constexpr QLatin1String TEXT_TITLE("Lobby");
 constexpr QLatin1String TEXT_FILTER("Name or game");
 constexpr QLatin1String TEXT_ALL("All tables");
 constexpr QLatin1String TEXT_RING_GAMES("Ring games");
@@ -80,6 +81,7 @@ CLobbyView::CLobbyView(CTableListModel *model, QWidget *parent)
     , m_pTable(new QTableView(this))
     , m_pStatus(new QLabel(this))
 {
+    setWindowTitle(TEXT_TITLE);
     m_pStatus->setObjectName(QStringLiteral("lobbyStatus"));
     CreateFilterLine();
     CreateTable();
