@@ -237,7 +237,7 @@ QString Pathes::UniqueFilePath(QString dir, QString name, QString extension)
     if (!dir.endsWith(QLatin1Char('/')))
         dir += QLatin1Char('/');
     for (int i = 0;; ++i) {
-        const QString path = dir + name + QLatin1Char('_') + QString::number(i) + QLatin1Char('.') + extension;
+        QString path = dir + name + QLatin1Char('_') + QString::number(i) + QLatin1Char('.') + extension;
         if (!QFile::exists(path))
             return path;
     }

@@ -1,13 +1,12 @@
 #include "GlobalDefines.h"
 
 #include <QDataStream>
-#include <QLatin1String>
 #include <QMetaType>
 #include <QtQml>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -16,33 +15,32 @@ constexpr int GAME_CODE_LENGTH = 4;
 struct GameRow
 {
     GlobalDefines::GameType type;
-    QLatin1String code;
-    QLatin1String nameKey;
-    QLatin1String untranslatedName;
+    const char *code;
+    const char *nameKey;
+    const char *untranslatedName;
 };
 
-constexpr std::array<GameRow, 10> GAMES{{
-    {GlobalDefines::GT_HOLDEM, QLatin1String("HOLD"), QLatin1String("GAME_HOLDEM"), QLatin1String("Hold'em")},
-    {GlobalDefines::GT_OMAHA, QLatin1String("OMNM"), QLatin1String("GAME_OMAHA"), QLatin1String("Omaha")},
-    {GlobalDefines::GT_OMAHA_HILO, QLatin1String("OMHL"), QLatin1String("GAME_OMAHA_HILO"),
-     QLatin1String("Omaha Hi/Lo")},
-    {GlobalDefines::GT_SEVEN_CARD, QLatin1String("7CNM"), QLatin1String("GAME_7CARD"), QLatin1String("7 Card Stud")},
-    {GlobalDefines::GT_SEVEN_CARD_HILO, QLatin1String("7CHL"), QLatin1String("GAME_7CARD_HILO"),
-     QLatin1String("7 Card Stud Hi/Lo")},
-    {GlobalDefines::GT_NOBADBEAT, QLatin1String("HNBB"), QLatin1String("GAME_NBB"),
-     QLatin1String("Hold'em No Bad Beat")},
-    {GlobalDefines::GT_BADUGI, QLatin1String("BADU"), QLatin1String("GAME_BADUGI"), QLatin1String("Badugi")},
-    {GlobalDefines::GT_SEVEN_CARD_CHOICE, QLatin1String("7CHO"), QLatin1String("GAME_7CARD_CHOICE"),
-     QLatin1String("7 Card Choice")},
-    {GlobalDefines::GT_2TO7, QLatin1String("2TO7"), QLatin1String("GAME_2TO7"), QLatin1String("2to7")},
-    {GlobalDefines::GT_5CARD, QLatin1String("5CAR"), QLatin1String("GAME_5CARD"), QLatin1String("5 Card")},
-}};
+constexpr GameRow GAMES[] = {
+    {GlobalDefines::GT_HOLDEM, "HOLD", "GAME_HOLDEM", "Hold'em"},
+    {GlobalDefines::GT_OMAHA, "OMNM", "GAME_OMAHA", "Omaha"},
+    {GlobalDefines::GT_OMAHA_HILO, "OMHL", "GAME_OMAHA_HILO", "Omaha Hi/Lo"},
+    {GlobalDefines::GT_SEVEN_CARD, "7CNM", "GAME_7CARD", "7 Card Stud"},
+    {GlobalDefines::GT_SEVEN_CARD_HILO, "7CHL", "GAME_7CARD_HILO", "7 Card Stud Hi/Lo"},
+    {GlobalDefines::GT_NOBADBEAT, "HNBB", "GAME_NBB", "Hold'em No Bad Beat"},
+    {GlobalDefines::GT_BADUGI, "BADU", "GAME_BADUGI", "Badugi"},
+    {GlobalDefines::GT_SEVEN_CARD_CHOICE, "7CHO", "GAME_7CARD_CHOICE", "7 Card Choice"},
+    {GlobalDefines::GT_2TO7, "2TO7", "GAME_2TO7", "2to7"},
+    {GlobalDefines::GT_5CARD, "5CAR", "GAME_5CARD", "5 Card"},
+};
+
+constexpr const char *MONTH_KEYS[] = {"JANUARY", "FEBRUARY", "MARCH",     "APRIL",   "MAY",      "JUNE",
+                                      "JULY",    "AUGUST",   "SEPTEMBER", "OCTOBER", "NOVEMBER", "DECEMBER"};
 
 const GameRow *FindGame(GlobalDefines::GameType type)
 {
     const auto row =
-        std::find_if(GAMES.begin(), GAMES.end(), [type](const GameRow &game) { return game.type == type; });
-    return row == GAMES.end() ? nullptr : &*row;
+        std::find_if(std::begin(GAMES), std::end(GAMES), [type](const GameRow &game) { return game.type == type; });
+    return row == std::end(GAMES) ? nullptr : row;
 }
 
 template <typename Enum>
@@ -136,21 +134,21 @@ GlobalDefines::TableType Globals::GetTableType(char letter)
 GlobalDefines::GameType Globals::GetGameType(const QString &code)
 {
     const QString letters = code.toUpper().left(GAME_CODE_LENGTH);
-    const auto row =
-        std::find_if(GAMES.begin(), GAMES.end(), [&](const GameRow &game) { return letters == game.code; });
-    return row == GAMES.end() ? GlobalDefines::GT_HOLDEM : row->type;
+    const auto row = std::find_if(std::begin(GAMES), std::end(GAMES),
+                                  [&](const GameRow &game) { return letters == QLatin1String(game.code); });
+    return row == std::end(GAMES) ? GlobalDefines::GT_HOLDEM : row->type;
 }
 
 void Globals::GetGameType(GlobalDefines::GameType type, char *code)
 {
     if (const GameRow *game = FindGame(type))
-        std::memcpy(code, game->code.data(), GAME_CODE_LENGTH);
+        std::memcpy(code, game->code, GAME_CODE_LENGTH);
 }
 
 QString Globals::GetGameNameKey(GlobalDefines::GameType type)
 {
     const GameRow *game = FindGame(type);
-    return game ? QString(game->nameKey) : QString();
+    return game ? QString::fromLatin1(game->nameKey) : QString();
 }
 
 QString Globals::GetGameNameKey(QString code)
@@ -178,13 +176,9 @@ QString Globals::GetLimitKey(QChar letter, bool shortForm)
 
 QString Globals::GetMonthKey(int month)
 {
-    static constexpr std::array<QLatin1String, 12> KEYS{
-        QLatin1String("JANUARY"),   QLatin1String("FEBRUARY"), QLatin1String("MARCH"),    QLatin1String("APRIL"),
-        QLatin1String("MAY"),       QLatin1String("JUNE"),     QLatin1String("JULY"),     QLatin1String("AUGUST"),
-        QLatin1String("SEPTEMBER"), QLatin1String("OCTOBER"),  QLatin1String("NOVEMBER"), QLatin1String("DECEMBER")};
-    if (month < 1 || month > static_cast<int>(KEYS.size()))
+    if (month < 1 || month > int(std::size(MONTH_KEYS)))
         return QString();
-    return KEYS[static_cast<size_t>(month - 1)];
+    return QString::fromLatin1(MONTH_KEYS[month - 1]);
 }
 
 QString Globals::GetTournamentStatusLongKey(int status)
@@ -228,6 +222,6 @@ QString Globals::GetUntranslatedGameName(GlobalDefines::GameType type, GlobalDef
     else if (limit == GlobalDefines::LT_POT_LIMIT)
         name = QStringLiteral("PL ");
     if (const GameRow *game = FindGame(type))
-        name += game->untranslatedName;
+        name += QLatin1String(game->untranslatedName);
     return name;
 }

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr QLatin1String TEXT_MALFORMED("Lobby: the game server sent something malformed, which was ignored. Further "
-                                       "cases on this connection are not reported.");
+const QLatin1String TEXT_MALFORMED("Lobby: the game server sent something malformed, which was ignored. Further "
+                                   "cases on this connection are not reported.");
 
 } // namespace
 

@@ -12,21 +12,21 @@
 
 namespace {
 
-constexpr QLatin1String TEXT_TITLE("Lobby");
-constexpr QLatin1String TEXT_FILTER("Name or game");
-constexpr QLatin1String TEXT_ALL("All tables");
-constexpr QLatin1String TEXT_RING_GAMES("Ring games");
-constexpr QLatin1String TEXT_SIT_AND_GOS("Sit & Gos");
-constexpr QLatin1String TEXT_TOURNAMENTS("Tournaments");
-constexpr QLatin1String TEXT_TABLES("%1 tables");
-constexpr QLatin1String TEXT_SOME_TABLES("%1 of %2 tables");
-constexpr QLatin1String TEXT_STALE(" - may be out of date, waiting for the game server");
-constexpr QLatin1String TEXT_WAITING("Waiting for the game server");
+const QLatin1String TEXT_TITLE("Lobby");
+const QLatin1String TEXT_FILTER("Name or game");
+const QLatin1String TEXT_ALL("All tables");
+const QLatin1String TEXT_RING_GAMES("Ring games");
+const QLatin1String TEXT_SIT_AND_GOS("Sit & Gos");
+const QLatin1String TEXT_TOURNAMENTS("Tournaments");
+const QLatin1String TEXT_TABLES("%1 tables");
+const QLatin1String TEXT_SOME_TABLES("%1 of %2 tables");
+const QLatin1String TEXT_STALE(" - may be out of date, waiting for the game server");
+const QLatin1String TEXT_WAITING("Waiting for the game server");
 
 constexpr int ANY_TYPE = 0;
 constexpr int MINIMUM_ROWS = 8;
 // About the widest text that a column holds.
-constexpr QLatin1String COLUMN_SAMPLES[] = {
+const QLatin1String COLUMN_SAMPLES[] = {
     QLatin1String("Six-Seat Turbo Special"), QLatin1String("Tournament"), QLatin1String("PL Omaha Hi/Lo"),
     QLatin1String("$200.00 + $15.00"),       QLatin1String("1000/1000"),  QLatin1String("30 Sep, 00:00")};
 

@@ -11,17 +11,17 @@ using LobbyProtocol::STable;
 
 namespace {
 
-constexpr QLatin1String COLUMN_TITLES[] = {QLatin1String("Name"),    QLatin1String("Type"),
-                                           QLatin1String("Game"),    QLatin1String("Stakes / Buy-in"),
-                                           QLatin1String("Players"), QLatin1String("Start")};
-constexpr QLatin1String TEXT_RING_GAME("Ring game");
-constexpr QLatin1String TEXT_PRIVATE("Private");
-constexpr QLatin1String TEXT_RESTRICTED("Restricted");
-constexpr QLatin1String TEXT_SIT_AND_GO("Sit & Go");
-constexpr QLatin1String TEXT_TOURNAMENT("Tournament");
-constexpr QLatin1String TEXT_FREE("Free");
-constexpr QLatin1String TEXT_POINTS("%1 pts");
-constexpr QLatin1String FORMAT_START("d MMM, hh:mm");
+const QLatin1String COLUMN_TITLES[] = {QLatin1String("Name"),    QLatin1String("Type"),
+                                       QLatin1String("Game"),    QLatin1String("Stakes / Buy-in"),
+                                       QLatin1String("Players"), QLatin1String("Start")};
+const QLatin1String TEXT_RING_GAME("Ring game");
+const QLatin1String TEXT_PRIVATE("Private");
+const QLatin1String TEXT_RESTRICTED("Restricted");
+const QLatin1String TEXT_SIT_AND_GO("Sit & Go");
+const QLatin1String TEXT_TOURNAMENT("Tournament");
+const QLatin1String TEXT_FREE("Free");
+const QLatin1String TEXT_POINTS("%1 pts");
+const QLatin1String FORMAT_START("d MMM, hh:mm");
 
 QString TypeText(GlobalDefines::TableType type)
 {
