@@ -64,6 +64,9 @@ function(plugininterface_check_headers_alone)
     add_library(plugininterface_headers_alone OBJECT ${units})
     plugininterface_strict(plugininterface_headers_alone)
     set_target_properties(plugininterface_headers_alone PROPERTIES AUTOMOC OFF)
+    if(NOT PROJECT_IS_TOP_LEVEL) # a check of this project, not of those that take it in
+        set_target_properties(plugininterface_headers_alone PROPERTIES EXCLUDE_FROM_ALL ON)
+    endif()
     target_link_libraries(plugininterface_headers_alone PRIVATE plugininterface::plugininterface)
 endfunction()
 

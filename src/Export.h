@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtCore/qglobal.h>
+#include <QtGlobal>
 
 // Everything in the library is hidden but what bears this macro: host and plugins see the public classes and
 // functions and nothing else.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QtCore/QObject>
-#include <QtCore/QSharedPointer>
+#include <QObject>
+#include <QSharedPointer>
 
 #include <type_traits>
 
@@ -22,7 +22,8 @@ QSharedPointer<T> MakeShared(T *instance)
 
 // Defines the static member m_Instance and the operations GetInstance(), IsExisting() and DestroyInstance() that the
 // class declares. It stands in exactly one source file of the library. In a header, each shared object could end up
-// with an m_Instance of its own, and host and plugins would talk to different objects.
+// with an m_Instance of its own, and host and plugins would talk to different objects. Main thread. The constructor
+// must not lead back to GetInstance() of its own class, which would create another one, and so on.
 #define PLUGININTERFACE_DEFINE_SINGLETON(Class)            \
     QSharedPointer<Class> Class::m_Instance;               \
     Class *Class::GetInstance()                            \

@@ -14,10 +14,9 @@ void Note(const QString &text, CConsole::EMessageCategory category, CConsole::EM
     CConsole::AddMessage(text, category, level, QString(), 0);
 }
 
-// A server must not speak in the host's or a plugin's name.
-bool IsReservedGroup(const QString &group)
+bool IsHostGroup(const CEvent &event)
 {
-    return group == QLatin1String("M2PE") || group == QLatin1String("P2ME") || group == QLatin1String("DESI");
+    return event.HasTag1("M2PE") || event.HasTag1("P2ME");
 }
 
 template <typename Number>
@@ -111,6 +110,9 @@ void CHost::slot_SendEvent(CEvent e)
         OpenAddress(QString::fromUtf8(e.data));
     else if (e.HasTags("P2ME", "WEBW"))
         OpenAddressWithQuery(e.data);
+    else if (IsHostGroup(e))
+        Note(QStringLiteral("A plugin sent an event that no plugin may send, or that nobody knows"),
+             CConsole::MC_Plugin, CConsole::ML_Warning);
     else
         m_router.Deliver(e);
 }
@@ -126,14 +128,14 @@ void CHost::slot_ConnectionStateChanged(EConnectionState::type state)
 
 void CHost::slot_PacketReceived(CPacketLayerWrapper packet)
 {
-    const QString group = packet.GetGroup();
-    if (IsReservedGroup(group)) {
-        Note(QStringLiteral("The game server sent a packet of the group %1, which is the client's own").arg(group),
-             CConsole::MC_Network, CConsole::ML_Warning);
-        return;
-    }
     while (packet.GetNext()) {
-        CEvent event = CEvent::Create(group, packet.GetPayloadTag());
+        CEvent event = CEvent::Create(packet.GetGroup(), packet.GetPayloadTag());
+        // A server must not speak in the host's or a plugin's name.
+        if (IsHostGroup(event) || event.HasTag1("DESI")) {
+            Note(QStringLiteral("The game server sent a packet of the client's own group %1").arg(packet.GetGroup()),
+                 CConsole::MC_Network, CConsole::ML_Warning);
+            return;
+        }
         event.moduleID = packet.GetModuleID();
         event.targetID = packet.GetTargetID();
         event.data = QByteArray(packet.GetPayload(), packet.GetPayloadLength());
@@ -158,6 +160,7 @@ void CHost::DeliverToPlugins(const QString &tag2, const QByteArray &data)
 
 void CHost::OpenLoginDialog()
 {
+    Q_EMIT signal_LoginRequested();
     DeliverToPlugins(QStringLiteral("LGNF"), QByteArrayLiteral("The game server keeps no accounts."));
 }
 

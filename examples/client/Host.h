@@ -8,6 +8,8 @@
 #include <QUrl>
 
 /// The host's side of the bus: loads the plugins, keeps the link to the game server, and serves what plugins ask for.
+/// The game server keeps no accounts, there is no web server, and no page has an address of its own: requests for
+/// those are answered so, or noted in the console.
 class CHost : public QObject
 {
     Q_OBJECT
@@ -32,6 +34,8 @@ public:
 
 Q_SIGNALS:
     void signal_ConnectionStateChanged(EConnectionState::type state);
+    /// A plugin wants the user to log in.
+    void signal_LoginRequested();
     /// A plugin wants the client to end.
     void signal_ShutDownRequested();
     /// A plugin wants a page to be shown; always http or https.

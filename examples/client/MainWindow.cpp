@@ -6,6 +6,12 @@
 #include <QStatusBar>
 #include <QTabWidget>
 
+namespace {
+
+constexpr int MESSAGE_MS = 5000;
+
+} // namespace
+
 CMainWindow::CMainWindow(CHost &host, QWidget *parent)
     : QMainWindow(parent)
     , m_host(host)
@@ -25,6 +31,8 @@ CMainWindow::CMainWindow(CHost &host, QWidget *parent)
     statusBar()->addWidget(m_pConnectionLabel);
 
     connect(&host, &CHost::signal_ConnectionStateChanged, this, &CMainWindow::slot_ConnectionStateChanged);
+    connect(&host, &CHost::signal_LoginRequested, this,
+            [this] { statusBar()->showMessage(QStringLiteral("The game server keeps no accounts"), MESSAGE_MS); });
     connect(&host, &CHost::signal_ShutDownRequested, this, &CMainWindow::close, Qt::QueuedConnection);
     slot_ConnectionStateChanged(host.GetServerLink().GetState());
 }

@@ -20,7 +20,7 @@ public:
     ~CPluginManager() override;
 
     /// Loads every shared object of \a directory that was built against this interface version; of others no code
-    /// runs.
+    /// runs. Called once.
     void Load(const QString &directory);
     /// Drops a plugin, and those that depend on it; each is announced before it goes.
     void Drop(CPluginInterface *plugin, const QString &reason);
@@ -40,6 +40,6 @@ private:
     CPluginInterface *LoadFile(const QString &file);
     void Unload(CPluginInterface *plugin);
 
-    QVector<CPluginInterface *> m_plugins; // each lives in the loader of the same object name
+    QVector<CPluginInterface *> m_plugins; // each is the instance of one of the loaders
     QVector<QPluginLoader *> m_loaders;
 };

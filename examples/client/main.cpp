@@ -80,8 +80,8 @@ int main(int argc, char *argv[])
     {
         CHost host(options.strServer, options.usPort);
         QObject::connect(&host, &CHost::signal_PageRequested, &QDesktopServices::openUrl);
+        CMainWindow window(host); // before the plugins, which may ask for something at once
         host.StartPlugins(Pathes::Plugins());
-        CMainWindow window(host);
         window.CreateViews();
         window.show();
         host.OpenLink();

@@ -23,8 +23,11 @@ const QByteArray GARBAGE(64, '\xff');
 
 QString Describe(const CEvent &event)
 {
-    CPacketLayerWrapper packet(event.data.constData());
-    packet.GetNext();
+    CPacketStream stream;
+    CPacketLayerWrapper packet;
+    stream.Append(event.data);
+    if (!stream.TakePacket(packet) || !packet.GetNext())
+        return QStringLiteral("no packet");
     return QStringLiteral("%1 %2 in a packet of %3 bytes")
         .arg(packet.GetGroup(), packet.GetPayloadTag())
         .arg(packet.GetPacketSize());

@@ -23,8 +23,9 @@ void CConsole::AddMessage(const QString &message, EMessageCategory category, EMe
 {
     SConsoleMessage record;
     record.dtTimestamp = QDateTime::currentDateTime();
-    record.strMessage = message;
-    record.strDetail = detail;
+    // Copies of their own: a literal's text would be gone with the plugin that it stands in.
+    record.strMessage = QString(message.constData(), message.size());
+    record.strDetail = QString(detail.constData(), detail.size());
     record.eCategory = category;
     record.eLevel = level;
     record.iDetail = number;

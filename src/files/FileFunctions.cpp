@@ -65,6 +65,20 @@ bool IsFile(const QString &path)
     return info.exists() && !info.isDir();
 }
 
+// Whether something would be moved or copied into its own place, where removing the old file removes the new one too.
+bool IsSamePlace(const QString &from, const QString &to)
+{
+    return QFileInfo(from) == QFileInfo(to);
+}
+
+bool RemoveFile(const QString &path, QString &error)
+{
+    if (FileFunctions::DoAction(FileFunctions::FA_RemoveFile, path, QString()))
+        return true;
+    error = QLatin1String("remove: failed to remove file: ") + path;
+    return false;
+}
+
 bool IsReplaceable(const QString &path)
 {
     if (!IsFile(path))
@@ -127,6 +141,15 @@ bool FileFunctions::CopyDir(const QString &from, const QString &to, QString &err
     const QString source = QDir::cleanPath(from);
     const QString target = QDir::cleanPath(to);
 
+    const auto copyError = [move](const QString &path, const QString &destination) {
+        return (move ? QLatin1String("move: failed to rename: ") : QLatin1String("copy: failed to copy: ")) + path +
+               QLatin1String(" to ") + destination;
+    };
+    if (IsSamePlace(source, target)) {
+        error = copyError(source, target);
+        return false;
+    }
+
     const QStringList paths = GetFilePaths(source);
     for (const QString &path : paths) {
         const QString destination = QString(path).replace(source, target);
@@ -143,8 +166,7 @@ bool FileFunctions::CopyDir(const QString &from, const QString &to, QString &err
             return false;
         }
         if (!DoAction(move ? FA_Rename : FA_Copy, path, destination)) {
-            error = (move ? QLatin1String("move: failed to rename: ") : QLatin1String("copy: failed to copy: ")) +
-                    path + QLatin1String(" to ") + destination;
+            error = copyError(path, destination);
             return false;
         }
     }
@@ -153,7 +175,9 @@ bool FileFunctions::CopyDir(const QString &from, const QString &to, QString &err
 
 bool FileFunctions::CopyFile(const QString &from, const QString &to, QString &error)
 {
-    if (QFile::exists(to) && !DoAction(FA_RemoveFile, to, QString())) {
+    // What is there goes only for something that can take its place.
+    const bool replaces = QFile::exists(to) && QFile::exists(from) && !IsSamePlace(from, to);
+    if (replaces && !DoAction(FA_RemoveFile, to, QString())) {
         error = QLatin1String("copy: failed to remove file: ") + to;
         return false;
     }
@@ -167,14 +191,22 @@ bool FileFunctions::CopyFile(const QString &from, const QString &to, QString &er
 bool FileFunctions::MoveDir(const QString &from, const QString &to, QString &error)
 {
     const QString source = QDir::cleanPath(from);
-    return CopyDir(source, QDir::cleanPath(to), error, true) && RemoveDir(source, error);
+    const QString target = QDir::cleanPath(to);
+    if (target.startsWith(source + QLatin1Char('/'))) { // and would be removed with it
+        error = QLatin1String("move: failed to rename: ") + source + QLatin1String(" to ") + target;
+        return false;
+    }
+    return CopyDir(source, target, error, true) && RemoveDir(source, error);
 }
 
 bool FileFunctions::RemoveDir(const QString &path, QString &error)
 {
     error.clear();
-    if (!QFileInfo::exists(path))
+    const QFileInfo info(path);
+    if (!info.exists())
         return true;
+    if (info.isSymLink())
+        return RemoveFile(path, error);
 
     const QFileInfoList entries = ListEntries(path);
     for (const QFileInfo &entry : entries) {
@@ -182,8 +214,7 @@ bool FileFunctions::RemoveDir(const QString &path, QString &error)
         if (entry.isDir() && !entry.isSymLink()) {
             if (!RemoveDir(entryPath, error))
                 return false;
-        } else if (!DoAction(FA_RemoveFile, entryPath, QString())) {
-            error = QLatin1String("remove: failed to remove file: ") + entryPath;
+        } else if (!RemoveFile(entryPath, error)) {
             return false;
         }
     }

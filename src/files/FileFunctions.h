@@ -35,16 +35,19 @@ PLUGININTERFACE_EXPORT QStringList GetFilePaths(const QString &path);
 PLUGININTERFACE_EXPORT bool IsMoveAbleDir(const QString &from, const QString &to, QString &error);
 
 /// Copies, or with \a move moves, the files of a tree over another one and replaces those that exist there.
-/// Directories come to exist with the files below them, so empty ones are not made.
+/// Directories come to exist with the files below them, so empty ones are not made. A tree
+/// is not copied over itself.
 PLUGININTERFACE_EXPORT bool CopyDir(const QString &from, const QString &to, QString &error, bool move);
 
-/// Copies a file over another one.
+/// Copies a file over another one, which is removed first, but not for a file that isn't there or is the same.
 PLUGININTERFACE_EXPORT bool CopyFile(const QString &from, const QString &to, QString &error);
 
-/// Moves the files of a tree over another one, then removes what is left of the first.
+/// Moves the files of a tree over another one, then removes the first, with the ".svn" and empty directories that
+/// were not moved. The target must not lie within the source.
 PLUGININTERFACE_EXPORT bool MoveDir(const QString &from, const QString &to, QString &error);
 
-/// Removes a tree, ".svn" included. Links are removed, not followed. True if there is nothing at \a path.
+/// Removes a tree, ".svn" included. Links are removed, not followed, also where \a path is one. True if there is
+/// nothing at \a path.
 PLUGININTERFACE_EXPORT bool RemoveDir(const QString &path, QString &error);
 
 } // namespace FileFunctions

@@ -48,7 +48,8 @@ QString Globals::GetFileMD5(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return QString();
     QCryptographicHash hash(QCryptographicHash::Md5);
-    hash.addData(&file);
+    if (!hash.addData(&file))
+        return QString();
     return QString::fromLatin1(hash.result().toHex());
 }
 

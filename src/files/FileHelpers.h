@@ -19,12 +19,12 @@ PLUGININTERFACE_EXPORT bool WriteToFile(const QString &path, const QByteArray &d
 
 /// MD5 digest as 32 lower-case hexadecimal digits. It tells copies apart; it protects nothing.
 PLUGININTERFACE_EXPORT QString GetMD5(const QByteArray &data);
-/// The same of a file's contents; empty if it can't be opened.
+/// The same of a file's contents; empty if it can't be read.
 PLUGININTERFACE_EXPORT QString GetFileMD5(const QString &path);
 
-/// Finds the bytes between the first \a begin at or behind offset \a from and the next \a end. \a next becomes the
-/// offset behind \a end. False, with \a result and \a next unchanged, if a marker is missing; a \a begin at offset 0
-/// counts as missing.
+/// Finds the bytes between the first \a begin at or behind offset \a from (0 if negative) and the next \a end. \a
+/// next becomes the offset behind \a end. False, with \a result and \a next unchanged, if a marker is missing; a \a
+/// begin at offset 0 counts as missing.
 PLUGININTERFACE_EXPORT bool GetBetween(const QByteArray &data, int from, QByteArray begin, QByteArray end,
                                        QByteArray &result, int &next);
 

@@ -13,17 +13,11 @@
 
 namespace {
 
-const QLatin1String ICON_FILE("icon.ico");
-const QLatin1String MAIN_EXE_FILE("main.exe");
-const QLatin1String RSYNC_FILE("rsyncqt.exe");
-const QLatin1String STARTER_EXE_FILE("starter.exe");
-const QLatin1String STARTER_TMP_EXE_FILE("startertmp.exe");
-
 constexpr unsigned int AVATARS_PER_FOLDER = 1000;
 
-QString Join(const QString &directory, QLatin1String name)
+QString Join(const QString &directory, const char *name)
 {
-    return directory + QLatin1Char('/') + name;
+    return directory + QLatin1Char('/') + QLatin1String(name);
 }
 
 } // namespace

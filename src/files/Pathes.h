@@ -7,14 +7,22 @@
 /// Where the client's files lie: the one place that knows the shape of an installation.
 ///
 /// An installation is a tree around the directory that the process runs in, which is a folder beside Resources and
-/// Tmp: \code Contents/Client               main program, starter, Plugins Contents/Frameworks/rsyncbin  update tool
-/// Contents/Resources            config.sqlite, language.sqlite, designer, themes, brand/Qt, common/Qt
-/// Contents/Tmp                  all that changes at run time
-/// \endcode
+/// Tmp:
+///
+/// - Contents/Client: main program, starter, Plugins
+/// - Contents/Frameworks/rsyncbin: update tool
+/// - Contents/Resources: config.sqlite, language.sqlite, designer, themes, brand/Qt, common/Qt
+/// - Contents/Tmp: all that changes at run time
 ///
 /// Every answer but ToCommonRes() is composed anew from the process's current directory, with "/" as separator, and
 /// not cleaned up: it keeps its "/.." parts. Nothing is created. Any thread but for ToCommonRes().
 namespace Pathes {
+
+inline constexpr char ICON_FILE[] = "icon.ico";
+inline constexpr char MAIN_EXE_FILE[] = "main.exe";
+inline constexpr char RSYNC_FILE[] = "rsyncqt.exe";
+inline constexpr char STARTER_EXE_FILE[] = "starter.exe";
+inline constexpr char STARTER_TMP_EXE_FILE[] = "startertmp.exe";
 
 /// The process's current directory.
 PLUGININTERFACE_EXPORT QString Binary();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QMetaType>
 
 /// State of the host's link to the game server, as the host tells it to the plugins.
 namespace EConnectionState {
@@ -14,3 +14,5 @@ enum type : qint32 {
 };
 
 } // namespace EConnectionState
+
+Q_DECLARE_METATYPE(EConnectionState::type)

@@ -27,10 +27,11 @@ struct PLUGININTERFACE_EXPORT CEvent
     /// shorter one is filled up with zero bytes and matches nobody.
     static CEvent Create(const QString &tag1, const QString &tag2);
 
-    /// Whether the event bears both tags, given as literals of four letters.
+    /// Whether the event bears these tags, given as literals of four letters.
+    bool HasTag1(const char (&first)[5]) const { return std::memcmp(tag1, first, sizeof tag1) == 0; }
     bool HasTags(const char (&first)[5], const char (&second)[5]) const
     {
-        return std::memcmp(tag1, first, sizeof tag1) == 0 && std::memcmp(tag2, second, sizeof tag2) == 0;
+        return HasTag1(first) && std::memcmp(tag2, second, sizeof tag2) == 0;
     }
 };
 

@@ -48,6 +48,7 @@ public:
 
     /// Appends one record with \a length payload bytes. False, with nothing changed, if the object is empty, the
     /// packet would pass 32767 bytes, or \a data is null although \a length is not 0. The cursor doesn't move.
+    /// Behind a broken chain of records that was read, the walk doesn't reach the new one.
     bool AddPacket(const char *data, unsigned short length);
 
     /// Moves to the next record; true if there is one.

@@ -88,7 +88,7 @@ void CPluginInterfaceFunctions::SendInternEvent(CEvent e, bool afterLogin)
         Q_EMIT signal_SendEvent(e);
         return;
     }
-    // Nobody can be logged in yet, so the event itself is kept back.
+    // The event itself is kept back: nothing knows yet when a user is logged in.
     OpenLoginDialog();
 }
 

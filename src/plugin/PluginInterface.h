@@ -22,7 +22,7 @@ class QWidget;
 /// There are no answers and no errors on the bus: a call returns nothing, an event that nobody listens to is lost,
 /// and a malformed request vanishes. All operations belong to the object's thread, but for emit_ReceiveEvent().
 ///
-/// The flag `afterLogin` asks for the login dialog first and holds the event back until a user is logged in.
+/// The flag `afterLogin` asks for the login dialog first and keeps the event back; as yet nothing releases it.
 class PLUGININTERFACE_EXPORT CPluginInterfaceFunctions : public QObject
 {
     Q_OBJECT
@@ -81,7 +81,7 @@ public:
     void OpenWebPage(const QString &first, const QString &second, bool afterLogin);
 
     void OpenLoginDialog();
-    /// Asks for the account's balances, once a user is logged in.
+    /// Asks for the account's balances, behind a login.
     void RequestCashierInformation();
     /// Asks the host to end the client.
     void RequestShutDown();
@@ -110,7 +110,8 @@ private:
 };
 
 /// The base of every plugin. The host creates the object from the plugin's file, connects its signals, and calls in
-/// this order: RegisterEvents(), Initialize(), Start(), CreateView(); at the end CanClose() and Shutdown().
+/// this order: RegisterEvents(), Initialize(), Start(), CreateDesignerPages(), CreateView(); at the end CanClose()
+/// and Shutdown().
 class PLUGININTERFACE_EXPORT CPluginInterface : public CPluginInterfaceFunctions
 {
     Q_OBJECT
@@ -125,8 +126,9 @@ public:
     void ReceiveEvent(CEvent e) override;
     /// The place to call RegisterForEvent().
     void RegisterForEvents() override;
-    /// The link to the game server stands; \a value is the host's.
+    /// The link to the game server stands; \a value is the host's, 0 if the event was too short to hold one.
     void ConnectionEstablished(unsigned short value) override;
+    /// The link has changed; \a state is 0 if the event was too short to hold one.
     void ConnectionStateChanged(EConnectionState::type state) override;
     /// The login was refused; \a message tells why.
     void LoginFailed(QString message) override;

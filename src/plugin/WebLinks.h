@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QMetaType>
 
 /// The web pages that the host can open, or for which it can get a web session.
 namespace WebLinks {
@@ -8,7 +8,7 @@ namespace WebLinks {
 /// Travels as four bytes in the event "P2ME" "WLID". The library hands any value on, known or not; the address of a
 /// page is the operator's. A released number is never given to another page.
 enum id : qint32 {
-    None = 0,
+    NoPage = 0,
 
     // The operator's site.
     Website = 1,
@@ -74,3 +74,5 @@ enum id : qint32 {
 };
 
 } // namespace WebLinks
+
+Q_DECLARE_METATYPE(WebLinks::id)
