@@ -1,18 +1,47 @@
 #pragma once
 
+#include <database/ConfigDB.h>
+#include <database/HandHistoryDB.h>
+#include <database/LobbyListDB.h>
+#include <database/PlayerInfoDB.h>
+#include <database/SettingsDB.h>
+#include <database/TranslationDB.h>
 #include <files/Console.h>
 #include <plugin/PluginInterface.h>
+#include <settings/Config.h>
 
 #include <QMap>
 #include <QString>
 
-/// Addresses of what host and plugins have to share, by name, as the including module sees them. A new singleton is
-/// one more row.
+// Every singleton of the library; a new one is one more row.
+#define SINGLETONS(ROW) \
+    ROW(CConfig)        \
+    ROW(CConfigDB)      \
+    ROW(CConsole)       \
+    ROW(CHandHistoryDB) \
+    ROW(CLobbyListDB)   \
+    ROW(CPlayerInfoDB)  \
+    ROW(CSettingsDB)    \
+    ROW(CTranslationDB)
+
+/// Addresses of what host and plugins have to share, by name, as the including module sees them. Creates the
+/// singletons that aren't there.
 inline QMap<QString, quint64> GetSharedAddresses()
 {
-    const auto address = [](const void *object) { return quint64(quintptr(object)); };
-    return {
-        {QStringLiteral("CConsole"), address(CConsole::GetInstance())},
-        {QStringLiteral("meta-object of CPluginInterface"), address(&CPluginInterface::staticMetaObject)},
+    QMap<QString, quint64> addresses;
+    const auto add = [&addresses](const char *name, const void *object) {
+        addresses.insert(QString::fromLatin1(name), quint64(quintptr(object)));
     };
+#define ADD_ADDRESS(Class) add(#Class, Class::GetInstance());
+    SINGLETONS(ADD_ADDRESS)
+#undef ADD_ADDRESS
+    add("meta-object of CPluginInterface", &CPluginInterface::staticMetaObject);
+    return addresses;
+}
+
+inline void DestroySingletons()
+{
+#define DESTROY(Class) Class::DestroyInstance();
+    SINGLETONS(DESTROY)
+#undef DESTROY
 }

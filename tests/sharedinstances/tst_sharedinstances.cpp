@@ -47,7 +47,7 @@ private Q_SLOTS:
 void tst_SharedInstances::cleanup()
 {
     CConsole::Clear();
-    CConsole::DestroyInstance();
+    DestroySingletons();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 

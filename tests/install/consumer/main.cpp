@@ -1,4 +1,12 @@
 #include <Export.h>
+#include <database/ConfigDB.h>
+#include <database/DBValue.h>
+#include <database/HandHistoryDB.h>
+#include <database/LobbyListDB.h>
+#include <database/LocalDB.h>
+#include <database/PlayerInfoDB.h>
+#include <database/SettingsDB.h>
+#include <database/TranslationDB.h>
 #include <files/Console.h>
 #include <files/FileFunctions.h>
 #include <files/FileHelpers.h>
@@ -9,10 +17,15 @@
 #include <plugin/PacketLayerWrapper.h>
 #include <plugin/PluginInterface.h>
 #include <plugin/WebLinks.h>
+#include <settings/Config.h>
+#include <settings/ConfigBase.h>
+#include <settings/ConfigTable.h>
 
 #include <QCoreApplication>
+#include <QDir>
 
 #include <cstdio>
+#include <initializer_list>
 
 namespace {
 
@@ -56,6 +69,21 @@ int main(int argc, char *argv[])
     Check(Globals::GetMD5("abc") == "900150983cd24fb0d6963f7d28e17f72", "FileHelpers");
     Check(Pathes::Tmp().endsWith("/../Tmp"), "Pathes");
     Check(Globals::GetGameType("BADU") == GlobalDefines::GT_BADUGI, "GlobalDefines");
+
+    CLocalDB database(QDir::tempPath() + "/there is no such file", true, false);
+    Check(!database.Init() && !database.IsOpen(), "LocalDB");
+    Check(CLocalDB::Escape("a'b") == "a''b", "Escape");
+    Check(DBValue::ToTypeString(DBValue::DBT_Double) == "double", "DBValue");
+    // None is open, and nothing on the disk is touched.
+    for (CLocalDB *each : std::initializer_list<CLocalDB *>{
+             CConfigDB::GetInstance(), CHandHistoryDB::GetInstance(), CLobbyListDB::GetInstance(),
+             CPlayerInfoDB::GetInstance(), CSettingsDB::GetInstance(), CTranslationDB::GetInstance()})
+        Check(!each->IsOpen(), "Database catalogue");
+    CConfigBase config;
+    config.SetConfigs({{"cashierswaptime", 7}});
+    Check(config.GetCashierSwapTime() == 7, "ConfigBase");
+    Check(CConfig::GetInstance()->GetCashierSwapTime() == 5, "Config");
+    CConfig::DestroyInstance();
 
     CPacketLayerWrapper packet("ABCD", 1, 2);
     Check(packet.AddPacket("TAG1", 4) && packet.GetPayloadTag() == "TAG1", "PacketLayerWrapper");

@@ -1,0 +1,296 @@
+#include "LocalDB.h"
+
+#include <QFile>
+#include <QSqlRecord>
+#include <QStringList>
+
+namespace {
+
+using TRow = QHash<QString, QVariant>;
+
+const QLatin1String INFO_TABLE("tbl_dbinfo");
+const QLatin1String INFO_KEY("DBI_cKey");
+const QLatin1String INFO_VALUE("DBI_cValue");
+const QLatin1String VERSION_KEY("version");
+
+// Part of the file format to the character: CreateTable() compares it with what is stored.
+const QLatin1String
+    CREATE_INFO_TABLE("CREATE TABLE tbl_dbinfo (  DBI_cKey CHAR(30) PRIMARY KEY, -- key of the dbinfo entry\n"
+                      "  DBI_cValue CHAR(1024) -- value for the dbinfo entry\n"
+                      ")");
+
+QString Quoted(const QVariant &value)
+{
+    return QLatin1Char('\'') + CLocalDB::Escape(value) + QLatin1Char('\'');
+}
+
+QString Quoted(const QString &name)
+{
+    return QLatin1Char('\'') + name + QLatin1Char('\'');
+}
+
+// column='value' for each pair, as a condition or a list of assignments
+QString Equations(const TRow &values, QLatin1String separator)
+{
+    QStringList equations;
+    equations.reserve(values.size());
+    for (auto pair = values.cbegin(); pair != values.cend(); ++pair)
+        equations.append(pair.key() + QLatin1Char('=') + Quoted(pair.value()));
+    return equations.join(separator);
+}
+
+QString Condition(const TRow &where)
+{
+    return where.isEmpty() ? QString() : QLatin1String(" WHERE ") + Equations(where, QLatin1String(" AND "));
+}
+
+} // namespace
+
+CLocalDB::CLocalDB(const QString &path, bool fileRequired, bool unversioned)
+    : m_bFileRequired(fileRequired)
+    , m_bUnversioned(unversioned)
+    , m_strDatabase(path)
+{
+}
+
+CLocalDB::~CLocalDB() = default;
+
+bool CLocalDB::Init()
+{
+    // Not IsOpen(), which would open a file whose opening failed before, and leave it at its old version.
+    if (QSqlDatabase::database(m_strDatabase, false).isOpen())
+        return true;
+    if (!Open())
+        return false;
+    if (m_bFileRequired || m_bUnversioned)
+        return true;
+
+    unsigned int version = 0;
+    if (!GetDBVersion(version))
+        CreateDBInfoTable();
+    if (!GetDBVersion(version))
+        return false;
+    return version == GetMaxVersion() || ClimbToMaxVersion(version);
+}
+
+bool CLocalDB::IsOpen()
+{
+    return GetConnection().isOpen();
+}
+
+bool CLocalDB::CreateTable(const QString &sql, const QString &name)
+{
+    TRow stored;
+    const bool exists =
+        SelectOne(stored, QStringLiteral("sqlite_master"), {QStringLiteral("sql")}, {{QStringLiteral("name"), name}});
+    if (exists) {
+        if (stored.value(QStringLiteral("sql")).toString() == sql)
+            return true;
+        Exec(QLatin1String("DROP TABLE ") + name);
+    }
+    return Exec(sql);
+}
+
+bool CLocalDB::SelectOne(QHash<QString, QVariant> &row, QString table, QList<QString> fields,
+                         QHash<QString, QVariant> where)
+{
+    QList<TRow> rows;
+    if (!SelectAll(rows, table, fields, where, 1))
+        return false;
+    row = rows.first();
+    return true;
+}
+
+bool CLocalDB::SelectAll(QList<QHash<QString, QVariant>> &rows, QString table, QList<QString> fields,
+                         QHash<QString, QVariant> where, unsigned int limit)
+{
+    if (!IsOpen() || table.isEmpty())
+        return false;
+    const QString columns = fields.isEmpty() ? QStringLiteral("*") : QStringList(fields).join(QLatin1String(", "));
+    QString sql = QLatin1String("SELECT ") + columns + QLatin1String(" FROM ") + Quoted(table) + Condition(where);
+    if (limit > 0)
+        sql += QLatin1String(" LIMIT ") + QString::number(limit);
+
+    QSqlQuery query = GetQuery();
+    if (!query.exec(sql))
+        return false;
+    // The names are those of the result, the same for each row.
+    const QSqlRecord record = query.record();
+    QStringList names;
+    for (int column = 0; column < record.count(); ++column)
+        names.append(record.fieldName(column));
+    while (query.next()) {
+        TRow row;
+        row.reserve(names.size());
+        for (int column = 0; column < names.size(); ++column)
+            row.insert(names.at(column), query.value(column));
+        rows.append(row);
+    }
+    return !rows.isEmpty();
+}
+
+bool CLocalDB::Insert(QString table, QHash<QString, QVariant> values)
+{
+    return InsertRow(QLatin1String("INSERT INTO "), table, values);
+}
+
+bool CLocalDB::InsertOrReplace(QString table, QHash<QString, QVariant> values)
+{
+    return InsertRow(QLatin1String("INSERT OR REPLACE INTO "), table, values);
+}
+
+bool CLocalDB::InsertOrUpdate(QString table, QHash<QString, QVariant> values, QHash<QString, QVariant> where)
+{
+    TRow row;
+    if (!SelectOne(row, table, {}, where) && row.isEmpty())
+        return Insert(table, values);
+    return Update(table, values, where);
+}
+
+bool CLocalDB::Update(QString table, QHash<QString, QVariant> values, QHash<QString, QVariant> where)
+{
+    return Exec(QLatin1String("UPDATE ") + Quoted(table) + QLatin1String(" SET ") +
+                Equations(values, QLatin1String(", ")) + Condition(where));
+}
+
+bool CLocalDB::Delete(QString table, QHash<QString, QVariant> where)
+{
+    return Exec(QLatin1String("DELETE FROM ") + Quoted(table) + Condition(where));
+}
+
+bool CLocalDB::Exec(const QString &sql)
+{
+    return IsOpen() && GetQuery().exec(sql);
+}
+
+QSqlQuery CLocalDB::GetQuery()
+{
+    QSqlQuery query(GetConnection());
+    query.setForwardOnly(true);
+    return query;
+}
+
+bool CLocalDB::GetLastInsertID(int &id)
+{
+    id = -1;
+    if (!IsOpen())
+        return false;
+    QSqlQuery query = GetQuery();
+    if (!query.exec(QStringLiteral("Select last_insert_rowid() AS ID")) || !query.next())
+        return false;
+    bool ok = false;
+    const int number = query.value(0).toInt(&ok);
+    if (ok)
+        id = number;
+    return ok;
+}
+
+bool CLocalDB::StartTransaction()
+{
+    if (!IsOpen())
+        return false;
+    GetConnection().transaction();
+    m_bTransaction = true;
+    return true;
+}
+
+bool CLocalDB::EndTransaction(bool commit)
+{
+    if (!m_bTransaction)
+        return false;
+    QSqlDatabase connection = GetConnection();
+    if (!commit || !connection.commit())
+        connection.rollback();
+    m_bTransaction = false;
+    return true;
+}
+
+QString CLocalDB::Escape(const QVariant &value)
+{
+    return value.toString().replace(QLatin1Char('\''), QLatin1String("''"));
+}
+
+unsigned int CLocalDB::GetMaxVersion()
+{
+    return 0;
+}
+
+bool CLocalDB::CreateDBVersion(unsigned int)
+{
+    return false;
+}
+
+bool CLocalDB::Open()
+{
+    if (m_bFileRequired && !QFile::exists(m_strDatabase))
+        return false;
+    // After an attempt that failed the entry is there already.
+    QSqlDatabase connection = QSqlDatabase::contains(m_strDatabase)
+                                  ? QSqlDatabase::database(m_strDatabase, false)
+                                  : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_strDatabase);
+    connection.setDatabaseName(m_strDatabase);
+    if (!connection.open())
+        return false;
+    QSqlQuery(connection).exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+    return IsOpen();
+}
+
+bool CLocalDB::ClimbToMaxVersion(unsigned int version)
+{
+    StartTransaction();
+    for (unsigned int step = version + 1; step <= GetMaxVersion(); ++step) {
+        if (!CreateDBVersion(step) || !SetDBVersion(step)) {
+            EndTransaction(false);
+            return false;
+        }
+    }
+    EndTransaction(true);
+    return true;
+}
+
+bool CLocalDB::CreateDBInfoTable()
+{
+    StartTransaction();
+    // The version may have been unreadable for a moment only, while another program held the file. What is there
+    // counts: a file taken for a new one would lose its tables on the climb.
+    unsigned int version = 0;
+    const bool done = CreateTable(CREATE_INFO_TABLE, INFO_TABLE) && (GetDBVersion(version) || SetDBVersion(0));
+    EndTransaction(done);
+    return done;
+}
+
+bool CLocalDB::GetDBVersion(unsigned int &version)
+{
+    version = 0;
+    TRow row;
+    if (!SelectOne(row, INFO_TABLE, {INFO_VALUE}, {{INFO_KEY, VERSION_KEY}}))
+        return false;
+    version = static_cast<unsigned int>(row.value(INFO_VALUE).toInt());
+    return true;
+}
+
+bool CLocalDB::SetDBVersion(unsigned int version)
+{
+    return InsertOrUpdate(INFO_TABLE, {{INFO_KEY, VERSION_KEY}, {INFO_VALUE, QString::number(version)}},
+                          {{INFO_KEY, VERSION_KEY}});
+}
+
+bool CLocalDB::InsertRow(QLatin1String verb, const QString &table, const QHash<QString, QVariant> &values)
+{
+    if (table.isEmpty() || values.isEmpty())
+        return false;
+    QStringList columns;
+    QStringList literals;
+    for (auto pair = values.cbegin(); pair != values.cend(); ++pair) {
+        columns.append(Quoted(pair.key()));
+        literals.append(Quoted(pair.value()));
+    }
+    return Exec(verb + Quoted(table) + QLatin1String(" (") + columns.join(QLatin1Char(',')) +
+                QLatin1String(") VALUES (") + literals.join(QLatin1Char(',')) + QLatin1Char(')'));
+}
+
+// The driver manager opens the connection if it is closed.
+QSqlDatabase CLocalDB::GetConnection() const
+{
+    return QSqlDatabase::database(m_strDatabase, true);
+}
