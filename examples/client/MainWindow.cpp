@@ -1,5 +1,7 @@
 #include "MainWindow.h"
 
+#include <settings/Config.h>
+
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenuBar>
@@ -18,7 +20,7 @@ CMainWindow::CMainWindow(CHost &host, QWidget *parent)
     , m_pViews(new QTabWidget(this))
     , m_pConnectionLabel(new QLabel(this))
 {
-    setWindowTitle(QStringLiteral("Example Card Room"));
+    setWindowTitle(CConfig::GetInstance()->GetProductname());
     resize(1000, 680);
     m_pViews->setDocumentMode(true);
     setCentralWidget(m_pViews);
@@ -28,7 +30,7 @@ CMainWindow::CMainWindow(CHost &host, QWidget *parent)
     quit->setShortcut(QKeySequence::Quit);
 
     m_pConnectionLabel->setObjectName(QStringLiteral("connectionState"));
-    statusBar()->addWidget(m_pConnectionLabel);
+    statusBar()->addWidget(m_pConnectionLabel, 1);
 
     connect(&host, &CHost::signal_ConnectionStateChanged, this, &CMainWindow::slot_ConnectionStateChanged);
     connect(&host, &CHost::signal_LoginRequested, this,

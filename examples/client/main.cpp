@@ -1,8 +1,15 @@
 #include "MainWindow.h"
 
+#include <database/ConfigDB.h>
+#include <database/HandHistoryDB.h>
+#include <database/LobbyListDB.h>
+#include <database/PlayerInfoDB.h>
+#include <database/SettingsDB.h>
+#include <database/TranslationDB.h>
 #include <files/Console.h>
 #include <files/Pathes.h>
 #include <plugin/GlobalDefines.h>
+#include <settings/Config.h>
 #include <tour/Tour.h>
 
 #include <QApplication>
@@ -63,6 +70,39 @@ void PrintMessage(const CConsole::SConsoleMessage &message)
     QTextStream(stderr) << message.dtTimestamp.toString(Qt::ISODateWithMs) << ' ' << message.strMessage << '\n';
 }
 
+// A database that can't be opened is missed by what it would hold, and by nothing else.
+void InitDatabases()
+{
+    QDir().mkpath(Pathes::Tmp());
+    const std::pair<CLocalDB *, QString> databases[] = {
+        {CConfigDB::GetInstance(), Pathes::ConfigDB()},
+        {CTranslationDB::GetInstance(), Pathes::LanguageDB()},
+        {CSettingsDB::GetInstance(), Pathes::SettingsDB()},
+        {CPlayerInfoDB::GetInstance(), Pathes::PlayerInfoDB()},
+        {CLobbyListDB::GetInstance(), Pathes::LobbyListDB()},
+        {CHandHistoryDB::GetInstance(), Pathes::HandHistoryDB()},
+    };
+    for (const auto &[database, path] : databases) {
+        if (!database->Init())
+            CConsole::AddMessage(QStringLiteral("%1 can't be used").arg(QDir::cleanPath(path)), CConsole::MC_Database,
+                                 CConsole::ML_Warning, QString(), 0);
+    }
+}
+
+// In the opposite order of their creation.
+void DestroySingletons()
+{
+    CConfig::DestroyInstance();
+    CHandHistoryDB::DestroyInstance();
+    CLobbyListDB::DestroyInstance();
+    CPlayerInfoDB::DestroyInstance();
+    CSettingsDB::DestroyInstance();
+    CTranslationDB::DestroyInstance();
+    CConfigDB::DestroyInstance();
+    CConsole::DestroyInstance();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -76,6 +116,9 @@ int main(int argc, char *argv[])
     GlobalDefines::RegisterQML();
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, &PrintMessage);
 
+    InitDatabases();
+    CConfig::GetInstance();
+
     int result = 0;
     {
         CHost host(options.strServer, options.usPort);
@@ -88,7 +131,6 @@ int main(int argc, char *argv[])
         result = options.tour ? CTour(*options.tour, host, window).Run() : QApplication::exec();
         host.Shutdown();
     }
-    CConsole::DestroyInstance();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    DestroySingletons();
     return result;
 }

@@ -1,6 +1,8 @@
 #include "Tour.h"
 
-#include <files/Console.h>
+#include <database/ConfigDB.h>
+#include <database/TranslationDB.h>
+#include <files/Pathes.h>
 
 #include <QAbstractItemModel>
 #include <QDir>
@@ -31,6 +33,28 @@ QString Describe(const CEvent &event)
     return QStringLiteral("%1 %2 in a packet of %3 bytes")
         .arg(packet.GetGroup(), packet.GetPayloadTag())
         .arg(packet.GetPacketSize());
+}
+
+QString SeeLanguages()
+{
+    QList<QHash<QString, QVariant>> languages;
+    CTranslationDB::GetInstance()->SelectAll(languages, CTranslationDB::strTableNameAvailLanguages, {}, {}, 0);
+    QStringList names;
+    for (const auto &language : qAsConst(languages))
+        names.append(language.value(QStringLiteral("AVL_cLong")).toString());
+    return names.join(QLatin1String(", "));
+}
+
+QString SeeUserDatabases()
+{
+    QStringList names;
+    for (const QString &path :
+         {Pathes::SettingsDB(), Pathes::PlayerInfoDB(), Pathes::LobbyListDB(), Pathes::HandHistoryDB()}) {
+        if (!QFile::exists(path))
+            return QString();
+        names.append(QFileInfo(path).fileName());
+    }
+    return names.join(QLatin1String(", "));
 }
 
 } // namespace
@@ -88,6 +112,10 @@ void CTour::ShowStart()
         return plugins.isEmpty() ? QString()
                                  : plugins.first()->GetName() + QLatin1Char(' ') + plugins.first()->GetVersion();
     });
+    Step(QStringLiteral("The operator's configuration is in force"), nothing,
+         [this] { return CConfigDB::GetInstance()->IsOpen() ? m_window.windowTitle() : QString(); });
+    Step(QStringLiteral("The installation brings its languages"), nothing, [] { return SeeLanguages(); });
+    Step(QStringLiteral("The user's databases are made"), nothing, [] { return SeeUserDatabases(); });
     Step(QStringLiteral("Without a game server the client waits"), nothing,
          [this] { return SeeState(EConnectionState::Reconnecting); });
 }
@@ -185,6 +213,7 @@ QString CTour::SeeFilledLobby() const
 
 QString CTour::SaveScreenshot(const QString &name) const
 {
+    QCoreApplication::processEvents(); // a changed text may still wait for its layout
     const QPixmap picture = m_window.grab();
     const QString file = m_options.strOutput + QLatin1Char('/') + name + QLatin1String(".png");
     if (!picture.save(file))

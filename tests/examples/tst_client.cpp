@@ -190,9 +190,10 @@ private Q_SLOTS:
         QWidget page;
         plugin.AddDesignerPage(QStringLiteral("Colours"), &page);
         QCOMPARE(designer.m_events.value(0).widget.data(), &page);
+        plugin.SendInternEvent(0, 0, QStringLiteral("M2PE"), QStringLiteral("FAKE"), false); // the host's own group
         QVERIFY(plugin.m_events.isEmpty());
         plugin.SendToServer("LOBB", 1, 2, "GLST", 4, false); // without a link
-        QVERIFY(IsInMessage(0, "17 bytes"));
+        QVERIFY(IsInMessage(1, "17 bytes"));                 // behind the one on the event
 
         QString pages;
         connect(&host, &CHost::signal_PageRequested, this, [&](const QUrl &url) { pages += url.toString() + u' '; });

@@ -56,18 +56,19 @@ private Q_SLOTS:
         QCOMPARE(changed.at(0).mid(0, 2), (QVariantList{cell, cell}));
     }
 
-    void truncatedRecordsChangeNothing()
+    void malformedRecordsChangeNothing()
     {
         const auto records =
             QVector<QByteArray>{Table(9, "Ghent", 5), EncodeListEnd(0)} + EncodePlayerCounts({{1, 3}});
         for (const QByteArray &record : records) {
-            for (int length = 4; length < record.size(); ++length) {
+            for (int length = 4; length <= record.size(); ++length) {
+                const QByteArray wrong = length < record.size() ? record.left(length) : record + 'x';
                 init();
-                Deliver({record.left(length), record.left(length)});
+                Deliver({wrong, wrong});
                 QCOMPARE(CConsole::GetMessages().size(), 1); // on a connection
                 QCOMPARE(Column(COL_PLAYERS), QStringLiteral("9/10,10/10,2/10"));
                 Deliver({Table(1, "Aare", 9), EncodeListEnd(1)});
-                QVERIFY2(Column(COL_NAME) == QLatin1String("Aare"), record.left(length).toHex());
+                QVERIFY2(Column(COL_NAME) == QLatin1String("Aare"), wrong.toHex());
             }
         }
     }

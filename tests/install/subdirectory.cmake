@@ -10,7 +10,7 @@ file(GLOB folders RELATIVE "${WORK_DIR}/plugininterface" "${WORK_DIR}/plugininte
 if(NOT "src" IN_LIST folders)
     message(FATAL_ERROR "the library is not a part of ${WORK_DIR}")
 endif()
-foreach(folder tests examples bench)
+foreach(folder tests examples bench tools)
     if(folder IN_LIST folders)
         message(FATAL_ERROR "the project brings its ${folder} along")
     endif()

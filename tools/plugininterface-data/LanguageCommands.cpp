@@ -1,0 +1,226 @@
+#include "LanguageCommands.h"
+
+#include "DataFile.h"
+#include "PoCatalogue.h"
+
+#include <database/TranslationDB.h>
+
+#include <QDir>
+#include <QMap>
+#include <QRegularExpression>
+#include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+// What is counted for the summary.
+struct SCounts
+{
+    int iTexts = 0;
+    int iFuzzy = 0;
+    int iUntranslated = 0;
+    int iObsolete = 0;
+};
+
+// A number column compares well with the decimal text that the library looks for, and can use the index for it.
+QStringList CreateStatements()
+{
+    const QString languages = CTranslationDB::strTableNameAvailLanguages;
+    const QString texts = CTranslationDB::strTableNameTranslations;
+    return {QLatin1String("CREATE TABLE ") + languages +
+                QLatin1String(" (AVL_iID INTEGER PRIMARY KEY, AVL_cShort TEXT NOT NULL, AVL_cLong TEXT NOT NULL)"),
+            QLatin1String("CREATE TABLE ") + texts +
+                QLatin1String(" (TRL_AVL_iID INTEGER NOT NULL, TRL_cArea TEXT NOT NULL, TRL_cKey TEXT NOT NULL, "
+                              "TRL_cTranslation TEXT NOT NULL)"),
+            QLatin1String("CREATE UNIQUE INDEX idx_translations ON ") + texts +
+                QLatin1String(" (TRL_AVL_iID, TRL_cArea, TRL_cKey)")};
+}
+
+QVector<QVariantList> LanguageRows(const QVector<SPoCatalogue> &catalogues)
+{
+    QVector<QVariantList> rows;
+    for (const SPoCatalogue &catalogue : catalogues)
+        rows.append({catalogue.iID, catalogue.strShort, catalogue.strLong});
+    return rows;
+}
+
+// In the order of the keys, so that moving an entry in its PO file changes nothing.
+QVector<QVariantList> TextRows(const SPoCatalogue &catalogue, SCounts &counts)
+{
+    QMap<QPair<QString, QString>, QString> texts;
+    for (const SPoCatalogue::SText &text : catalogue.texts) {
+        if (text.IsTranslated())
+            texts.insert(text.GetLookupKey(), text.strText);
+        else
+            ++(text.bFuzzy ? counts.iFuzzy : counts.iUntranslated);
+    }
+    counts.iTexts += texts.size();
+    counts.iObsolete += catalogue.iObsolete;
+
+    QVector<QVariantList> rows;
+    for (auto text = texts.cbegin(); text != texts.cend(); ++text)
+        rows.append({catalogue.iID, text.key().first, text.key().second, text.value()});
+    return rows;
+}
+
+bool Write(CDataFile &file, const QVector<SPoCatalogue> &catalogues, SCounts &counts)
+{
+    file.Open();
+    for (const QString &sql : CreateStatements())
+        file.Exec(sql);
+    file.Insert(QLatin1String("INSERT INTO ") + CTranslationDB::strTableNameAvailLanguages +
+                    QLatin1String(" VALUES (?, ?, ?)"),
+                LanguageRows(catalogues));
+    for (const SPoCatalogue &catalogue : catalogues)
+        file.Insert(QLatin1String("INSERT INTO ") + CTranslationDB::strTableNameTranslations +
+                        QLatin1String(" VALUES (?, ?, ?, ?)"),
+                    TextRows(catalogue, counts));
+    return file.Commit();
+}
+
+// Keys are written in capitals. One that capitals would change is left as it is stored.
+QString Capitals(const QString &key)
+{
+    return key.toUpper().toLower() == key ? key.toUpper() : key;
+}
+
+class CExporter
+{
+public:
+    CExporter(const QString &path, CReport &report)
+        : m_strPath(path)
+        , m_report(report)
+    {
+    }
+
+    /// False if the file can't be read. Rows that make no sense go into the report and are left out.
+    bool Read()
+    {
+        CDataReader file(m_strPath);
+        const QString languages = CTranslationDB::strTableNameAvailLanguages;
+        const QString texts = CTranslationDB::strTableNameTranslations;
+        if (file.Open({languages, texts})) {
+            AddLanguages(file.Select(QLatin1String("SELECT AVL_iID, AVL_cShort, AVL_cLong FROM ") + languages));
+            AddTexts(file.Select(QLatin1String("SELECT TRL_AVL_iID, TRL_cArea, TRL_cKey, TRL_cTranslation FROM ") +
+                                 texts + QLatin1String(" ORDER BY TRL_cArea, TRL_cKey")));
+        }
+        if (!file.GetError().isEmpty())
+            m_report.Error(m_strPath, 0, file.GetError());
+        return file.GetError().isEmpty();
+    }
+
+    /// The languages by their ids.
+    QMap<int, SPoCatalogue> GetCatalogues() const { return m_catalogues; }
+
+private:
+    void AddLanguages(const QVector<QVariantList> &rows)
+    {
+        for (const QVariantList &row : rows) {
+            SPoCatalogue catalogue;
+            catalogue.iID = row.at(0).toInt();
+            catalogue.strShort = row.at(1).toString().simplified();
+            catalogue.strLong = row.at(2).toString().simplified();
+            m_catalogues.insert(catalogue.iID, catalogue);
+        }
+    }
+
+    void AddTexts(const QVector<QVariantList> &rows)
+    {
+        for (const QVariantList &row : rows) {
+            SPoCatalogue::SText text;
+            text.strArea = Capitals(row.at(1).toString());
+            text.strKey = Capitals(row.at(2).toString());
+            text.strText = row.at(3).toString();
+            text.bEmptyOnPurpose = text.strText.isEmpty();
+            const auto catalogue = m_catalogues.find(row.at(0).toInt());
+            if (text.strArea.isEmpty() || text.strKey.isEmpty())
+                m_report.Error(m_strPath, 0,
+                               QLatin1String("left out, since nobody can ask for it: ") + text.GetName());
+            else if (catalogue == m_catalogues.end())
+                m_report.Error(m_strPath, 0,
+                               QLatin1String("left out, since language ") + row.at(0).toString() +
+                                   QLatin1String(" isn't listed: ") + text.GetName());
+            else
+                catalogue->texts.append(text);
+        }
+    }
+
+    QString m_strPath;
+    CReport &m_report;
+    QMap<int, SPoCatalogue> m_catalogues;
+};
+
+// A file for each, named after its short form as far as that makes a good name of its own.
+void NameFiles(QMap<int, SPoCatalogue> &catalogues, const QString &folder)
+{
+    static const QRegularExpression good(QStringLiteral("^\\w[\\w@.-]*$"));
+    QSet<QString> taken;
+    for (SPoCatalogue &catalogue : catalogues) {
+        QString name = catalogue.strShort;
+        if (!good.match(name).hasMatch() || taken.contains(name.toLower()))
+            name = QLatin1String("language-") + QString::number(catalogue.iID);
+        taken.insert(name.toLower());
+        catalogue.strFile = QDir(folder).filePath(name + QLatin1String(".po"));
+    }
+}
+
+bool CanWrite(const QMap<int, SPoCatalogue> &catalogues, const QString &folder, bool force, CReport &report)
+{
+    bool can = QDir().mkpath(folder);
+    if (!can)
+        report.Error(folder, 0, QStringLiteral("can't be made"));
+    for (const SPoCatalogue &catalogue : catalogues) {
+        // The translators' comments and unfinished texts are in their files only.
+        if (force || !QFile::exists(catalogue.strFile))
+            continue;
+        report.Error(catalogue.strFile, 0, QStringLiteral("is there already; --force replaces it"));
+        can = false;
+    }
+    return can;
+}
+
+void WriteCatalogue(const SPoCatalogue &catalogue, CReport &report)
+{
+    CReplacementFile file(catalogue.strFile);
+    if (!file.Open())
+        report.Error(catalogue.strFile, 0, file.GetError());
+    else if (PoCatalogues::Write(file.GetTemporaryPath(), catalogue, report) && !file.Commit())
+        report.Error(catalogue.strFile, 0, file.GetError());
+}
+
+} // namespace
+
+int LanguageCommands::Build(const QString &folder, const QString &out)
+{
+    CReport report;
+    const auto catalogues = PoCatalogues::ReadFolder(folder, report);
+    if (report.HasErrors())
+        return report.GetExitCode();
+    CDataFile file(out);
+    SCounts counts;
+    if (!Write(file, catalogues, counts))
+        report.Error(out, 0, file.GetError());
+    else
+        report.Print(QStringLiteral("%1: %2 languages, %3 texts; left out: %4 fuzzy, %5 untranslated, %6 obsolete")
+                         .arg(out, QString::number(catalogues.size()), QString::number(counts.iTexts),
+                              QString::number(counts.iFuzzy), QString::number(counts.iUntranslated),
+                              QString::number(counts.iObsolete)));
+    return report.GetExitCode();
+}
+
+int LanguageCommands::Export(const QString &path, const QString &folder, bool force)
+{
+    CReport report;
+    CExporter exporter(path, report);
+    if (!exporter.Read())
+        return report.GetExitCode();
+    QMap<int, SPoCatalogue> catalogues = exporter.GetCatalogues();
+    NameFiles(catalogues, folder);
+    if (!CanWrite(catalogues, folder, force, report))
+        return report.GetExitCode();
+    for (const SPoCatalogue &catalogue : qAsConst(catalogues))
+        WriteCatalogue(catalogue, report);
+    report.Print(QStringLiteral("%1: %2 languages").arg(folder).arg(catalogues.size()));
+    return report.GetExitCode();
+}

@@ -1,0 +1,280 @@
+#include "PoFile.h"
+
+#include <QFile>
+
+#include <gettext-po.h>
+
+#include <csetjmp>
+#include <cstdlib>
+#include <memory>
+
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+
+// The library's parser loses the strings of each entry that it has read. Exported, as the sanitizer is a library,
+// too.
+__attribute__((visibility("default"))) const char *__lsan_default_suppressions()
+{
+    return "leak:libgettextpo";
+}
+#endif
+
+namespace {
+
+struct SFree
+{
+    void operator()(char *text) const { std::free(text); }
+    void operator()(po_file_t file) const { po_file_free(file); }
+    void operator()(po_message_iterator_t iterator) const { po_message_iterator_free(iterator); }
+};
+template <typename Type>
+using TOwned = std::unique_ptr<Type, SFree>;
+
+// gettext-po's handlers get no pointer of the caller's. The library and this tool have one thread.
+struct SSink
+{
+    CReport &report;
+    QString strFile;
+    bool bFailed = false;
+    std::jmp_buf afterFatal;
+};
+SSink *g_pSink = nullptr;
+
+void Tell(int severity, const char *file, std::size_t line, const char *text)
+{
+    const bool known = file && line != static_cast<std::size_t>(-1);
+    const int number = known ? static_cast<int>(line) : 0;
+    const QString message = QString::fromUtf8(text).simplified();
+    if (severity == PO_SEVERITY_WARNING) {
+        g_pSink->report.Note(g_pSink->strFile, number, message);
+    } else {
+        g_pSink->report.Error(g_pSink->strFile, number, message);
+        g_pSink->bFailed = true;
+    }
+}
+
+// The library wants no return after a fatal error. Between here and the setjmp() there are only its C functions,
+// which lose what memory they held.
+void LeaveIfFatal(int severity)
+{
+    if (severity == PO_SEVERITY_FATAL_ERROR)
+        std::longjmp(g_pSink->afterFatal, 1);
+}
+
+void OnError(int severity, po_message_t, const char *file, std::size_t line, std::size_t, int, const char *text)
+{
+    Tell(severity, file, line, text);
+    LeaveIfFatal(severity);
+}
+
+void OnDoubleError(int severity, po_message_t, const char *file1, std::size_t line1, std::size_t, int,
+                   const char *text1, po_message_t, const char *file2, std::size_t line2, std::size_t, int,
+                   const char *text2)
+{
+    Tell(severity, file1, line1, text1);
+    if (file2)
+        Tell(severity, file2, line2, text2);
+    LeaveIfFatal(severity);
+}
+
+const po_xerror_handler HANDLER{&OnError, &OnDoubleError};
+
+po_file_t ReadGuarded(const char *path)
+{
+    if (setjmp(g_pSink->afterFatal) != 0)
+        return nullptr;
+    return po_file_read(path, &HANDLER);
+}
+
+bool WriteGuarded(po_file_t file, const char *path)
+{
+    if (setjmp(g_pSink->afterFatal) != 0)
+        return false;
+    return po_file_write(file, path, &HANDLER) != nullptr;
+}
+
+// The library doesn't tell where an entry stands, but gives all of them, obsolete ones too, in the order of the file.
+class CEntryLines
+{
+public:
+    explicit CEntryLines(const QByteArray &text)
+        : m_text(text)
+    {
+        while (m_iPosition < m_text.size())
+            Step();
+    }
+
+    // The lines of all msgid, from 1.
+    QVector<int> Get() const { return m_lines; }
+
+private:
+    void Step()
+    {
+        const char c = m_text.at(m_iPosition);
+        if (c == '#') {
+            SkipComment();
+        } else if (c == '"') {
+            SkipString();
+        } else if (IsLetter(m_iPosition)) {
+            TakeWord();
+        } else {
+            m_iLine += c == '\n' ? 1 : 0;
+            ++m_iPosition;
+        }
+    }
+
+    // "#~" makes what follows obsolete, but for "#~|", which is a former text.
+    void SkipComment()
+    {
+        if (m_text.mid(m_iPosition, 2) == "#~" && m_text.mid(m_iPosition, 3) != "#~|") {
+            m_iPosition += 2;
+        } else {
+            const int end = m_text.indexOf('\n', m_iPosition);
+            m_iPosition = end < 0 ? m_text.size() : end;
+        }
+    }
+
+    void SkipString()
+    {
+        ++m_iPosition;
+        while (m_iPosition < m_text.size() && m_text.at(m_iPosition) != '"')
+            m_iPosition += m_text.at(m_iPosition) == '\\' ? 2 : 1;
+        ++m_iPosition;
+    }
+
+    void TakeWord()
+    {
+        const int begin = m_iPosition;
+        while (m_iPosition < m_text.size() && IsLetter(m_iPosition))
+            ++m_iPosition;
+        if (m_text.mid(begin, m_iPosition - begin) == "msgid")
+            m_lines.append(m_iLine);
+    }
+
+    bool IsLetter(int position) const
+    {
+        const char c = m_text.at(position);
+        return (c >= 'a' && c <= 'z') || c == '_';
+    }
+
+    const QByteArray m_text;
+    int m_iPosition = 0;
+    int m_iLine = 1;
+    QVector<int> m_lines;
+};
+
+SPoFile::SEntry ReadEntry(po_message_t message)
+{
+    SPoFile::SEntry entry;
+    entry.strContext = QString::fromUtf8(po_message_msgctxt(message));
+    entry.strID = QString::fromUtf8(po_message_msgid(message));
+    entry.strText = QString::fromUtf8(po_message_msgstr(message));
+    entry.strComments = QString::fromUtf8(po_message_comments(message));
+    entry.bFuzzy = po_message_is_fuzzy(message) != 0;
+    entry.bObsolete = po_message_is_obsolete(message) != 0;
+    entry.bPlural = po_message_msgid_plural(message) != nullptr;
+    return entry;
+}
+
+void TakeEntries(po_file_t file, const QVector<int> &lines, SPoFile &po)
+{
+    const TOwned<struct po_message_iterator> iterator(po_message_iterator(file, nullptr));
+    QVector<SPoFile::SEntry> entries;
+    while (po_message_t message = po_next_message(iterator.get()))
+        entries.append(ReadEntry(message));
+    for (int i = 0; i < entries.size(); ++i) {
+        SPoFile::SEntry &entry = entries[i];
+        entry.iLine = lines.size() == entries.size() ? lines.at(i) : 0;
+        if (entry.strContext.isNull() && entry.strID.isEmpty()) {
+            po.strHeader = entry.strText;
+            po.iHeaderLine = entry.iLine;
+        } else {
+            po.entries.append(entry);
+        }
+    }
+}
+
+bool CheckWhole(po_file_t file, const QString &path, const SPoFile &po, CReport &report)
+{
+    int domains = 0;
+    for (const char *const *domain = po_file_domains(file); *domain; ++domain)
+        ++domains;
+    if (domains > 1)
+        report.Error(path, 0, QStringLiteral("a file of several domains can't be used"));
+    const QString type = po.GetField(QStringLiteral("Content-Type"));
+    const bool utf8 = type.contains(QLatin1String("charset=utf-8"), Qt::CaseInsensitive);
+    if (!utf8)
+        report.Error(path, po.iHeaderLine, QStringLiteral("its header has to say charset=UTF-8 under Content-Type"));
+    return domains <= 1 && utf8;
+}
+
+void AddEntry(po_message_iterator_t iterator, const SPoFile::SEntry &entry)
+{
+    po_message_t message = po_message_create();
+    if (!entry.strContext.isNull())
+        po_message_set_msgctxt(message, entry.strContext.toUtf8().constData());
+    po_message_set_msgid(message, entry.strID.toUtf8().constData());
+    po_message_set_msgstr(message, entry.strText.toUtf8().constData());
+    po_message_set_comments(message, entry.strComments.toUtf8().constData());
+    po_message_set_fuzzy(message, entry.bFuzzy ? 1 : 0);
+    po_message_insert(iterator, message);
+}
+
+} // namespace
+
+QString SPoFile::GetField(const QString &name) const
+{
+    const TOwned<char> value(po_header_field(strHeader.toUtf8().constData(), name.toUtf8().constData()));
+    return QString::fromUtf8(value.get());
+}
+
+void SPoFile::SetField(const QString &name, const QString &value)
+{
+    const TOwned<char> header(
+        po_header_set_field(strHeader.toUtf8().constData(), name.toUtf8().constData(), value.toUtf8().constData()));
+    strHeader = QString::fromUtf8(header.get());
+}
+
+bool PoFile::Read(const QString &path, SPoFile &po, CReport &report)
+{
+    QFile source(path);
+    if (!source.open(QIODevice::ReadOnly)) {
+        report.Error(path, 0, source.errorString());
+        return false;
+    }
+    const QByteArray text = source.readAll();
+    const int zero = text.indexOf('\0');
+    if (zero >= 0) {
+        // The library's texts would end there, and the rest be lost.
+        report.Error(path, 1 + text.left(zero).count('\n'), QStringLiteral("a zero byte"));
+        return false;
+    }
+    SSink sink{report, path, false, {}};
+    g_pSink = &sink;
+    const TOwned<struct po_file> file(ReadGuarded(QFile::encodeName(path).constData()));
+    if (!file || sink.bFailed) {
+        if (!sink.bFailed)
+            report.Error(path, 0, QStringLiteral("can't be read"));
+        return false;
+    }
+    TakeEntries(file.get(), CEntryLines(text).Get(), po);
+    return CheckWhole(file.get(), path, po, report);
+}
+
+bool PoFile::Write(const QString &path, const QString &name, const SPoFile &po, CReport &report)
+{
+    const TOwned<struct po_file> file(po_file_create());
+    const TOwned<struct po_message_iterator> iterator(po_message_iterator(file.get(), nullptr));
+    SPoFile::SEntry header;
+    header.strText = po.strHeader;
+    AddEntry(iterator.get(), header);
+    for (const SPoFile::SEntry &entry : po.entries)
+        AddEntry(iterator.get(), entry);
+
+    SSink sink{report, name, false, {}};
+    g_pSink = &sink;
+    const bool done = WriteGuarded(file.get(), QFile::encodeName(path).constData());
+    if (!done && !sink.bFailed)
+        report.Error(name, 0, QStringLiteral("can't be written"));
+    return done && !sink.bFailed;
+}

@@ -1,0 +1,55 @@
+#include "ReplacementFile.h"
+
+#include <QFileInfo>
+
+#include <filesystem>
+#include <system_error>
+
+namespace {
+
+QString Target(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.isSymLink() ? info.symLinkTarget() : path;
+}
+
+// What everybody may read, since the data of an installation is everybody's; an old file's choice stands.
+QFile::Permissions Permissions(const QString &path)
+{
+    return QFile::exists(path) ? QFile::permissions(path)
+                               : QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
+}
+
+} // namespace
+
+CReplacementFile::CReplacementFile(const QString &path)
+    : m_strPath(Target(path))
+    , m_file(m_strPath + QLatin1String(".XXXXXX.tmp"))
+{
+}
+
+bool CReplacementFile::Open()
+{
+    if (!m_file.open()) {
+        m_strError = QLatin1String("can't write in its folder: ") + m_file.errorString();
+        return false;
+    }
+    // The name is asked for while the file is open, since a temporary file may have none before. Closed, it leaves
+    // the locks to those who write: a process loses all its locks on a file when it closes one handle.
+    m_strTemporaryPath = m_file.fileName();
+    m_file.close();
+    return true;
+}
+
+bool CReplacementFile::Commit()
+{
+    QFile::setPermissions(m_strTemporaryPath, Permissions(m_strPath));
+    std::error_code error;
+    std::filesystem::rename(m_strTemporaryPath.toStdWString(), m_strPath.toStdWString(), error);
+    if (error) {
+        m_strError = QLatin1String("can't take its place: ") + QString::fromStdString(error.message());
+        return false;
+    }
+    m_file.setAutoRemove(false);
+    return true;
+}
