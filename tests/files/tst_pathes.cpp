@@ -22,7 +22,6 @@ private Q_SLOTS:
     void compiledInResource();
     void rememberedResource();
     void uniqueFilePath();
-    void personalDir();
 };
 
 void tst_Pathes::composed_data()
@@ -74,6 +73,7 @@ void tst_Pathes::composed()
 
 void tst_Pathes::withArguments()
 {
+    QVERIFY(QDir::isAbsolutePath(Pathes::PersonalDir()));
     QCOMPARE(Pathes::ThemeRoot(QStringLiteral("dark")), Pathes::Resources() + QLatin1String("/themes/dark"));
     QCOMPARE(Pathes::Theme(QStringLiteral("root"), -12), QStringLiteral("root/theme-12/Qt"));
 
@@ -143,12 +143,6 @@ void tst_Pathes::uniqueFilePath()
     QCOMPARE(Pathes::UniqueFilePath(tmp + QLatin1Char('/'), QStringLiteral("a"), png),
              tmp + QLatin1String("/a_2.png"));
     QCOMPARE(Pathes::UniqueFilePath(tmp, QStringLiteral("b"), png), tmp + QLatin1String("/b_0.png"));
-}
-
-void tst_Pathes::personalDir()
-{
-    QVERIFY(!Pathes::PersonalDir().isEmpty());
-    QVERIFY(QDir::isAbsolutePath(Pathes::PersonalDir()));
 }
 
 QTEST_GUILESS_MAIN(tst_Pathes)
