@@ -70,7 +70,7 @@ bool CLocalDB::Init()
         CreateDBInfoTable();
     if (!GetDBVersion(version))
         return false;
-    return version == GetMaxVersion() || ClimbToMaxVersion(version);
+    return version >= GetMaxVersion() || ClimbToMaxVersion(version);
 }
 
 bool CLocalDB::IsOpen()

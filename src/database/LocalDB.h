@@ -30,7 +30,8 @@ public:
 
     /// Opens the file and climbs from its version to GetMaxVersion() in one transaction: if a step fails, nothing of
     /// the climb is left, and the file stays open at its old version. A file of a newer version is used unchanged.
-    /// Called again on an open file it does nothing and answers true.
+    /// Called again on an open file it does nothing and answers true, also where the climb has failed before. A file
+    /// that another program has locked is waited for, up to 5 s a statement.
     bool Init();
     bool IsOpen();
 
@@ -59,7 +60,7 @@ public:
     /// A forward-only query on the connection, open or not, for what the operations above don't cover. Let it end
     /// before EndTransaction(): a running selection keeps the file locked.
     QSqlQuery GetQuery();
-    /// The id of the last row inserted; -1 and false if there is none to be had.
+    /// The id of the last row inserted through this connection, 0 if none was; -1 and false if it can't be asked for.
     bool GetLastInsertID(int &id);
 
     /// Transactions don't nest: the first EndTransaction() ends it.
