@@ -39,8 +39,7 @@ class tst_FileFunctions : public QObject
         QFile file(Tmp(name));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("not there");
     }
-    // What GetFilePaths() finds, relative to the directory.
-    QString GetNames(const char *dir) const
+    QString GetRelativePaths(const char *dir) const
     {
         return GetFilePaths(Tmp(dir)).join(QLatin1Char(' ')).remove(Tmp(dir) + QLatin1Char('/'));
     }
@@ -64,7 +63,7 @@ private Q_SLOTS:
                                  "from/.svn/entries", "from/a/.svn/entries"})
             Write(name);
         QVERIFY(QDir().mkdir(Tmp("from/empty")));
-        QCOMPARE(GetNames("from"), QStringLiteral("a a/x a/x/deep b b/1 b/2 empty .hidden 0"));
+        QCOMPARE(GetRelativePaths("from"), QStringLiteral("a a/x a/x/deep b b/1 b/2 empty .hidden 0"));
         for (const QString &path : {QString(), Tmp("from/.svn"), Tmp("from/0"), Tmp("missing")})
             QCOMPARE(GetFilePaths(path), QStringList());
     }
@@ -76,7 +75,7 @@ private Q_SLOTS:
         Write("outside/file");
         QVERIFY(QFile::link(Tmp("from"), Tmp("from/a/back")) && QFile::link(Tmp("outside"), Tmp("from/out")));
         QVERIFY(QFile::link(Tmp("missing"), Tmp("from/dangling")));
-        QCOMPARE(GetNames("from"), QStringLiteral("a a/back a/file out out/file dangling"));
+        QCOMPARE(GetRelativePaths("from"), QStringLiteral("a a/back a/file out out/file dangling"));
 
         QVERIFY2(RemoveDir(Tmp("from"), m_strError) && m_strError.isEmpty(), qPrintable(m_strError));
         QVERIFY(!QFileInfo::exists(Tmp("from")) && RemoveDir(Tmp("from"), m_strError));
@@ -103,12 +102,12 @@ private Q_SLOTS:
         QCOMPARE(m_strError, QStringLiteral("before")); // the only one that leaves it alone
         QVERIFY2(CopyDir(Tmp("from/"), Tmp("x/../to//"), m_strError, move), qPrintable(m_strError));
         QCOMPARE(m_strError, QString());
-        QCOMPARE(GetNames("to"), QStringLiteral("a a/file kept replaced"));
+        QCOMPARE(GetRelativePaths("to"), QStringLiteral("a a/file kept replaced"));
         QCOMPARE(Read("to/a/file") + Read("to/replaced") + Read("to/kept"), QByteArray("newnewnew"));
-        QCOMPARE(GetNames("from"), QLatin1String(move ? "a empty" : "a a/file empty replaced"));
+        QCOMPARE(GetRelativePaths("from"), QLatin1String(move ? "a empty" : "a a/file empty replaced"));
 
         QVERIFY(MoveDir(Tmp("from/."), Tmp("to"), m_strError) && m_strError.isEmpty());
-        QCOMPARE(GetNames("to"), QStringLiteral("a a/file kept replaced"));
+        QCOMPARE(GetRelativePaths("to"), QStringLiteral("a a/file kept replaced"));
         QVERIFY(!QFileInfo::exists(Tmp("from")));
     }
 
@@ -147,13 +146,9 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(Tmp("dangling/a")) && QDir().mkpath(Tmp("removed/a/file")));
         QVERIFY(QFile::link(Tmp("missing/file"), Tmp("dangling/a/file")));
 
-        const TOperation copy = [](const auto &from, const auto &to, QString &e) {
-            return CopyDir(from, to, e, false);
-        };
-        const TOperation move = [](const auto &from, const auto &to, QString &e) {
-            return CopyDir(from, to, e, true);
-        };
-        const TOperation remove = [](const auto &path, const auto &, QString &e) { return RemoveDir(path, e); };
+        const TOperation copy = [](const auto &from, const auto &to, auto &e) { return CopyDir(from, to, e, false); };
+        const TOperation move = [](const auto &from, const auto &to, auto &e) { return CopyDir(from, to, e, true); };
+        const TOperation remove = [](const auto &path, const auto &, auto &e) { return RemoveDir(path, e); };
         const std::tuple<TOperation, const char *, const char *, const char *> failures[] = {
             {copy, "from", "across", "copy: failed to create path: ~/across/a"},
             {MoveDir, "from", "across", "copy: failed to create path: ~/across/a"},
@@ -168,12 +163,11 @@ private Q_SLOTS:
             {remove, "/proc/self/fdinfo", "", "remove: failed to remove file: /proc/self/fdinfo/0"},
 #endif
         };
-        std::vector<std::future<QString>> messages;
+        std::vector<std::future<QString>> errors;
         for (const auto &[operation, from, to, message] : failures)
-            messages.push_back(std::async(std::launch::async, GetMessage, operation, Tmp(from), Tmp(to)));
-        for (size_t i = 0; i < messages.size(); ++i)
-            QCOMPARE(messages[i].get().replace(m_strTmp, QLatin1String("~")),
-                     QLatin1String(std::get<3>(failures[i])));
+            errors.push_back(std::async(std::launch::async, GetMessage, operation, Tmp(from), Tmp(to)));
+        for (size_t i = 0; i < errors.size(); ++i)
+            QCOMPARE(errors[i].get().replace(m_strTmp, QLatin1String("~")), QLatin1String(std::get<3>(failures[i])));
 
         // These would remove what they move, so they fail at once.
         QVERIFY(!CopyDir(Tmp("from"), Tmp("from/."), m_strError, true));

@@ -2,22 +2,8 @@
 
 #include <QFile>
 
-namespace {
-
 // Whether any code of this plugin ran shows in the file that the environment names.
-struct SMarker
-{
-    SMarker()
-    {
-        const QString name = qEnvironmentVariable("PLUGIN_MARKER");
-        if (!name.isEmpty())
-            QFile(name).open(QIODevice::WriteOnly);
-    }
-};
-
-const SMarker MARKER;
-
-} // namespace
+[[maybe_unused]] static const bool MARKED = QFile(qEnvironmentVariable("PLUGIN_MARKER")).open(QIODevice::WriteOnly);
 
 // Built against an interface version that never existed.
 class CWrongInterfacePlugin : public CPluginInterface
