@@ -136,6 +136,21 @@ private Q_SLOTS:
         QCOMPARE(m_strError, QStringLiteral("move: from not found: %1 - permissions 0").arg(Tmp("from/dangling")));
     }
 
+    // The old file is removed before the new one comes, which here is the same.
+    void ontoItself()
+    {
+        QString error;
+        const QString alias = Tmp("alias");
+        Write("tree/a/file");
+        QVERIFY(QFile::link(Tmp("tree"), alias));
+        QVERIFY(!FileFunctions::CopyDir(Tmp("tree"), Tmp("tree/."), error, false));
+        QVERIFY(!FileFunctions::CopyDir(Tmp("tree"), alias, error, true));
+        QVERIFY(!FileFunctions::MoveDir(Tmp("tree"), Tmp("tree/below"), error));
+        QCOMPARE(error, QLatin1String("move: failed to rename: ") + Tmp("tree to ") + Tmp("tree/below"));
+        QVERIFY(FileFunctions::RemoveDir(alias, error) && !QFileInfo::exists(alias));
+        QCOMPARE(Read("tree/a/file"), QByteArray("old"));
+    }
+
     // Every step that can be tried again fails for good, and all of them at the same time, since each takes its time.
     // Permissions would stop nobody who is root; directories, files and links in the way stop everybody.
     void failures()

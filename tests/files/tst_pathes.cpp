@@ -60,9 +60,8 @@ private Q_SLOTS:
         QVERIFY(QDir::isAbsolutePath(Pathes::PersonalDir()));
         QCOMPARE(Pathes::ThemeRoot(QStringLiteral("dark")), Pathes::Resources() + QLatin1String("/themes/dark"));
         QCOMPARE(Pathes::Theme(QStringLiteral("root"), -12), QStringLiteral("root/theme-12/Qt"));
-        const QString avatars = Pathes::Tmp() + QLatin1String("/CustomAvatars/");
-        QCOMPARE(Pathes::CustomAvatar(1000), avatars + QLatin1String("1/1000.png"));
-        QCOMPARE(Pathes::CustomAvatar(4294967295u), avatars + QLatin1String("4294967/4294967295.png"));
+        QCOMPARE(Pathes::CustomAvatar(1000), Pathes::Tmp() + QLatin1String("/CustomAvatars/1/1000.png"));
+        QCOMPARE(Pathes::CustomAvatar(~0u), Pathes::Tmp() + QLatin1String("/CustomAvatars/4294967/4294967295.png"));
     }
 
     // In this order, since the answers are remembered as long as the process lives.

@@ -16,8 +16,7 @@ class tst_ExportedSymbols : public QObject
 private Q_SLOTS:
     void publicNamesOnly()
     {
-        // What stands before the first name: the sanitizer's mark, the kind of a special object, a nested name's
-        // start.
+        // Before the first name: the sanitizer's mark, the kind of a special object, the start of a nested name.
         const QString prefix = QStringLiteral("^(?:__odr_asan\\.)?_Z(?:TV|TI|TS|GV|Z)*N?K?");
         // A name is mangled with its length before it, so CPlugin doesn't let CPluginInterface pass.
         QStringList names = QString::fromLatin1(PUBLIC_NAMES).split(QLatin1Char(' '));

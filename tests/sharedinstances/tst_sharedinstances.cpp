@@ -75,6 +75,7 @@ private Q_SLOTS:
         QVERIFY(loaders[0].unload());
         QCOMPARE(Ask(plugins[1], report).first, seen); // they don't go with the plugin that created them
         QVERIFY(loaders[1].unload());
+        QCOMPARE(CConsole::GetMessages().value(0).strMessage, QStringLiteral("second"));
     }
 
     // A host can tell by the metadata, and no code of the plugin runs for that.

@@ -24,9 +24,8 @@ public:
     void ReceiveEvent(CEvent e) override
     {
         if (e.HasTags("TEST", "LOGM")) {
-            // Built at run time: the letters of a literal would go with this file when it is unloaded.
-            CConsole::AddMessage(QString::fromLatin1(PLUGIN_NAME), CConsole::MC_Plugin, CConsole::ML_Info, QString(),
-                                 0);
+            // A literal: its letters go with this file when it is unloaded, the message stays.
+            CConsole::AddMessage(QStringLiteral(PLUGIN_NAME), CConsole::MC_Plugin, CConsole::ML_Info, QString(), 0);
         } else if (e.HasTags("TEST", "RPRT")) {
             QStringList messages;
             const QList<CConsole::SConsoleMessage> all = CConsole::GetMessages();
