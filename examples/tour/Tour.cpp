@@ -45,16 +45,21 @@ QString SeeLanguages()
     return names.join(QLatin1String(", "));
 }
 
+// Asks with a program that has nothing to do with the client, which has the files open.
 QString SeeUserDatabases()
 {
-    QStringList names;
+    QStringList versions;
     for (const QString &path :
          {Pathes::SettingsDB(), Pathes::PlayerInfoDB(), Pathes::LobbyListDB(), Pathes::HandHistoryDB()}) {
-        if (!QFile::exists(path))
+        QProcess sqlite;
+        sqlite.start(QStringLiteral("sqlite3"),
+                     {QStringLiteral("-readonly"), path, QStringLiteral("SELECT DBI_cValue FROM tbl_dbinfo")});
+        if (!sqlite.waitForFinished() || sqlite.exitCode() != 0)
             return QString();
-        names.append(QFileInfo(path).fileName());
+        versions.append(QFileInfo(path).fileName() + QLatin1String(" version ") +
+                        QString::fromUtf8(sqlite.readAllStandardOutput()).trimmed());
     }
-    return names.join(QLatin1String(", "));
+    return versions.join(QLatin1String(", "));
 }
 
 } // namespace
@@ -115,7 +120,8 @@ void CTour::ShowStart()
     Step(QStringLiteral("The operator's configuration is in force"), nothing,
          [this] { return CConfigDB::GetInstance()->IsOpen() ? m_window.windowTitle() : QString(); });
     Step(QStringLiteral("The installation brings its languages"), nothing, [] { return SeeLanguages(); });
-    Step(QStringLiteral("The user's databases are made"), nothing, [] { return SeeUserDatabases(); });
+    Step(QStringLiteral("Another program reads the user's new databases"), nothing,
+         [] { return SeeUserDatabases(); });
     Step(QStringLiteral("Without a game server the client waits"), nothing,
          [this] { return SeeState(EConnectionState::Reconnecting); });
 }
