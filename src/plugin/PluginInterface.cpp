@@ -1,5 +1,6 @@
 #include "PluginInterface.h"
 
+#include <plugin/EventAfterLogin_p.h>
 #include <plugin/PacketLayerWrapper.h>
 
 #include <QtEndian>
@@ -88,8 +89,9 @@ void CPluginInterfaceFunctions::SendInternEvent(CEvent e, bool afterLogin)
         Q_EMIT signal_SendEvent(e);
         return;
     }
-    // The event itself is kept back: nothing knows yet when a user is logged in.
     OpenLoginDialog();
+    auto *waiting = new CEventAfterLogin(e, this);
+    connect(waiting, &CEventAfterLogin::signal_Event, this, &CPluginInterfaceFunctions::signal_SendEvent);
 }
 
 void CPluginInterfaceFunctions::SendInternEvent(unsigned char moduleID, unsigned int targetID, QString tag1,

@@ -22,7 +22,10 @@ class QWidget;
 /// There are no answers and no errors on the bus: a call returns nothing, an event that nobody listens to is lost,
 /// and a malformed request vanishes. All operations belong to the object's thread, but for emit_ReceiveEvent().
 ///
-/// The flag `afterLogin` asks for the login dialog first and keeps the event back; as yet nothing releases it.
+/// The flag `afterLogin` asks for the login dialog first and keeps the event back until a user is logged in; with one
+/// logged in it goes out at the next turn of the event loop. One event waits at a time: a newer one, of whatever
+/// plugin, replaces it. It is lost without a message when the login is cancelled or takes longer than 30 s. The flag
+/// needs CConfigDB to be initialised, see CUserInfo.
 class PLUGININTERFACE_EXPORT CPluginInterfaceFunctions : public QObject
 {
     Q_OBJECT
@@ -112,6 +115,9 @@ private:
 /// The base of every plugin. The host creates the object from the plugin's file, connects its signals, and calls in
 /// this order: RegisterEvents(), Initialize(), Start(), CreateDesignerPages(), CreateView(); at the end CanClose()
 /// and Shutdown().
+///
+/// A file whose code has run stays mapped until the process ends, as QPluginLoader sees to by itself: a setting or a
+/// model may hold a text whose letters lie in it.
 class PLUGININTERFACE_EXPORT CPluginInterface : public CPluginInterfaceFunctions
 {
     Q_OBJECT

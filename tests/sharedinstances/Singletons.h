@@ -7,22 +7,30 @@
 #include <database/SettingsDB.h>
 #include <database/TranslationDB.h>
 #include <files/Console.h>
+#include <models/PlayerLists.h>
+#include <models/UserInfo.h>
 #include <plugin/PluginInterface.h>
 #include <settings/Config.h>
+#include <settings/Settings.h>
+#include <time/CasinoTime.h>
 
 #include <QMap>
 #include <QString>
 
 // Every singleton of the library; a new one is one more row.
 #define SINGLETONS(ROW) \
+    ROW(CCasinoTime)    \
     ROW(CConfig)        \
     ROW(CConfigDB)      \
     ROW(CConsole)       \
     ROW(CHandHistoryDB) \
     ROW(CLobbyListDB)   \
     ROW(CPlayerInfoDB)  \
+    ROW(CPlayerLists)   \
+    ROW(CSettings)      \
     ROW(CSettingsDB)    \
-    ROW(CTranslationDB)
+    ROW(CTranslationDB) \
+    ROW(CUserInfo)
 
 /// Addresses of what host and plugins have to share, by name, as the including module sees them. Creates the
 /// singletons that aren't there.
@@ -35,6 +43,7 @@ inline QMap<QString, quint64> GetSharedAddresses()
 #define ADD_ADDRESS(Class) add(#Class, Class::GetInstance());
     SINGLETONS(ADD_ADDRESS)
 #undef ADD_ADDRESS
+    add("model of a player", CPlayerModel::GetInstance(QStringLiteral("Ann")));
     add("meta-object of CPluginInterface", &CPluginInterface::staticMetaObject);
     return addresses;
 }
@@ -44,4 +53,5 @@ inline void DestroySingletons()
 #define DESTROY(Class) Class::DestroyInstance();
     SINGLETONS(DESTROY)
 #undef DESTROY
+    CPlayerModel::DestroyInstances();
 }

@@ -4,9 +4,12 @@
 
 // The public classes and namespaces.
 static const char *const PUBLIC_NAMES =
-    "CConfig CConfigBase CConfigDB CConsole CEvent CHandHistoryDB CLobbyListDB CLocalDB CPacketLayerWrapper "
-    "CPlayerInfoDB CPluginInterface CPluginInterfaceFunctions CSettingsDB CTranslationDB DBValue FileFunctions "
-    "GlobalDefines Globals Pathes";
+    "CCasinoTime CConfig CConfigBase CConfigDB CConsole CEvent CHandHistoryDB CLobbyListDB CLocalDB "
+    "CPacketLayerWrapper "
+    "CPlayerDataModel CPlayerInfoDB CPlayerLists CPlayerModel CPluginInterface CPluginInterfaceFunctions CSettings "
+    "CSettingsBase CSettingsDB CTranslationDB CUserInfo CUserInfoDataModel DBValue FileFunctions GlobalDefines "
+    "Globals "
+    "Pathes";
 
 // The library shows its public classes and functions and nothing else.
 class tst_ExportedSymbols : public QObject
@@ -23,7 +26,7 @@ private Q_SLOTS:
         for (QString &name : names)
             name.prepend(QString::number(name.size()));
         const QRegularExpression publicPattern(
-            prefix + QLatin1String("(?:rsR11QDataStream|lsR11QDataStream|ls6QDebug)?R?K?N?(?:") +
+            prefix + QLatin1String("(?:rsR11QDataStream|lsR11QDataStream|ls6QDebug)?[PR]?K?N?(?:") +
             names.join(QLatin1Char('|')) + QLatin1Char(')'));
         // Inline functions of the toolkit and the standard library leave copies, which the linker merges with theirs;
         // then the runtime of the coverage counters.

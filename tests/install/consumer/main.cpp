@@ -11,6 +11,14 @@
 #include <files/FileFunctions.h>
 #include <files/FileHelpers.h>
 #include <files/Pathes.h>
+#include <models/DataModel.h>
+#include <models/PlayerDataModel.h>
+#include <models/PlayerDataTable.h>
+#include <models/PlayerLists.h>
+#include <models/PlayerModel.h>
+#include <models/UserInfo.h>
+#include <models/UserInfoDataModel.h>
+#include <models/UserInfoDataTable.h>
 #include <plugin/ConnectionState.h>
 #include <plugin/Event.h>
 #include <plugin/GlobalDefines.h>
@@ -20,6 +28,10 @@
 #include <settings/Config.h>
 #include <settings/ConfigBase.h>
 #include <settings/ConfigTable.h>
+#include <settings/Settings.h>
+#include <settings/SettingsBase.h>
+#include <settings/SettingsTable.h>
+#include <time/CasinoTime.h>
 
 #include <QCoreApplication>
 
@@ -35,7 +47,11 @@ int main(int argc, char *argv[])
     require(Globals::GetMD5("abc") == "900150983cd24fb0d6963f7d28e17f72" && Pathes::Tmp().endsWith("/../Tmp"),
             "files");
     require(CConfig::GetInstance()->GetCashierSwapTime() == 5, "settings");
-    CConfig::DestroyInstance();
+    require(CSettings::GetInstance()->GetVolume() == 70 && CCasinoTime::GetInstance()->GetTimeUTCServer() == 0,
+            "time");
+    CPlayerModel player("Ann");
+    player.setProperty("strNotes", "careful");
+    require(player.GetNotes() == "careful" && !CUserInfo::GetInstance()->IsLoggedIn(), "models");
 
     CPacketLayerWrapper packet("ABCD", 1, 2);
     require(packet.AddPacket("TAG1", 4) && packet.GetPayloadTag() == "TAG1", "plugin");

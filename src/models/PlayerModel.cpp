@@ -1,0 +1,63 @@
+#include "PlayerModel.h"
+
+#include <Singleton_p.h>
+
+#include <algorithm>
+
+QHash<QString, QSharedPointer<CPlayerModel>> CPlayerModel::m_Instances;
+
+CPlayerModel::CPlayerModel(const QString &nickname)
+    : CPlayerDataModel(nullptr)
+{
+    SetNickname(nickname);
+}
+
+CPlayerModel *CPlayerModel::GetInstance(QString nickname)
+{
+    QSharedPointer<CPlayerModel> model = m_Instances.value(nickname);
+    if (!model) {
+        // A copy of the letters: those of a literal go with the plugin it stands in, the model stays.
+        const QString key(nickname.constData(), nickname.size());
+        model = Singleton::MakeShared(new CPlayerModel(key));
+        m_Instances.insert(key, model);
+    }
+    return model.data();
+}
+
+bool CPlayerModel::IsExisting(QString nickname)
+{
+    return m_Instances.contains(nickname);
+}
+
+bool CPlayerModel::IsExisting(CPlayerModel *model)
+{
+    return std::find(m_Instances.cbegin(), m_Instances.cend(), model) != m_Instances.cend();
+}
+
+void CPlayerModel::DestroyInstance(QString nickname)
+{
+    m_Instances.remove(nickname);
+}
+
+void CPlayerModel::DestroyInstance(CPlayerModel *model)
+{
+    const auto entry = std::find(m_Instances.begin(), m_Instances.end(), model);
+    if (entry != m_Instances.end())
+        m_Instances.erase(entry);
+}
+
+void CPlayerModel::DestroyInstances()
+{
+    m_Instances.clear();
+}
+
+void CPlayerModel::SetLoadedInfo(QString note, unsigned int tagID, unsigned int customAvatar, unsigned char rating,
+                                 bool buddyBlocked, bool chatBlock)
+{
+    SetNotes(note);
+    SetTagID(tagID);
+    SetCustomAvatar(customAvatar);
+    SetRating(rating);
+    SetBuddyBlocked(buddyBlocked);
+    SetChatBlock(chatBlock);
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <plugin/Event.h>
+
+#include <QObject>
+
+/// An event that is kept back until the user is logged in. At most one waits in the whole client: a newer one drops
+/// those before it. It is dropped, too, when the login is cancelled, when a login state of false arrives, and 30 s
+/// after its creation. With a user logged in already it goes out at the next turn of the event loop.
+class CEventAfterLogin : public QObject
+{
+    Q_OBJECT
+
+public:
+    CEventAfterLogin(const CEvent &event, QObject *parent);
+
+Q_SIGNALS:
+    /// The event goes out; never from within the constructor.
+    void signal_Event(CEvent e);
+
+private Q_SLOTS:
+    void slot_LoginStateChanged(bool loggedIn);
+    void slot_SendEvent();
+
+private:
+    void WaitForLogin();
+    void SendFromEventLoop();
+    void Drop();
+
+    CEvent m_event;
+};

@@ -1,0 +1,274 @@
+#include <models/PlayerLists.h>
+#include <models/UserInfoDataModel.h>
+
+#include <QMetaProperty>
+#include <QtTest>
+
+namespace {
+
+const QString NAME = QStringLiteral("Nick");
+
+QList<QMetaProperty> Properties(const QMetaObject &type)
+{
+    QList<QMetaProperty> properties;
+    for (int index = type.propertyOffset(); index < type.propertyCount(); ++index)
+        properties.append(type.property(index));
+    return properties;
+}
+
+// A value that is nobody's default: for a text the property's name, for a number 1.
+QVariant OtherValue(const QMetaProperty &property)
+{
+    if (property.userType() == qMetaTypeId<CPlayerModel *>())
+        return QVariant::fromValue(CPlayerModel::GetInstance(NAME));
+    return property.userType() == QMetaType::QString ? QVariant(QLatin1String(property.name())) : QVariant(1);
+}
+
+// The fields that a stream carries, as texts.
+QStringList Values(const QObject &model, const QMetaObject &type)
+{
+    QStringList values;
+    for (const QMetaProperty &property : Properties(type)) {
+        if (property.userType() != qMetaTypeId<CPlayerModel *>())
+            values.append(property.isEnumType() ? QString::number(property.read(&model).toInt())
+                                                : property.read(&model).toString());
+    }
+    return values;
+}
+
+template <typename Model>
+class CLoadable : public Model
+{
+public:
+    void LoadedFromStream() override { ++m_iLoads; }
+
+    int m_iLoads = 0;
+};
+
+template <typename... Fields>
+QByteArray ToBytes(const Fields &...fields)
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    (stream << ... << fields);
+    return bytes;
+}
+
+// Writes down which fields of a model signal.
+class CRecorder : public QObject
+{
+    Q_OBJECT
+
+public:
+    CRecorder(const QObject &model, const QMetaObject &type)
+        : m_iFirst(Properties(type).first().notifySignalIndex())
+    {
+        const QMetaMethod slot = metaObject()->method(metaObject()->indexOfSlot("slot_Changed()"));
+        for (const QMetaProperty &property : Properties(type))
+            connect(&model, property.notifySignal(), this, slot);
+    }
+
+    QList<int> Take() { return std::exchange(m_fields, {}); }
+
+public Q_SLOTS:
+    void slot_Changed() { m_fields.append(senderSignalIndex() - m_iFirst); }
+
+private:
+    int m_iFirst;
+    QList<int> m_fields;
+};
+
+// A set field signals once with its value, an equal one never; Reset() signals in the table's order.
+template <typename Model>
+void CheckFields(const char *expectedFields)
+{
+    const QMetaObject &type = Model::staticMetaObject;
+    Model model(nullptr);
+    CRecorder recorder(model, type);
+    const QStringList defaults = Values(model, type);
+    QStringList fields;
+    QList<int> all;
+    for (const QMetaProperty &property : Properties(type)) {
+        const QByteArray signal = property.notifySignal().methodSignature();
+        const QSignalSpy spy(&model, "2" + signal);
+        QVERIFY(property.write(&model, OtherValue(property)) && property.write(&model, OtherValue(property)));
+        QCOMPARE(spy.size(), 1);
+        QCOMPARE(spy.at(0).at(0).toString(), property.read(&model).toString());
+        all.append(all.size());
+        fields.append(QLatin1String(property.name()) + QLatin1Char(' ') + QLatin1String(signal));
+    }
+    QCOMPARE(fields.join(QLatin1Char('\n')), QString::fromLatin1(expectedFields));
+    QCOMPARE(recorder.Take(), all);
+    model.Reset();
+    model.Reset();
+    QCOMPARE(recorder.Take(), all);
+    QCOMPARE(Values(model, type), defaults);
+}
+
+// Whole, and cut at each byte: what isn't there whole has its default, and the status tells.
+template <typename Model>
+void CheckStream(const QByteArray &expectedBytes)
+{
+    const QMetaObject &type = Model::staticMetaObject;
+    Model source(nullptr);
+    const QStringList defaults = Values(source, type);
+    for (const QMetaProperty &property : Properties(type))
+        property.write(&source, OtherValue(property));
+    QCOMPARE(ToBytes(source), expectedBytes);
+    const QStringList others = Values(source, type);
+    int known = 0;
+    for (int length = 0; length <= expectedBytes.size(); ++length) {
+        CLoadable<Model> target;
+        CRecorder recorder(target, type);
+        QDataStream stream(expectedBytes.left(length));
+        stream >> target;
+        QCOMPARE(stream.status(), length == expectedBytes.size() ? QDataStream::Ok : QDataStream::ReadPastEnd);
+        QCOMPARE(target.m_iLoads, 1);
+        QCOMPARE(recorder.Take(), QList<int>());
+        const QStringList values = Values(target, type);
+        known += known < others.size() && values.at(known) == others.at(known);
+        QCOMPARE(values, others.mid(0, known) + defaults.mid(known));
+    }
+    QCOMPARE(known, others.size());
+}
+
+} // namespace
+
+class tst_players : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        CPlayerLists::DestroyInstance();
+        CPlayerModel::DestroyInstances();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void PlayerFields()
+    {
+        CheckFields<CPlayerDataModel>("strNickname signal_NicknameChanged(QString)\n"
+                                      "bBuddy signal_BuddyChanged(bool)\n"
+                                      "strInfoText signal_InfoTextChanged(QString)\n"
+                                      "ucSex signal_SexChanged(uchar)\n"
+                                      "ulVipLevel signal_VipLevelChanged(uint)\n"
+                                      "usCartoonAvatar signal_CartoonAvatarChanged(ushort)\n"
+                                      "ulCustomAvatar signal_CustomAvatarChanged(uint)\n"
+                                      "ucRating signal_RatingChanged(uchar)\n"
+                                      "strNotes signal_NotesChanged(QString)\n"
+                                      "bOnline signal_OnlineChanged(bool)\n"
+                                      "bBuddyBlocked signal_BuddyBlockedChanged(bool)\n"
+                                      "bChatBlock signal_ChatBlockChanged(bool)\n"
+                                      "ulTagID signal_TagIDChanged(uint)");
+    }
+
+    void UserFields()
+    {
+        QCOMPARE(CUserInfoDataModel(nullptr).GetAccountCurrency(), GlobalDefines::MONEYTYPE_UNKNOWN);
+        CheckFields<CUserInfoDataModel>(
+            "strUsername signal_UsernameChanged(QString)\n"
+            "strPasswordHashed signal_PasswordHashedChanged(QString)\n"
+            "mtAccountCurrency signal_AccountCurrencyChanged(GlobalDefines::MoneyType)\n"
+            "mvRealMoney signal_RealMoneyChanged(GlobalDefines::MoneyValue)\n"
+            "mvPlayMoney signal_PlayMoneyChanged(GlobalDefines::MoneyValue)\n"
+            "mvPointsRM signal_PointsRMChanged(GlobalDefines::MoneyValue)\n"
+            "mvPointsPM signal_PointsPMChanged(GlobalDefines::MoneyValue)\n"
+            "bCashierInfoUpdate signal_CashierInfoUpdateChanged(bool)\n"
+            "bHiddenFromBuddyList signal_HiddenFromBuddyListChanged(bool)\n"
+            "ucPlayerRating signal_PlayerRatingChanged(uchar)\n"
+            "bChatBlocked signal_ChatBlockedChanged(bool)\n"
+            "ucPlayerStatus signal_PlayerStatusChanged(uchar)\n"
+            "ulLoginTime signal_LoginTimeChanged(uint)\n"
+            "mvLoginBalance signal_LoginBalanceChanged(GlobalDefines::MoneyValue)\n"
+            "ulLastReportTime signal_LastReportTimeChanged(uint)\n"
+            "mvLastReportBalance signal_LastReportBalanceChanged(GlobalDefines::MoneyValue)\n"
+            "pPlayerModel signal_PlayerModelChanged(CPlayerModel*)\n"
+            "bLoginState signal_LoginStateChanged(bool)");
+    }
+
+    void Streams()
+    {
+        const auto text = [](const char *name) { return QString::fromLatin1(name); };
+        CheckStream<CPlayerDataModel>(ToBytes(text("strNickname"), true, text("strInfoText"), quint8(1), quint32(1),
+                                              quint16(1), quint32(1), quint8(1), text("strNotes"), true, true, true,
+                                              quint32(1)));
+        CheckStream<CUserInfoDataModel>(ToBytes(text("strUsername"), text("strPasswordHashed"), qint32(1), quint32(1),
+                                                quint32(1), quint32(1), quint32(1), true, true, quint8(1), true,
+                                                quint8(1), quint32(1), quint32(1), quint32(1), quint32(1), true));
+    }
+
+    void HostileStream()
+    {
+        QByteArray bytes = ToBytes(quint32(0xfffffff0u)); // the length of a text
+        bytes.append(4000, '\xee');
+        QDataStream stream(bytes);
+        CPlayerModel model(NAME);
+        model.SetRating(7);
+        stream >> model;
+        QVERIFY(stream.status() != QDataStream::Ok);
+        QCOMPARE(Values(model, CPlayerDataModel::staticMetaObject),
+                 Values(CPlayerDataModel(nullptr), CPlayerDataModel::staticMetaObject));
+    }
+
+    void Lines()
+    {
+        CUserInfoDataModel user;
+        CPlayerModel player(NAME);
+        player.SetSex(65);
+        user.SetPlayerModel(&player);
+        QString text;
+        QDebug(&text) << &user;
+        const QStringList lines = text.split(QLatin1Char('\n'));
+        QCOMPARE(lines.size(), 18 + 12);
+        QVERIFY(lines.at(2).startsWith(QLatin1String("m_mtAccountCurrency                       : 45")));
+        QVERIFY(lines.at(16).startsWith(QLatin1String("m_pPlayerModel                            : m_strNickname")));
+        QVERIFY(lines.at(19).startsWith(QLatin1String("m_ucSex                              : 65")));
+        QVERIFY(lines.at(29).startsWith(QLatin1String("m_bLoginState                             : false")));
+        user.SetPlayerModel(nullptr);
+        text.clear();
+        QDebug(&text) << user;
+        QVERIFY(text.contains(QLatin1String("m_pPlayerModel                            : none")));
+    }
+
+    void OneModelForANickname()
+    {
+        QPointer<CPlayerModel> model = CPlayerModel::GetInstance(NAME);
+        QCOMPARE(CPlayerModel::GetInstance(NAME), model.data());
+        QCOMPARE(CPlayerLists::GetInstance()->GetPlayerModel(NAME), model.data());
+        QVERIFY(CPlayerModel::GetInstance(NAME.toLower()) != model);
+        QVERIFY(!CPlayerModel::IsExisting(QStringLiteral("nobody")) && CPlayerModel::IsExisting(model));
+        model->SetNickname(QStringLiteral("renamed")); // the key stays
+        CPlayerModel::DestroyInstance(model);
+        QVERIFY(!CPlayerModel::IsExisting(NAME) && !CPlayerModel::IsExisting(model) && model);
+        QTRY_VERIFY(!model);
+        QVERIFY(CPlayerModel::IsExisting(NAME.toLower()));
+    }
+
+    void Buddies()
+    {
+        CPlayerLists &lists = *CPlayerLists::GetInstance();
+        CPlayerModel *buddy = lists.GetPlayerModel(NAME);
+        CPlayerModel *other = lists.GetPlayerModel(QStringLiteral("other"));
+        lists.AddToBuddyList(buddy);
+        QVERIFY(!buddy->GetBuddy());
+        lists.AddNewBuddy(buddy);
+        lists.AddNewBuddy(other);
+        lists.AddToBuddyList(nullptr);
+        lists.AddToBuddyList(buddy);
+        other->SetOnline(true);
+        QCOMPARE(std::pair(lists.GetOnlineBuddiesCount(), lists.GetOfflineBuddiesCount()), std::pair(1, 3));
+        lists.RemoveFromBuddyList(QStringLiteral("nobody"));
+        QVERIFY(!CPlayerModel::IsExisting(QStringLiteral("nobody")));
+        lists.RemoveFromBuddyList(NAME); // the second of two neighbours is passed over
+        QCOMPARE(*lists.GetBuddyList(), (QList<CPlayerModel *>{buddy, other, nullptr}));
+        QVERIFY(!buddy->GetBuddy() && other->GetBuddy());
+        CPlayerLists moved = std::move(lists);
+        QVERIFY(lists.GetBuddyList()->isEmpty() && moved.GetBuddyList()->size() == 3);
+        moved.ResetBuddyList();
+        QVERIFY(moved.GetBuddyList()->isEmpty() && other->GetBuddy());
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_players)
+#include "tst_players.moc"

@@ -1,0 +1,139 @@
+#include <models/UserInfo.h>
+#include <plugin/PluginInterface.h>
+#include <settings/Config.h>
+
+#include <QAbstractEventDispatcher>
+#include <QtTest>
+
+namespace {
+
+const QString ANN = QStringLiteral("Ann");
+
+class CPlugin : public CPluginInterface
+{
+public:
+    QString GetName() const override { return QStringLiteral("plugin"); }
+    QString GetVersion() const override { return QStringLiteral("1"); }
+    QStringList GetDependencies() const override { return {}; }
+    bool Initialize() override { return true; }
+    void Start() override {}
+    bool CanClose() override { return true; }
+    void Shutdown() override {}
+    QWidget *CreateView(QWidget *) override { return nullptr; }
+};
+
+// Lets the 30 s go by at once: their real timers fire. Answers how many there are.
+int FireTimeLimits()
+{
+    QObject *dispatcher = QAbstractEventDispatcher::instance();
+    int fired = 0;
+    for (QObject *timer : dispatcher->children()) {
+        const auto infos = static_cast<QAbstractEventDispatcher *>(dispatcher)->registeredTimers(timer);
+        for (const auto &info : infos) {
+            if (info.interval != 30000 || info.timerType != Qt::PreciseTimer)
+                continue;
+            QTimerEvent event(info.timerId);
+            QCoreApplication::sendEvent(timer, &event);
+            ++fired;
+        }
+    }
+    return fired;
+}
+
+} // namespace
+
+class tst_eventafterlogin : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        FireTimeLimits(); // those of events that are gone
+        m_sent.clear();
+        m_plugins = std::make_unique<std::array<CPlugin, 2>>();
+        for (CPlugin &plugin : *m_plugins) {
+            connect(&plugin, &CPluginInterface::signal_SendEvent, this,
+                    [this](const CEvent &event) { m_sent += QString::fromLatin1(event.tag2, 4) + QLatin1Char(' '); });
+        }
+    }
+
+    void cleanup()
+    {
+        m_plugins.reset();
+        CUserInfo::DestroyInstance();
+        CPlayerModel::DestroyInstances();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void LoggedInAlready()
+    {
+        CUserInfo::GetInstance()->SetLoggedIn(ANN);
+        Send(0, "ONE1");
+        Send(0, "TWO2");
+        QCOMPARE(m_sent, QStringLiteral("LGND LGND ")); // the events themselves come from the event loop
+        QCoreApplication::processEvents();
+        QCOMPARE(m_sent, QStringLiteral("LGND LGND ONE1 TWO2 "));
+        QCOMPARE(FireTimeLimits(), 0);
+    }
+
+    void NewestWaits()
+    {
+        Send(0, "ONE1");
+        Send(1, "TWO2");
+        Send(0, "SIX6");
+        m_sent.clear();
+        CUserInfo::GetInstance()->SetLoggedIn(ANN);
+        QCOMPARE(m_sent, QString());
+        QCoreApplication::processEvents();
+        QCOMPARE(m_sent, QStringLiteral("SIX6 "));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(m_plugins->at(0).children().size() == 1 && m_plugins->at(1).children().isEmpty());
+        FireTimeLimits(); // which is when the event that went out ends
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(m_plugins->at(0).children().isEmpty());
+    }
+
+    void Dropped_data()
+    {
+        QTest::addColumn<int>("how");
+        QTest::newRow("cancelled") << 0;
+        QTest::newRow("logged out") << 1;
+        QTest::newRow("30 s") << 2;
+        QTest::newRow("with its plugin") << 3;
+    }
+
+    void Dropped()
+    {
+        QFETCH(int, how);
+        CUserInfo *user = CUserInfo::GetInstance();
+        user->SetLoginState(true); // without a model nobody is logged in
+        Send(0, "ONE1");
+        m_sent.clear();
+        if (how == 0)
+            user->EmitLoginCanceled();
+        else if (how == 1)
+            user->SetLoggedIn(QString());
+        else if (how == 2)
+            QCOMPARE(FireTimeLimits(), 1);
+        else
+            m_plugins.reset();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        user->SetLoggedIn(QString());
+        user->SetLoggedIn(ANN);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_sent, QString());
+    }
+
+private:
+    void Send(std::size_t plugin, const char *tag2)
+    {
+        m_plugins->at(plugin).SendInternEvent(1, 2, QStringLiteral("P2ME"), QLatin1String(tag2), true);
+    }
+
+    std::unique_ptr<std::array<CPlugin, 2>> m_plugins;
+    QString m_sent;
+};
+
+QTEST_GUILESS_MAIN(tst_eventafterlogin)
+#include "tst_eventafterlogin.moc"

@@ -1,0 +1,244 @@
+#include <database/SettingsDB.h>
+#include <files/Pathes.h>
+#include <models/UserInfo.h>
+#include <settings/Config.h>
+#include <settings/Settings.h>
+#include <time/CasinoTime.h>
+
+#include <support/InstallationTree.h>
+
+#include <QJsonDocument>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QtTest>
+
+namespace {
+
+const QString ANN = QStringLiteral("Ann");
+constexpr unsigned int NOW = 1700000000;
+
+// All rows that fit, in order, as "user/area/key=value@time".
+QStringList Rows(const char *where = "1")
+{
+    QSqlQuery query = CSettingsDB::GetInstance()->GetQuery();
+    query.exec(QLatin1String("SELECT URS_cUser || '/' || URS_cArea || '/' || URS_cKey || '=' || URS_cValue || '@' || "
+                             "URS_iTimestamp FROM tbl_settings WHERE typeof(URS_iTimestamp) = 'integer' AND ") +
+               QLatin1String(where) + QLatin1String(" ORDER BY URS_cKey, URS_cUser"));
+    QStringList rows;
+    while (query.next())
+        rows.append(query.value(0).toString());
+    return rows;
+}
+
+void Restart()
+{
+    CSettings::DestroyInstance();
+    CUserInfo::DestroyInstance();
+    CCasinoTime::DestroyInstance();
+    CPlayerModel::DestroyInstances();
+    CConfig::DestroyInstance();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+} // namespace
+
+class tst_settings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QVERIFY(CSettingsDB::GetInstance()->Init());
+        QVERIFY(CSettingsDB::GetInstance()->Exec(QStringLiteral("DELETE FROM tbl_settings")));
+        CCasinoTime::GetInstance()->SetTimeUTCServer(NOW);
+    }
+
+    void cleanup() { Restart(); }
+
+    void DelayedWrite()
+    {
+        CSettings *settings = CSettings::GetInstance();
+        QElapsedTimer sinceLast;
+        for (const int volume : {1, 2, 3}) {
+            settings->SetVolume(volume);
+            sinceLast.start();
+            QTest::qWait(150); // within the delay
+            QCOMPARE(Rows(), QStringList());
+        }
+        QTRY_COMPARE(Rows(), QStringList{QStringLiteral("/sounds/volume=3@1700000000")});
+        QVERIFY(sinceLast.elapsed() >= 250);
+    }
+
+    void UserAndGlobalRow()
+    {
+        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("ANN"));
+        CSettings *settings = CSettings::GetInstance();
+        settings->SetVolume(5);
+        settings->SetWinPosByKey(QStringLiteral("Client"), QByteArrayLiteral("it's"));
+        settings->SetDesignerTab(QString());
+        settings->Save(ANN, QStringLiteral("AREA"), QStringLiteral("KEY"), 1, 0);
+        settings->slot_SaveSettings();
+        QCOMPARE(Rows(),
+                 (QStringList{QStringLiteral("/client/designertab=@1700000000"), QStringLiteral("/area/key=1@0"),
+                              QStringLiteral("ann/area/key=1@0"), QStringLiteral("/sounds/volume=5@1700000000"),
+                              QStringLiteral("ann/sounds/volume=5@1700000000"),
+                              QStringLiteral("/client/winpos[client]=it's@1700000000")}));
+        QCOMPARE(CSettings::GetLastTimestamp(ANN), NOW);
+        QCOMPARE(CSettings::GetLastTimestamp(QStringLiteral("nobody")), 0u);
+        QCOMPARE(CSettings::GetSettingList(ANN).size(), 2);
+        QCOMPARE(CSettings::GetSettingList(ANN).at(1).iTimestamp, qint64(NOW));
+    }
+
+    // As if each change had been compared and written in turn.
+    void UnchangedRows()
+    {
+        CSettings *settings = CSettings::GetInstance();
+        settings->SetVolume(5);
+        settings->SetThemeChips(5);
+        settings->slot_SaveSettings();
+        CCasinoTime::GetInstance()->SetTimeUTCServer(NOW + 10);
+        settings->SetVolume(5);
+        settings->SetThemeChips(6);
+        settings->SetThemeChips(5);
+        settings->slot_SaveSettings();
+        QCOMPARE(Rows(), (QStringList{QStringLiteral("/themesettings/themechips=5@1700000010"),
+                                      QStringLiteral("/sounds/volume=5@1700000000")}));
+    }
+
+    void WithoutServerTime()
+    {
+        CCasinoTime::GetInstance()->SetTimeUTCServer(0);
+        CSettings *settings = CSettings::GetInstance();
+        settings->SetVolume(5);
+        settings->slot_SaveSettings();
+        QTest::qWait(300);
+        QCOMPARE(Rows(), QStringList());
+        CUserInfo::GetInstance()->SetLoggedIn(ANN); // writes what waits, for nobody
+        QCOMPARE(Rows(), QStringList{QStringLiteral("/sounds/volume=5@0")});
+        CCasinoTime::GetInstance()->SetTimeUTCServer(NOW);
+        QTRY_COMPARE(Rows("URS_cUser != ''"), QStringList{QStringLiteral("ann/sounds/volume=5@1700000000")});
+    }
+
+    void OneUserAfterTheOther()
+    {
+        CUserInfo *user = CUserInfo::GetInstance();
+        CSettings *settings = CSettings::GetInstance();
+        user->SetUsername(QStringLiteral("login"));
+        user->SetPasswordHashed(QStringLiteral("hash"));
+        user->SetLoggedIn(ANN);
+        settings->SetVolume(11);
+        settings->SetThemeChips(3);
+        user->SetLoggedIn(QString());
+        QCOMPARE(settings->GetNickname(), QString());
+        user->SetLoggedIn(QStringLiteral("Bob"));
+        QCOMPARE(settings->GetNickname() + settings->GetUsername() + settings->GetPwd(),
+                 QStringLiteral("Bobloginhash"));
+        QCOMPARE(settings->GetVolume(), 11); // inherited
+        settings->SetVolume(22);
+        user->SetLoggedIn(QString());
+        QCOMPARE(settings->GetVolume(), 22);
+        user->SetLoggedIn(ANN);
+        QCOMPARE(settings->GetVolume(), 11);
+        settings->slot_SaveSettings(true);
+        QCOMPARE(Rows("URS_cKey = 'volume'").join(QLatin1Char(' ')),
+                 QStringLiteral("/sounds/volume=11@1700000000 ann/sounds/volume=11@1700000000 "
+                                "bob/sounds/volume=22@1700000000"));
+        QCOMPARE(Rows("URS_cUser = 'bob'").size(), 2);
+
+        Restart(); // a new process: the global rows apply before any login
+        QCOMPARE(CSettings::GetInstance()->GetVolume(), 11);
+    }
+
+    void Json()
+    {
+        CUserInfo::GetInstance()->SetLoggedIn(ANN);
+        CSettings *settings = CSettings::GetInstance();
+        settings->SetSelSubThemeByKey(QStringLiteral("Table"), 4);
+        settings->SetShowFps(true);
+        const QByteArray json = settings->GetOptionJSON();
+        const QVariantMap map = QJsonDocument::fromJson(json).toVariant().toMap();
+        QVERIFY(json.startsWith("{\n") && map.size() == 4);
+        QCOMPARE(map.value(QStringLiteral("nickname")).toString(), ANN);
+        QCOMPARE(map.value(QStringLiteral("settings")).toList().size(), 83 - 5 + 1);
+        settings->Reset();
+        for (const char *bad : {"", "{", "[]", "{\"settings\": 5}", "{\"settings\": [1, {}, {\"key\": 2}]}"})
+            settings->SetOptionJSON(bad);
+        QCOMPARE(settings->GetSelSubThemeByKey(QStringLiteral("table")), 0);
+        settings->SetOptionJSON(QByteArray(json).replace("\"70\"", "\"71\"").replace("animationsoff", "showfps"));
+        QCOMPARE(settings->GetSelSubThemeByKey(QStringLiteral("table")), 4);
+        QVERIFY(settings->GetVolume() == 71 && !settings->GetShowFps());
+    }
+
+    void OperatorsRules()
+    {
+        CConfig::GetInstance()->SetConfigs({{QStringLiteral("avatardisplaymode"), QStringLiteral("custom")}});
+        CSettings *settings = CSettings::GetInstance();
+        QCOMPARE(settings->GetAvatarDisplayMode(), int(CUserInfo::ADM_CustomAvatars));
+        settings->SetAnimationsOff(true);
+        QVERIFY(settings->GetAnimationOff());
+        CConfig::GetInstance()->SetConfigs({{QStringLiteral("optionanimationsoffselectable"), QString()}});
+        QVERIFY(!settings->GetAnimationOff());
+    }
+
+    // Another program holds the file for longer than SQLite waits: nothing is lost, but it comes later.
+    void LockedFile()
+    {
+        CSettings *settings = CSettings::GetInstance();
+        CSettingsDB::GetInstance()->Exec(QStringLiteral("PRAGMA busy_timeout = 50"));
+        QSqlDatabase connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        connection.setDatabaseName(Pathes::SettingsDB());
+        QVERIFY(connection.open());
+        QSqlQuery lock(connection);
+        for (const char *kind : {"BEGIN IMMEDIATE", "BEGIN EXCLUSIVE"}) {
+            settings->SetVolume(settings->GetVolume() + 1);
+            QVERIFY(lock.exec(QLatin1String(kind)));
+            settings->slot_SaveSettings(true);
+            QVERIFY(lock.exec(QStringLiteral("COMMIT")));
+            QVERIFY(!Rows().contains(QStringLiteral("/sounds/volume=%1@1700000000").arg(settings->GetVolume())));
+            QTRY_COMPARE(Rows(),
+                         QStringList{QStringLiteral("/sounds/volume=%1@1700000000").arg(settings->GetVolume())});
+        }
+    }
+
+    // Killed at random moments, the client loses nothing older than the delay, and never a part of what was written
+    // together.
+    void KilledAnywhere()
+    {
+        QRandomGenerator random(4);
+        int lossy = 0;
+        for (int kill = 0; kill < 50; ++kill) {
+            QProcess child;
+            child.start(QStringLiteral(SETTINGSCHILD_PATH), QStringList());
+            int last = 0;
+            for (int numbers = kill % 2 == 0 ? 4 : random.bounded(1, 8); numbers > 0; --numbers) {
+                QTRY_VERIFY(child.canReadLine());
+                last = child.readLine().toInt();
+            }
+            QThread::msleep(random.bounded(last % 4 == 0 ? 350u : 5u)); // up to and into the write
+            child.kill();
+            QVERIFY(child.waitForFinished() && child.exitStatus() == QProcess::CrashExit);
+            while (child.canReadLine())
+                last = child.readLine().toInt();
+
+            QSet<QString> values;
+            for (const QString &row : Rows("URS_cKey IN ('themechips', 'volume')"))
+                values.insert(row.section(QLatin1Char('='), 1));
+            QVERIFY2(values.size() <= 1, qPrintable(values.values().join(QLatin1Char(' '))));
+            const int stored = values.isEmpty() ? 0 : values.cbegin()->section(QLatin1Char('@'), 0, 0).toInt();
+            QVERIFY(stored <= last && stored >= (last - 1) / 4 * 4);
+            lossy += stored < last;
+        }
+        QVERIFY2(lossy > 0 && lossy < 50, qPrintable(QString::number(lossy)));
+        CLocalDB file(Pathes::SettingsDB(), true, true);
+        QHash<QString, QVariant> sound;
+        QVERIFY(file.SelectOne(sound, QStringLiteral("pragma_integrity_check"), {}, {}));
+        QCOMPARE(sound.value(QStringLiteral("integrity_check")).toString(), QStringLiteral("ok"));
+    }
+
+private:
+    CInstallationTree m_tree;
+};
+
+QTEST_GUILESS_MAIN(tst_settings)
+#include "tst_settings.moc"
