@@ -1,10 +1,6 @@
 #include "PlayerDataModel.h"
 
-namespace {
-
-constexpr int LABEL_WIDTH = 37;
-
-} // namespace
+#include <models/DataModel_p.h>
 
 CPlayerDataModel::CPlayerDataModel(QObject *parent)
     : QObject(parent)
@@ -12,4 +8,6 @@ CPlayerDataModel::CPlayerDataModel(QObject *parent)
     CPlayerDataModel::Reset();
 }
 
-DATA_MODEL_DEFINE(CPlayerDataModel, PLAYER_DATA_TABLE, LABEL_WIDTH);
+CPlayerDataModel::~CPlayerDataModel() = default;
+
+DATA_MODEL_DEFINE(CPlayerDataModel, PLAYER_DATA_TABLE, 37);

@@ -18,6 +18,7 @@ class PLUGININTERFACE_EXPORT CPlayerDataModel : public QObject
 
 public:
     explicit CPlayerDataModel(QObject *parent = nullptr);
+    ~CPlayerDataModel() override;
 
     /// Sets each field to its default, in the table's order.
     virtual void Reset();

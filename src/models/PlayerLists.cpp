@@ -39,12 +39,12 @@ QList<CPlayerModel *> *CPlayerLists::GetBuddyList()
     return &m_lBuddyList;
 }
 
-int CPlayerLists::GetOnlineBuddiesCount()
+int CPlayerLists::GetOnlineBuddiesCount() const
 {
     return CountBuddies(true);
 }
 
-int CPlayerLists::GetOfflineBuddiesCount()
+int CPlayerLists::GetOfflineBuddiesCount() const
 {
     return CountBuddies(false);
 }

@@ -30,8 +30,8 @@ public:
     void RemoveFromBuddyList(const QString &nickname);
     /// The list itself, not a copy; it may hold null.
     QList<CPlayerModel *> *GetBuddyList();
-    int GetOnlineBuddiesCount();
-    int GetOfflineBuddiesCount();
+    int GetOnlineBuddiesCount() const;
+    int GetOfflineBuddiesCount() const;
     /// Empties the list and leaves the models as they are.
     void ResetBuddyList();
 

@@ -12,11 +12,14 @@ CPlayerModel::CPlayerModel(const QString &nickname)
     SetNickname(nickname);
 }
 
+CPlayerModel::~CPlayerModel() = default;
+
 CPlayerModel *CPlayerModel::GetInstance(QString nickname)
 {
     QSharedPointer<CPlayerModel> model = m_Instances.value(nickname);
     if (!model) {
-        // A copy of the letters: those of a literal go with the plugin it stands in, the model stays.
+        // A copy of the letters: every later look-up compares them, even where a host has unmapped the plugin in
+        // whose file a literal stands.
         const QString key(nickname.constData(), nickname.size());
         model = Singleton::MakeShared(new CPlayerModel(key));
         m_Instances.insert(key, model);

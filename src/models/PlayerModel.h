@@ -16,7 +16,9 @@ class PLUGININTERFACE_EXPORT CPlayerModel : public CPlayerDataModel
     Q_OBJECT
 
 public:
+    /// Makes a model that isn't in the table; GetInstance() makes those that are.
     explicit CPlayerModel(const QString &nickname);
+    ~CPlayerModel() override;
 
     /// Creates the model if there is none; never null.
     static CPlayerModel *GetInstance(QString nickname);

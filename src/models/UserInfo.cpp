@@ -39,7 +39,7 @@ void CUserInfo::SetLoggedIn(const QString &nickname)
     }
 }
 
-QString CUserInfo::GetNickname()
+QString CUserInfo::GetNickname() const
 {
     const CPlayerModel *model = GetPlayerModel();
     return model ? model->GetNickname() : QString();
@@ -55,7 +55,7 @@ void CUserInfo::RemoveTournament(unsigned int id)
     m_hTournaments.remove(id);
 }
 
-bool CUserInfo::IsInTournament(unsigned int id)
+bool CUserInfo::IsInTournament(unsigned int id) const
 {
     return m_hTournaments.contains(id);
 }
@@ -70,7 +70,7 @@ void CUserInfo::RemoveWaitingListTable(unsigned int table)
     m_hWaitingLists.remove(table);
 }
 
-unsigned char CUserInfo::GetPositionOnWaitingList(unsigned int table)
+unsigned char CUserInfo::GetPositionOnWaitingList(unsigned int table) const
 {
     return m_hWaitingLists.value(table);
 }

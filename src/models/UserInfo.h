@@ -50,19 +50,19 @@ public:
     /// login state is signalled, so a host calls SetLoggedIn("") in between.
     void SetLoggedIn(const QString &nickname);
     /// The name under which all that is the user's own is stored and sent; empty if nobody is logged in.
-    QString GetNickname();
+    QString GetNickname() const;
 
     void AddTournament(unsigned int id);
     void RemoveTournament(unsigned int id);
-    bool IsInTournament(unsigned int id);
+    bool IsInTournament(unsigned int id) const;
 
     /// \a position counts from 1; a later one replaces it.
     void AddWaitingListTable(unsigned int table, unsigned char position);
     void RemoveWaitingListTable(unsigned int table);
     /// 0 if the user isn't on that table's list.
-    unsigned char GetPositionOnWaitingList(unsigned int table);
+    unsigned char GetPositionOnWaitingList(unsigned int table) const;
 
-    /// Forces either state. The next key press or mouse move makes the user active again.
+    /// Forces either state. The next key press, mouse press or mouse move makes the user active again.
     void SetUserActivity(bool active);
 
     /// The modes that the operator allows, the preferred one first; never empty.

@@ -1,10 +1,6 @@
 #include "UserInfoDataModel.h"
 
-namespace {
-
-constexpr int LABEL_WIDTH = 42;
-
-} // namespace
+#include <models/DataModel_p.h>
 
 CUserInfoDataModel::CUserInfoDataModel(QObject *parent)
     : QObject(parent)
@@ -16,4 +12,6 @@ CUserInfoDataModel::CUserInfoDataModel(QObject *parent)
     CUserInfoDataModel::Reset();
 }
 
-DATA_MODEL_DEFINE(CUserInfoDataModel, USER_INFO_DATA_TABLE, LABEL_WIDTH);
+CUserInfoDataModel::~CUserInfoDataModel() = default;
+
+DATA_MODEL_DEFINE(CUserInfoDataModel, USER_INFO_DATA_TABLE, 42);

@@ -20,6 +20,7 @@ class PLUGININTERFACE_EXPORT CUserInfoDataModel : public QObject
 
 public:
     explicit CUserInfoDataModel(QObject *parent = nullptr);
+    ~CUserInfoDataModel() override;
 
     /// Sets each field to its default, in the table's order.
     virtual void Reset();

@@ -41,7 +41,7 @@ void CEventAfterLogin::WaitForLogin()
     connect(user, &CUserInfo::signal_LoginStateChanged, this, &CEventAfterLogin::slot_LoginStateChanged);
     connect(user, &CUserInfo::signal_LoginCanceled, this, &CEventAfterLogin::Drop);
     // A coarse timer could take a second and a half longer.
-    QTimer::singleShot(WAIT_MS, Qt::PreciseTimer, this, &CEventAfterLogin::deleteLater);
+    QTimer::singleShot(WAIT_MS, Qt::PreciseTimer, this, &CEventAfterLogin::Drop);
 }
 
 void CEventAfterLogin::SendFromEventLoop()
@@ -49,10 +49,10 @@ void CEventAfterLogin::SendFromEventLoop()
     QTimer::singleShot(0, this, &CEventAfterLogin::slot_SendEvent);
 }
 
-// The object may outlive this for a while, in an event loop within the one that deletes it, and a login there must
-// not send what has been dropped.
+// The object may outlive this for a while, where an event loop runs within the one that deletes it; nobody hears it
+// then.
 void CEventAfterLogin::Drop()
 {
-    disconnect(CUserInfo::GetInstance(), nullptr, this, nullptr);
+    disconnect(this, &CEventAfterLogin::signal_Event, nullptr, nullptr);
     deleteLater();
 }

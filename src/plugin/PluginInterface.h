@@ -24,8 +24,8 @@ class QWidget;
 ///
 /// The flag `afterLogin` asks for the login dialog first and keeps the event back until a user is logged in; with one
 /// logged in it goes out at the next turn of the event loop. One event waits at a time: a newer one, of whatever
-/// plugin, replaces it. It is lost without a message when the login is cancelled or takes longer than 30 s. The flag
-/// needs CConfigDB to be initialised, see CUserInfo.
+/// plugin, replaces it. It is lost without a message when the login is cancelled, when a logout comes instead, or
+/// behind 30 s. The flag needs CConfigDB to be initialised, see CUserInfo.
 class PLUGININTERFACE_EXPORT CPluginInterfaceFunctions : public QObject
 {
     Q_OBJECT

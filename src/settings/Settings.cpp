@@ -16,6 +16,8 @@ PLUGININTERFACE_DEFINE_SINGLETON(CSettings);
 namespace {
 
 constexpr int SAVE_DELAY_MS = 250;
+// A locked file holds each attempt up for as long as SQLite waits.
+constexpr int LOCKED_DELAY_MS = 5000;
 
 const QString COLUMN_USER = QStringLiteral("URS_cUser");
 const QString COLUMN_AREA = QStringLiteral("URS_cArea");
@@ -30,20 +32,12 @@ const QLatin1String JSON_SETTINGS("settings");
 const QLatin1String JSON_KEY("key");
 const QLatin1String JSON_VALUE("value");
 
-QHash<QString, QVariant> ValuesByKey(const QList<CSettings::SSetting> &settings)
-{
-    QHash<QString, QVariant> values;
-    for (const CSettings::SSetting &setting : settings)
-        values.insert(setting.strKey, setting.vValue);
-    return values;
-}
-
 } // namespace
 
 CSettings::CSettings()
 {
     m_SaveTimer.setSingleShot(true);
-    m_SaveTimer.setTimerType(Qt::PreciseTimer);
+    m_SaveTimer.setTimerType(Qt::PreciseTimer); // what a crash may lose is no more than the delay
     m_SaveTimer.setInterval(SAVE_DELAY_MS);
     connect(&m_SaveTimer, &QTimer::timeout, this, [this] { slot_SaveSettings(); });
     const CUserInfo *user = CUserInfo::GetInstance();
@@ -58,7 +52,7 @@ void CSettings::Save(const QString &user, const QString &area, const QString &ke
     m_lstPending.append({user, area, key, value, timestamp});
     if (!user.isEmpty())
         m_lstPending.append({QString(), area, key, value, timestamp});
-    m_SaveTimer.start();
+    m_SaveTimer.start(SAVE_DELAY_MS);
 }
 
 unsigned int CSettings::GetLastTimestamp(const QString &user)
@@ -82,7 +76,7 @@ QList<CSettings::SSetting> CSettings::GetSettingList(const QString &user)
     return settings;
 }
 
-QByteArray CSettings::GetOptionJSON()
+QByteArray CSettings::GetOptionJSON() const
 {
     QJsonArray entries;
     const QHash<QString, QVariant> settings = GetSettings();
@@ -110,7 +104,7 @@ void CSettings::SetOptionJSON(const QByteArray &json)
     SetSettings({}, values, true);
 }
 
-bool CSettings::GetAnimationOff()
+bool CSettings::GetAnimationOff() const
 {
     const CConfig *config = CConfig::GetInstance();
     return config->GetOptionAnimationsOffSelectable() ? GetAnimationsOff() : config->GetOptionAnimationsOff();
@@ -121,19 +115,12 @@ void CSettings::slot_SaveSettings(bool force)
     if (m_lstPending.isEmpty())
         return;
     const unsigned int now = CCasinoTime::GetInstance()->GetTimeUTCServer();
-    if (now == 0 && !force) {
-        m_SaveTimer.start();
-        return;
-    }
-    CSettingsDB *database = CSettingsDB::GetInstance();
-    database->StartTransaction();
-    const bool locked = !SettingsRows::Write(*database, m_lstPending, now);
-    database->EndTransaction(!locked);
-    // Another program holds the file: the rows stay, and those that follow join them.
-    if (locked)
-        m_SaveTimer.start();
-    else
+    if (now == 0 && !force)
+        m_SaveTimer.start(SAVE_DELAY_MS);
+    else if (SettingsRows::Write(*CSettingsDB::GetInstance(), m_lstPending, now))
         m_lstPending.clear();
+    else
+        m_SaveTimer.start(LOCKED_DELAY_MS); // the rows stay, and those that follow join them
 }
 
 void CSettings::slot_LoginStateChanged()
@@ -144,8 +131,20 @@ void CSettings::slot_LoginStateChanged()
     SetNickname(user->GetNickname());
     SetUsername(user->GetUsername());
     SetPwd(user->GetPasswordHashed());
-    const QHash<QString, QVariant> globals = ValuesByKey(GetSettingList(QString()));
     const QString &nickname = GetNickname();
-    SetSettings(globals, nickname.isEmpty() ? QHash<QString, QVariant>() : ValuesByKey(GetSettingList(nickname)),
-                true);
+    SetSettings(GetValues(QString()), nickname.isEmpty() ? QHash<QString, QVariant>() : GetValues(nickname), true);
+}
+
+// What is stored, and over it what a locked file has kept from being stored.
+QHash<QString, QVariant> CSettings::GetValues(const QString &user) const
+{
+    QHash<QString, QVariant> values;
+    const QList<SSetting> stored = GetSettingList(user);
+    for (const SSetting &setting : stored)
+        values.insert(setting.strKey, setting.vValue);
+    for (const SSetting &setting : m_lstPending) {
+        if (setting.strUser.toLower() == user.toLower())
+            values.insert(setting.strKey.toLower(), setting.vValue.toString());
+    }
+    return values;
 }

@@ -9,9 +9,10 @@
 /// The user's settings, and their way to CSettingsDB and back.
 ///
 /// A change is queued and written 250 ms behind the last one of its burst, all in one transaction, stamped with the
-/// server's time; before the server's time is known nothing is written. A change of a logged-in user goes to the
+/// server's time; before that is known only a change of the login writes. A change of a logged-in user goes to the
 /// user's row and to the global one, which thus holds what was chosen last on this machine. A row that holds the
-/// value already stays as it is, its time too. If the file isn't open, changes last as long as the process.
+/// value already stays as it is, its time too. While another program keeps the file locked the changes wait; if the
+/// file isn't open, they last as long as the process.
 ///
 /// At each change of the login state the pending changes are written and the global and the user's rows applied; a
 /// user's first login begins with the global rows. A setting without a row keeps its value.
@@ -49,16 +50,16 @@ public:
     static QList<SSetting> GetSettingList(const QString &user);
 
     /// The user, the hash of the password and the user's settings as JSON, those of the installation left out.
-    QByteArray GetOptionJSON();
+    QByteArray GetOptionJSON() const;
     /// Applies the settings of such a JSON and stores them; ignores anything else, and what is no JSON.
     void SetOptionJSON(const QByteArray &json);
 
     /// Whether animations are off, by the user's choice or, where the operator leaves none, by the operator's.
-    bool GetAnimationOff();
+    bool GetAnimationOff() const;
 
 public Q_SLOTS:
-    /// Writes the queue. Unless forced it waits until the server's time is known; forced before that, it writes the
-    /// time 0.
+    /// Writes the queue. Unless forced it waits until the server's time is known; forced before that, it stamps with
+    /// 0. Where the file is locked the queue stays, to be tried again later.
     void slot_SaveSettings(bool force = false);
 
 private Q_SLOTS:
@@ -66,6 +67,8 @@ private Q_SLOTS:
 
 private:
     CSettings();
+
+    QHash<QString, QVariant> GetValues(const QString &user) const;
 
     QList<SSetting> m_lstPending; // oldest first
     QTimer m_SaveTimer;

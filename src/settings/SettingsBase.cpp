@@ -48,7 +48,7 @@ Hash FromMap(const QVariantMap &map)
 {
     Hash hash;
     for (auto entry = map.cbegin(); entry != map.cend(); ++entry)
-        hash.insert(entry.key(), entry.value().value<typename Hash::mapped_type>());
+        hash.insert(entry.key().toLower(), entry.value().value<typename Hash::mapped_type>());
     return hash;
 }
 
@@ -57,11 +57,11 @@ template <typename Hash>
 void RegisterKeyedType(const char *name)
 {
     qRegisterMetaType<Hash>(name);
-    if (QMetaType::hasRegisteredConverterFunction<QVariantMap, Hash>())
-        return;
-    QMetaType::registerConverter<QVariantMap, Hash>(&FromMap<Hash>);
-    QMetaType::registerConverter<QJSValue, Hash>(
-        [](const QJSValue &value) { return FromMap<Hash>(value.toVariant().toMap()); });
+    if (!QMetaType::hasRegisteredConverterFunction<QVariantMap, Hash>())
+        QMetaType::registerConverter<QVariantMap, Hash>(&FromMap<Hash>);
+    if (!QMetaType::hasRegisteredConverterFunction<QJSValue, Hash>())
+        QMetaType::registerConverter<QJSValue, Hash>(
+            [](const QJSValue &value) { return FromMap<Hash>(value.toVariant().toMap()); });
 }
 
 } // namespace
@@ -83,6 +83,41 @@ CSettingsBase::CSettingsBase()
 }
 
 CSettingsBase::~CSettingsBase() = default;
+
+const QString &CSettingsBase::GetNickname() const
+{
+    return m_strNickname;
+}
+
+void CSettingsBase::SetNickname(const QString &nickname)
+{
+    m_strNickname = nickname;
+}
+
+const QString &CSettingsBase::GetUsername() const
+{
+    return m_strUsername;
+}
+
+void CSettingsBase::SetUsername(const QString &username)
+{
+    m_strUsername = username;
+}
+
+const QString &CSettingsBase::GetPwd() const
+{
+    return m_strPwd;
+}
+
+void CSettingsBase::SetPwd(const QString &pwd)
+{
+    m_strPwd = pwd;
+}
+
+const QObject *CSettingsBase::GetCaller() const
+{
+    return m_pCaller;
+}
 
 QHash<QString, QVariant> CSettingsBase::GetSettings() const
 {
@@ -111,7 +146,8 @@ void CSettingsBase::SetSettings(QHash<QString, QVariant> globals, QHash<QString,
         if (!entry || entry->eScope != Global)
             merged.insert(key, value.value());
     }
-    for (auto value = merged.cbegin(); value != merged.cend(); ++value) {
+    const QString user = m_strNickname;
+    for (auto value = merged.cbegin(); value != merged.cend() && user == m_strNickname; ++value) {
         if (const SEntry *entry = FindEntry(SplitKey(value.key(), subKey)))
             entry->Apply(*this, subKey, value.value(), save);
     }
@@ -145,7 +181,6 @@ const CSettingsBase::SEntry *CSettingsBase::FindEntry(const QString &key)
     return entry == entries.constEnd() ? nullptr : &*entry;
 }
 
-// A listener that sets another setting leaves no caller behind for those that come after it.
 template <typename Type>
 void CSettingsBase::Assign(Type &member, const Type &value, const QObject *sender, void (CSettingsBase::*signal)())
 {

@@ -23,8 +23,8 @@
 ///
 /// A keyed setting, such as the window positions, is a hash from a sub-key, in any case, to a value.
 /// `GetWinPosByKey(subKey)` and `SetWinPosByKey(subKey, value, sender, save)` work on one entry; a sub-key that has
-/// none gets one, with an empty value, 0 or false, even when it is only read. `SetWinPos()` takes a whole hash, and
-/// never stores it.
+/// none gets one, with an empty value, 0 or false, even when it is only read. `SetWinPos()` takes a whole hash, with
+/// lower-case sub-keys, and never stores it.
 ///
 /// A QByteArray has to hold text, as Base64 is: it is stored as one. Main thread.
 class PLUGININTERFACE_EXPORT CSettingsBase : public QObject
@@ -60,37 +60,16 @@ public:
                       qint64 timestamp) = 0;
 
     // The user whose settings these are; all empty when nobody is logged in. The setters neither signal nor store.
-    const QString &GetNickname() const
-    {
-        return m_strNickname;
-    }
-    void SetNickname(const QString &nickname)
-    {
-        m_strNickname = nickname;
-    }
-    const QString &GetUsername() const
-    {
-        return m_strUsername;
-    }
-    void SetUsername(const QString &username)
-    {
-        m_strUsername = username;
-    }
-    const QString &GetPwd() const
-    {
-        return m_strPwd;
-    }
-    void SetPwd(const QString &pwd)
-    {
-        m_strPwd = pwd;
-    }
+    const QString &GetNickname() const;
+    void SetNickname(const QString &nickname);
+    const QString &GetUsername() const;
+    void SetUsername(const QString &username);
+    const QString &GetPwd() const;
+    void SetPwd(const QString &pwd);
 
-    /// Who makes the change that is being signalled; null at all other times, and for a change without a sender.
-    /// Never dereferenced here.
-    const QObject *GetCaller() const
-    {
-        return m_pCaller;
-    }
+    /// Who makes the change that is being signalled; null at all other times, for a change without a sender, and for
+    /// those listeners that come behind one which has set something itself. Never dereferenced here.
+    const QObject *GetCaller() const;
 
 #define SETTINGS_ACCESS(Type, Name, key, area, scope, defaultValue) \
     TValue<Type> Get##Name() const                                  \
@@ -110,10 +89,10 @@ public:
     /// All settings of the user by key, those of the installation left out. An entry of a keyed setting has the key
     /// "key[subkey]".
     QHash<QString, QVariant> GetSettings() const;
-    /// Applies stored values by key, through the setters and without a sender. Those of the user come before those of
-    /// the installation, but never change a setting of scope Global. Keys match in any case; one that is none is
-    /// ignored. Settings that aren't named keep their values. A bool is true for the text "true" alone, and text that
-    /// is no number is 0.
+    /// Applies stored values by key, through the setters and without a sender. Those of the user override those of
+    /// the installation, but never change a setting of scope Global. Keys match in any case, unknown ones are
+    /// ignored, and settings that aren't named keep their values. A bool is true for the text "true" alone, and text
+    /// that is no number is 0. If a listener changes the user on the way, what is left isn't applied.
     void SetSettings(QHash<QString, QVariant> globals, QHash<QString, QVariant> userValues, bool save);
     /// All settings at their defaults, without signals and without storing. The user stays.
     void Reset();

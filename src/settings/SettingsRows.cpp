@@ -7,7 +7,8 @@
 
 namespace {
 
-const QLatin1String SQLITE_BUSY("5");
+// What SQLite answers while another connection keeps the file from being read or written.
+constexpr int BUSY_CODE = 5;
 
 // User, area and key in lower case.
 using TRowKey = QStringList;
@@ -34,7 +35,7 @@ TRowKey KeyOf(const CSettings::SSetting &setting)
 
 bool IsLocked(const QSqlQuery &query)
 {
-    return query.lastError().nativeErrorCode() == SQLITE_BUSY;
+    return (query.lastError().nativeErrorCode().toInt() & 0xff) == BUSY_CODE;
 }
 
 void Bind(QSqlQuery &query, const TRowKey &key)
@@ -56,41 +57,61 @@ SRow ReadRow(QSqlQuery &select, const TRowKey &key)
     return row;
 }
 
-} // namespace
-
-bool SettingsRows::Write(CSettingsDB &database, const QList<CSettings::SSetting> &rows, qint64 now)
+// The rows as they are to be, read from the file where they are first met. False if the file is locked.
+bool Merge(QHash<TRowKey, SRow> &merged, CSettingsDB &database, const QList<CSettings::SSetting> &rows, qint64 now)
 {
-    if (!database.IsOpen())
-        return true;
     QSqlQuery select = database.GetQuery();
     select.prepare(QLatin1String("SELECT URS_cValue FROM ") + CSettingsDB::strTableName +
                    QLatin1String(" WHERE URS_cUser = ? AND URS_cArea = ? AND URS_cKey = ?"));
-    QHash<TRowKey, SRow> known;
     for (const CSettings::SSetting &setting : rows) {
+        if (IsLocked(select))
+            return false;
         const TRowKey key = KeyOf(setting);
-        auto row = known.find(key);
-        if (row == known.end()) {
-            row = known.insert(key, ReadRow(select, key));
-            if (IsLocked(select))
-                return false;
-        }
+        auto row = merged.find(key);
+        if (row == merged.end())
+            row = merged.insert(key, ReadRow(select, key));
         const QString value = NeverNull(setting.vValue.toString());
         if (!row->bExists || row->strValue != value)
             *row = {true, true, value, setting.iTimestamp < 0 ? now : setting.iTimestamp};
     }
+    return !IsLocked(select);
+}
 
+// False if the file is locked.
+bool WriteChanged(CSettingsDB &database, const QHash<TRowKey, SRow> &merged)
+{
     QSqlQuery replace = database.GetQuery();
     replace.prepare(QLatin1String("INSERT OR REPLACE INTO ") + CSettingsDB::strTableName +
                     QLatin1String(" (URS_cUser, URS_cArea, URS_cKey, URS_cValue, URS_iTimestamp)"
                                   " VALUES (?, ?, ?, ?, ?)"));
-    for (auto row = known.cbegin(); row != known.cend(); ++row) {
+    for (auto row = merged.cbegin(); row != merged.cend() && !IsLocked(replace); ++row) {
         if (!row->bChanged)
             continue;
         Bind(replace, row.key());
         replace.bindValue(3, row->strValue);
         replace.bindValue(4, row->iTimestamp);
-        if (!replace.exec() && IsLocked(replace))
-            return false;
+        replace.exec();
     }
-    return true;
+    return !IsLocked(replace);
+}
+
+// False if the file is locked, be it only by a reader.
+bool Commit(CSettingsDB &database)
+{
+    QSqlQuery commit = database.GetQuery();
+    commit.exec(QStringLiteral("COMMIT"));
+    return !IsLocked(commit);
+}
+
+} // namespace
+
+bool SettingsRows::Write(CSettingsDB &database, const QList<CSettings::SSetting> &rows, qint64 now)
+{
+    if (!database.StartTransaction())
+        return true;
+    QHash<TRowKey, SRow> merged;
+    const bool done = Merge(merged, database, rows, now) && WriteChanged(database, merged) && Commit(database);
+    // It doesn't tell whether it could commit, so all that is left for it is to roll back what wasn't.
+    database.EndTransaction(false);
+    return done;
 }
