@@ -3,7 +3,7 @@
 #include <Singleton_p.h>
 
 #include <QDateTime>
-
+#include <QLocale>
 PLUGININTERFACE_DEFINE_SINGLETON(CCasinoTime);
 
 namespace {
@@ -18,7 +18,9 @@ CCasinoTime::CCasinoTime(QObject *parent)
 {
     m_Timer.setInterval(TICK_MS);
     connect(&m_Timer, &QTimer::timeout, this, &CCasinoTime::slot_Timer);
+    ConnectTimezone();
     m_Timer.start();
+    TakeTimezoneSelection();
 }
 
 CCasinoTime::~CCasinoTime() = default;
@@ -54,7 +56,7 @@ QString CCasinoTime::GetTimeString() const
 
 QString CCasinoTime::GetTimeString(unsigned int t) const
 {
-    return t == 0 ? QString() : ToLocalTime(t).toString(QStringLiteral("hh:mm"));
+    return t == 0 ? QString() : ToLocalText(t, QStringLiteral("hh:mm"));
 }
 
 QString CCasinoTime::GetDateString() const
@@ -64,7 +66,7 @@ QString CCasinoTime::GetDateString() const
 
 QString CCasinoTime::GetDateString(unsigned int t) const
 {
-    return t == 0 ? QString() : ToLocalTime(t).toString(QStringLiteral("dd.MM.yyyy"));
+    return t == 0 ? QString() : ToLocalText(t, QStringLiteral("dd.MM.yyyy"));
 }
 
 void CCasinoTime::IncreaseCurrentTime()
@@ -83,10 +85,10 @@ int CCasinoTime::GetTimeOffset() const
     return m_iTimezone * SECONDS_OF_HALF_HOUR;
 }
 
-// A date and time whose fields read as they do in the time zone in effect.
-QDateTime CCasinoTime::ToLocalTime(unsigned int t) const
+// The language is the catalogue's, not the machine's, so the digits aren't the machine's either.
+QString CCasinoTime::ToLocalText(unsigned int t, const QString &format) const
 {
-    return QDateTime::fromSecsSinceEpoch(qint64(t) + GetTimeOffset(), Qt::UTC);
+    return QLocale::c().toString(QDateTime::fromSecsSinceEpoch(qint64(t) + GetTimeOffset(), Qt::UTC), format);
 }
 
 void CCasinoTime::CompareTimes()

@@ -1,17 +1,32 @@
 #pragma once
 
 #include <Export.h>
+#include <translation/TranslationItem.h>
 
 #include <QObject>
 #include <QSharedPointer>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
+
+namespace Globals {
+
+/// "GMT" and the offset of a time zone, a number of half hours: "GMT+0", "GMT-1:30".
+PLUGININTERFACE_EXPORT QString GetTimezoneString(short tz);
+
+} // namespace Globals
 
 /// The clock of the client: what counts is the server's time, not the machine's.
 ///
 /// It holds a second counter of its own, which ticks from the moment the object exists and is pulled to the server's
-/// time whenever the two have drifted too far apart. Until the first server time it counts from 0. All times are
-/// seconds since 1970 UTC, 0 for no time. Main thread.
+/// time whenever the two have drifted too far apart. Until the first server time it counts from 0, or, where the user
+/// has chosen another time zone than UTC, from the machine's time. All times are seconds since 1970 UTC, 0 for no
+/// time.
+///
+/// Texts are in the time zone of the setting `timezoneindex30`, an index into GetTimezoneList(). A zone is a whole
+/// number of half hours from UTC, so that a machine at +5:45 reads as +5:30; its offset is taken when the zone is
+/// chosen and when the object is created. What is needed by CSettings and CTranslation has to be initialised. Main
+/// thread.
 class PLUGININTERFACE_EXPORT CCasinoTime : public QObject
 {
     Q_OBJECT
@@ -20,7 +35,6 @@ class PLUGININTERFACE_EXPORT CCasinoTime : public QObject
     Q_PROPERTY(QString currentTime READ GetTimeString NOTIFY signal_TimeChanged)
 
 public:
-    // Time zones are whole numbers of half hours from UTC.
     static constexpr int iTimezoneMin = -24;
     static constexpr int iTimezoneMax = 28;
     static constexpr int iTimezoneAuto = 29; ///< A selection: the machine's own offset.
@@ -55,6 +69,25 @@ public:
     /// \a t in the time zone in effect as "dd.MM.yyyy", empty for 0.
     QString GetDateString(unsigned int t) const;
 
+    /// For the host: the time zone that the server announces. It has no effect on the texts.
+    void SetTimezoneServer(int tz);
+    /// Index into GetTimezoneList() of the user's selection; of the zone in effect if the selection is none.
+    int GetTimezoneIndex() const;
+    /// The names of all time zones, from iTimezoneMin to iTimezoneMax, and behind them that of the machine's own.
+    QStringList GetTimezoneList() const;
+    /// The name of the time zone in effect.
+    QString GetTimezoneString() const;
+
+    /// The name of the month and the day of  t.
+    CTranslationItem GetDateStringShort(unsigned int t) const;
+    /// The name of the month, the day and the time of  t.
+    CTranslationItem GetDateTimeString(unsigned int t) const;
+    /// The same of the running clock; empty while it stands at 0.
+    CTranslationItem GetDateTimeString() const;
+    /// How far  t lies ahead or back, in days, hours and minutes; empty for 0, and while the running clock stands
+    /// at 0.
+    CTranslationItem GetTimeDiffString(unsigned int t) const;
+
     /// One tick, as the timer does once a second.
     void IncreaseCurrentTime();
 
@@ -68,16 +101,27 @@ Q_SIGNALS:
     void signal_TimeZoneChanged();
 
 private Q_SLOTS:
+    void slot_TimezoneIndex30();
     void slot_Timer();
 
 private:
     int GetTimeOffset() const;
-    QDateTime ToLocalTime(unsigned int t) const;
+    QString ToLocalText(unsigned int t, const QString &format) const;
     void CompareTimes();
     void UpdateTimes();
 
+    void ConnectTimezone();
+    void TakeTimezoneSelection();
+    void UpdateTimezone();
+    int GetAutoTimezone() const;
+    CTranslationItem WithMonthName(unsigned int t, const QString &format) const;
+    CTranslationItem TimeToString(unsigned int t) const;
+    CTranslationItem TimeSinceString(unsigned int t) const;
+
     unsigned int m_uiTimeUTCServer = 0;
     unsigned int m_uiTimeUTCClient = 0;
+    int m_iTimezoneServer = iTimezoneUnknown;
+    int m_iTimezoneSelected = iTimezoneUnknown;
     int m_iTimezone = iTimezoneDefault; // in effect
     QTimer m_Timer;
     QString m_strCurrentTime;

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <Export.h>
+
+#include <QWidget>
+
+#include <memory>
+
+class CMoneySpinner;
+
+/// A row of labels that shows a CMoneySpinner. The frames and labels have object names and no style of their own: a
+/// style sheet of the brand gives it, by `QFrame#F_D1`, `QLabel#LB_D1` and so on.
+class PLUGININTERFACE_EXPORT CMoneySpinnerWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// \a spinner isn't owned, and outlives the widget.
+    explicit CMoneySpinnerWidget(CMoneySpinner *spinner, QWidget *parent = nullptr);
+    ~CMoneySpinnerWidget() override;
+
+private Q_SLOTS:
+    void slot_C2Changed();
+    void slot_C1Changed();
+    void slot_DSChanged();
+    void slot_D1Changed();
+    void slot_D2Changed();
+    void slot_D3Changed();
+    void slot_TSChanged();
+    void slot_D4Changed();
+    void slot_D5Changed();
+    void slot_D6Changed();
+    void slot_D7Changed();
+    void slot_CurrencyChanged();
+    void slot_ShowCommaChanged();
+
+private:
+    struct SForm;
+
+    CMoneySpinner *m_pSpinner;
+    std::unique_ptr<SForm> m_pForm;
+};

@@ -1,0 +1,159 @@
+#include "Translation.h"
+
+#include <Singleton_p.h>
+#include <database/TranslationDB.h>
+#include <settings/Config.h>
+#include <settings/Settings.h>
+
+#include <QLocale>
+#include <QMutex>
+
+PLUGININTERFACE_DEFINE_SINGLETON(CTranslation);
+
+namespace {
+
+constexpr int FALLBACK_LANGUAGE_ID = 2;
+
+const QString CORE_AREA = QStringLiteral("core");
+const QString COLUMN_AREA = QStringLiteral("TRL_cArea");
+const QString COLUMN_KEY = QStringLiteral("TRL_cKey");
+const QString COLUMN_LANGUAGE = QStringLiteral("TRL_AVL_iID");
+const QString COLUMN_TEXT = QStringLiteral("TRL_cTranslation");
+
+bool Select(QString &text, const QHash<QString, QVariant> &where)
+{
+    QHash<QString, QVariant> row;
+    if (!CTranslationDB::GetInstance()->SelectOne(row, CTranslationDB::strTableNameTranslations, {COLUMN_TEXT},
+                                                  where))
+        return false;
+    text = row.value(COLUMN_TEXT).toString();
+    return true;
+}
+
+} // namespace
+
+CTranslation::CTranslation(QObject *parent)
+    : QObject(parent)
+{
+    connect(CSettings::GetInstance(), &CSettings::signal_SelectedLanguageChanged, this,
+            &CTranslation::slot_SelectedLanguageChanged);
+    LoadLanguages();
+    UpdateCurrentLanguage();
+}
+
+CTranslation::~CTranslation() = default;
+
+QString CTranslation::GetTranslatedString(const QString &key, const QString &area, int languageID) const
+{
+    static QMutex mutex;
+    const QMutexLocker locker(&mutex);
+    if (key.isEmpty() || area.isEmpty())
+        return QString();
+    const QString lowerArea = area.toLower();
+    const QString lowerKey = key.toLower();
+    QHash<QString, QVariant> where{{COLUMN_AREA, lowerArea},
+                                   {COLUMN_KEY, lowerKey},
+                                   {COLUMN_LANGUAGE, QString::number(languageID < 0 ? m_language.iID : languageID)}};
+    QString text;
+    if (Select(text, where))
+        return text;
+    if (lowerArea != CORE_AREA) {
+        where[COLUMN_AREA] = CORE_AREA;
+        if (Select(text, where))
+            return text;
+    }
+    return lowerArea + QLatin1Char('/') + lowerKey + QLatin1String("\nNOT IN TRANSLATION");
+}
+
+const CTranslation::SLang &CTranslation::GetLanguage() const
+{
+    return m_language;
+}
+
+const QList<CTranslation::SLang> &CTranslation::GetAvailableLanguages() const
+{
+    return m_languages;
+}
+
+// Writing the setting within its own signal takes the sender away from the listeners behind, so it is written only
+// where it names another language than the one that is in effect now.
+void CTranslation::slot_SelectedLanguageChanged()
+{
+    CSettings *settings = CSettings::GetInstance();
+    if (settings->GetCaller() == this)
+        return;
+    const bool changed = TakeLanguage();
+    if (m_language.iID >= 0 && settings->GetSelectedLanguage() != m_language.iID)
+        settings->SetSelectedLanguage(m_language.iID, this, true);
+    if (changed)
+        Q_EMIT signal_TranslationChanged();
+}
+
+void CTranslation::LoadLanguages()
+{
+    const QString id = QStringLiteral("AVL_iID");
+    const QString shortName = QStringLiteral("AVL_cShort");
+    const QString longName = QStringLiteral("AVL_cLong");
+    QList<QHash<QString, QVariant>> rows;
+    CTranslationDB::GetInstance()->SelectAll(rows, CTranslationDB::strTableNameAvailLanguages,
+                                             {id, shortName, longName}, {}, 0);
+    for (const auto &row : qAsConst(rows))
+        m_languages.append({row.value(id).toInt(), row.value(shortName).toString(), row.value(longName).toString()});
+}
+
+int CTranslation::GetLanguageIndex(int languageID) const
+{
+    for (int index = 0; index < m_languages.size(); ++index) {
+        if (m_languages.at(index).iID == languageID)
+            return index;
+    }
+    return -1;
+}
+
+int CTranslation::GetSystemLanguageIndex() const
+{
+    QString locale = QLocale::system().name();
+    if (locale.toLower() == QLatin1String("c"))
+        locale = QStringLiteral("en_US");
+    const QString language = locale.section(QLatin1Char('_'), 0, 0).toLower();
+    for (int index = 0; index < m_languages.size(); ++index) {
+        if (m_languages.at(index).strShort.toLower() == language)
+            return index;
+    }
+    return -1;
+}
+
+int CTranslation::FindLanguageIndex() const
+{
+    int index = GetLanguageIndex(CSettings::GetInstance()->GetSelectedLanguage());
+    if (index < 0)
+        index = GetLanguageIndex(CConfig::GetInstance()->GetDefaultLanguage());
+    if (index < 0)
+        index = GetSystemLanguageIndex();
+    if (index < 0)
+        index = GetLanguageIndex(FALLBACK_LANGUAGE_ID);
+    return qMax(index, 0);
+}
+
+// Whether another language is in effect than before.
+bool CTranslation::TakeLanguage()
+{
+    if (m_languages.isEmpty()) {
+        m_language = SLang();
+        return false;
+    }
+    const SLang &language = m_languages.at(FindLanguageIndex());
+    if (language.iID == m_language.iID && language.strLong == m_language.strLong &&
+        language.strShort == m_language.strShort)
+        return false;
+    m_language = language;
+    return true;
+}
+
+void CTranslation::UpdateCurrentLanguage()
+{
+    if (!TakeLanguage())
+        return;
+    CSettings::GetInstance()->SetSelectedLanguage(m_language.iID, this, true);
+    Q_EMIT signal_TranslationChanged();
+}
