@@ -1,6 +1,7 @@
 #include "Host.h"
 
 #include <files/Console.h>
+#include <models/UserInfo.h>
 
 #include <QDataStream>
 #include <QtEndian>
@@ -43,11 +44,14 @@ QString ReadCountedText(QDataStream &stream)
 CHost::CHost(const QString &server, quint16 port, QObject *parent)
     : QObject(parent)
     , m_link(server, port)
+    , m_session([this](const QByteArray &packet) { return m_link.Send(packet); })
 {
     connect(&m_link, &CServerLink::signal_StateChanged, this, &CHost::slot_ConnectionStateChanged);
     connect(&m_link, &CServerLink::signal_PacketReceived, this, &CHost::slot_PacketReceived);
     connect(&m_link, &CServerLink::signal_Problem, this,
             [](const QString &text) { Note(text, CConsole::MC_Network, CConsole::ML_Warning); });
+    connect(&m_session, &CSession::signal_LoginRefused, this,
+            [this](const QString &message) { DeliverToPlugins(QStringLiteral("LGNF"), message.toUtf8()); });
     connect(&m_plugins, &CPluginManager::signal_PluginDropped, this,
             [this](CPluginInterface *plugin) { m_router.Unregister(plugin); });
 }
@@ -96,7 +100,8 @@ void CHost::slot_SendEvent(CEvent e)
     if (e.HasTags("P2ME", "LGND"))
         OpenLoginDialog();
     else if (e.HasTags("P2ME", "RQCI"))
-        RequestCashierInformation();
+        Note(QStringLiteral("There is no cashier: the balances are those that the login has brought"),
+             CConsole::MC_Network, CConsole::ML_Info);
     else if (e.HasTags("P2ME", "RSHD"))
         Q_EMIT signal_ShutDownRequested();
     else if (e.HasTags("P2ME", "RSRV"))
@@ -119,6 +124,8 @@ void CHost::slot_SendEvent(CEvent e)
 
 void CHost::slot_ConnectionStateChanged(EConnectionState::type state)
 {
+    // First, so that the server knows the user when a plugin asks for something.
+    m_session.SetConnectionState(state);
     DeliverToPlugins(QStringLiteral("SCOC"), LittleEndianBytes<qint32>(state));
     // With the number of links so far, so that a plugin can tell the first from a later one.
     if (state == EConnectionState::Connected)
@@ -139,7 +146,8 @@ void CHost::slot_PacketReceived(CPacketLayerWrapper packet)
         event.moduleID = packet.GetModuleID();
         event.targetID = packet.GetTargetID();
         event.data = QByteArray(packet.GetPayload(), packet.GetPayloadLength());
-        m_router.Deliver(event);
+        if (!m_session.HandleRecord(event))
+            m_router.Deliver(event);
     }
 }
 
@@ -160,20 +168,15 @@ void CHost::DeliverToPlugins(const QString &tag2, const QByteArray &data)
 
 void CHost::OpenLoginDialog()
 {
-    Q_EMIT signal_LoginRequested();
-    DeliverToPlugins(QStringLiteral("LGNF"), QByteArrayLiteral("The game server keeps no accounts."));
-}
-
-void CHost::RequestCashierInformation()
-{
-    Note(QStringLiteral("There is no cashier information: the game server keeps no accounts"), CConsole::MC_Network,
-         CConsole::ML_Info);
+    if (!CUserInfo::GetInstance()->IsLoggedIn())
+        Q_EMIT signal_LoginRequested();
 }
 
 void CHost::SendToServer(const QByteArray &packet)
 {
-    if (!m_link.Send(packet))
-        Note(QStringLiteral("A packet of %1 bytes for the game server is lost").arg(packet.size()),
+    // Who logs in is the user's choice and not a plugin's.
+    if (packet.startsWith(AccountProtocol::GROUP) || !m_link.Send(packet))
+        Note(QStringLiteral("A packet of %1 bytes for the game server isn't sent").arg(packet.size()),
              CConsole::MC_Network, CConsole::ML_Warning);
 }
 

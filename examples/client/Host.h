@@ -3,13 +3,14 @@
 #include "EventRouter.h"
 #include "PluginManager.h"
 #include "ServerLink.h"
+#include "Session.h"
 
 #include <QObject>
 #include <QUrl>
 
-/// The host's side of the bus: loads the plugins, keeps the link to the game server, and serves what plugins ask for.
-/// The game server keeps no accounts, there is no web server, and no page has an address of its own: requests for
-/// those are answered so, or noted in the console.
+/// The host's side of the bus: loads the plugins, keeps the link to the game server and the user's session on it, and
+/// serves what plugins ask for. There is no web server, and no page has an address of its own: requests for those are
+/// noted in the console.
 class CHost : public QObject
 {
     Q_OBJECT
@@ -31,10 +32,11 @@ public:
 
     const CPluginManager &GetPluginManager() const { return m_plugins; }
     const CServerLink &GetServerLink() const { return m_link; }
+    CSession &GetSession() { return m_session; }
 
 Q_SIGNALS:
     void signal_ConnectionStateChanged(EConnectionState::type state);
-    /// A plugin wants the user to log in.
+    /// A plugin wants the user to log in, and nobody is.
     void signal_LoginRequested();
     /// A plugin wants the client to end.
     void signal_ShutDownRequested();
@@ -51,7 +53,6 @@ private:
 
     // What plugins ask for under "P2ME".
     void OpenLoginDialog();
-    void RequestCashierInformation();
     void SendToServer(const QByteArray &packet);
     void OpenLinkID(const QByteArray &data);
     void OpenAddress(const QString &address);
@@ -59,6 +60,7 @@ private:
 
     CEventRouter m_router;
     CServerLink m_link;
+    CSession m_session;
     CPluginManager m_plugins;
     quint16 m_usLinkCount = 0;
 };

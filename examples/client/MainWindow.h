@@ -3,11 +3,16 @@
 #include "Host.h"
 
 #include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
 
+class CLoginDialog;
+class QAction;
 class QLabel;
 class QTabWidget;
 
-/// The client's window: a tab for each plugin that has a view, and the state of the link below.
+/// The client's window: a tab for each plugin that has a view, and below it the state of the link, the user and the
+/// clock. It opens where it was closed.
 class CMainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -21,12 +26,33 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private Q_SLOTS:
     void slot_ConnectionStateChanged(EConnectionState::type state);
+    void slot_LoginStateChanged();
+    void slot_SoundsEnabledChanged();
+    void slot_ClockChanged();
+    void slot_LoginRequested();
+    void slot_LoginRefused(const QString &message);
 
 private:
+    void CreateMenu();
+    void CreateStatusBar();
+    void Connect();
+    void OnGeometryChanged();
+    void RememberGeometry();
+    bool IsLoginDialogOpen() const;
+
     CHost &m_host;
-    QTabWidget *m_pViews;
+    QTabWidget *m_pViews; // this and the labels are children, and the actions are those of the menu
     QLabel *m_pConnectionLabel;
+    QLabel *m_pUserLabel;
+    QLabel *m_pClockLabel;
+    QAction *m_pLogIn = nullptr;
+    QAction *m_pLogOut = nullptr;
+    QAction *m_pSounds = nullptr;
+    QPointer<CLoginDialog> m_pLoginDialog; // it deletes itself
+    QTimer m_geometryTimer;                // runs while the window is being moved
 };

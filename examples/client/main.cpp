@@ -8,8 +8,12 @@
 #include <database/TranslationDB.h>
 #include <files/Console.h>
 #include <files/Pathes.h>
+#include <models/PlayerLists.h>
+#include <models/UserInfo.h>
 #include <plugin/GlobalDefines.h>
 #include <settings/Config.h>
+#include <settings/Settings.h>
+#include <time/CasinoTime.h>
 #include <tour/Tour.h>
 
 #include <QApplication>
@@ -39,12 +43,14 @@ SOptions ParseCommandLine(const QApplication &application)
     const QCommandLineOption gameServer(QStringLiteral("game-server"),
                                         QStringLiteral("Program that the tour starts as game server."),
                                         QStringLiteral("program"));
-    const QCommandLineOption tables(QStringLiteral("tables"), QStringLiteral("Data file of that game server."),
+    const QCommandLineOption tables(QStringLiteral("tables"), QStringLiteral("Tables of that game server."),
                                     QStringLiteral("file"));
+    const QCommandLineOption accounts(QStringLiteral("accounts"), QStringLiteral("Accounts of that game server."),
+                                      QStringLiteral("file"));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Example client: a host for the plugins of its installation."));
     parser.addHelpOption();
-    parser.addOptions({server, tour, gameServer, tables});
+    parser.addOptions({server, tour, gameServer, tables, accounts});
     parser.process(application);
 
     SOptions options;
@@ -59,7 +65,8 @@ SOptions ParseCommandLine(const QApplication &application)
         const QDir here;
         options.tour =
             STourOptions{here.absoluteFilePath(parser.value(tour)), here.absoluteFilePath(parser.value(gameServer)),
-                         here.absoluteFilePath(parser.value(tables)), CTour::FindFreePort()};
+                         here.absoluteFilePath(parser.value(tables)), here.absoluteFilePath(parser.value(accounts)),
+                         CTour::FindFreePort()};
         options.usPort = options.tour->usPort;
     }
     return options;
@@ -89,9 +96,23 @@ void InitDatabases()
     }
 }
 
-// In the opposite order of their creation.
+void CreateSingletons()
+{
+    CConfig::GetInstance();
+    CUserInfo::GetInstance();
+    CSettings::GetInstance();
+    CCasinoTime::GetInstance();
+}
+
+// In the opposite order of their creation. The settings would take what isn't written yet with them.
 void DestroySingletons()
 {
+    CSettings::GetInstance()->slot_SaveSettings(true);
+    CCasinoTime::DestroyInstance();
+    CSettings::DestroyInstance();
+    CUserInfo::DestroyInstance();
+    CPlayerLists::DestroyInstance();
+    CPlayerModel::DestroyInstances();
     CConfig::DestroyInstance();
     CHandHistoryDB::DestroyInstance();
     CLobbyListDB::DestroyInstance();
@@ -112,12 +133,14 @@ int main(int argc, char *argv[])
     const SOptions options = ParseCommandLine(application);
     // The installation is the one that the program lies in, wherever it was started from.
     QDir::setCurrent(QApplication::applicationDirPath());
+    if (options.tour)
+        QDir::setCurrent(CTour::MakeInstallation(options.tour->strOutput));
 
     GlobalDefines::RegisterQML();
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, &PrintMessage);
 
     InitDatabases();
-    CConfig::GetInstance();
+    CreateSingletons();
 
     int result = 0;
     {

@@ -1,71 +1,50 @@
 #include "LobbyProtocol.h"
 
-#include <plugin/PacketLayerWrapper.h>
+#include "Payload.h"
 
-#include <QtEndian>
+namespace LobbyProtocol {
 
 namespace {
 
-constexpr int TAG_SIZE = 4;
 constexpr int GAME_CODE_SIZE = 4;
 constexpr int COUNTS_IN_A_RECORD = 1000; // 6000 bytes
 
-template <typename Number>
-void Append(QByteArray &bytes, Number value)
+QByteArray GameCode(GlobalDefines::GameType game)
 {
-    char number[sizeof value];
-    qToLittleEndian(value, number);
-    bytes.append(number, sizeof number);
+    QByteArray code(GAME_CODE_SIZE, '\0');
+    Globals::GetGameType(game, code.data());
+    return code;
 }
 
-/// The one place where bytes of a payload are read. A read past the end gives zero or nothing, and so does each one
-/// after it; IsComplete() tells at the end whether all of them were good.
-class CPayloadReader
-{
-public:
-    CPayloadReader(const QByteArray &payload, const char *tag)
-        : m_payload(payload)
-    {
-        m_bGood = TakeBytes(TAG_SIZE) == tag;
-    }
+constexpr auto NUMBER = [](auto &payload, quint32 &number) { payload.Number(number); };
 
-    bool IsAtEnd() const { return m_iPosition == m_payload.size(); }
-    bool IsGood() const { return m_bGood; }
-    bool IsComplete() const { return m_bGood && IsAtEnd(); }
-
-    QByteArray TakeBytes(int length)
-    {
-        m_bGood = m_bGood && length <= m_payload.size() - m_iPosition;
-        if (!m_bGood)
-            return QByteArray();
-        m_iPosition += length;
-        return m_payload.mid(m_iPosition - length, length);
-    }
-
-    template <typename Number>
-    Number TakeNumber()
-    {
-        const QByteArray bytes = TakeBytes(sizeof(Number));
-        return m_bGood ? qFromLittleEndian<Number>(bytes.constData()) : Number(0);
-    }
-
-    char TakeLetter() { return static_cast<char>(TakeNumber<quint8>()); }
-    QString TakeText() { return QString::fromUtf8(TakeBytes(TakeNumber<quint16>())); }
-
-private:
-    const QByteArray m_payload;
-    int m_iPosition = 0;
-    bool m_bGood = true;
+constexpr auto TABLE_FIELDS = [](auto &payload, STable &table) {
+    payload.Number(table.uiID);
+    payload.Text(table.strName, MAX_NAME_LENGTH);
+    payload.Letter(table.eType, &Globals::GetTableType);
+    QByteArray game = GameCode(table.eGame);
+    payload.Bytes(game, GAME_CODE_SIZE);
+    table.eGame = Globals::GetGameType(QString::fromLatin1(game));
+    payload.Letter(table.eLimit, &Globals::GetLimitType);
+    payload.Letter(table.eMoney, &Globals::GetMoneyType);
+    payload.Number(table.mvLow);
+    payload.Number(table.mvHigh);
+    payload.Number(table.usPlaces);
+    payload.Number(table.usPlayers);
+    payload.Number(table.uiStart);
 };
 
-bool Add(CPacketLayerWrapper &packet, const QByteArray &payload)
-{
-    return packet.AddPacket(payload.constData(), static_cast<unsigned short>(payload.size()));
-}
+constexpr auto COUNT_FIELDS = [](auto &payload, SPlayerCount &count) {
+    payload.Number(count.uiTableID);
+    payload.Number(count.usPlayers);
+};
+
+constexpr auto SEAT_ANSWER_FIELDS = [](auto &payload, SSeatAnswer &answer) {
+    payload.Number(answer.uiTableID);
+    payload.Text(answer.strMessage, MAX_MESSAGE_LENGTH);
+};
 
 } // namespace
-
-namespace LobbyProtocol {
 
 QByteArray EncodeGetList()
 {
@@ -74,104 +53,70 @@ QByteArray EncodeGetList()
 
 QByteArray EncodeTable(const STable &table)
 {
-    const QByteArray name = table.strName.left(MAX_NAME_LENGTH).toUtf8();
-    QByteArray game(GAME_CODE_SIZE, '\0');
-    Globals::GetGameType(table.eGame, game.data());
-
-    QByteArray payload(TABLE);
-    Append(payload, table.uiID);
-    Append(payload, static_cast<quint16>(name.size()));
-    payload += name;
-    payload += static_cast<char>(table.eType);
-    payload += game;
-    payload += static_cast<char>(table.eLimit);
-    payload += static_cast<char>(table.eMoney);
-    Append(payload, table.mvLow);
-    Append(payload, table.mvHigh);
-    Append(payload, table.usPlaces);
-    Append(payload, table.usPlayers);
-    Append(payload, table.uiStart);
-    return payload;
+    return Payload::Encode(TABLE, table, TABLE_FIELDS);
 }
 
 QByteArray EncodeListEnd(quint32 count)
 {
-    QByteArray payload(LIST_END);
-    Append(payload, count);
-    return payload;
+    return Payload::Encode(LIST_END, count, NUMBER);
+}
+
+QByteArray EncodeSeatRequest(quint32 tableID)
+{
+    return Payload::Encode(SEAT_REQUEST, tableID, NUMBER);
+}
+
+QByteArray EncodeSeatAnswer(const SSeatAnswer &answer)
+{
+    return Payload::Encode(SEAT_ANSWER, answer, SEAT_ANSWER_FIELDS);
 }
 
 QVector<QByteArray> EncodePlayerCounts(const QVector<SPlayerCount> &counts)
 {
     QVector<QByteArray> payloads;
-    for (int i = 0; i < counts.size(); ++i) {
-        if (i % COUNTS_IN_A_RECORD == 0)
-            payloads.append(QByteArray(PLAYER_COUNTS));
-        Append(payloads.last(), counts.at(i).uiTableID);
-        Append(payloads.last(), counts.at(i).usPlayers);
+    for (int i = 0; i < counts.size(); i += COUNTS_IN_A_RECORD) {
+        payloads.append(Payload::Encode(PLAYER_COUNTS, counts.mid(i, COUNTS_IN_A_RECORD),
+                                        [](CPayloadWriter &payload, QVector<SPlayerCount> &part) {
+                                            for (SPlayerCount &count : part)
+                                                COUNT_FIELDS(payload, count);
+                                        }));
     }
     return payloads;
 }
 
 bool DecodeTable(const QByteArray &payload, STable &table)
 {
-    CPayloadReader reader(payload, TABLE);
-    STable read;
-    read.uiID = reader.TakeNumber<quint32>();
-    read.strName = reader.TakeText();
-    read.eType = Globals::GetTableType(reader.TakeLetter());
-    read.eGame = Globals::GetGameType(QString::fromLatin1(reader.TakeBytes(GAME_CODE_SIZE)));
-    read.eLimit = Globals::GetLimitType(reader.TakeLetter());
-    read.eMoney = Globals::GetMoneyType(reader.TakeLetter());
-    read.mvLow = reader.TakeNumber<quint32>();
-    read.mvHigh = reader.TakeNumber<quint32>();
-    read.usPlaces = reader.TakeNumber<quint16>();
-    read.usPlayers = reader.TakeNumber<quint16>();
-    read.uiStart = reader.TakeNumber<quint32>();
-    if (!reader.IsComplete())
-        return false;
-    table = read;
-    return true;
+    return Payload::Decode(TABLE, payload, table, TABLE_FIELDS);
 }
 
 bool DecodeListEnd(const QByteArray &payload, quint32 &count)
 {
-    CPayloadReader reader(payload, LIST_END);
-    const auto read = reader.TakeNumber<quint32>();
-    if (!reader.IsComplete())
-        return false;
-    count = read;
-    return true;
+    return Payload::Decode(LIST_END, payload, count, NUMBER);
+}
+
+bool DecodeSeatRequest(const QByteArray &payload, quint32 &tableID)
+{
+    return Payload::Decode(SEAT_REQUEST, payload, tableID, NUMBER);
+}
+
+bool DecodeSeatAnswer(const QByteArray &payload, SSeatAnswer &answer)
+{
+    return Payload::Decode(SEAT_ANSWER, payload, answer, SEAT_ANSWER_FIELDS);
 }
 
 bool DecodePlayerCounts(const QByteArray &payload, QVector<SPlayerCount> &counts)
 {
-    CPayloadReader reader(payload, PLAYER_COUNTS);
-    QVector<SPlayerCount> read;
-    do {
-        SPlayerCount count;
-        count.uiTableID = reader.TakeNumber<quint32>();
-        count.usPlayers = reader.TakeNumber<quint16>();
-        read.append(count);
-    } while (reader.IsGood() && !reader.IsAtEnd());
-    if (!reader.IsGood())
-        return false;
-    counts = read;
-    return true;
+    return Payload::Decode(PLAYER_COUNTS, payload, counts, [](CPayloadReader &reader, QVector<SPlayerCount> &read) {
+        do {
+            read.append(SPlayerCount());
+            COUNT_FIELDS(reader, read.last());
+        } while (reader.IsGood() && !reader.IsAtEnd());
+    });
 }
 
 QByteArray ToPackets(const QVector<QByteArray> &payloads)
 {
-    QByteArray bytes;
-    CPacketLayerWrapper packet(GROUP, 0, 0);
-    for (const QByteArray &payload : payloads) {
-        if (Add(packet, payload))
-            continue;
-        bytes.append(packet.GetPacket(), packet.GetPacketSize());
-        packet = CPacketLayerWrapper(GROUP, 0, 0);
-        Add(packet, payload);
-    }
-    return bytes.append(packet.GetPacket(), packet.GetPacketSize());
+    return Payload::ToPackets(GROUP, payloads);
 }
 
 } // namespace LobbyProtocol

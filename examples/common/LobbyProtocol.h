@@ -9,8 +9,9 @@
 /// What the lobby and the game server say to each other, in records of packets of the group "LOBB".
 ///
 /// The client asks with GET_LIST. The server answers with a TABLE for each table and a LIST_END, and from then on
-/// sends PLAYER_COUNTS whenever counts have changed. A payload is its tag and the fields in the order of the
-/// structures below; numbers are little-endian, a text is a 16-bit count of bytes and UTF-8.
+/// sends PLAYER_COUNTS whenever counts have changed. A user who is logged in may ask for a seat with SEAT_REQUEST,
+/// and gets a SEAT_ANSWER. The fields of a payload stand in the order of the structures below, in the form of
+/// Payload.h.
 ///
 /// A decoder takes a payload with its tag. It answers false, and changes nothing, unless the fields fill the payload
 /// exactly.
@@ -21,11 +22,14 @@ inline constexpr char GET_LIST[] = "GLST";      // no fields: the tag is the who
 inline constexpr char TABLE[] = "TBLE";         // one STable
 inline constexpr char LIST_END[] = "LEND";      // how many tables the list has, 32 bits
 inline constexpr char PLAYER_COUNTS[] = "PCNT"; // one or more SPlayerCount
+inline constexpr char SEAT_REQUEST[] = "SEAT";  // id of a table, 32 bits
+inline constexpr char SEAT_ANSWER[] = "SANS";   // one SSeatAnswer
 
 /// A server has no more tables than this, and a client need not keep more.
 inline constexpr int MAX_TABLES = 10000;
-/// In UTF-16 code units. Encoding cuts a longer name.
+// In UTF-16 code units. Encoding cuts a longer text, and a payload with one doesn't decode.
 inline constexpr int MAX_NAME_LENGTH = 64;
+inline constexpr int MAX_MESSAGE_LENGTH = 200;
 
 /// Unknown letters and codes decode as what Globals::GetTableType() and its like make of them.
 struct STable
@@ -49,17 +53,27 @@ struct SPlayerCount
     quint16 usPlayers = 0;
 };
 
+struct SSeatAnswer
+{
+    quint32 uiTableID = 0;
+    QString strMessage; ///< For people to read: which seat it is, or why there is none.
+};
+
 QByteArray EncodeGetList();
 QByteArray EncodeTable(const STable &table);
 QByteArray EncodeListEnd(quint32 count);
+QByteArray EncodeSeatRequest(quint32 tableID);
+QByteArray EncodeSeatAnswer(const SSeatAnswer &answer);
 /// As many records as the counts need.
 QVector<QByteArray> EncodePlayerCounts(const QVector<SPlayerCount> &counts);
 
 bool DecodeTable(const QByteArray &payload, STable &table);
 bool DecodeListEnd(const QByteArray &payload, quint32 &count);
+bool DecodeSeatRequest(const QByteArray &payload, quint32 &tableID);
+bool DecodeSeatAnswer(const QByteArray &payload, SSeatAnswer &answer);
 bool DecodePlayerCounts(const QByteArray &payload, QVector<SPlayerCount> &counts);
 
-/// The payloads in as few packets as hold them, back to back as they go over the wire.
+/// See Payload::ToPackets().
 QByteArray ToPackets(const QVector<QByteArray> &payloads);
 
 } // namespace LobbyProtocol

@@ -10,6 +10,9 @@ namespace {
 
 // More than the longest list takes, so that only who doesn't read lets it pile up.
 constexpr qint64 MAX_UNSENT_BYTES = 4 << 20;
+// What may wait in the socket while the link pauses; more waits at the client.
+constexpr qint64 MAX_UNREAD_BYTES = 64 << 10;
+constexpr int REFUSAL_PAUSE_MS = 500;
 
 } // namespace
 
@@ -19,6 +22,10 @@ CClientLink::CClientLink(QTcpSocket *socket, int halfSentLimit, QObject *parent)
     , m_strPeer(QStringLiteral("%1:%2").arg(socket->peerAddress().toString()).arg(socket->peerPort()))
 {
     m_pSocket->setParent(this);
+    m_pSocket->setReadBufferSize(MAX_UNREAD_BYTES);
+    m_refusalPause.setSingleShot(true);
+    m_refusalPause.setInterval(REFUSAL_PAUSE_MS);
+    connect(&m_refusalPause, &QTimer::timeout, this, &CClientLink::OnRefusalDue);
     m_halfSent.setSingleShot(true);
     m_halfSent.setInterval(halfSentLimit);
     connect(&m_halfSent, &QTimer::timeout, this, [this] { End(QStringLiteral("dropped: left a packet half-sent")); });
@@ -36,11 +43,32 @@ void CClientLink::Send(const QByteArray &packets)
         End(QStringLiteral("dropped: doesn't read what is sent to it"));
 }
 
+void CClientLink::Accept(const AccountProtocol::SAccount &account)
+{
+    m_strNickname = account.strNickname;
+    Send(AccountProtocol::ToPacket(AccountProtocol::EncodeAccepted(account)));
+}
+
+void CClientLink::Refuse(const AccountProtocol::SRefusal &refusal)
+{
+    m_strNickname.clear();
+    m_refusal = AccountProtocol::ToPacket(AccountProtocol::EncodeRefused(refusal));
+    m_refusalPause.start();
+}
+
+void CClientLink::OnRefusalDue()
+{
+    Send(m_refusal);
+    OnReadyRead();
+}
+
 void CClientLink::OnReadyRead()
 {
+    if (m_bEnded || m_refusalPause.isActive())
+        return;
     m_stream.Append(m_pSocket->readAll());
     CPacketLayerWrapper packet;
-    while (!m_bEnded && m_stream.TakePacket(packet)) {
+    while (!m_bEnded && !m_refusalPause.isActive() && m_stream.TakePacket(packet)) {
         m_halfSent.stop();
         const QString fault = HandlePacket(packet);
         if (!fault.isEmpty())
@@ -48,24 +76,55 @@ void CClientLink::OnReadyRead()
     }
     if (m_stream.IsBroken())
         End(QStringLiteral("dropped: a size that no packet has, or records that don't fill it"));
-    else if (!m_bEnded && m_stream.HasPartialPacket() && !m_halfSent.isActive())
+    else if (!m_bEnded && !m_refusalPause.isActive() && m_stream.HasPartialPacket() && !m_halfSent.isActive())
         m_halfSent.start();
 }
 
 // What is wrong with the packet, empty if nothing.
 QString CClientLink::HandlePacket(CPacketLayerWrapper &packet)
 {
-    if (packet.GetGroup() != QLatin1String(LobbyProtocol::GROUP))
+    const bool lobby = packet.GetGroup() == QLatin1String(LobbyProtocol::GROUP);
+    if (!lobby && packet.GetGroup() != QLatin1String(AccountProtocol::GROUP))
         return QStringLiteral("an unknown group");
-    while (!m_bEnded && packet.GetNext()) {
+    QString fault;
+    for (int i = 0; !m_bEnded && fault.isEmpty() && packet.GetNext(); ++i) {
         const QByteArray payload(packet.GetPayload(), packet.GetPayloadLength());
-        if (!payload.startsWith(LobbyProtocol::GET_LIST))
-            return QStringLiteral("an unknown tag");
-        if (payload != LobbyProtocol::GET_LIST)
-            return QStringLiteral("a list request with a body");
+        // The pause behind a refused login begins with the next packet.
+        if (i > 0 && !lobby)
+            fault = QStringLiteral("more than one record on the account");
+        else
+            fault = lobby ? HandleLobbyRecord(payload) : HandleAccountRecord(payload);
+    }
+    return fault;
+}
+
+QString CClientLink::HandleLobbyRecord(const QByteArray &payload)
+{
+    if (payload == LobbyProtocol::GET_LIST) {
         m_bSubscribed = true;
         Q_EMIT signal_ListRequested();
+        return QString();
     }
+    if (payload.startsWith(LobbyProtocol::GET_LIST))
+        return QStringLiteral("a list request with a body");
+    if (!payload.startsWith(LobbyProtocol::SEAT_REQUEST))
+        return QStringLiteral("an unknown tag");
+    quint32 table = 0;
+    if (!LobbyProtocol::DecodeSeatRequest(payload, table))
+        return QStringLiteral("a malformed seat request");
+    Q_EMIT signal_SeatRequested(table);
+    return QString();
+}
+
+QString CClientLink::HandleAccountRecord(const QByteArray &payload)
+{
+    AccountProtocol::SLogin login;
+    if (AccountProtocol::DecodeLogin(payload, login))
+        Q_EMIT signal_LoginRequested(login);
+    else if (payload == AccountProtocol::LOGOUT)
+        m_strNickname.clear();
+    else
+        return QStringLiteral("an unknown or malformed record on the account");
     return QString();
 }
 
@@ -75,6 +134,7 @@ void CClientLink::End(const QString &reason)
         return;
     m_bEnded = true;
     m_halfSent.stop();
+    m_refusalPause.stop();
     Log(reason);
     m_pSocket->abort();
     deleteLater();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <common/AccountProtocol.h>
 #include <common/PacketStream.h>
 
 #include <QObject>
@@ -18,16 +19,30 @@ public:
 
     /// Whether the client has asked for the list, and thus wants to hear of changes.
     bool IsSubscribed() const { return m_bSubscribed; }
+    /// Whose link this is; empty as long as nobody has logged in.
+    const QString &GetNickname() const { return m_strNickname; }
+
     void Send(const QByteArray &packets);
+    /// Answers a login.
+    void Accept(const AccountProtocol::SAccount &account);
+    /// The same, after a pause in which the link serves nothing, so that passwords can't be tried fast. Whoever was
+    /// logged in before isn't any more.
+    void Refuse(const AccountProtocol::SRefusal &refusal);
 
 Q_SIGNALS:
     void signal_ListRequested();
+    void signal_SeatRequested(quint32 tableID);
+    /// To be answered at once.
+    void signal_LoginRequested(const AccountProtocol::SLogin &login);
     /// The link is of no use any more and deletes itself at the next turn of the event loop.
     void signal_Ended();
 
 private:
     void OnReadyRead();
+    void OnRefusalDue();
     QString HandlePacket(CPacketLayerWrapper &packet);
+    QString HandleLobbyRecord(const QByteArray &payload);
+    QString HandleAccountRecord(const QByteArray &payload);
     void End(const QString &reason);
     void Log(const QString &text) const;
 
@@ -35,6 +50,9 @@ private:
     QString m_strPeer;
     CPacketStream m_stream;
     QTimer m_halfSent;
+    QTimer m_refusalPause;
+    QByteArray m_refusal; // to be sent when the pause is over
+    QString m_strNickname;
     bool m_bSubscribed = false;
     bool m_bEnded = false;
 };

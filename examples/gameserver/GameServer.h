@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Accounts.h"
+
 #include <common/LobbyProtocol.h>
 
 #include <QObject>
@@ -10,14 +12,16 @@
 
 class CClientLink;
 
-/// Serves the list of tables to clients on this machine, and lets the players come and go.
+/// Serves the list of tables to clients on this machine, lets the players come and go, knows who may log in, and
+/// tells the time.
 class CGameServer : public QObject
 {
     Q_OBJECT
 
 public:
     /// The same \a seed makes the same players come and go. For \a halfSentLimit see CClientLink.
-    CGameServer(const QVector<LobbyProtocol::STable> &tables, quint32 seed, int halfSentLimit);
+    CGameServer(const QVector<LobbyProtocol::STable> &tables, const CAccounts &accounts, quint32 seed,
+                int halfSentLimit);
 
     /// Listens on 127.0.0.1; \a port 0 takes any that is free. False with the reason in GetError().
     bool Listen(quint16 port) { return m_server.listen(QHostAddress::LocalHost, port); }
@@ -27,14 +31,20 @@ public:
 private:
     void OnNewConnection();
     void OnTick();
+    void SendTime() const;
     void AddClient(QTcpSocket *socket);
     void SendList(CClientLink *client) const;
+    void LogIn(CClientLink *client, const AccountProtocol::SLogin &login) const;
+    void GiveSeat(CClientLink *client, quint32 tableID);
+    void SendToSubscribers(const QVector<LobbyProtocol::SPlayerCount> &changes) const;
     bool MovePlayers(LobbyProtocol::STable &table);
 
     QVector<LobbyProtocol::STable> m_tables;
+    CAccounts m_accounts;
     std::mt19937 m_random;
     int m_iHalfSentLimit;
     QTcpServer m_server;
     QTimer m_tick;
+    QTimer m_timePackets;
     QVector<CClientLink *> m_clients; // children of this object, as long as they are of use
 };

@@ -19,6 +19,7 @@ int Fail(const QString &error)
 struct SOptions
 {
     QString strData;
+    QString strAccounts;
     quint32 uiPort = 0;
     quint32 uiSeed = 0;
     quint32 uiIdle = 0;
@@ -40,6 +41,9 @@ bool ReadOptions(const QCoreApplication &application, SOptions &options, QString
 {
     const QCommandLineOption data(QStringLiteral("data"), QStringLiteral("JSON file with the tables; required."),
                                   QStringLiteral("file"));
+    const QCommandLineOption accounts(QStringLiteral("accounts"),
+                                      QStringLiteral("JSON file with the accounts; nobody can log in without it."),
+                                      QStringLiteral("file"));
     const QCommandLineOption port(QStringLiteral("port"),
                                   QStringLiteral("Port on 127.0.0.1; 0, the default, is any."),
                                   QStringLiteral("number"), QStringLiteral("0"));
@@ -51,14 +55,16 @@ bool ReadOptions(const QCoreApplication &application, SOptions &options, QString
                                   QStringLiteral("number"), QStringLiteral("15000"));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Serves a list of poker tables to clients on this machine until a signal ends it.\n"
+        "Serves a list of poker tables, and the accounts of their players, to clients on this machine\n"
+        "until a signal ends it.\n"
         "Prints \"listening on PORT\" once clients can connect. Clients that come and go, and why, are\n"
         "told on standard error. The exit code is 1 if the server cannot start."));
     parser.addHelpOption();
-    parser.addOptions({data, port, seed, idle});
+    parser.addOptions({data, accounts, port, seed, idle});
     parser.process(application);
 
     options.strData = parser.value(data);
+    options.strAccounts = parser.value(accounts);
     if (options.strData.isEmpty())
         error = QStringLiteral("--data is missing; see --help");
     else if (!parser.positionalArguments().isEmpty())
@@ -76,12 +82,14 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     SOptions options;
     QVector<LobbyProtocol::STable> tables;
+    CAccounts accounts;
     QString error;
     if (!ReadOptions(application, options, error) ||
-        !LoadTables(options.strData, static_cast<quint32>(QDateTime::currentSecsSinceEpoch()), tables, error))
+        !LoadTables(options.strData, static_cast<quint32>(QDateTime::currentSecsSinceEpoch()), tables, error) ||
+        (!options.strAccounts.isEmpty() && !accounts.Load(options.strAccounts, error)))
         return Fail(error);
 
-    CGameServer server(tables, options.uiSeed, static_cast<int>(options.uiIdle));
+    CGameServer server(tables, accounts, options.uiSeed, static_cast<int>(options.uiIdle));
     if (!server.Listen(static_cast<quint16>(options.uiPort)))
         return Fail(QStringLiteral("port %1: %2").arg(options.uiPort).arg(server.GetError()));
 

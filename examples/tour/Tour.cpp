@@ -83,12 +83,28 @@ int CTour::Run()
     QDir().mkpath(m_options.strOutput);
     ShowStart();
     ShowLobby();
+    ShowClock();
+    ShowCancelledLogin();
+    ShowLogin();
+    ShowSettings();
+    ShowSecondUser();
+    ShowFirstUserAgain();
     ShowLostServer();
     ShowBadServers();
     ShowReturn();
     QTextStream(stdout) << (m_bFailed ? QStringLiteral("The tour failed.\n")
                                       : QStringLiteral("All %1 steps happened.\n").arg(m_iSteps));
     return m_bFailed ? 1 : 0;
+}
+
+QString CTour::MakeInstallation(const QString &folder)
+{
+    const QDir contents(folder + QLatin1String("/installation/Contents"));
+    QDir(contents).removeRecursively();
+    QDir().mkpath(contents.filePath(QStringLiteral("Client")));
+    QFile::link(QDir(Pathes::Resources()).canonicalPath(), contents.filePath(QStringLiteral("Resources")));
+    QFile::link(QDir(Pathes::Plugins()).canonicalPath(), contents.filePath(QStringLiteral("Client/Plugins")));
+    return contents.filePath(QStringLiteral("Client"));
 }
 
 quint16 CTour::FindFreePort()
@@ -143,7 +159,7 @@ void CTour::ShowLobby()
         },
         [this] { return m_iCountChanges > 0 ? QStringLiteral("%1 changes").arg(m_iCountChanges) : QString(); });
     Step(QStringLiteral("A picture of the lobby"), nothing,
-         [this] { return SaveScreenshot(QStringLiteral("lobby")); });
+         [this] { return SaveScreenshot(m_window, QStringLiteral("lobby")); });
     Step(
         QStringLiteral("A filter shortens the list"),
         [this] { QTest::keyClicks(Find<QLineEdit>("lobbyFilter"), QStringLiteral("omaha")); },
@@ -163,7 +179,7 @@ void CTour::ShowLostServer()
         [this] { return SeeState(EConnectionState::Reconnecting); });
     Step(
         QStringLiteral("A picture without the server"), [] {},
-        [this] { return SaveScreenshot(QStringLiteral("lobby-offline")); });
+        [this] { return SaveScreenshot(m_window, QStringLiteral("lobby-offline")); });
 }
 
 void CTour::ShowBadServers()
@@ -193,13 +209,18 @@ void CTour::ShowReturn()
     Step(
         QStringLiteral("The lobby is filled"), [] {}, [this] { return SeeFilledLobby(); });
     Step(
+        QStringLiteral("The server knows the user again"), [this] { ChooseTable(); },
+        [this] { return SeeSeat(FIRST_NICKNAME); });
+    LogOut();
+    Step(
         QStringLiteral("The window closes"), [this] { m_window.close(); },
         [this] { return m_window.isVisible() ? QString() : QStringLiteral("no window"); });
 }
 
 void CTour::StartGameServer()
 {
-    m_strServerLine = m_gameServer.Start(m_options.strGameServer, m_options.strTables, m_options.usPort);
+    m_strServerLine =
+        m_gameServer.Start(m_options.strGameServer, m_options.strTables, m_options.strAccounts, m_options.usPort);
 }
 
 QString CTour::SeeState(EConnectionState::type state) const
@@ -217,18 +238,12 @@ QString CTour::SeeFilledLobby() const
         .arg(table->model()->index(0, 0).data().toString());
 }
 
-QString CTour::SaveScreenshot(const QString &name) const
+QString CTour::SaveScreenshot(QWidget &widget, const QString &name) const
 {
     QCoreApplication::processEvents(); // a changed text may still wait for its layout
-    const QPixmap picture = m_window.grab();
+    const QPixmap picture = widget.grab();
     const QString file = m_options.strOutput + QLatin1Char('/') + name + QLatin1String(".png");
     if (!picture.save(file))
         return QString();
     return QStringLiteral("%1.png, %2 by %3 pixels").arg(name).arg(picture.width()).arg(picture.height());
-}
-
-template <typename Widget>
-Widget *CTour::Find(const char *objectName) const
-{
-    return m_window.findChild<Widget *>(QLatin1String(objectName));
 }

@@ -8,12 +8,16 @@
 
 #include <functional>
 
+/// One of the accounts of the example's game server.
+inline const QString FIRST_NICKNAME = QStringLiteral("Magnolia");
+
 struct STourOptions
 {
     QString strOutput;     ///< Folder for the screenshots.
     QString strGameServer; ///< Program.
-    QString strTables;     ///< Its data file.
-    quint16 usPort = 0;    ///< Where the client looks for it.
+    QString strTables;     ///< Its data files.
+    QString strAccounts;
+    quint16 usPort = 0; ///< Where the client looks for it.
 };
 
 /// Shows the client by itself: starts and ends servers, uses the window, and prints for each step what was seen. A
@@ -27,6 +31,9 @@ public:
     /// Exit code for the process: 0 if every step happened.
     int Run();
 
+    /// Makes an installation in \a folder that shares all but what changes at run time with the one that the process
+    /// runs in, and has none of that yet. Returns its client folder.
+    static QString MakeInstallation(const QString &folder);
     /// A port on loopback that nobody uses now.
     static quint16 FindFreePort();
 
@@ -39,6 +46,12 @@ private:
 
     void ShowStart();
     void ShowLobby();
+    void ShowClock();
+    void ShowCancelledLogin();
+    void ShowLogin();
+    void ShowSettings();
+    void ShowSecondUser();
+    void ShowFirstUserAgain();
     void ShowLostServer();
     void ShowBadServers();
     void ShowReturn();
@@ -46,10 +59,24 @@ private:
     void StartGameServer();
     QString SeeState(EConnectionState::type state) const;
     QString SeeFilledLobby() const;
-    QString SaveScreenshot(const QString &name) const;
+    QString SaveScreenshot(QWidget &widget, const QString &name) const;
 
-    template <typename Widget>
-    Widget *Find(const char *objectName) const;
+    void ChooseTable() const;
+    void TypeFilter(const QString &text) const;
+    void LogIn(const QString &nickname, const QString &password, const QString &lastNickname);
+    void LogOut();
+    void TypeLogin(const QString &nickname, const QString &password) const;
+    QString SeeDialog() const;
+    QString SeeUser(const QString &text) const;
+    QString SeeFilter(const QString &text) const;
+    QString SeeSeat(const QString &nickname) const;
+    QString SeeRows(const QStringList &rows) const;
+
+    template <typename Object>
+    Object *Find(const char *objectName = nullptr) const
+    {
+        return m_window.findChild<Object *>(QLatin1String(objectName));
+    }
 
     STourOptions m_options;
     CHost &m_host;

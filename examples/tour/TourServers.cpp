@@ -13,10 +13,12 @@ CGameServerProcess::~CGameServerProcess()
     Kill();
 }
 
-QString CGameServerProcess::Start(const QString &program, const QString &tables, quint16 port)
+QString CGameServerProcess::Start(const QString &program, const QString &tables, const QString &accounts,
+                                  quint16 port)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(program, {QStringLiteral("--data"), tables, QStringLiteral("--port"), QString::number(port)});
+    m_process.start(program, {QStringLiteral("--data"), tables, QStringLiteral("--accounts"), accounts,
+                              QStringLiteral("--port"), QString::number(port)});
     while (!m_process.canReadLine()) {
         if (!m_process.waitForReadyRead(START_LIMIT_MS))
             return QString();

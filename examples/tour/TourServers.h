@@ -10,7 +10,7 @@ public:
     ~CGameServerProcess();
 
     /// Returns the line by which the server says that it listens, empty if it doesn't start.
-    QString Start(const QString &program, const QString &tables, quint16 port);
+    QString Start(const QString &program, const QString &tables, const QString &accounts, quint16 port);
     /// Ends it at once, wherever it is.
     void Kill();
 

@@ -78,13 +78,13 @@ public:
     /// The name of the time zone in effect.
     QString GetTimezoneString() const;
 
-    /// The name of the month and the day of  t.
+    /// The name of the month and the day of \a t.
     CTranslationItem GetDateStringShort(unsigned int t) const;
-    /// The name of the month, the day and the time of  t.
+    /// The name of the month, the day and the time of \a t.
     CTranslationItem GetDateTimeString(unsigned int t) const;
     /// The same of the running clock; empty while it stands at 0.
     CTranslationItem GetDateTimeString() const;
-    /// How far  t lies ahead or back, in days, hours and minutes; empty for 0, and while the running clock stands
+    /// How far \a t lies ahead or back, in days, hours and minutes; empty for 0, and while the running clock stands
     /// at 0.
     CTranslationItem GetTimeDiffString(unsigned int t) const;
 

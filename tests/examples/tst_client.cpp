@@ -2,6 +2,7 @@
 
 #include <client/Host.h>
 #include <files/Console.h>
+#include <models/UserInfo.h>
 #include <tour/TourServers.h>
 
 #include <QtTest>
@@ -58,6 +59,13 @@ class tst_client : public QObject
 
 private Q_SLOTS:
     void init() { CConsole::Clear(); }
+
+    void cleanupTestCase()
+    {
+        CUserInfo::DestroyInstance();
+        CPlayerModel::DestroyInstances();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 
     void RouterDeliversOnceToWhoRegistered()
     {
@@ -185,7 +193,13 @@ private Q_SLOTS:
 
         plugin.RequestShutDown();
         QCOMPARE(shutDown.size(), 1);
+        QSignalSpy login(&host, &CHost::signal_LoginRequested);
         plugin.OpenLoginDialog();
+        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Magnolia"));
+        plugin.OpenLoginDialog(); // which a user who is logged in needn't see
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
+        QCOMPARE(login.size(), 1);
+        host.GetSession().LogIn(QStringLiteral("Magnolia"), QString()); // without a link
         QVERIFY(!plugin.m_strLoginMessage.isEmpty());
         QWidget page;
         plugin.AddDesignerPage(QStringLiteral("Colours"), &page);
@@ -211,16 +225,18 @@ private Q_SLOTS:
         CTestPlugin plugin;
         host.ConnectPlugin(&plugin);
         plugin.RegisterForEvent(QStringLiteral("LOBB"), QString());
+        plugin.RegisterForEvent(QStringLiteral("ACCT"), QString());
         host.OpenLink();
         QTRY_VERIFY(host.GetServerLink().GetState() == EConnectionState::Connected && server.hasPendingConnections());
         QTcpSocket *socket = server.nextPendingConnection();
 
+        plugin.SendToServer("ACCT", 1, 2, "LGOT", 4, false); // which is the session's alone, both ways
         plugin.SendToServer("LOBB", 1, 2, "GLST", 4, false);
         QByteArray sent;
         QTRY_COMPARE(sent += socket->readAll(), Packet("LOBB", "GLST"));
 
         // The host's own group in a packet of the server reaches nobody: it would be taken for the host's word.
-        socket->write(Packet("M2PE", "LGNFyou are out") + Packet("LOBB", "TBLEbody"));
+        socket->write(Packet("M2PE", "LGNFyou are out") + Packet("ACCT", "LGOK") + Packet("LOBB", "TBLEbody"));
         QTRY_COMPARE(plugin.m_events.size(), 1);
         const CEvent &event = plugin.m_events.first();
         QVERIFY(event.HasTags("LOBB", "TBLE") && event.moduleID == 1 && event.targetID == 2);

@@ -1,9 +1,11 @@
+#include <common/AccountProtocol.h>
 #include <common/LobbyProtocol.h>
 #include <common/PacketStream.h>
 
 #include <QTcpSocket>
 #include <QtTest>
 
+using namespace AccountProtocol;
 using namespace LobbyProtocol;
 
 namespace {
@@ -17,13 +19,16 @@ public:
         waitForConnected();
     }
 
-    // The next record that comes; empty if there is none for 3 s.
-    QByteArray ReadRecord()
+    // The next record that comes but for the time; empty if there is none within the limit.
+    QByteArray ReadRecord(int limit = 3000)
     {
-        while (!m_packet.GetNext() && (m_stream.TakePacket(m_packet) || waitForReadyRead(3000)))
+        while (!m_packet.GetNext() && (m_stream.TakePacket(m_packet) || waitForReadyRead(limit)))
             m_stream.Append(readAll());
-        return QByteArray(m_packet.GetPayload(), m_packet.GetPayloadLength());
+        const QByteArray record(m_packet.GetPayload(), m_packet.GetPayloadLength());
+        return DecodeTime(record, m_uiTime) ? ReadRecord(limit) : record;
     }
+
+    quint32 m_uiTime = 0; // as the server has told it last
 
 private:
     CPacketStream m_stream;
@@ -39,8 +44,9 @@ class tst_gameserver : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_server.start(QStringLiteral(GAMESERVER_PATH), {QStringLiteral("--data"), QStringLiteral(TABLES_PATH),
-                                                         QStringLiteral("--idle-ms"), QStringLiteral("700")});
+        m_server.start(QStringLiteral(GAMESERVER_PATH),
+                       {QStringLiteral("--data"), QStringLiteral(TABLES_PATH), QStringLiteral("--accounts"),
+                        QStringLiteral(ACCOUNTS_PATH), QStringLiteral("--idle-ms"), QStringLiteral("700")});
         QVERIFY(m_server.waitForReadyRead());
         m_usPort = m_server.readLine().replace("listening on ", "").trimmed().toUShort();
     }
@@ -81,7 +87,42 @@ private Q_SLOTS:
         QVERIFY(DecodePlayerCounts(client.ReadRecord(), counts));
         for (const SPlayerCount &count : qAsConst(counts))
             QVERIFY(count.usPlayers <= places.value(count.uiTableID, -1));
-        QVERIFY(!silent.waitForReadyRead(0));
+        QCOMPARE(silent.ReadRecord(0), QByteArray());
+        QVERIFY(qAbs(silent.m_uiTime - QDateTime::currentSecsSinceEpoch()) < 60);
+    }
+
+    // A row's name is "nickname/password".
+    void logins_data()
+    {
+        QTest::addColumn<QByteArray>("answer"); // or what a refusal says
+        const auto accepted = [](const char *nickname, GlobalDefines::MoneyType currency, quint32 real,
+                                 quint32 play) {
+            return EncodeAccepted({QString::fromUtf8(nickname), currency, real, play});
+        };
+        QTest::newRow("Magnolia/river") << accepted("Magnolia", GlobalDefines::MONEYTYPE_EURO, 125050, 20000);
+        QTest::newRow("MAGNOLIA/river") << accepted("Magnolia", GlobalDefines::MONEYTYPE_EURO, 125050, 20000);
+        QTest::newRow("Zoë/guest") << accepted("Zoë", GlobalDefines::MONEYTYPE_DOLLAR, 0, 100000);
+        for (const char *login : {"magnolia/guest", "Zoë/river"})
+            QTest::newRow(login) << QByteArray("don't fit together");
+        for (const char *login : {"/guest", "Zoë /guest", "Z\to/guest"})
+            QTest::newRow(login) << QByteArray("A nickname has");
+    }
+
+    void logins()
+    {
+        QFETCH(QByteArray, answer);
+        const QStringList login = QString::fromUtf8(QTest::currentDataTag()).split(QLatin1Char('/'));
+        const QByteArray seat = ToPackets({EncodeSeatRequest(1002)});
+        CClient client(m_usPort);
+        QElapsedTimer time;
+        time.start();
+        client.write(Login(login.at(0), login.at(1)) + seat + ToPacket(EncodeLogout()) + seat);
+        const QByteArray record = client.ReadRecord();
+        const bool accepted = record.startsWith(ACCEPTED);
+        QVERIFY2(accepted ? record == answer : record.contains(answer), record.constData());
+        QVERIFY(accepted || time.elapsed() >= 400);
+        QCOMPARE(client.ReadRecord().contains("Only who is logged in"), !accepted);
+        QVERIFY(client.ReadRecord().contains("Only who is logged in"));
     }
 
     // A row's name is the reason that the server tells.
@@ -93,6 +134,11 @@ private Q_SLOTS:
         QTest::newRow("an unknown group") << QByteArray(good).replace("LOBB", "LOBX");
         QTest::newRow("an unknown tag") << QByteArray(good).replace("GLST", "TBLE");
         QTest::newRow("a list request with a body") << ToPackets({"GLST1"});
+        QTest::newRow("a malformed seat request") << ToPackets({"SEAT"});
+        const QByteArray login = Login(QString(), QString());
+        QTest::newRow("an unknown or malformed record") << QByteArray(login).replace("LGIN", "LGOK");
+        QTest::newRow("more than one record")
+            << QByteArray(login + login.mid(11)).replace(9, 1, QByteArray(1, char(2 * login.size() - 11)));
         QTest::newRow("left a packet half-sent") << good + good.left(5);
         QTest::newRow("doesn't read") << good.repeated(20000);
     }
@@ -113,12 +159,23 @@ private Q_SLOTS:
     // A row's name is what the server says of the file.
     void badFile_data()
     {
+        QTest::addColumn<QString>("option");
         QTest::addColumn<QByteArray>("content");
         const auto change = [](const char *from, const char *to, const char *message) {
             QByteArray content(R"([{"id":1,"name":"Vega","type":"N","game":"HOLD","limit":"N","money":"R",)"
                                R"("low":1,"high":2,"places":6,"players":3}])");
-            QTest::newRow(message) << content.replace(from, to);
+            QTest::newRow(message) << QStringLiteral("--data") << content.replace(from, to);
         };
+        const auto account = [](const QByteArray &nickname, const char *hash, const char *message) {
+            const QByteArray row = "{" + nickname + "\"currency\":\"R\",\"real\":0,\"play\":1,\"password\":\"" +
+                                   QByteArray(hash).repeated(64) + "\"}";
+            QTest::newRow(message) << QStringLiteral("--accounts") << "[" + row + "," + row + "]";
+        };
+        account("", "b", "row 2: nickname \"\" is another row's");
+        account("\"nickname\":\"Vega\",", "b", "row 2: nickname \"Vega\" is another row's");
+        account("\"nickname\":\" Vega\",", "b", "row 1: \"nickname\"");
+        account("", "B", "row 1: \"password\"");
+        account("\"nick\":\"Vega\",", "b", "row 1: \"nick\" is not a known key");
         change("3}]", "3,}]", "malformed at byte");
         change("}]", "},7]", "row 2: not an object");
         change(":1,\"name", ":\"1\",\"name", "row 1: \"id\"");
@@ -131,17 +188,24 @@ private Q_SLOTS:
 
     void badFile()
     {
+        QFETCH(QString, option);
         QFETCH(QByteArray, content);
         QTemporaryFile file;
         QVERIFY(file.open() && file.write(content) == content.size() && file.flush());
         QProcess server;
-        server.start(QStringLiteral(GAMESERVER_PATH), {QStringLiteral("--data"), file.fileName()});
+        server.start(QStringLiteral(GAMESERVER_PATH),
+                     {QStringLiteral("--data"), QStringLiteral(TABLES_PATH), option, file.fileName()});
         QVERIFY(server.waitForFinished());
         QCOMPARE(server.exitCode(), 1);
         QVERIFY(server.readAllStandardError().contains(file.fileName().toUtf8() + ": " + QTest::currentDataTag()));
     }
 
 private:
+    static QByteArray Login(const QString &nickname, const QString &password)
+    {
+        return ToPacket(EncodeLogin({nickname, HashPassword(password)}));
+    }
+
     QProcess m_server;
     quint16 m_usPort = 0;
 };

@@ -1,6 +1,9 @@
 #include <common/LobbyProtocol.h>
 #include <files/Console.h>
+#include <models/UserInfo.h>
 #include <plugin/PluginInterface.h>
+#include <settings/Settings.h>
+#include <time/CasinoTime.h>
 
 #include <QtTest>
 #include <QtWidgets>
@@ -26,6 +29,16 @@ private Q_SLOTS:
         m_pView.reset(m_pPlugin->CreateView(nullptr));
         m_pTable = m_pView->findChild<QTableView *>(QStringLiteral("lobbyTable"));
         QVERIFY(m_pTable);
+    }
+
+    void cleanupTestCase()
+    {
+        m_pView.reset();
+        CSettings::DestroyInstance();
+        CUserInfo::DestroyInstance();
+        CCasinoTime::DestroyInstance();
+        CPlayerModel::DestroyInstances();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
     // A new connection with three tables, whose amounts sort otherwise than their texts.
@@ -59,7 +72,8 @@ private Q_SLOTS:
     void malformedRecordsChangeNothing()
     {
         const auto records =
-            QVector<QByteArray>{Table(9, "Ghent", 5), EncodeListEnd(0)} + EncodePlayerCounts({{1, 3}});
+            QVector<QByteArray>{Table(9, "Ghent", 5), EncodeListEnd(0), EncodeSeatAnswer({1, QStringLiteral("x")})} +
+            EncodePlayerCounts({{1, 3}});
         for (const QByteArray &record : records) {
             for (int length = 4; length <= record.size(); ++length) {
                 const QByteArray wrong = length < record.size() ? record.left(length) : record + 'x';
@@ -89,6 +103,44 @@ private Q_SLOTS:
         QCOMPARE(Column(COL_NAME), QStringLiteral("Adda,Cork City"));
         QCOMPARE(Status(), QStringLiteral("2 tables"));
         QCOMPARE(m_pTable->selectionModel()->selectedRows().value(0).data().toString(), QStringLiteral("Cork City"));
+    }
+
+    void filterIsASetting()
+    {
+        CSettings *settings = CSettings::GetInstance();
+        auto *text = m_pView->findChild<QLineEdit *>(QStringLiteral("lobbyFilter"));
+        auto *type = m_pView->findChild<QComboBox *>(QStringLiteral("lobbyType"));
+        QTest::keyClicks(text, QStringLiteral("r"));
+        QTest::keyClick(text, Qt::Key_Home);
+        QTest::keyClicks(text, QStringLiteral("o"));
+        QCOMPARE(text->cursorPosition(), 1); // where the view's own change, coming back, leaves it
+        type->setCurrentIndex(3);
+        const QScopedPointer<QWidget> later(m_pPlugin->CreateView(nullptr));
+        QCOMPARE(later->findChild<QLineEdit *>(text->objectName())->text(), QStringLiteral("or"));
+        QCOMPARE(later->findChild<QComboBox *>(type->objectName())->currentIndex(), 3);
+        QCOMPARE(settings->GetSelectedGametype(), int(GlobalDefines::TT_TOURNAMENT)); // which `later` has left alone
+
+        settings->SetRinggameFilter("aar"); // as for another user, who has chosen no type
+        settings->SetSelectedGametype(-1);
+        QCOMPARE(Column(COL_NAME), QStringLiteral("Aare"));
+        QCOMPARE(settings->GetSelectedGametype(), -1);
+        settings->SetRinggameFilter(QByteArray());
+    }
+
+    void seatWaitsForLogin()
+    {
+        QSignalSpy sent(m_pPlugin, &CPluginInterface::signal_SendEvent);
+        m_pTable->selectRow(1);
+        QTest::keyClick(m_pTable, Qt::Key_Return);
+        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Magnolia"));
+        QTRY_COMPARE(sent.size(), 2);
+        QCOMPARE(sent.at(1).at(0).value<CEvent>().data, ToPackets({EncodeSeatRequest(2)}));
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
+
+        Deliver({EncodeSeatAnswer({2, QStringLiteral("Seat 4.")})});
+        QCOMPARE(Status(), QStringLiteral("3 tables - Seat 4."));
+        m_pPlugin->ConnectionStateChanged(EConnectionState::Reconnecting);
+        QVERIFY(!Status().contains(QLatin1String("Seat")));
     }
 
 private:

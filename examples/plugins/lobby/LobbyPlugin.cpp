@@ -28,6 +28,7 @@ void CLobbyPlugin::RegisterForEvents()
 void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
 {
     m_pModel->SetStale();
+    Q_EMIT signal_SeatAnswered(QString());
     ForgetIncoming();
     m_bWarned = false;
     if (state != EConnectionState::Connected)
@@ -38,7 +39,17 @@ void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
 
 QWidget *CLobbyPlugin::CreateView(QWidget *parent)
 {
-    return new CLobbyView(m_pModel, parent);
+    auto *view = new CLobbyView(m_pModel, parent);
+    connect(view, &CLobbyView::signal_TableChosen, this, &CLobbyPlugin::RequestSeat);
+    connect(this, &CLobbyPlugin::signal_SeatAnswered, view, &CLobbyView::ShowSeatAnswer);
+    return view;
+}
+
+void CLobbyPlugin::RequestSeat(quint32 tableID)
+{
+    Q_EMIT signal_SeatAnswered(QString());
+    const QByteArray request = LobbyProtocol::EncodeSeatRequest(tableID);
+    SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), request.size(), true);
 }
 
 // False if the record is one of the lobby's, but malformed. Other events, and tags that a newer server may send, are
@@ -51,6 +62,8 @@ bool CLobbyPlugin::HandleRecord(const CEvent &event)
         return HandleListEnd(event.data);
     if (event.HasTags(LobbyProtocol::GROUP, LobbyProtocol::PLAYER_COUNTS))
         return HandlePlayerCounts(event.data);
+    if (event.HasTags(LobbyProtocol::GROUP, LobbyProtocol::SEAT_ANSWER))
+        return HandleSeatAnswer(event.data);
     return true;
 }
 
@@ -84,6 +97,15 @@ bool CLobbyPlugin::HandlePlayerCounts(const QByteArray &payload)
         return false;
     for (const LobbyProtocol::SPlayerCount &count : qAsConst(counts))
         m_pModel->SetPlayers(count);
+    return true;
+}
+
+bool CLobbyPlugin::HandleSeatAnswer(const QByteArray &payload)
+{
+    LobbyProtocol::SSeatAnswer answer;
+    if (!LobbyProtocol::DecodeSeatAnswer(payload, answer))
+        return false;
+    Q_EMIT signal_SeatAnswered(answer.strMessage);
     return true;
 }
 

@@ -6,8 +6,8 @@
 
 #include <QSet>
 
-/// Shows the tables of the game server. It asks for the list each time the link stands, and keeps the old one on
-/// screen until the new one is complete.
+/// Shows the tables of the game server, and asks for a seat at the one that the user chooses. It asks for the list
+/// each time the link stands, and keeps the old one on screen until the new one is complete.
 class CLobbyPlugin : public CPluginInterface
 {
     Q_OBJECT
@@ -27,11 +27,17 @@ public:
     void Shutdown() override {}
     QWidget *CreateView(QWidget *parent) override;
 
+Q_SIGNALS:
+    /// What the game server says to a request for a seat; empty when that isn't of interest any more.
+    void signal_SeatAnswered(const QString &message);
+
 private:
+    void RequestSeat(quint32 tableID);
     bool HandleRecord(const CEvent &event);
     bool HandleTable(const QByteArray &payload);
     bool HandleListEnd(const QByteArray &payload);
     bool HandlePlayerCounts(const QByteArray &payload);
+    bool HandleSeatAnswer(const QByteArray &payload);
     void ForgetIncoming();
 
     CTableListModel *m_pModel = new CTableListModel(this);

@@ -1,11 +1,14 @@
 #include "LobbyView.h"
 
+#include <settings/Settings.h>
+
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QShortcut>
+#include <QSignalBlocker>
 #include <QSortFilterProxyModel>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -83,10 +86,22 @@ CLobbyView::CLobbyView(CTableListModel *model, QWidget *parent)
 {
     setWindowTitle(TEXT_TITLE);
     m_pStatus->setObjectName(QStringLiteral("lobbyStatus"));
+    m_pStatus->setTextFormat(Qt::PlainText); // a part of it may be the server's
+    m_pStatus->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     CreateFilterLine();
     CreateTable();
     Arrange();
     connect(m_pModel, &CTableListModel::signal_ListChanged, this, &CLobbyView::ShowState);
+    const CSettings *settings = CSettings::GetInstance();
+    connect(settings, &CSettings::signal_RinggameFilterChanged, this, &CLobbyView::slot_FilterSettingChanged);
+    connect(settings, &CSettings::signal_SelectedGametypeChanged, this, &CLobbyView::slot_FilterSettingChanged);
+    slot_FilterSettingChanged();
+    ShowState();
+}
+
+void CLobbyView::ShowSeatAnswer(const QString &message)
+{
+    m_strSeatAnswer = message;
     ShowState();
 }
 
@@ -119,6 +134,9 @@ void CLobbyView::CreateTable()
     m_pTable->setTabKeyNavigation(false); // Tab leaves the table, the arrows move in it
     m_pTable->setSortingEnabled(true);
     m_pTable->sortByColumn(CTableListModel::COL_NAME, Qt::AscendingOrder);
+    connect(m_pTable, &QTableView::activated, this, [this](const QModelIndex &cell) {
+        Q_EMIT signal_TableChosen(m_pModel->GetTable(m_pFilter->mapToSource(cell).row()).uiID);
+    });
     m_pTable->verticalHeader()->hide();
     m_pTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     m_pTable->horizontalHeader()->setHighlightSections(false);
@@ -156,6 +174,36 @@ void CLobbyView::ApplyFilter()
 {
     m_pFilter->SetFilter(m_pText->text(), m_pType->currentData().toInt());
     ShowState();
+    RememberFilter();
+}
+
+// What the settings hold already came from there.
+void CLobbyView::RememberFilter()
+{
+    CSettings *settings = CSettings::GetInstance();
+    const QByteArray text = m_pText->text().toUtf8();
+    if (text != settings->GetRinggameFilter())
+        settings->SetRinggameFilter(text, this);
+    if (m_pType->currentIndex() != IndexOfStoredType())
+        settings->SetSelectedGametype(m_pType->currentData().toInt(), this);
+}
+
+// A user without a choice sees all tables, and so does one with a choice that this version doesn't know.
+int CLobbyView::IndexOfStoredType() const
+{
+    return qMax(0, m_pType->findData(CSettings::GetInstance()->GetSelectedGametype()));
+}
+
+void CLobbyView::slot_FilterSettingChanged()
+{
+    const CSettings *settings = CSettings::GetInstance();
+    if (settings->GetCaller() == this)
+        return;
+    // One of the two must not be remembered while the other is still the former user's.
+    const QSignalBlocker blocker(m_pType);
+    m_pType->setCurrentIndex(IndexOfStoredType());
+    m_pText->setText(QString::fromUtf8(settings->GetRinggameFilter()));
+    ApplyFilter();
 }
 
 void CLobbyView::ShowState()
@@ -165,6 +213,8 @@ void CLobbyView::ShowState()
     QString text = shown == all ? QString(TEXT_TABLES).arg(all) : QString(TEXT_SOME_TABLES).arg(shown).arg(all);
     if (m_pModel->IsStale())
         text = all == 0 ? QString(TEXT_WAITING) : text + TEXT_STALE;
+    if (!m_strSeatAnswer.isEmpty())
+        text += QLatin1String(" - ") + m_strSeatAnswer;
     m_pStatus->setText(text);
 
     QPalette palette;

@@ -10,7 +10,8 @@ class QLabel;
 class QLineEdit;
 class QTableView;
 
-/// The lobby as the player sees it: the tables, what narrows them down, and how many there are.
+/// The lobby as the player sees it: the tables, what narrows them down, and how many there are. What narrows them
+/// down is a setting, which the next user may have otherwise.
 class CLobbyView : public QWidget
 {
     Q_OBJECT
@@ -19,12 +20,24 @@ public:
     /// The model stays the caller's.
     CLobbyView(CTableListModel *model, QWidget *parent);
 
+    /// Adds an answer of the game server to the status line, until the next one; an empty one takes it off.
+    void ShowSeatAnswer(const QString &message);
+
+Q_SIGNALS:
+    /// The user wants to play at this table.
+    void signal_TableChosen(quint32 id);
+
+private Q_SLOTS:
+    void slot_FilterSettingChanged();
+
 private:
     void CreateFilterLine();
     void CreateTable();
     void SetColumnWidths();
     void Arrange();
     void ApplyFilter();
+    void RememberFilter();
+    int IndexOfStoredType() const;
     void ShowState();
 
     CTableListModel *m_pModel;
@@ -33,4 +46,5 @@ private:
     QComboBox *m_pType;
     QTableView *m_pTable;
     QLabel *m_pStatus;
+    QString m_strSeatAnswer;
 };

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <plugin/ConnectionState.h>
+
+#include <QDialog>
+
+class CHost;
+class QLabel;
+class QLineEdit;
+
+/// Asks for nickname and password and logs in. It stays open, and takes no input, until the server has answered, and
+/// shows why it was refused. A dialog that is given up cancels the login.
+class CLoginDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// \a host outlives the dialog.
+    explicit CLoginDialog(CHost &host, QWidget *parent = nullptr);
+
+    void accept() override;
+    void reject() override;
+
+private:
+    void CreateFields();
+    void Arrange();
+    void ShowMessage(const QString &message);
+    void ShowLinkState(EConnectionState::type state);
+    void OnLoggedIn();
+
+    CHost &m_host;
+    QLineEdit *m_pNickname; // this and the widgets below are children
+    QLineEdit *m_pPassword;
+    QLabel *m_pMessage;
+};

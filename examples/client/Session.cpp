@@ -1,0 +1,176 @@
+#include "Session.h"
+
+#include <files/Console.h>
+#include <models/UserInfo.h>
+#include <time/CasinoTime.h>
+
+namespace {
+
+constexpr int ANSWER_LIMIT_MS = 10000;
+const QLatin1String TEXT_NO_LINK("There is no link to the game server.");
+const QLatin1String TEXT_LOST_LINK("The link to the game server is lost.");
+const QLatin1String TEXT_NO_ANSWER("The game server doesn't answer.");
+
+void Note(const QString &text)
+{
+    CConsole::AddMessage(text, CConsole::MC_Network, CConsole::ML_Warning, QString(), 0);
+}
+
+void NoteMalformed(const char *tag)
+{
+    Note(QStringLiteral("The game server sent a malformed %1").arg(QLatin1String(tag)));
+}
+
+void SetMoney(const AccountProtocol::SAccount &account)
+{
+    CUserInfo *user = CUserInfo::GetInstance();
+    user->SetAccountCurrency(account.eCurrency);
+    user->SetRealMoney(account.mvReal);
+    user->SetPlayMoney(account.mvPlay);
+}
+
+// The account's data goes first, so that whoever hears of the logout finds nothing of it.
+void EndLogin()
+{
+    CUserInfo *user = CUserInfo::GetInstance();
+    user->SetUsername(QString());
+    user->SetPasswordHashed(QString());
+    user->SetLoginTime(0);
+    user->SetLoginBalance(0);
+    SetMoney({});
+    user->SetLoggedIn(QString());
+}
+
+// The account's data is there when the login is signalled.
+void BeginLogin(const AccountProtocol::SAccount &account, const QString &hash)
+{
+    CUserInfo *user = CUserInfo::GetInstance();
+    user->SetUsername(account.strNickname);
+    user->SetPasswordHashed(hash);
+    user->SetLoginTime(CCasinoTime::GetInstance()->GetTimeUTCServer());
+    user->SetLoginBalance(account.mvReal);
+    SetMoney(account);
+    user->SetLoggedIn(account.strNickname);
+}
+
+} // namespace
+
+CSession::CSession(const TSend &send, QObject *parent)
+    : QObject(parent)
+    , m_send(send)
+{
+    m_answerTimer.setSingleShot(true);
+    m_answerTimer.setInterval(ANSWER_LIMIT_MS);
+    connect(&m_answerTimer, &QTimer::timeout, this, [this] {
+        // An acceptance that is under way would make the link the user's.
+        m_send(AccountProtocol::ToPacket(AccountProtocol::EncodeLogout()));
+        Refuse(TEXT_NO_ANSWER);
+    });
+}
+
+void CSession::LogIn(const QString &nickname, const QString &hash)
+{
+    if (m_answerTimer.isActive())
+        return;
+    Ask(nickname, hash);
+    if (!m_answerTimer.isActive())
+        Refuse(TEXT_NO_LINK);
+}
+
+void CSession::LogOut()
+{
+    m_answerTimer.stop();
+    m_send(AccountProtocol::ToPacket(AccountProtocol::EncodeLogout()));
+    EndLogin();
+}
+
+void CSession::SetConnectionState(EConnectionState::type state)
+{
+    CUserInfo *user = CUserInfo::GetInstance();
+    if (state == EConnectionState::Connected) {
+        if (user->IsLoggedIn())
+            Ask(user->GetNickname(), user->GetPasswordHashed());
+    } else if (user->IsLoggedIn()) {
+        m_answerTimer.stop(); // the next link asks anew
+    } else if (m_answerTimer.isActive()) {
+        Refuse(TEXT_LOST_LINK);
+    }
+}
+
+bool CSession::HandleRecord(const CEvent &record)
+{
+    if (record.HasTags(AccountProtocol::GROUP, AccountProtocol::ACCEPTED))
+        HandleAccepted(record.data);
+    else if (record.HasTags(AccountProtocol::GROUP, AccountProtocol::REFUSED))
+        HandleRefused(record.data);
+    else if (record.HasTags(AccountProtocol::TIME_GROUP, AccountProtocol::TIME))
+        HandleTime(record.data);
+    // Records that a newer server may send are nobody else's either.
+    return record.HasTag1(AccountProtocol::GROUP) || record.HasTag1(AccountProtocol::TIME_GROUP);
+}
+
+void CSession::HandleAccepted(const QByteArray &payload)
+{
+    AccountProtocol::SAccount account;
+    if (!AccountProtocol::DecodeAccepted(payload, account)) {
+        NoteMalformed(AccountProtocol::ACCEPTED);
+        return;
+    }
+    if (!TakeAnswerTo(account.strNickname))
+        return;
+    CUserInfo *user = CUserInfo::GetInstance();
+    if (user->GetNickname() == account.strNickname) {
+        SetMoney(account);
+    } else {
+        if (user->IsLoggedIn())
+            EndLogin();
+        BeginLogin(account, m_asked.strHash);
+    }
+    Q_EMIT signal_LoggedIn();
+}
+
+void CSession::HandleRefused(const QByteArray &payload)
+{
+    AccountProtocol::SRefusal refusal;
+    if (!AccountProtocol::DecodeRefused(payload, refusal))
+        NoteMalformed(AccountProtocol::REFUSED);
+    else if (TakeAnswerTo(refusal.strNickname))
+        Refuse(refusal.strMessage);
+}
+
+void CSession::HandleTime(const QByteArray &payload)
+{
+    quint32 seconds = 0;
+    if (AccountProtocol::DecodeTime(payload, seconds))
+        CCasinoTime::GetInstance()->SetTimeUTCServer(seconds);
+    else
+        NoteMalformed(AccountProtocol::TIME);
+}
+
+void CSession::Ask(const QString &nickname, const QString &hash)
+{
+    m_asked = {nickname, hash};
+    if (m_send(AccountProtocol::ToPacket(AccountProtocol::EncodeLogin(m_asked))))
+        m_answerTimer.start();
+}
+
+// Whoever is logged in was so on the last link, and isn't any more.
+void CSession::Refuse(const QString &message)
+{
+    m_answerTimer.stop();
+    CUserInfo *user = CUserInfo::GetInstance();
+    if (user->IsLoggedIn())
+        EndLogin();
+    Q_EMIT signal_LoginRefused(message);
+}
+
+// The server may spell a nickname in another case.
+bool CSession::TakeAnswerTo(const QString &nickname)
+{
+    if (m_answerTimer.isActive() && nickname.compare(m_asked.strNickname, Qt::CaseInsensitive) == 0) {
+        m_answerTimer.stop();
+        return true;
+    }
+    Note(QStringLiteral("The game server answered a login that nobody asked for: %1").arg(nickname));
+    return false;
+}

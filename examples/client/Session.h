@@ -1,0 +1,56 @@
+#pragma once
+
+#include <common/AccountProtocol.h>
+#include <plugin/ConnectionState.h>
+#include <plugin/Event.h>
+
+#include <QObject>
+#include <QTimer>
+
+#include <functional>
+
+/// The user's session with the game server: logs in and out, and keeps CUserInfo and CCasinoTime as the server says.
+///
+/// Who is logged in stays so while the link is away, and is logged in anew, with the hash that CUserInfo holds, when
+/// it comes back. Answers that nobody waits for change nothing and are noted in the console.
+class CSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Sends one packet, false if it can't be sent.
+    using TSend = std::function<bool(const QByteArray &)>;
+
+    explicit CSession(const TSend &send, QObject *parent = nullptr);
+
+    /// How long the server may take to answer a login, 10 s unless told otherwise.
+    void SetAnswerLimit(int milliseconds) { m_answerTimer.setInterval(milliseconds); }
+
+    /// Ends in one of the two signals below, at once if there is no link. \a hash is that of the password. Does
+    /// nothing while another login waits for its answer.
+    void LogIn(const QString &nickname, const QString &hash);
+    void LogOut();
+
+    // For the host, who gives all that there is of both.
+    void SetConnectionState(EConnectionState::type state);
+    /// False if the record isn't the session's.
+    bool HandleRecord(const CEvent &record);
+
+Q_SIGNALS:
+    /// CUserInfo knows the user by now.
+    void signal_LoggedIn();
+    /// Whoever was logged in before isn't any more. Nothing is cancelled: the user may try again.
+    void signal_LoginRefused(const QString &message);
+
+private:
+    void HandleAccepted(const QByteArray &payload);
+    void HandleRefused(const QByteArray &payload);
+    void HandleTime(const QByteArray &payload);
+    void Ask(const QString &nickname, const QString &hash);
+    void Refuse(const QString &message);
+    bool TakeAnswerTo(const QString &nickname);
+
+    TSend m_send;
+    AccountProtocol::SLogin m_asked;
+    QTimer m_answerTimer; // runs as long as that waits for its answer
+};

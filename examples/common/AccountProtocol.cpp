@@ -1,0 +1,96 @@
+#include "AccountProtocol.h"
+
+#include "Payload.h"
+
+#include <QCryptographicHash>
+
+#include <algorithm>
+
+namespace AccountProtocol {
+
+namespace {
+
+constexpr auto LOGIN_FIELDS = [](auto &payload, SLogin &login) {
+    payload.Text(login.strNickname, MAX_NICKNAME_LENGTH);
+    payload.Text(login.strHash, HASH_LENGTH);
+};
+
+constexpr auto ACCOUNT_FIELDS = [](auto &payload, SAccount &account) {
+    payload.Text(account.strNickname, MAX_NICKNAME_LENGTH);
+    payload.Letter(account.eCurrency, &Globals::GetMoneyType);
+    payload.Number(account.mvReal);
+    payload.Number(account.mvPlay);
+};
+
+constexpr auto REFUSAL_FIELDS = [](auto &payload, SRefusal &refusal) {
+    payload.Text(refusal.strNickname, MAX_NICKNAME_LENGTH);
+    payload.Text(refusal.strMessage, MAX_MESSAGE_LENGTH);
+};
+
+constexpr auto TIME_FIELDS = [](auto &payload, quint32 &seconds) { payload.Number(seconds); };
+
+} // namespace
+
+bool IsNickname(const QString &text)
+{
+    return !text.isEmpty() && text.size() <= MAX_NICKNAME_LENGTH && text == text.trimmed() &&
+           std::all_of(text.begin(), text.end(), [](QChar character) { return character.isPrint(); });
+}
+
+QString HashPassword(const QString &password)
+{
+    const QByteArray hash = QCryptographicHash::hash(password.toUtf8(), QCryptographicHash::Sha256);
+    return QString::fromLatin1(hash.toHex());
+}
+
+QByteArray EncodeLogin(const SLogin &login)
+{
+    return Payload::Encode(LOGIN, login, LOGIN_FIELDS);
+}
+
+QByteArray EncodeLogout()
+{
+    return QByteArray(LOGOUT);
+}
+
+QByteArray EncodeAccepted(const SAccount &account)
+{
+    return Payload::Encode(ACCEPTED, account, ACCOUNT_FIELDS);
+}
+
+QByteArray EncodeRefused(const SRefusal &refusal)
+{
+    return Payload::Encode(REFUSED, refusal, REFUSAL_FIELDS);
+}
+
+QByteArray EncodeTime(quint32 seconds)
+{
+    return Payload::Encode(TIME, seconds, TIME_FIELDS);
+}
+
+bool DecodeLogin(const QByteArray &payload, SLogin &login)
+{
+    return Payload::Decode(LOGIN, payload, login, LOGIN_FIELDS);
+}
+
+bool DecodeAccepted(const QByteArray &payload, SAccount &account)
+{
+    return Payload::Decode(ACCEPTED, payload, account, ACCOUNT_FIELDS);
+}
+
+bool DecodeRefused(const QByteArray &payload, SRefusal &refusal)
+{
+    return Payload::Decode(REFUSED, payload, refusal, REFUSAL_FIELDS);
+}
+
+bool DecodeTime(const QByteArray &payload, quint32 &seconds)
+{
+    return Payload::Decode(TIME, payload, seconds, TIME_FIELDS);
+}
+
+QByteArray ToPacket(const QByteArray &payload)
+{
+    return Payload::ToPackets(payload.startsWith(TIME) ? TIME_GROUP : GROUP, {payload});
+}
+
+} // namespace AccountProtocol

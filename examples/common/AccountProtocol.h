@@ -1,0 +1,79 @@
+#pragma once
+
+#include <plugin/GlobalDefines.h>
+
+#include <QByteArray>
+#include <QString>
+
+/// What the client and the game server say to each other about the user's account, in records of packets of the group
+/// "ACCT", and the server's clock in packets of the group "TIME".
+///
+/// The client logs in with LOGIN, the only record of its packet, and the server answers ACCEPTED or REFUSED. From
+/// then on the link is the user's, until LOGOUT, another LOGIN, or its end. The server sends TIME unasked: as the
+/// first packet of a link, and every now and then.
+///
+/// The fields of a payload stand in the order of the structures below, in the form of Payload.h. A decoder takes a
+/// payload with its tag. It answers false, and changes nothing, unless the fields fill the payload exactly.
+namespace AccountProtocol {
+
+inline constexpr char GROUP[] = "ACCT";
+inline constexpr char LOGIN[] = "LGIN";    // one SLogin
+inline constexpr char LOGOUT[] = "LGOT";   // no fields
+inline constexpr char ACCEPTED[] = "LGOK"; // one SAccount
+inline constexpr char REFUSED[] = "LGRF";  // one SRefusal
+
+inline constexpr char TIME_GROUP[] = "TIME";
+inline constexpr char TIME[] = "SECS"; // seconds since 1970 UTC, 32 bits
+
+// In UTF-16 code units. Encoding cuts a longer text, and a payload with one doesn't decode.
+inline constexpr int MAX_NICKNAME_LENGTH = 32;
+inline constexpr int MAX_MESSAGE_LENGTH = 200;
+/// Of HashPassword().
+inline constexpr int HASH_LENGTH = 64;
+
+struct SLogin
+{
+    QString strNickname;
+    QString strHash;
+};
+
+struct SAccount
+{
+    QString strNickname; ///< As the account spells it, which may differ in case from what was asked for.
+    GlobalDefines::MoneyType eCurrency = GlobalDefines::MONEYTYPE_UNKNOWN; ///< Of the real money; one letter.
+    GlobalDefines::MoneyValue mvReal = 0;
+    GlobalDefines::MoneyValue mvPlay = 0;
+};
+
+struct SRefusal
+{
+    QString strNickname; ///< As it was asked for.
+    QString strMessage;  ///< For people to read.
+};
+
+/// Whether a user may be called so: 1 to 32 characters that print, with no space around them.
+bool IsNickname(const QString &text);
+
+/// SHA-256 of the password's UTF-8, in 64 lower-case hexadecimal digits: what goes over the link and what the server
+/// keeps, so that neither shows a password that its user may have elsewhere too.
+///
+/// It protects nothing else. The link isn't encrypted, and whoever sees the hash there can log in with it as with the
+/// password itself. Nor is it salted or slow to compute, so that a password that can be guessed is found from it. A
+/// real server has an encrypted link and keeps a salted hash that is made for passwords.
+QString HashPassword(const QString &password);
+
+QByteArray EncodeLogin(const SLogin &login);
+QByteArray EncodeLogout();
+QByteArray EncodeAccepted(const SAccount &account);
+QByteArray EncodeRefused(const SRefusal &refusal);
+QByteArray EncodeTime(quint32 seconds);
+
+bool DecodeLogin(const QByteArray &payload, SLogin &login);
+bool DecodeAccepted(const QByteArray &payload, SAccount &account);
+bool DecodeRefused(const QByteArray &payload, SRefusal &refusal);
+bool DecodeTime(const QByteArray &payload, quint32 &seconds);
+
+/// A packet of the payload's group with this one record.
+QByteArray ToPacket(const QByteArray &payload);
+
+} // namespace AccountProtocol

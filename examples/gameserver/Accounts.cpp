@@ -1,0 +1,81 @@
+#include "Accounts.h"
+
+#include "JsonRows.h"
+
+#include <QRegularExpression>
+
+#include <limits>
+
+using AccountProtocol::SAccount;
+using AccountProtocol::SLogin;
+
+namespace {
+
+constexpr int MAX_ACCOUNTS = 10000;
+constexpr quint32 MAX_MONEY = std::numeric_limits<quint32>::max();
+const QLatin1String KEY_NICKNAME("nickname");
+const QLatin1String KEY_PASSWORD("password");
+
+QString TakeNickname(CJsonRow &row)
+{
+    if (!row.Has(KEY_NICKNAME))
+        return QString();
+    const QString nickname = row.TakeText(KEY_NICKNAME, 1, AccountProtocol::MAX_NICKNAME_LENGTH);
+    row.Check(AccountProtocol::IsNickname(nickname), KEY_NICKNAME, QStringLiteral("a nickname that may be chosen"));
+    return nickname;
+}
+
+QString TakeHash(CJsonRow &row)
+{
+    static const QRegularExpression hash(QStringLiteral("\\A[0-9a-f]{%1}\\z").arg(AccountProtocol::HASH_LENGTH));
+    const QString text = row.TakeText(KEY_PASSWORD, 0, AccountProtocol::HASH_LENGTH);
+    row.Check(hash.match(text).hasMatch(), KEY_PASSWORD, QStringLiteral("a SHA-256 in lower-case hexadecimal"));
+    return text;
+}
+
+} // namespace
+
+bool CAccounts::Load(const QString &fileName, QString &error)
+{
+    const auto read = [this](CJsonRow &row) {
+        SEntry entry;
+        entry.account.strNickname = TakeNickname(row);
+        entry.strHash = TakeHash(row);
+        entry.account.eCurrency = row.TakeLetter(QLatin1String("currency"), &Globals::GetMoneyType);
+        entry.account.mvReal = row.TakeNumber(QLatin1String("real"), 0, MAX_MONEY);
+        entry.account.mvPlay = row.TakeNumber(QLatin1String("play"), 0, MAX_MONEY);
+        const QString fault = row.GetFault();
+        return fault.isEmpty() ? AddEntry(entry) : fault;
+    };
+    return ReadJsonRows(fileName, MAX_ACCOUNTS, read, error);
+}
+
+QString CAccounts::AddEntry(const SEntry &entry)
+{
+    const QString nickname = entry.account.strNickname.toLower();
+    if (nickname.isEmpty() ? m_newcomer.has_value() : m_entries.contains(nickname))
+        return QStringLiteral("nickname \"%1\" is another row's already").arg(entry.account.strNickname);
+    if (nickname.isEmpty())
+        m_newcomer = entry;
+    else
+        m_entries.insert(nickname, entry);
+    return QString();
+}
+
+QString CAccounts::LogIn(const SLogin &login, SAccount &account) const
+{
+    if (!AccountProtocol::IsNickname(login.strNickname))
+        return QStringLiteral("A nickname has 1 to %1 characters that can be printed, and no space around them.")
+            .arg(AccountProtocol::MAX_NICKNAME_LENGTH);
+    const auto entry = m_entries.constFind(login.strNickname.toLower());
+    const bool known = entry != m_entries.constEnd();
+    if (!known && !m_newcomer)
+        return QStringLiteral("There is no account with this nickname.");
+    const SEntry &found = known ? *entry : *m_newcomer;
+    if (login.strHash != found.strHash)
+        return QStringLiteral("Nickname and password don't fit together.");
+    account = found.account;
+    if (!known)
+        account.strNickname = login.strNickname;
+    return QString();
+}
