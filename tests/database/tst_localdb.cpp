@@ -1,13 +1,16 @@
-#include "Ladder.h"
-
 #include <database/DBValue.h>
+#include <database/LocalDB.h>
+#include <support/InstallationTree.h>
+#include <support/Literal.h>
 
 #include <QProcess>
 #include <QRandomGenerator>
-#include <QTemporaryDir>
 #include <QtTest>
 
+#include <cstdio>
+#include <functional>
 #include <optional>
+#include <unistd.h>
 
 using TRow = QHash<QString, QVariant>;
 using TRows = QList<TRow>;
@@ -21,13 +24,100 @@ const QString ID = QStringLiteral("id");
 const QString TEXT = QStringLiteral("text");
 const QString STEP1 = QStringLiteral("tbl_step1");
 
-// A process of its own on the file; it ends with the object.
+// A file with three steps, each of which makes and fills a table and rewrites the rows of the first one. The
+// connection ends with the object, so that the next one opens the file anew, as a new process would.
+class CLadder : public CLocalDB
+{
+public:
+    explicit CLadder(const QString &path, unsigned int maxVersion = 3, bool fileRequired = false)
+        : CLocalDB(path, fileRequired, false)
+        , m_strPath(path)
+        , m_uiMaxVersion(maxVersion)
+    {
+    }
+    ~CLadder() override { QSqlDatabase::removeDatabase(m_strPath); }
+
+    unsigned int m_uiFailingStep = 0; ///< does its work, then answers false
+    int m_iRows = 3;                  ///< rows that a step inserts
+    QString m_strText = TEXT;
+    std::function<void()> m_Inserted = [] {};
+    TSteps m_steps; ///< those that ran
+
+    bool Fill(const QString &table)
+    {
+        bool done = true;
+        for (int row = 0; row < m_iRows; ++row) {
+            done &= Insert(table, {{TEXT, m_strText}});
+            m_Inserted();
+        }
+        return done && Update(STEP1, {{TEXT, m_strText + table}}, {});
+    }
+
+protected:
+    unsigned int GetMaxVersion() override { return m_uiMaxVersion; }
+    bool CreateDBVersion(unsigned int version) override
+    {
+        m_steps.append(version);
+        const QString table = "tbl_step"_s + QString::number(version);
+        return CreateTable("CREATE TABLE "_s + table + " (id INTEGER PRIMARY KEY, text TEXT)"_s, table) &&
+               Fill(table) && version != m_uiFailingStep;
+    }
+
+private:
+    QString m_strPath;
+    unsigned int m_uiMaxVersion;
+};
+
+void Announce(const char *what, int number)
+{
+    std::printf("%s %d\n", what, number);
+    std::fflush(stdout);
+}
+
+// A second process on the file. In the mode "report" it climbs without the rights of root and prints the answer and
+// how many rows the first step's table holds. In the others, "lock", "climb" and "insert", it prints a line for
+// whatever it has done and goes on until killed.
+int RunChild(const QString &mode, const QString &path)
+{
+    CLadder database(path);
+    if (mode == "report"_s) {
+        if (geteuid() == 0 && setuid(65534) != 0)
+            return 1;
+        const bool done = database.Init();
+        TRows rows;
+        database.SelectAll(rows, STEP1, {}, {}, 0);
+        Announce(done ? "true" : "false", rows.size());
+        return 0;
+    }
+
+    int inserted = 0;
+    database.m_iRows = 50;
+    database.m_strText = QString(2000, QLatin1Char('x'));
+    database.m_Inserted = [&] {
+        if (inserted == 0) // a small cache, so that the file is written to long before the commit
+            database.Exec("PRAGMA cache_size = 5"_s);
+        Announce("row", ++inserted);
+    };
+    const bool done = database.Init();
+    if (mode == "lock"_s)
+        Announce("locked", database.Exec("BEGIN EXCLUSIVE"_s));
+    Announce("open", done);
+    for (int batch = 1; mode == "insert"_s; ++batch) {
+        database.StartTransaction();
+        database.Fill(STEP1);
+        database.EndTransaction(true);
+        Announce("batch", batch);
+    }
+    return pause();
+}
+
+// It ends with the object.
 class CChild : public QProcess
 {
 public:
-    CChild(const char *mode, const QString &path)
+    CChild(const QString &mode, const QString &path)
     {
-        start(QStringLiteral(CRASHCHILD_PATH), {QLatin1String(mode), path}, ReadOnly);
+        start(QCoreApplication::applicationFilePath(), {"child"_s, mode, path}, ReadOnly);
     }
     ~CChild() override { End(); }
     void End()
@@ -45,23 +135,17 @@ public:
 
 } // namespace
 
-// Everything on real files, new ones for each row of data.
+// Everything on real files, new ones for each init().
 class tst_localdb : public QObject
 {
     Q_OBJECT
-
-    QByteArray Contents() const
-    {
-        QFile file(m_strPath);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
 
     // A file that climbed to the version, or none if that is negative; answers its contents.
     QByteArray MakeFile(int version) const
     {
         if (version >= 0 && !CLadder(m_strPath, unsigned(version)).Init())
             qFatal("can't make %s", qUtf8Printable(m_strPath));
-        return Contents();
+        return ReadFile(m_strPath);
     }
 
     bool Insert(int id, const QVariant &text) { return m_database->Insert(TABLE, {{ID, id}, {TEXT, text}}); }
@@ -69,12 +153,9 @@ class tst_localdb : public QObject
     // The table as "1:text 2:text".
     QString Rows(const TRow &where = {})
     {
-        TRows rows;
-        m_database->SelectAll(rows, TABLE, {ID, TEXT}, where, 0);
-        QStringList texts;
-        for (const TRow &row : qAsConst(rows))
-            texts.append(row.value(ID).toString() + QLatin1Char(':') + row.value(TEXT).toString());
-        return texts.join(QLatin1Char(' '));
+        TRow row;
+        m_database->SelectOne(row, TABLE, {"group_concat(id || ':' || ifnull(text, ''), ' ') AS list"_s}, where);
+        return row.value("list"_s).toString();
     }
 
     QTemporaryDir m_dir;
@@ -82,67 +163,54 @@ class tst_localdb : public QObject
     int m_iFiles = 0;
     std::optional<CLadder> m_database; ///< a file with an empty table of the columns ID and TEXT
 
+    void KilledAnywhere(const QString &mode, int version);
+
 private Q_SLOTS:
     void init()
     {
-        m_strPath = m_dir.filePath(QStringLiteral("table%1.sqlite").arg(++m_iFiles));
-        m_database.emplace(m_strPath, 0);
+        m_strPath = m_dir.filePath(QString::number(++m_iFiles));
+        m_database.emplace(m_strPath + ".table"_s, 0);
         QVERIFY(m_database->Init() && m_database->CreateTable(CREATE_TABLE, TABLE));
-        m_strPath = m_dir.filePath(QStringLiteral("file%1.sqlite").arg(m_iFiles));
     }
     void cleanupTestCase() { m_database.reset(); }
 
-    void ValuesPassUnchanged_data()
-    {
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QString>("escaped");
-        const auto add = [](const QVariant &value, const char *escaped) {
-            QTest::newRow(escaped) << value << QString::fromUtf8(escaped);
-        };
-        add(QStringLiteral("'it's'"), "''it''s''");
-        add(QStringLiteral("'; DROP TABLE tbl_test; --"), "''; DROP TABLE tbl_test; --");
-        for (const char *text :
-             {"back\\slash\\", "\"100 %\" _", "a\nb\t\x01", ":name ? @x $1 %1", "/* x", "ß 🂡", " "})
-            add(QString::fromUtf8(text), text);
-        add(true, "true");
-        add(-1.5, "-1.5");
-        add(QVariant(), "");
-    }
-
     void ValuesPassUnchanged()
     {
-        QFETCH(QVariant, value);
-        QFETCH(QString, escaped);
-        const QString text = value.toString();
-        QCOMPARE(CLocalDB::Escape(value), escaped);
-        QVERIFY(Insert(1, value) && Insert(2, QStringLiteral("other")));
-        QCOMPARE(Rows({{TEXT, value}}), QLatin1String("1:") + text);
-        QVERIFY(m_database->Update(TABLE, {{TEXT, value}}, {{ID, 2}}));
-        QCOMPARE(Rows(), QStringLiteral("1:%1 2:%1").replace(QLatin1String("%1"), text));
-        QVERIFY(m_database->InsertOrReplace(TABLE, {{ID, 1}, {TEXT, QStringLiteral("other")}}));
-        QVERIFY(m_database->Delete(TABLE, {{TEXT, value}}));
-        QCOMPARE(Rows(), QStringLiteral("1:other"));
+        QCOMPARE(CLocalDB::Escape("'it's'"_s), "''it''s''"_s);
+        QVariantList values{true, -1.5, QVariant()};
+        for (const char *text : {"'it's'", "'; DROP TABLE tbl_test; --", "back\\slash\\", "\"100 %\" _", "a\nb\t\x01",
+                                 ":name ? @x $1 %1", "/* x", "ß 🂡", " "})
+            values.append(QString::fromUtf8(text));
+        for (const QVariant &value : values) {
+            const QString text = value.toString();
+            QVERIFY(Insert(1, value) && Insert(2, "other"_s));
+            QCOMPARE(Rows({{TEXT, value}}), "1:"_s + text);
+            QVERIFY(m_database->Update(TABLE, {{TEXT, value}}, {{ID, 2}}));
+            QCOMPARE(Rows(), "1:"_s + text + " 2:"_s + text);
+            QVERIFY(m_database->Delete(TABLE, {{TEXT, value}}));
+            QCOMPARE(Rows(), QString());
+        }
     }
 
     void Selections()
     {
-        TRow row{{QStringLiteral("kept"), 1}};
+        TRow row{{"kept"_s, 1}};
         TRows rows;
         QVERIFY(!m_database->SelectAll(rows, TABLE, {}, {}, 0));
         QVERIFY(!m_database->SelectOne(row, TABLE, {}, {}));
         rows.append(row);
         QVERIFY(m_database->SelectAll(rows, TABLE, {}, {}, 0)); // nothing found, but something there
-        QCOMPARE(rows, TRows{(TRow{{QStringLiteral("kept"), 1}})});
+        QCOMPARE(rows, TRows{(TRow{{"kept"_s, 1}})});
 
         QVERIFY(Insert(1, TEXT) && Insert(2, TEXT) && Insert(3, TEXT));
         QVERIFY(m_database->SelectAll(rows, TABLE, {}, {{TEXT, TEXT}}, 2));
         QCOMPARE(rows.mid(1), TRows({{{ID, 1}, {TEXT, TEXT}}, {{ID, 2}, {TEXT, TEXT}}}));
-        QVERIFY(m_database->SelectOne(row, TABLE, {QStringLiteral("MAX(id)"), QStringLiteral("COUNT(*)")}, {}));
-        QCOMPARE(row, (TRow{{QStringLiteral("MAX(id)"), 3}, {QStringLiteral("COUNT(*)"), 3}}));
-        QCOMPARE(Rows({{ID, 2}, {TEXT, TEXT}}), QStringLiteral("2:text"));
-        QCOMPARE(Rows({{ID, 2}, {TEXT, QStringLiteral("other")}}), QString());
+        QVERIFY(m_database->SelectOne(row, TABLE, {"MAX(id)"_s, "COUNT(*)"_s}, {}));
+        QCOMPARE(row, (TRow{{"MAX(id)"_s, 3}, {"COUNT(*)"_s, 3}}));
+        QCOMPARE(Rows({{ID, 2}, {TEXT, TEXT}}), "2:text"_s);
+        QCOMPARE(Rows({{ID, 2}, {TEXT, "other"_s}}), QString());
         QVERIFY(!m_database->SelectAll(rows, QString(), {}, {}, 0));
-        QVERIFY(!m_database->SelectAll(rows, TABLE, {QStringLiteral("missing")}, {}, 0));
+        QVERIFY(!m_database->SelectAll(rows, TABLE, {"missing"_s}, {}, 0));
     }
 
     void Writes()
@@ -152,21 +220,18 @@ private Q_SLOTS:
         QVERIFY(!m_database->Update(TABLE, {}, {}));
         QVERIFY(Insert(7, TEXT) && m_database->GetLastInsertID(id));
         QCOMPARE(id, 7);
-        QVERIFY(!Insert(7, QStringLiteral("again")));
+        QVERIFY(!Insert(7, "again"_s));
         QVERIFY(m_database->InsertOrReplace(TABLE, {{ID, 7}}));
-        QCOMPARE(Rows(), QStringLiteral("7:"));
-        QVERIFY(m_database->InsertOrUpdate(TABLE, {{TEXT, QStringLiteral("b")}}, {{ID, 99}})); // 99 isn't inserted
-        QVERIFY(m_database->InsertOrUpdate(TABLE, {{TEXT, QStringLiteral("c")}}, {{ID, 7}}));
-        QCOMPARE(Rows(), QStringLiteral("7:c 8:b"));
+        QCOMPARE(Rows(), "7:"_s);
+        QVERIFY(m_database->InsertOrUpdate(TABLE, {{TEXT, "b"_s}}, {{ID, 99}})); // 99 isn't inserted
+        QVERIFY(m_database->InsertOrUpdate(TABLE, {{TEXT, "c"_s}}, {{ID, 7}}));
+        QCOMPARE(Rows(), "7:c 8:b"_s);
         QVERIFY(m_database->Update(TABLE, {{TEXT, TEXT}}, {}));
-        QCOMPARE(Rows(), QStringLiteral("7:text 8:text"));
         QVERIFY(m_database->CreateTable(CREATE_TABLE, TABLE)); // the same text
-        QCOMPARE(Rows(), QStringLiteral("7:text 8:text"));
-        QVERIFY(m_database->Delete(TABLE, {}));
+        QCOMPARE(Rows(), "7:text 8:text"_s);
+        QVERIFY(m_database->CreateTable(QString(CREATE_TABLE).replace(", "_s, ",  "_s), TABLE)); // one blank more
         QCOMPARE(Rows(), QString());
-        QVERIFY(Insert(1, TEXT));
-        const QString oneBlankMore = QString(CREATE_TABLE).replace(QLatin1String(", "), QLatin1String(",  "));
-        QVERIFY(m_database->CreateTable(oneBlankMore, TABLE)); // drops the rows
+        QVERIFY(Insert(1, TEXT) && m_database->Delete(TABLE, {}));
         QCOMPARE(Rows(), QString());
     }
 
@@ -178,15 +243,15 @@ private Q_SLOTS:
         QVERIFY(m_database->StartTransaction() && Insert(1, TEXT));
         QVERIFY(m_database->StartTransaction() && Insert(2, TEXT)); // doesn't nest
         QVERIFY(m_database->EndTransaction(true) && !m_database->EndTransaction(false));
-        QCOMPARE(Rows(), QStringLiteral("1:text 2:text"));
+        QCOMPARE(Rows(), "1:text 2:text"_s);
 
         // A deferred reference without its row is refused at the commit.
-        QVERIFY(m_database->Exec(QStringLiteral(
-            "CREATE TABLE tbl_reference (id INTEGER REFERENCES tbl_test DEFERRABLE INITIALLY DEFERRED)")));
+        QVERIFY(m_database->Exec(
+            "CREATE TABLE tbl_reference (id INTEGER REFERENCES tbl_test DEFERRABLE INITIALLY DEFERRED)"_s));
         QVERIFY(m_database->StartTransaction() && Insert(3, TEXT));
-        QVERIFY(m_database->Insert(QStringLiteral("tbl_reference"), {{ID, 99}}));
+        QVERIFY(m_database->Insert("tbl_reference"_s, {{ID, 99}}));
         QVERIFY(m_database->EndTransaction(true) && !m_database->EndTransaction(true));
-        QCOMPARE(Rows(), QStringLiteral("1:text 2:text"));
+        QCOMPARE(Rows(), "1:text 2:text"_s);
     }
 
     void NothingWorksBeforeInit()
@@ -199,43 +264,33 @@ private Q_SLOTS:
         QVERIFY(!database.SelectOne(row, TABLE, {}, {}) && !database.CreateTable(CREATE_TABLE, TABLE));
         QVERIFY(!database.Insert(TABLE, {{ID, 1}}) && !database.InsertOrReplace(TABLE, {{ID, 1}}));
         QVERIFY(!database.InsertOrUpdate(TABLE, {{ID, 1}}, {}) && !database.Update(TABLE, {{ID, 1}}, {}));
-        QVERIFY(!database.Delete(TABLE, {}) && !database.Exec(QStringLiteral("SELECT 1")));
+        QVERIFY(!database.Delete(TABLE, {}) && !database.Exec("SELECT 1"_s));
         QVERIFY(!database.StartTransaction() && !database.EndTransaction(true) && !database.GetLastInsertID(id));
         QCOMPARE(id, -1);
         MakeFile(1);
         QVERIFY(database.Init() && database.m_steps.isEmpty()); // is used as it is
     }
 
-    void Climbs_data()
-    {
-        QTest::addColumn<int>("fileVersion"); // -1 is no file
-        QTest::addColumn<unsigned int>("failingStep");
-        QTest::addColumn<TSteps>("steps");
-        QTest::newRow("new file") << -1 << 0u << TSteps{1, 2, 3};
-        QTest::newRow("from 1") << 1 << 0u << TSteps{2, 3};
-        QTest::newRow("newest") << 3 << 0u << TSteps{};
-        QTest::newRow("newer than the code") << 4 << 0u << TSteps{};
-        QTest::newRow("first step fails") << 0 << 1u << TSteps{1};
-        QTest::newRow("last step fails") << 1 << 3u << TSteps{2, 3};
-    }
-
     void Climbs()
     {
-        QFETCH(int, fileVersion);
-        QFETCH(unsigned int, failingStep);
-        QFETCH(TSteps, steps);
-        const QByteArray before = MakeFile(fileVersion);
-        CLadder database(m_strPath);
-        database.m_uiFailingStep = failingStep;
-        QCOMPARE(database.Init(), failingStep == 0);
-        QCOMPARE(Contents() == before, failingStep != 0 || steps.isEmpty());
-        QVERIFY(database.Init());
-        QCOMPARE(database.m_steps, steps);
-        TRow row;
-        QVERIFY(database.SelectOne(row, QStringLiteral("tbl_dbinfo"), {QStringLiteral("DBI_cValue")}, {}));
-        const int version = failingStep == 0 ? qMax(fileVersion, 3) : fileVersion;
-        QCOMPARE(row.values(), QVariantList{QString::number(version)});
-        QVERIFY(CLocalDB(m_strPath, true, true).IsOpen()); // the connection is the file's, not the object's
+        // The file's version, or -1 for none; the step that fails; those that run.
+        const std::tuple<int, unsigned int, TSteps> climbs[] = {{-1, 0, {1, 2, 3}}, {1, 0, {2, 3}}, {3, 0, {}},
+                                                                {4, 0, {}},         {0, 1, {1}},    {1, 3, {2, 3}}};
+        for (const auto &[fileVersion, failingStep, steps] : climbs) {
+            init();
+            const QByteArray before = MakeFile(fileVersion);
+            CLadder database(m_strPath);
+            database.m_uiFailingStep = failingStep;
+            QCOMPARE(database.Init(), failingStep == 0);
+            QCOMPARE(ReadFile(m_strPath) == before, failingStep != 0 || steps.isEmpty());
+            QVERIFY(database.Init());
+            QCOMPARE(database.m_steps, steps);
+            TRow row;
+            QVERIFY(database.SelectOne(row, "tbl_dbinfo"_s, {"DBI_cValue"_s}, {}));
+            const int version = failingStep == 0 ? qMax(fileVersion, 3) : fileVersion;
+            QCOMPARE(row.values(), QVariantList{QString::number(version)});
+            QVERIFY(CLocalDB(m_strPath, true, true).IsOpen()); // the connection is the file's, not the object's
+        }
     }
 
     void DamagedFilesStay()
@@ -248,24 +303,24 @@ private Q_SLOTS:
             QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(file.size() - cut));
             QVERIFY(cut > 0 || file.write("A text that is no database.") > 0);
             file.close();
-            const QByteArray contents = Contents();
+            const QByteArray contents = ReadFile(m_strPath);
             CLadder database(m_strPath);
             TRows rows;
             QCOMPARE(database.Init(), cut == 2048);
             database.SelectAll(rows, STEP1, {}, {}, 0);
             QCOMPARE(rows.size(), cut == 2048 ? 3 : 0);
-            QCOMPARE(Contents(), contents);
+            QCOMPARE(ReadFile(m_strPath), contents);
         }
     }
 
     void FileThatCannotBeOpened()
     {
         QVERIFY(!CLadder(m_dir.path()).Init()); // a folder at its place
-        CLadder database(m_dir.filePath(QStringLiteral("missing/folder.sqlite")));
+        CLadder database(m_dir.filePath("missing/folder.sqlite"_s));
         QVERIFY(!database.Init());
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("unable to open database")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("unable to open database"_s));
         QVERIFY(!database.Insert(TABLE, {{ID, 1}}));
-        QVERIFY(QDir(m_dir.path()).mkdir(QStringLiteral("missing")));
+        QVERIFY(QDir(m_dir.path()).mkdir("missing"_s));
         QVERIFY(database.Init());
         QCOMPARE(database.m_steps, TSteps({1, 2, 3}));
     }
@@ -273,18 +328,17 @@ private Q_SLOTS:
     void LockedFileIsLeftAlone()
     {
         MakeFile(3);
-        CChild child("lock", m_strPath);
+        CChild child("lock"_s, m_strPath);
         QCOMPARE(child.NextLine(), QByteArrayLiteral("locked 1"));
-        const QByteArray contents = Contents();
+        const QByteArray contents = ReadFile(m_strPath);
         for (const bool locked : {true, false}) {
             // The driver would wait five seconds for each statement.
-            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_strPath)
-                .setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1"));
+            QSqlDatabase::addDatabase("QSQLITE"_s, m_strPath).setConnectOptions("QSQLITE_BUSY_TIMEOUT=1"_s);
             CLadder database(m_strPath);
             QCOMPARE(database.Init(), !locked);
             QVERIFY(database.m_steps.isEmpty());
             child.End();
-            QCOMPARE(Contents(), contents);
+            QCOMPARE(ReadFile(m_strPath), contents);
         }
     }
 
@@ -296,10 +350,10 @@ private Q_SLOTS:
             init();
             const QByteArray contents = MakeFile(version);
             QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x5555)));
-            const QByteArray line = CChild("report", m_strPath).NextLine();
+            const QByteArray line = CChild("report"_s, m_strPath).NextLine();
             QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7755)));
             QCOMPARE(line, QByteArray(answer));
-            QCOMPARE(Contents(), contents);
+            QCOMPARE(ReadFile(m_strPath), contents);
             QCOMPARE(QFile::exists(m_strPath), version >= 0);
         }
     }
@@ -309,84 +363,77 @@ private Q_SLOTS:
         CLadder database(m_strPath);
         QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7755)));
         QVERIFY(database.Init() && database.StartTransaction() && database.Insert(STEP1, {{ID, 4}}));
-        QCOMPARE(CChild("report", m_strPath).NextLine(), QByteArrayLiteral("true 3"));
+        QCOMPARE(CChild("report"_s, m_strPath).NextLine(), QByteArrayLiteral("true 3"));
         QVERIFY(database.EndTransaction(true));
-        QCOMPARE(CChild("report", m_strPath).NextLine(), QByteArrayLiteral("true 4"));
+        QCOMPARE(CChild("report"_s, m_strPath).NextLine(), QByteArrayLiteral("true 4"));
     }
 
-    void KilledAnywhere_data()
-    {
-        QTest::addColumn<int>("version");
-        QTest::newRow("climb") << 1;
-        QTest::newRow("insert") << 3;
-    }
-
-    void KilledAnywhere()
-    {
-        QFETCH(int, version);
-        const bool climbing = version == 1;
-        const QString original = m_strPath;
-        const QByteArray before = MakeFile(version);
-        QByteArray after;
-        QRandomGenerator random(25);
-        int interrupted = 0;
-        for (int kill = 0; kill <= 25; ++kill) {
-            m_strPath = original + QString::number(kill);
-            QVERIFY(QFile::copy(original, m_strPath));
-            CChild child(QTest::currentDataTag(), m_strPath);
-            int rowLines = 0;
-            // 101 lines are the whole climb with its two times 50 rows, which the first child comes to.
-            const int lines = kill == 0 ? 101 : random.bounded(1, 102);
-            for (int line = 0; line < lines; ++line)
-                rowLines += child.NextLine().startsWith("row");
-            const bool climbed = climbing && rowLines < lines;
-            child.End();
-            QCOMPARE(child.exitStatus(), QProcess::CrashExit);
-            interrupted += QFile::exists(m_strPath + QLatin1String("-journal"));
-
-            CLadder database(m_strPath, unsigned(version));
-            TRows rows;
-            TRow sound;
-            QVERIFY(database.Init() && database.SelectAll(rows, STEP1, {ID}, {}, 0));
-            QVERIFY(database.SelectOne(sound, QStringLiteral("pragma_integrity_check"), {}, {}));
-            QCOMPARE(sound.value(QStringLiteral("integrity_check")).toString(), QStringLiteral("ok"));
-            QCOMPARE(rows.size() % 50, 3);
-            if (kill == 0)
-                after = Contents();
-            if (climbing)
-                QVERIFY(Contents() == after || (Contents() == before && !climbed));
-            else
-                QVERIFY(rows.size() / 50 >= lines - rowLines - 1); // without the line "open"
-        }
-        QVERIFY(interrupted > 0 && after.size() > before.size() + 50 * 2000);
-    }
+    void KilledWhileClimbing() { KilledAnywhere("climb"_s, 1); }
+    void KilledWhileInserting() { KilledAnywhere("insert"_s, 3); }
 
     void Conversions()
     {
         using namespace DBValue;
-        bool truth = true;
-        int number = 0;
-        double real = 0;
-        QString text;
-        QVERIFY(ToBool(truth, QStringLiteral("Off"), DBT_Int) && !truth);
-        QVERIFY(ToBool(truth, QVariant(), DBT_Int) && truth);
-        QVERIFY(ToInt(number, QStringLiteral("-7"), DBT_Bool) && number == -7);
-        QVERIFY(ToDouble(real, QStringLiteral("2.5"), DBT_Bool) && qFuzzyCompare(real, 2.5));
+        std::tuple<bool, bool, int, double, QString> values(true, false, 0, 0, QString());
+        auto &[off, byDefault, number, real, text] = values;
         QVERIFY(!ToInt(number, TEXT, DBT_Int) && !ToDouble(real, TEXT, DBT_Double));
-        QVERIFY(ToString(text, 2.5, DBT_Int) && text == QLatin1String("2.5"));
-
-        QStringList kinds;
+        QVERIFY(ToBool(off, "Off"_s, DBT_Int) && ToBool(byDefault, QVariant(), DBT_Int));
+        QVERIFY(ToInt(number, "-7"_s, DBT_Bool) && ToDouble(real, "2.5"_s, DBT_Bool) && ToString(text, 2.5, DBT_Int));
+        QVERIFY(values == std::tuple(false, true, -7, 2.5, "2.5"_s));
         for (const QVariant &value : {QVariant(true), QVariant(1), QVariant(1.), QVariant(TEXT), QVariant(1LL)})
-            kinds.append(ToTypeString(ToType(value)));
-        QCOMPARE(kinds.join(QLatin1Char(' ')), QStringLiteral("bool int double string string"));
-        QList<int> named;
-        for (const QVariant &value :
-             {QVariant(0), QVariant(QStringLiteral("2")), QVariant(4), QVariant(-1), QVariant(TEXT)})
-            named.append(ToTypeFromDB(value));
-        QCOMPARE(named, QList<int>({0, 2, 3, 3, 3}));
-        QCOMPARE(ToTypeString(static_cast<DBConfigType>(7)), QString());
+            text += QLatin1Char(' ') + ToTypeString(ToType(value));
+        for (const QVariant &value : {QVariant(0), QVariant("2"_s), QVariant(4), QVariant(-1), QVariant(TEXT)})
+            text += QLatin1Char(' ') + QString::number(ToTypeFromDB(value));
+        QCOMPARE(text + ToTypeString(static_cast<DBConfigType>(7)), "2.5 bool int double string string 0 2 3 3 3"_s);
     }
 };
 
-QTEST_GUILESS_MAIN(tst_localdb)
+void tst_localdb::KilledAnywhere(const QString &mode, int version)
+{
+    const bool climbing = version == 1;
+    const QString original = m_strPath;
+    const QByteArray before = MakeFile(version);
+    QByteArray after;
+    QRandomGenerator random(25);
+    int interrupted = 0;
+    for (int kill = 0; kill <= 25; ++kill) {
+        m_strPath = original + QLatin1Char('.') + QString::number(kill);
+        QVERIFY(QFile::copy(original, m_strPath));
+        CChild child(mode, m_strPath);
+        int rowLines = 0;
+        // 101 lines are the whole climb with its two times 50 rows, which the first child comes to.
+        const int lines = kill == 0 ? 101 : random.bounded(1, 102);
+        for (int line = 0; line < lines; ++line)
+            rowLines += child.NextLine().startsWith("row");
+        const bool climbed = climbing && rowLines < lines;
+        child.End();
+        QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+        interrupted += QFile::exists(m_strPath + "-journal"_s);
+
+        CLadder database(m_strPath, unsigned(version));
+        TRows rows;
+        TRow sound;
+        QVERIFY(database.Init() && database.SelectAll(rows, STEP1, {ID}, {}, 0));
+        QVERIFY(database.SelectOne(sound, "pragma_integrity_check"_s, {}, {}));
+        QCOMPARE(sound, (TRow{{"integrity_check"_s, "ok"_s}}));
+        QCOMPARE(rows.size() % 50, 3);
+        if (kill == 0)
+            after = ReadFile(m_strPath);
+        if (climbing)
+            QVERIFY(ReadFile(m_strPath) == after || (ReadFile(m_strPath) == before && !climbed));
+        else
+            QVERIFY(rows.size() / 50 >= lines - rowLines - 1); // without the line "open"
+    }
+    QVERIFY(interrupted > 0 && after.size() > before.size() + 50 * 2000);
+}
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    if (argc == 4 && argv[1] == "child"_s.toUtf8())
+        return RunChild(application.arguments().at(2), application.arguments().at(3));
+    tst_localdb test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_localdb.moc"

@@ -1,11 +1,12 @@
 #include <files/FileFunctions.h>
 
 #include <support/InstallationTree.h>
+#include <support/Literal.h>
 
 #include <QtTest>
 
 #include <future>
-#include <memory>
+#include <optional>
 
 using namespace FileFunctions;
 
@@ -18,7 +19,7 @@ static QString GetMessage(TOperation operation, const QString &from, const QStri
     timer.start();
     QString error;
     if (operation(from, to, error))
-        return QStringLiteral("done");
+        return "done"_s;
     // Nine waits of 200 ms; the upper bound leaves room for a loaded machine.
     const qint64 milliseconds = timer.elapsed();
     return milliseconds >= 1800 && milliseconds < 4000 ? error : QString::number(milliseconds);
@@ -32,92 +33,66 @@ class tst_FileFunctions : public QObject
     QString Tmp(const char *name) const { return QDir(m_strTmp).absoluteFilePath(QLatin1String(name)); }
     void Write(const char *name, const QByteArray &contents = "old") const
     {
-        m_pTree->WriteFile(QLatin1String("Tmp/") + QLatin1String(name), contents);
-    }
-    QByteArray Read(const char *name) const
-    {
-        QFile file(Tmp(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("not there");
+        m_tree->WriteFile("Tmp/"_s + QLatin1String(name), contents);
     }
     QString GetRelativePaths(const char *dir) const
     {
         return GetFilePaths(Tmp(dir)).join(QLatin1Char(' ')).remove(Tmp(dir) + QLatin1Char('/'));
     }
 
-    std::unique_ptr<CInstallationTree> m_pTree;
+    std::optional<CInstallationTree> m_tree;
     QString m_strTmp;
     QString m_strError;
 
 private Q_SLOTS:
     void init()
     {
-        m_pTree = std::make_unique<CInstallationTree>();
-        m_strTmp = m_pTree->GetPath(QStringLiteral("Tmp"));
-        m_strError = QStringLiteral("before");
+        m_tree.reset();
+        m_tree.emplace();
+        m_strTmp = m_tree->GetPath("Tmp"_s);
+        m_strError = "before"_s;
     }
-    void cleanup() { m_pTree.reset(); }
-
-    void filePaths()
-    {
-        for (const char *name : {"from/b/2", "from/b/1", "from/a/x/deep", "from/0", "from/.hidden", "from/empty.svn",
-                                 "from/.svn/entries", "from/a/.svn/entries"})
-            Write(name);
-        QVERIFY(QDir().mkdir(Tmp("from/empty")));
-        QCOMPARE(GetRelativePaths("from"), QStringLiteral("a a/x a/x/deep b b/1 b/2 empty .hidden 0"));
-        for (const QString &path : {QString(), Tmp("from/.svn"), Tmp("from/0"), Tmp("missing")})
-            QCOMPARE(GetFilePaths(path), QStringList());
-    }
+    void cleanupTestCase() { m_tree.reset(); }
 
     // Links are followed, but not in circles; one that is removed leaves alone what it leads to.
-    void links()
+    void listedAndRemoved()
     {
-        Write("from/a/file");
-        Write("outside/file");
+        for (const char *name : {"from/b/2", "from/b/1", "from/a/x/deep", "from/0", "from/.hidden", "from/empty.svn",
+                                 "from/.svn/entries", "from/a/.svn/entries", "from/empty/.svn", "outside/file"})
+            Write(name);
         QVERIFY(QFile::link(Tmp("from"), Tmp("from/a/back")) && QFile::link(Tmp("outside"), Tmp("from/out")));
         QVERIFY(QFile::link(Tmp("missing"), Tmp("from/dangling")));
-        QCOMPARE(GetRelativePaths("from"), QStringLiteral("a a/back a/file out out/file dangling"));
+        QCOMPARE(GetRelativePaths("from"), "a a/back a/x a/x/deep b b/1 b/2 empty out out/file .hidden 0 dangling"_s);
+        for (const QString &path : {QString(), Tmp("from/.svn"), Tmp("from/0"), Tmp("missing")})
+            QCOMPARE(GetFilePaths(path), QStringList());
 
         QVERIFY2(RemoveDir(Tmp("from"), m_strError) && m_strError.isEmpty(), qPrintable(m_strError));
         QVERIFY(!QFileInfo::exists(Tmp("from")) && RemoveDir(Tmp("from"), m_strError));
-        QCOMPARE(Read("outside/file"), QByteArray("old"));
+        QCOMPARE(ReadFile(Tmp("outside/file")), QByteArray("old"));
     }
 
-    void copyDir_data()
+    void copiedAndMoved()
     {
-        QTest::addColumn<bool>("move");
-        QTest::newRow("copy") << false;
-        QTest::newRow("move") << true;
-    }
+        for (const bool move : {false, true}) {
+            init();
+            for (const char *name : {"from/a/file", "from/replaced", "from/.svn/entries", "from/empty/.svn"})
+                Write(name, "new");
+            Write("to/replaced", "old and longer");
+            Write("to/kept");
 
-    void copyDir()
-    {
-        QFETCH(bool, move);
-        for (const char *name : {"from/a/file", "from/replaced", "from/.svn/entries"})
-            Write(name, "new");
-        QVERIFY(QDir().mkdir(Tmp("from/empty")));
-        Write("to/replaced", "old and longer");
-        Write("to/kept");
+            QVERIFY(CopyFile(Tmp("from/replaced"), Tmp("to/kept"), m_strError));
+            QCOMPARE(m_strError, "before"_s); // the only one that leaves it alone
+            QVERIFY2(CopyDir(Tmp("from/"), Tmp("x/../to//"), m_strError, move), qPrintable(m_strError));
+            QCOMPARE(m_strError, QString());
+            QCOMPARE(GetRelativePaths("to"), "a a/file kept replaced"_s);
+            QCOMPARE(ReadFile(Tmp("to/a/file")) + ReadFile(Tmp("to/replaced")) + ReadFile(Tmp("to/kept")),
+                     QByteArray("newnewnew"));
+            QCOMPARE(GetRelativePaths("from"), QLatin1String(move ? "a empty" : "a a/file empty replaced"));
 
-        QVERIFY(CopyFile(Tmp("from/replaced"), Tmp("to/kept"), m_strError));
-        QCOMPARE(m_strError, QStringLiteral("before")); // the only one that leaves it alone
-        QVERIFY2(CopyDir(Tmp("from/"), Tmp("x/../to//"), m_strError, move), qPrintable(m_strError));
-        QCOMPARE(m_strError, QString());
-        QCOMPARE(GetRelativePaths("to"), QStringLiteral("a a/file kept replaced"));
-        QCOMPARE(Read("to/a/file") + Read("to/replaced") + Read("to/kept"), QByteArray("newnewnew"));
-        QCOMPARE(GetRelativePaths("from"), QLatin1String(move ? "a empty" : "a a/file empty replaced"));
-
-        QVERIFY(MoveDir(Tmp("from/."), Tmp("to"), m_strError) && m_strError.isEmpty());
-        QCOMPARE(GetRelativePaths("to"), QStringLiteral("a a/file kept replaced"));
-        QVERIFY(!QFileInfo::exists(Tmp("from")));
-    }
-
-    void everyOccurrenceIsReplaced()
-    {
-        const QString inner = Tmp("from") + Tmp("from");
-        QVERIFY(QDir().mkpath(inner) && QFile::link(Tmp("file"), inner + QLatin1String("/file")));
-        Write("file");
-        QVERIFY2(CopyDir(Tmp("from"), Tmp("to"), m_strError, false), qPrintable(m_strError));
-        QVERIFY(QFile::exists(Tmp("to") + Tmp("to") + QLatin1String("/file")));
+            QVERIFY(MoveDir(Tmp("from/."), Tmp("to"), m_strError) && m_strError.isEmpty());
+            QCOMPARE(GetRelativePaths("to"), "a a/file kept replaced"_s);
+            QVERIFY(!QFileInfo::exists(Tmp("from")));
+        }
     }
 
     void moveAble()
@@ -129,26 +104,26 @@ private Q_SLOTS:
         // A program that runs can't be opened for writing, whoever the user is.
         QVERIFY(QDir().mkdir(Tmp("busy")) && QFile::link(QCoreApplication::applicationFilePath(), Tmp("busy/file")));
         QVERIFY(!IsMoveAbleDir(Tmp("from"), Tmp("busy"), m_strError));
-        QCOMPARE(m_strError, QLatin1String("move: not writeable: ") + Tmp("busy/file"));
+        QCOMPARE(m_strError, "move: not writeable: "_s + Tmp("busy/file"));
 
         QVERIFY(QFile::link(Tmp("missing"), Tmp("from/dangling")));
         QVERIFY(!IsMoveAbleDir(Tmp("from"), Tmp("to"), m_strError));
-        QCOMPARE(m_strError, QStringLiteral("move: from not found: %1 - permissions 0").arg(Tmp("from/dangling")));
+        QCOMPARE(m_strError, "move: from not found: %1 - permissions 0"_s.arg(Tmp("from/dangling")));
     }
 
     // The old file is removed before the new one comes, which here is the same.
     void ontoItself()
     {
-        QString error;
         const QString alias = Tmp("alias");
         Write("tree/a/file");
         QVERIFY(QFile::link(Tmp("tree"), alias));
-        QVERIFY(!FileFunctions::CopyDir(Tmp("tree"), Tmp("tree/."), error, false));
-        QVERIFY(!FileFunctions::CopyDir(Tmp("tree"), alias, error, true));
-        QVERIFY(!FileFunctions::MoveDir(Tmp("tree"), Tmp("tree/below"), error));
-        QCOMPARE(error, QLatin1String("move: failed to rename: ") + Tmp("tree to ") + Tmp("tree/below"));
-        QVERIFY(FileFunctions::RemoveDir(alias, error) && !QFileInfo::exists(alias));
-        QCOMPARE(Read("tree/a/file"), QByteArray("old"));
+        QVERIFY(!CopyDir(Tmp("tree"), Tmp("tree/."), m_strError, false));
+        QVERIFY(!CopyDir(Tmp("tree"), Tmp("tree/."), m_strError, true));
+        QVERIFY(!CopyDir(Tmp("tree"), alias, m_strError, true));
+        QVERIFY(!MoveDir(Tmp("tree"), Tmp("tree/below"), m_strError));
+        QCOMPARE(m_strError, "move: failed to rename: "_s + Tmp("tree to ") + Tmp("tree/below"));
+        QVERIFY(RemoveDir(alias, m_strError) && !QFileInfo::exists(alias));
+        QCOMPARE(ReadFile(Tmp("tree/a/file")), QByteArray("old"));
     }
 
     // Every step that can be tried again fails for good, and all of them at the same time, since each takes its time.
@@ -182,12 +157,8 @@ private Q_SLOTS:
         for (const auto &[operation, from, to, message] : failures)
             errors.push_back(std::async(std::launch::async, GetMessage, operation, Tmp(from), Tmp(to)));
         for (size_t i = 0; i < errors.size(); ++i)
-            QCOMPARE(errors[i].get().replace(m_strTmp, QLatin1String("~")), QLatin1String(std::get<3>(failures[i])));
-
-        // These would remove what they move, so they fail at once.
-        QVERIFY(!CopyDir(Tmp("from"), Tmp("from/."), m_strError, true));
-        QVERIFY(!MoveDir(Tmp("from"), Tmp("from/b"), m_strError));
-        QCOMPARE(Read("from/a/file"), QByteArray("old"));
+            QCOMPARE(errors[i].get().replace(m_strTmp, "~"_s), QLatin1String(std::get<3>(failures[i])));
+        QCOMPARE(ReadFile(Tmp("from/a/file")), QByteArray("old"));
     }
 
     void laterAttempt()

@@ -1,6 +1,7 @@
 #include <models/UserInfo.h>
-#include <plugin/PluginInterface.h>
 #include <settings/Config.h>
+
+#include <support/StubPlugin.h>
 
 #include <QAbstractEventDispatcher>
 #include <QtTest>
@@ -8,19 +9,6 @@
 namespace {
 
 const QString ANN = QStringLiteral("Ann");
-
-class CPlugin : public CPluginInterface
-{
-public:
-    QString GetName() const override { return QStringLiteral("plugin"); }
-    QString GetVersion() const override { return QStringLiteral("1"); }
-    QStringList GetDependencies() const override { return {}; }
-    bool Initialize() override { return true; }
-    void Start() override {}
-    bool CanClose() override { return true; }
-    void Shutdown() override {}
-    QWidget *CreateView(QWidget *) override { return nullptr; }
-};
 
 // Lets the 30 s go by at once: their real timers fire. Answers how many there are.
 int FireTimeLimits()
@@ -51,8 +39,8 @@ private Q_SLOTS:
     {
         FireTimeLimits(); // those of events that are gone
         m_sent.clear();
-        m_plugins = std::make_unique<std::array<CPlugin, 2>>();
-        for (CPlugin &plugin : *m_plugins) {
+        m_plugins = std::make_unique<std::array<CStubPlugin, 2>>();
+        for (CStubPlugin &plugin : *m_plugins) {
             connect(&plugin, &CPluginInterface::signal_SendEvent, this,
                     [this](const CEvent &event) { m_sent += QString::fromLatin1(event.tag2, 4) + QLatin1Char(' '); });
         }
@@ -131,7 +119,7 @@ private:
         m_plugins->at(plugin).SendInternEvent(1, 2, QStringLiteral("P2ME"), QLatin1String(tag2), true);
     }
 
-    std::unique_ptr<std::array<CPlugin, 2>> m_plugins;
+    std::unique_ptr<std::array<CStubPlugin, 2>> m_plugins;
     QString m_sent;
 };
 

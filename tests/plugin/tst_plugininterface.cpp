@@ -1,8 +1,8 @@
-#include <plugin/PluginInterface.h>
+#include <support/Literal.h>
+#include <support/StubPlugin.h>
 
 #include <QtTest>
 
-#include <functional>
 #include <memory>
 #include <thread>
 
@@ -18,38 +18,34 @@ QByteArray ToText(const CEvent &event)
            ' ' + QByteArray::number(event.targetID) + ' ' + event.data.toHex();
 }
 
-// Writes down what arrives.
-class CRecordingPlugin : public CPluginInterface
+// Writes down what arrives and what it sends.
+class CRecordingPlugin : public CStubPlugin
 {
 public:
-    QString GetName() const override { return QStringLiteral("recording"); }
-    QString GetVersion() const override { return QStringLiteral("1"); }
-    QStringList GetDependencies() const override { return {}; }
-    bool Initialize() override { return true; }
-    void Start() override {}
-    bool CanClose() override { return true; }
-    void Shutdown() override {}
-    QWidget *CreateView(QWidget *) override { return nullptr; }
+    CRecordingPlugin()
+    {
+        connect(this, &CPluginInterface::signal_SendEvent, this, [this](const CEvent &e) { m_sent << ToText(e); });
+        connect(this, &CPluginInterface::signal_RegisterForEvent, this,
+                [this](const QString &tag1, const QString &tag2) {
+                    m_sent << (tag1 + QLatin1Char('/') + tag2).toLatin1();
+                });
+    }
 
     void ReceiveEvent(CEvent e) override { m_calls << "event " + ToText(e); }
     void RegisterForEvents() override
     {
-        for (const char *tags : {"CHAT/", "CHAT/TEXT", "LONGER/TEXTS", "CHA/", "/", "CHAT/TEX", "CHAT/T"}) {
-            const QStringList parts = QString::fromLatin1(tags).split(QLatin1Char('/'));
-            RegisterForEvent(parts.at(0), parts.at(1));
-        }
+        for (const QString &tags : {"CHAT/"_s, "CHAT/TEXT"_s, "LONGER/TEXTS"_s, "CHA/"_s, "/"_s, "CHAT/TEX"_s})
+            RegisterForEvent(tags.section(QLatin1Char('/'), 0, 0), tags.section(QLatin1Char('/'), 1));
     }
     void ConnectionEstablished(unsigned short value) override { m_calls << "link " + QByteArray::number(value); }
     void ConnectionStateChanged(EConnectionState::type s) override { m_calls << "state " + QByteArray::number(s); }
     void LoginFailed(QString message) override { m_calls << "refused " + message.toUtf8(); }
 
     QByteArrayList m_calls;
+    QByteArrayList m_sent;
 };
 
 } // namespace
-
-using TCall = std::function<void(CPluginInterface &)>;
-Q_DECLARE_METATYPE(TCall)
 
 // Both directions of the bus between a plugin and its host.
 class tst_PluginInterface : public QObject
@@ -57,137 +53,110 @@ class tst_PluginInterface : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void sentEvents_data()
-    {
-        QTest::addColumn<QByteArray>("sent");
-        QTest::addColumn<TCall>("call");
-
-        const auto add = [](const char *name, const QByteArray &sent, const TCall &call) {
-            QTest::newRow(name) << sent << call;
-        };
-        using TPlugin = CPluginInterface;
-        static char bytes[] = "TAG1\x05\x06";
-        static const QByteArray tooLong(65536 + 6, 'T');
-        const QByteArray packet = QByteArray::fromHex("41424344 07 04030201 1300 0800 544147310506").toHex();
-        const QByteArray toServer = "P2ME RSRV 0 0 " + packet;
-        const QByteArray toWebServer = "P2ME RWEB 0 0 " + packet;
-        const QByteArray cut = "ffff" + QByteArray(65535, 's').toHex() + "040043484154";
-        const QByteArray login = "P2ME LGND 0 0 ";
-
-        add("login", login, [](TPlugin &p) { p.OpenLoginDialog(); });
-        add("shut down", "P2ME RSHD 0 0 ", [](TPlugin &p) { p.RequestShutDown(); });
-        add("bytes", "P2ME RSRV 0 0 544147", [](TPlugin &p) { p.SendToServer(bytes, 3, false); });
-        add("web bytes", "P2ME RWEB 0 0 544147", [](TPlugin &p) { p.SendToWebServer(bytes, 3, false); });
-        add("packet", toServer, [](TPlugin &p) { p.SendToServer("ABCD", 7, 0x01020304, bytes, 6, false); });
-        add("web packet", toWebServer, [](TPlugin &p) { p.SendToWebServer("ABCD", 7, 0x01020304, bytes, 6, false); });
-        add("empty record", "P2ME RSRV 0 0 4142000000000000000d000200",
-            [](TPlugin &p) { p.SendToServer("AB", 0, 0, nullptr, 0, false); });
-        add("length beyond 16 bits", "P2ME RSRV 0 0 41420000000000000013000800545454545454",
-            [](TPlugin &p) { p.SendToServer("AB", 0, 0, tooLong.constData(), tooLong.size(), false); });
-        add("page by id", "P2ME WLID 0 0 12000000", [](TPlugin &p) { p.OpenWebPage(WebLinks::Cashier, false); });
-        add("unknown page", "P2ME WLID 0 0 feffffff", [](TPlugin &p) { p.OpenWebPage(WebLinks::id(-2), false); });
-        add("page by address", "P2ME WLNK 0 0 e282ac", [](TPlugin &p) { p.OpenWebPage(EURO, false); });
-        add("two texts", "P2ME WEBW 0 0 01003f040043484154", [](TPlugin &p) { p.OpenWebPage(CHAT, EURO, false); });
-        add("text beyond 16 bits", "P2ME WEBW 0 0 " + cut,
-            [](TPlugin &p) { p.OpenWebPage(CHAT, QString(70000, QLatin1Char('s')), false); });
-        add("event", "CHAT TEXT 200 4294967295 ", [](TPlugin &p) { p.SendInternEvent(200, ~0u, CHAT, TEXT, false); });
-
-        // The login dialog at once, the event itself not.
-        add("packet after login", login, [](TPlugin &p) { p.SendToServer("ABCD", 7, 8, "TAG1", 4, true); });
-        add("page after login", login, [](TPlugin &p) { p.OpenWebPage(WebLinks::Cashier, true); });
-        add("event after login", login, [](TPlugin &p) { p.SendInternEvent(1, 2, CHAT, TEXT, true); });
-        add("cashier, always after login", login, [](TPlugin &p) { p.RequestCashierInformation(); });
-
-        add("too long", "", [](TPlugin &p) { p.SendToServer("AB", 0, 0, tooLong.constData(), 32755, false); });
-        add("negative length", "", [](TPlugin &p) { p.SendToServer(bytes, -1, false); });
-        add("negative length to frame", "", [](TPlugin &p) { p.SendToServer("AB", 0, 0, bytes, -1, false); });
-        add("null bytes", "", [](TPlugin &p) { p.SendToWebServer(nullptr, 4, false); });
-        add("null bytes to frame", "", [](TPlugin &p) { p.SendToWebServer("AB", 0, 0, nullptr, 4, false); });
-        add("empty address", "", [](TPlugin &p) { p.OpenWebPage(QString(), false); });
-    }
-
     void sentEvents()
     {
-        QFETCH(TCall, call);
         CRecordingPlugin plugin;
-        QByteArrayList sent;
-        connect(&plugin, &CPluginInterface::signal_SendEvent, this, [&](const CEvent &e) { sent << ToText(e); });
-        call(plugin);
-        QTEST(sent.join('\n'), "sent");
+        char bytes[] = "TAG1\x05\x06";
+        const QByteArray tooLong(65536 + 6, 'T');
+        plugin.OpenLoginDialog();
+        plugin.RequestShutDown();
+        plugin.SendToServer(bytes, 3, false);
+        plugin.SendToWebServer(bytes, 3, false);
+        plugin.SendToServer("ABCD", 7, 0x01020304, bytes, 6, false);
+        plugin.SendToWebServer("ABCD", 7, 0x01020304, bytes, 6, false);
+        plugin.SendToServer("AB", 0, 0, nullptr, 0, false);
+        plugin.SendToServer("AB", 0, 0, tooLong.constData(), tooLong.size(), false);
+        plugin.OpenWebPage(WebLinks::Cashier, false);
+        plugin.OpenWebPage(WebLinks::id(-2), false);
+        plugin.OpenWebPage(EURO, false);
+        plugin.OpenWebPage(CHAT, EURO, false);
+        plugin.OpenWebPage(CHAT, QString(70000, QLatin1Char('s')), false);
+        plugin.SendInternEvent(200, ~0u, CHAT, TEXT, false);
+        QCOMPARE(plugin.m_sent,
+                 (QByteArrayList{"P2ME LGND 0 0 ", "P2ME RSHD 0 0 ", "P2ME RSRV 0 0 544147", "P2ME RWEB 0 0 544147",
+                                 "P2ME RSRV 0 0 41424344070403020113000800544147310506",
+                                 "P2ME RWEB 0 0 41424344070403020113000800544147310506",
+                                 "P2ME RSRV 0 0 4142000000000000000d000200",
+                                 "P2ME RSRV 0 0 41420000000000000013000800545454545454", "P2ME WLID 0 0 12000000",
+                                 "P2ME WLID 0 0 feffffff", "P2ME WLNK 0 0 e282ac", "P2ME WEBW 0 0 01003f040043484154",
+                                 "P2ME WEBW 0 0 ffff" + QByteArray(65535, 's').toHex() + "040043484154",
+                                 "CHAT TEXT 200 4294967295 "}));
     }
 
-    void designerPage_data()
+    // The login dialog at once, the event itself not.
+    void sentAfterLogin()
     {
-        QTest::addColumn<int>("letters"); // before two characters of three bytes each
-        QTest::addColumn<int>("length");
+        CRecordingPlugin plugin;
+        plugin.SendToServer("ABCD", 7, 8, "TAG1", 4, true);
+        plugin.OpenWebPage(WebLinks::Cashier, true);
+        plugin.SendInternEvent(1, 2, CHAT, TEXT, true);
+        plugin.RequestCashierInformation();
+        const QByteArray login = "P2ME LGND 0 0 ";
+        QCOMPARE(plugin.m_sent, (QByteArrayList{login, login, login, login}));
+    }
 
-        QTest::newRow("whole name") << 0 << 6;
-        QTest::newRow("cut between characters") << 65532 << 65535;
-        QTest::newRow("one byte left") << 65534 << 65534;
-        QTest::newRow("two bytes left") << 65533 << 65533;
+    void neverSent()
+    {
+        CRecordingPlugin plugin;
+        char bytes[32755] = {};
+        plugin.SendToServer("AB", 0, 0, bytes, sizeof bytes, false); // one more than a packet holds
+        plugin.SendToServer(bytes, -1, false);
+        plugin.SendToServer("AB", 0, 0, bytes, -1, false);
+        plugin.SendToWebServer(nullptr, 4, false);
+        plugin.SendToWebServer("AB", 0, 0, nullptr, 4, false);
+        plugin.OpenWebPage(QString(), false);
+        QCOMPARE(plugin.m_sent, QByteArrayList());
     }
 
     void designerPage()
     {
-        QFETCH(int, letters);
-        QFETCH(int, length);
-        const QString name = QString(letters, QLatin1Char('a')) + EURO + EURO;
-        const QByteArray data = QByteArray(1, char(length & 0xff)) + char(length >> 8) + name.toUtf8().left(length);
-        QList<CEvent> events; // as they arrive directly, and from the queue
-        const auto record = [&events](const CEvent &e) { events << e; };
-        CRecordingPlugin plugin;
-        connect(&plugin, &CPluginInterface::signal_SendEvent, &plugin, record);
-        connect(&plugin, &CPluginInterface::signal_SendEvent, &plugin, record, Qt::QueuedConnection);
-
-        auto page = std::make_unique<QWidget>();
-        plugin.AddDesignerPage(QString(), page.get());
-        plugin.AddDesignerPage(name, nullptr);
-        QCOMPARE(events.size(), 0);
-        plugin.AddDesignerPage(name, page.get());
-        QCOMPARE(events.size(), 1);
-        QCOMPARE(ToText(events.at(0)), "DESI ADDW 0 0 " + data.toHex());
-        QCOMPARE(events.at(0).widget.data(), page.get());
-
-        page.reset();
-        QTRY_COMPARE(events.size(), 2);
-        QVERIFY(!events.at(1).widget);
-    }
-
-    void receivedEvents_data()
-    {
-        QTest::addColumn<QByteArray>("call");
-
-        QTest::newRow("M2PE SCOE 0180ffff") << QByteArray("link 32769");
-        QTest::newRow("M2PE SCOE 01") << QByteArray("link 0");
-        QTest::newRow("M2PE SCOC 02000000ff") << QByteArray("state 2");
-        QTest::newRow("M2PE SCOC feffffff") << QByteArray("state -2");
-        QTest::newRow("M2PE SCOC 020000") << QByteArray("state 0");
-        QTest::newRow("M2PE LGNF e282ac61006162") << QByteArray("refused \u20aca");
-        QTest::newRow("M2PE LGNF 6162") << QByteArray("refused ab");
-        QTest::newRow("M2PE LGNF ") << QByteArray("refused ");
-        QTest::newRow("M2PE SCOX 0102") << QByteArray("event M2PE SCOX 0 0 0102");
-        QTest::newRow("M2PE scoe 0102") << QByteArray("event M2PE scoe 0 0 0102");
-        QTest::newRow("P2ME SCOE 0102") << QByteArray("event P2ME SCOE 0 0 0102");
+        // Letters before two characters of three bytes each, and how many bytes are sent of it.
+        using TCase = std::pair<int, int>;
+        for (const auto &[letters, length] :
+             {TCase(0, 6), TCase(65532, 65535), TCase(65534, 65534), TCase(65533, 65533)}) {
+            const QString name = QString(letters, QLatin1Char('a')) + EURO + EURO;
+            const QByteArray data =
+                QByteArray(1, char(length & 0xff)) + char(length >> 8) + name.toUtf8().left(length);
+            CRecordingPlugin plugin;
+            QList<CEvent> events; // as they arrive directly, and from the queue
+            const auto record = [&events](const CEvent &e) { events << e; };
+            connect(&plugin, &CPluginInterface::signal_SendEvent, &plugin, record);
+            connect(&plugin, &CPluginInterface::signal_SendEvent, &plugin, record, Qt::QueuedConnection);
+            auto page = std::make_unique<QWidget>();
+            plugin.AddDesignerPage(QString(), page.get());
+            plugin.AddDesignerPage(name, nullptr);
+            QCOMPARE(plugin.m_sent, QByteArrayList());
+            plugin.AddDesignerPage(name, page.get());
+            QCOMPARE(plugin.m_sent, QByteArrayList{"DESI ADDW 0 0 " + data.toHex()});
+            QCOMPARE(events.at(0).widget.data(), page.get());
+            page.reset();
+            QTRY_COMPARE(events.size(), 2);
+            QVERIFY(!events.at(1).widget);
+        }
     }
 
     void receivedEvents()
     {
-        const QString received = QString::fromLatin1(QTest::currentDataTag());
-        CEvent event = CEvent::Create(received.left(4), received.mid(5));
-        event.data = QByteArray::fromHex(received.mid(10).toLatin1());
-        CRecordingPlugin plugin;
-        plugin.emit_ReceiveEvent(event);
-        QTEST(plugin.m_calls.join('\n'), "call");
+        for (const char *row :
+             {"M2PE SCOE 0180ffff=link 32769", "M2PE SCOE 01=link 0", "M2PE SCOC 02000000ff=state 2",
+              "M2PE SCOC feffffff=state -2", "M2PE SCOC 020000=state 0", "M2PE LGNF e282ac61006162=refused \u20aca",
+              "M2PE LGNF 6162=refused ab", "M2PE LGNF =refused ", "M2PE SCOX 0102=event M2PE SCOX 0 0 0102",
+              "M2PE scoe 0102=event M2PE scoe 0 0 0102", "P2ME SCOE 0102=event P2ME SCOE 0 0 0102"}) {
+            const QByteArrayList receivedAndCall = QByteArray(row).split('=');
+            const QString received = QString::fromLatin1(receivedAndCall.at(0));
+            CEvent event = CEvent::Create(received.left(4), received.mid(5));
+            event.data = QByteArray::fromHex(received.mid(10).toLatin1());
+            CRecordingPlugin plugin;
+            plugin.emit_ReceiveEvent(event);
+            QCOMPARE(plugin.m_calls, QByteArrayList{receivedAndCall.at(1)});
+        }
     }
 
     void registration()
     {
         CRecordingPlugin plugin;
-        QStringList registered;
-        connect(&plugin, &CPluginInterface::signal_RegisterForEvent, this,
-                [&](const QString &tag1, const QString &tag2) { registered << tag1 + QLatin1Char('/') + tag2; });
         plugin.RegisterEvents();
-        QCOMPARE(registered.join(QLatin1Char(' ')), QStringLiteral("M2PE/ CHAT/ CHAT/TEXT LONGER/TEXTS"));
+        QCOMPARE(plugin.m_sent.join(' '), QByteArray("M2PE/ CHAT/ CHAT/TEXT LONGER/TEXTS"));
     }
 
     void otherThread()

@@ -50,9 +50,8 @@ QString CInstallationTree::MakeDir(const QString &name) const
     return path;
 }
 
-QString CInstallationTree::MakeLink(const QString &name, const QString &target) const
+QByteArray ReadFile(const QString &path)
 {
-    const QString path = GetPath(name);
-    Require(QFile::link(target, path), "link", path);
-    return path;
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : "can't be read";
 }

@@ -17,10 +17,11 @@ public:
     /// Writes a file with the directories above it; answers its path.
     QString WriteFile(const QString &name, const QByteArray &contents = QByteArrayLiteral("contents")) const;
     QString MakeDir(const QString &name) const;
-    /// Makes a symbolic link that holds \a target as it stands; answers the link's path.
-    QString MakeLink(const QString &name, const QString &target) const;
 
 private:
     QTemporaryDir m_dir;
     QString m_strFormerDir;
 };
+
+/// What a file holds, or a text that says that it can't be read.
+QByteArray ReadFile(const QString &path);

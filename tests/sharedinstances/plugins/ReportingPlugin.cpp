@@ -1,26 +1,16 @@
-#include <plugin/PluginInterface.h>
-
 #include <sharedinstances/Singletons.h>
+#include <support/StubPlugin.h>
 
 #include <QDataStream>
 
 // On "TEST" "RPRT" it sends what it sees: the shared addresses, then the texts in the console, in an event of the
 // same tags. On "TEST" "LOGM" it adds its name to the console.
-class CReportingPlugin : public CPluginInterface
+class CReportingPlugin : public CStubPlugin
 {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID CPluginInterface_iid)
 
 public:
-    QString GetName() const override { return QStringLiteral(PLUGIN_NAME); }
-    QString GetVersion() const override { return QStringLiteral("1.0"); }
-    QStringList GetDependencies() const override { return {}; }
-    bool Initialize() override { return true; }
-    void Start() override {}
-    bool CanClose() override { return true; }
-    void Shutdown() override {}
-    QWidget *CreateView(QWidget *) override { return nullptr; }
-
     void ReceiveEvent(CEvent e) override
     {
         if (e.HasTags("TEST", "LOGM")) {

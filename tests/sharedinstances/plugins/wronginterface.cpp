@@ -1,4 +1,4 @@
-#include <plugin/PluginInterface.h>
+#include "../../support/StubPlugin.h"
 
 #include <QFile>
 
@@ -6,20 +6,10 @@
 [[maybe_unused]] static const bool MARKED = QFile(qEnvironmentVariable("PLUGIN_MARKER")).open(QIODevice::WriteOnly);
 
 // Built against an interface version that never existed.
-class CWrongInterfacePlugin : public CPluginInterface
+class CWrongInterfacePlugin : public CStubPlugin
 {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "plugininterface.CPluginInterface/0.0")
-
-public:
-    QString GetName() const override { return QStringLiteral("wronginterface"); }
-    QString GetVersion() const override { return QStringLiteral("1.0"); }
-    QStringList GetDependencies() const override { return {}; }
-    bool Initialize() override { return true; }
-    void Start() override {}
-    bool CanClose() override { return true; }
-    void Shutdown() override {}
-    QWidget *CreateView(QWidget *) override { return nullptr; }
 };
 
 #include "wronginterface.moc"

@@ -1,0 +1,188 @@
+#include <files/Console.h>
+#include <files/FileHelpers.h>
+#include <files/Pathes.h>
+
+#include <support/InstallationTree.h>
+#include <support/Literal.h>
+
+#include <QtTest>
+
+// Where the files of an installation lie; whole files and texts; the bounded list of messages.
+class tst_Files : public QObject
+{
+    Q_OBJECT
+
+    static void Add(int n) { CConsole::AddMessage("a"_s, CConsole::MC_Network, CConsole::ML_Warning, "b"_s, n); }
+
+private Q_SLOTS:
+    void composed()
+    {
+        using namespace Pathes;
+        const CInstallationTree tree; // the answers follow the process's current directory
+        QString paths;
+        for (const auto function : {Binary,      Contents,      Root,
+                                    Client,      Plugins,       MainExe,
+                                    StarterExe,  StarterTmpExe, Frameworks,
+                                    RSyncDir,    RSync,         Resources,
+                                    ConfigDB,    LanguageDB,    DesignerStyleDir,
+                                    Brand,       Icon,          StarterStyleCss,
+                                    CommonBrand, Common,        Fonts,
+                                    Tmp,         SettingsDB,    PlayerInfoDB,
+                                    LobbyListDB, HandHistoryDB, Log,
+                                    RSyncTmpDir, RSyncTmp})
+            paths += function() + QLatin1Char(' ');
+        paths.replace(QDir::currentPath(), "~"_s).replace("~/../Resources"_s, "R"_s).replace("~/../Tmp"_s, "T"_s);
+        QCOMPARE(paths,
+                 "~ ~/.. ~/../.. ~/../Client ~/../Client/Plugins ~/../Client/main.exe ~/../Client/starter.exe "
+                 "~/../Client/startertmp.exe ~/../Frameworks ~/../Frameworks/rsyncbin "
+                 "~/../Frameworks/rsyncbin/rsyncqt.exe R R/config.sqlite R/language.sqlite R/designer R/brand/Qt "
+                 "R/brand/Qt/icon.ico R/brand/Qt/style.css R/brand/Qt/common/Qt R/common/Qt R/common/Qt/fonts T "
+                 "T/settings.sqlite T/playerinfo.sqlite T/lobbylist.sqlite T/handhistory.sqlite T/logs T/rsyncbin "
+                 "T/rsyncbin/rsyncqt.exe "_s);
+    }
+
+    void withArguments()
+    {
+        const CInstallationTree tree;
+        for (const QString &name : {"Tmp/a_0.png"_s, "Tmp/a_1.png"_s, "Tmp/a_3.png"_s})
+            tree.WriteFile(name);
+        for (const QString &dir : {tree.GetPath("Tmp"_s), tree.GetPath("Tmp/"_s)})
+            QCOMPARE(Pathes::UniqueFilePath(dir, "a"_s, "png"_s), tree.GetPath("Tmp/a_2.png"_s));
+
+        QVERIFY(QDir::isAbsolutePath(Pathes::PersonalDir()));
+        QCOMPARE(Pathes::ThemeRoot("dark"_s), Pathes::Resources() + "/themes/dark"_s);
+        QCOMPARE(Pathes::Theme("root"_s, -12), "root/theme-12/Qt"_s);
+        QCOMPARE(Pathes::CustomAvatar(1000), Pathes::Tmp() + "/CustomAvatars/1/1000.png"_s);
+        QCOMPARE(Pathes::CustomAvatar(~0u), Pathes::Tmp() + "/CustomAvatars/4294967/4294967295.png"_s);
+    }
+
+    // In this order, since the answers are remembered as long as the process lives.
+    void commonResource()
+    {
+        const CInstallationTree tree;
+        for (const QString &name :
+             {"brand/Qt/common/Qt/a"_s, "common/Qt/a"_s, "common/Qt/compiled/both.txt"_s, "common/Qt/gone"_s})
+            tree.WriteFile("Resources/"_s + name);
+        const auto ask = [](const char *name, bool url) {
+            return Pathes::ToCommonRes(QLatin1String(name), url).toUtf8().replace(Pathes::Resources().toUtf8(), "~");
+        };
+        QCOMPARE(ask("a", false), QByteArray("~/brand/Qt/common/Qt/a"));
+        QCOMPARE(ask("compiled/both.txt", true), QByteArray("~/common/Qt/compiled/both.txt"));
+        QCOMPARE(ask("compiled/path.txt", false), QByteArray(":/compiled/path.txt"));
+        QCOMPARE(ask("compiled/path.txt", true), QByteArray(":/compiled/path.txt")); // the path is known already
+        QCOMPARE(ask("compiled/url.txt", true), QByteArray("qrc:/compiled/url.txt"));
+        QCOMPARE(ask("compiled/url.txt", true), QByteArray("qrc:/compiled/url.txt"));
+        QCOMPARE(ask("compiled/url.txt", false), QByteArray(":/compiled/url.txt"));
+        QCOMPARE(ask("gone", false), QByteArray("~/common/Qt/gone"));
+        QCOMPARE(ask("late", true), QByteArray());
+
+        QVERIFY(QFile::rename(Pathes::Common() + "/gone"_s, Pathes::Common() + "/late"_s));
+        QCOMPARE(ask("gone", true), QByteArray("~/common/Qt/gone"));
+        QCOMPARE(ask("late", false), QByteArray());
+    }
+
+    void write()
+    {
+        const CInstallationTree tree;
+        const QString overLongerFile = tree.WriteFile("Tmp/longer"_s, "0123456789");
+        const std::tuple<int, int, const char *> parts[] = {{-1, -1, "abcdef"}, {2, 3, "cde"}, {2, -5, "cdef"},
+                                                            {-5, 2, "ab"},      {0, 0, ""},    {4, 100, "ef"},
+                                                            {100, 3, ""}};
+        for (const auto &[position, length, expected] : parts) {
+            for (const QString &path : {tree.GetPath("Tmp/a/b/file"_s), overLongerFile, "inCurrentDir"_s}) {
+                QVERIFY(Globals::WriteToFile(path, "abcdef", position, length));
+                QCOMPARE(ReadFile(path), QByteArray(expected));
+            }
+        }
+        QVERIFY(!Globals::WriteToFile(overLongerFile + "/below"_s, "abcdef", -1, -1));
+        QVERIFY(!Globals::WriteToFile(tree.GetPath("Tmp"_s), "abcdef", -1, -1));
+    }
+
+    void writeOnlyChanges()
+    {
+        const CInstallationTree tree;
+        QFile file(tree.WriteFile("Tmp/file"_s, "cde"));
+        const QDateTime longAgo = QDateTime::fromSecsSinceEpoch(1000000000);
+        QVERIFY(file.open(QIODevice::ReadWrite) && file.setFileTime(longAgo, QFileDevice::FileModificationTime));
+        file.close();
+        QVERIFY(Globals::WriteToFile(file.fileName(), "abcdef", 2, 3));
+        QCOMPARE(QFileInfo(file).lastModified(), longAgo);
+        QVERIFY(Globals::WriteToFile(file.fileName(), "abcdef", 3, 3));
+        QVERIFY(QFileInfo(file.fileName()).lastModified() > longAgo);
+    }
+
+    void contentsAndDigests()
+    {
+        const CInstallationTree tree;
+        const QString file = tree.WriteFile("Tmp/file"_s, "abc");
+        QByteArray contents("before");
+        QVERIFY(!Globals::GetContents("missing"_s, contents));
+        QCOMPARE(contents, QByteArray("before"));
+        QVERIFY(Globals::GetContents(file, contents));
+        QCOMPARE(contents, QByteArray("abc"));
+        QCOMPARE(Globals::GetFileMD5(file), "900150983cd24fb0d6963f7d28e17f72"_s);
+        QCOMPARE(Globals::GetFileMD5("missing"_s), QString());
+        QCOMPARE(Globals::GetMD5(QByteArray()), "d41d8cd98f00b204e9800998ecf8427e"_s);
+    }
+
+    void between()
+    {
+        const std::tuple<const char *, int, const char *, int> rows[] = {
+            {" <<text>> ", 0, "text", 9},    {"<<a>><<b>>", 1, "b", 10},      {" <<>>", 0, "", 5},
+            {"<<text>>", 0, "before", -7}, // a marker at the start isn't seen
+            {">> <<text>", 0, "before", -7}, {" <<text>> ", 2, "before", -7}, {" <<text>> ", 100, "before", -7}};
+        for (const auto &[data, from, expected, expectedNext] : rows) {
+            QByteArray result("before");
+            int next = -7;
+            QCOMPARE(Globals::GetBetween(data, from, "<<", ">>", result, next), expectedNext > 0);
+            QCOMPARE(result, QByteArray(expected));
+            QCOMPARE(next, expectedNext);
+        }
+    }
+
+    void boolean()
+    {
+        QByteArray answers; // with either default
+        for (const char *text :
+             {"true", "ON", "Yes", "1", "FALSE", "off", "nO", "0", "", "2", "maybe", " true", "00"})
+            for (const bool byDefault : {false, true})
+                answers += Globals::ToBool(QLatin1String(text), byDefault) ? '1' : '0';
+        QCOMPARE(answers, QByteArray("11111111000000000101010101"));
+    }
+
+    void console()
+    {
+        Add(1);
+        QVERIFY(!CConsole::IsExisting()); // the message is kept, and creates nothing
+        const QPointer<CConsole> console = CConsole::GetInstance();
+        const QSignalSpy added(console, &CConsole::signal_MessageAdded);
+        QList<int> queued;
+        connect(
+            console, &CConsole::signal_MessageAdded, this,
+            [&](const CConsole::SConsoleMessage &message) { queued << message.iDetail; }, Qt::QueuedConnection);
+        const QDateTime before = QDateTime::currentDateTime();
+        Add(-5);
+        const auto announced = added.value(0).value(0).value<CConsole::SConsoleMessage>();
+        for (const CConsole::SConsoleMessage &message : {CConsole::GetMessages().value(1), announced}) {
+            QVERIFY(before <= message.dtTimestamp && message.dtTimestamp <= QDateTime::currentDateTime());
+            QCOMPARE(message.strMessage + message.strDetail, "ab"_s);
+            QVERIFY(message.eCategory == CConsole::MC_Network && message.eLevel == CConsole::ML_Warning);
+            QCOMPARE(message.iDetail, -5);
+        }
+        QTRY_COMPARE(queued, QList<int>{-5});
+
+        CConsole::DestroyInstance();
+        QVERIFY(console && !CConsole::IsExisting()); // it lives until the event loop turns
+        QTRY_VERIFY(!console);
+        for (int i = 3; i <= 1001; ++i)
+            Add(i);
+        QCOMPARE(CConsole::GetMessages().size(), 1000);
+        QCOMPARE(CConsole::GetMessages().first().iDetail, -5);
+        QCOMPARE(CConsole::GetMessages().last().iDetail, 1001);
+        CConsole::Clear();
+        QCOMPARE(CConsole::GetMessages().size(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_Files)
+#include "tst_files.moc"
