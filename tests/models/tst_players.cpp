@@ -1,12 +1,14 @@
 #include <models/PlayerLists.h>
 #include <models/UserInfoDataModel.h>
 
+#include <support/Literal.h>
+
 #include <QMetaProperty>
 #include <QtTest>
 
 namespace {
 
-const QString NAME = QStringLiteral("Nick");
+const QString NAME = "Nick"_s;
 
 QList<QMetaProperty> Properties(const QMetaObject &type)
 {
@@ -209,8 +211,8 @@ private Q_SLOTS:
         QCOMPARE(CPlayerModel::GetInstance(NAME), model.data());
         QCOMPARE(CPlayerLists::GetInstance()->GetPlayerModel(NAME), model.data());
         QVERIFY(CPlayerModel::GetInstance(NAME.toLower()) != model);
-        QVERIFY(!CPlayerModel::IsExisting(QStringLiteral("nobody")) && CPlayerModel::IsExisting(model));
-        model->SetNickname(QStringLiteral("renamed")); // the key stays
+        QVERIFY(!CPlayerModel::IsExisting("nobody"_s) && CPlayerModel::IsExisting(model));
+        model->SetNickname("renamed"_s); // the key stays
         CPlayerModel::DestroyInstance(model);
         QVERIFY(!CPlayerModel::IsExisting(NAME) && !CPlayerModel::IsExisting(model) && model);
         QTRY_VERIFY(!model);
@@ -221,7 +223,7 @@ private Q_SLOTS:
     {
         CPlayerLists &lists = *CPlayerLists::GetInstance();
         CPlayerModel *buddy = lists.GetPlayerModel(NAME);
-        CPlayerModel *other = lists.GetPlayerModel(QStringLiteral("other"));
+        CPlayerModel *other = lists.GetPlayerModel("other"_s);
         lists.AddToBuddyList(buddy);
         QVERIFY(!buddy->GetBuddy());
         lists.AddNewBuddy(buddy);
@@ -230,8 +232,8 @@ private Q_SLOTS:
         lists.AddToBuddyList(buddy);
         other->SetOnline(true);
         QCOMPARE(std::pair(lists.GetOnlineBuddiesCount(), lists.GetOfflineBuddiesCount()), std::pair(1, 3));
-        lists.RemoveFromBuddyList(QStringLiteral("nobody"));
-        QVERIFY(!CPlayerModel::IsExisting(QStringLiteral("nobody")));
+        lists.RemoveFromBuddyList("nobody"_s);
+        QVERIFY(!CPlayerModel::IsExisting("nobody"_s));
         lists.RemoveFromBuddyList(NAME); // the second of two neighbours is passed over
         QCOMPARE(*lists.GetBuddyList(), (QList<CPlayerModel *>{buddy, other, nullptr}));
         QVERIFY(!buddy->GetBuddy() && other->GetBuddy());

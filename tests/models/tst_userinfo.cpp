@@ -2,6 +2,7 @@
 #include <settings/Config.h>
 
 #include <support/InstallationTree.h>
+#include <support/Literal.h>
 
 #include <QKeyEvent>
 #include <QtTest>
@@ -25,21 +26,19 @@ private Q_SLOTS:
     {
         CUserInfo *user = CUserInfo::GetInstance();
         QStringList order;
-        connect(user, &CUserInfo::signal_PlayerModelChanged, this, [&](const CPlayerModel *model) {
-            order << (model ? model->GetNickname() : QStringLiteral("nobody"));
-        });
-        connect(user, &CUserInfo::signal_LoginStateChanged, this, [&](bool state) {
-            order << QStringLiteral("%1 as '%2'").arg(state ? 1 : 0).arg(user->GetNickname());
-        });
-        user->SetLoggedIn(QStringLiteral("Ann"));
-        user->SetLoggedIn(QStringLiteral("Ann"));
+        connect(user, &CUserInfo::signal_PlayerModelChanged, this,
+                [&](const CPlayerModel *model) { order << (model ? model->GetNickname() : "nobody"_s); });
+        connect(user, &CUserInfo::signal_LoginStateChanged, this,
+                [&](bool state) { order << "%1 as '%2'"_s.arg(state ? 1 : 0).arg(user->GetNickname()); });
+        user->SetLoggedIn("Ann"_s);
+        user->SetLoggedIn("Ann"_s);
         QVERIFY(user->IsLoggedIn());
-        user->SetLoggedIn(QStringLiteral("Bob")); // no login state in between
+        user->SetLoggedIn("Bob"_s); // no login state in between
         user->SetLoggedIn(QString());
         QVERIFY(!user->IsLoggedIn());
-        QCOMPARE(order.join(QLatin1String("; ")), QStringLiteral("Ann; 1 as 'Ann'; Bob; nobody; 0 as ''"));
+        QCOMPARE(order.join(QLatin1String("; ")), "Ann; 1 as 'Ann'; Bob; nobody; 0 as ''"_s);
 
-        user->SetLoggedIn(QStringLiteral("Ann"));
+        user->SetLoggedIn("Ann"_s);
         CPlayerModel::DestroyInstances();
         QTRY_VERIFY(!user->IsLoggedIn());
         QVERIFY(user->GetLoginState() && user->GetNickname().isEmpty());
@@ -53,25 +52,25 @@ private Q_SLOTS:
         const auto custom = CUserInfo::ADM_CustomAvatars;
         const auto none = CUserInfo::ADM_NoAvatars;
         QTest::newRow("empty") << QString() << TModes{cartoon, custom, none};
-        QTest::newRow("two") << QStringLiteral("custom,noavatar") << TModes{custom, none};
-        QTest::newRow("capitals") << QStringLiteral("  CUSTOM") << TModes{custom};
-        QTest::newRow("no separator") << QStringLiteral("cartooncustom") << TModes{cartoon};
-        QTest::newRow("repeated") << QStringLiteral("noavatar noavatar") << TModes{none, none};
-        QTest::newRow("no word") << QStringLiteral("cartoo") << TModes{none};
+        QTest::newRow("two") << "custom,noavatar"_s << TModes{custom, none};
+        QTest::newRow("capitals") << "  CUSTOM"_s << TModes{custom};
+        QTest::newRow("no separator") << "cartooncustom"_s << TModes{cartoon};
+        QTest::newRow("repeated") << "noavatar noavatar"_s << TModes{none, none};
+        QTest::newRow("no word") << "cartoo"_s << TModes{none};
     }
 
     void AvatarDisplayModes()
     {
         QFETCH(QString, text);
         QFETCH(TModes, modes);
-        CConfig::GetInstance()->SetConfigs({{QStringLiteral("avatardisplaymode"), text}});
+        CConfig::GetInstance()->SetConfigs({{"avatardisplaymode"_s, text}});
         QCOMPARE(CUserInfo::GetInstance()->GetAvatarDisplayModes(), modes);
     }
 
     void Activity()
     {
         constexpr int IDLE_MS = 60;
-        CConfig::GetInstance()->SetConfigs({{QStringLiteral("activitytimertimeout"), IDLE_MS}});
+        CConfig::GetInstance()->SetConfigs({{"activitytimertimeout"_s, IDLE_MS}});
         CUserInfo *user = CUserInfo::GetInstance();
         QSignalSpy spy(user, &CUserInfo::signal_ActivityChanged);
         QObject somebody;
@@ -88,7 +87,7 @@ private Q_SLOTS:
         send(QEvent::KeyPress); // active from the start
         QCOMPARE(take(), QString());
         QVERIFY(spy.wait() && !spy.wait(3 * IDLE_MS)); // once, the timer stays stopped
-        QCOMPARE(take(), QStringLiteral("-"));
+        QCOMPARE(take(), "-"_s);
         for (const auto type : {QEvent::KeyRelease, QEvent::MouseButtonRelease, QEvent::FocusIn, QEvent::User})
             send(type);
         user->SetUserActivity(false);
@@ -98,7 +97,7 @@ private Q_SLOTS:
             send(type);
         }
         user->SetUserActivity(true);
-        QCOMPARE(take(), QStringLiteral("+-+-+"));
+        QCOMPARE(take(), "+-+-+"_s);
     }
 
     void TablesAndReset()
@@ -114,7 +113,7 @@ private Q_SLOTS:
         QCOMPARE(std::pair(int(user->GetPositionOnWaitingList(7)), int(user->GetPositionOnWaitingList(8))),
                  std::pair(1, 0));
         QVERIFY(user->IsInTournament(7) && !user->IsInTournament(8));
-        user->SetLoggedIn(QStringLiteral("Ann"));
+        user->SetLoggedIn("Ann"_s);
         user->SetUserActivity(false);
         QSignalSpy activity(user, &CUserInfo::signal_ActivityChanged);
         static_cast<CUserInfoDataModel *>(user)->Reset();

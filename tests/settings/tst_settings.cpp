@@ -6,6 +6,7 @@
 #include <time/CasinoTime.h>
 
 #include <support/InstallationTree.h>
+#include <support/Literal.h>
 
 #include <QJsonDocument>
 #include <QProcess>
@@ -14,7 +15,7 @@
 
 namespace {
 
-const QString ANN = QStringLiteral("Ann");
+const QString ANN = "Ann"_s;
 constexpr unsigned int NOW = 1700000000;
 
 // All rows that fit, in order, as "user/area/key=value@time user/area/...".
@@ -50,7 +51,7 @@ private Q_SLOTS:
     void init()
     {
         QVERIFY(CSettingsDB::GetInstance()->Init());
-        QVERIFY(CSettingsDB::GetInstance()->Exec(QStringLiteral("DELETE FROM tbl_settings")));
+        QVERIFY(CSettingsDB::GetInstance()->Exec("DELETE FROM tbl_settings"_s));
         CCasinoTime::GetInstance()->SetTimeUTCServer(NOW);
     }
 
@@ -66,24 +67,24 @@ private Q_SLOTS:
             QTest::qWait(150); // within the delay
             QCOMPARE(Rows(), QString());
         }
-        QTRY_COMPARE(Rows(), QStringLiteral("/sounds/volume=3@1700000000"));
+        QTRY_COMPARE(Rows(), "/sounds/volume=3@1700000000"_s);
         QVERIFY(sinceLast.elapsed() >= 250);
     }
 
     void UserAndGlobalRow()
     {
-        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("ANN"));
+        CUserInfo::GetInstance()->SetLoggedIn("ANN"_s);
         CSettings *settings = CSettings::GetInstance();
         settings->SetVolume(5);
-        settings->SetWinPosByKey(QStringLiteral("Client"), QByteArrayLiteral("it's"));
+        settings->SetWinPosByKey("Client"_s, QByteArrayLiteral("it's"));
         settings->SetDesignerTab(QString());
-        settings->Save(ANN, QStringLiteral("AREA"), QStringLiteral("KEY"), 1, 0);
+        settings->Save(ANN, "AREA"_s, "KEY"_s, 1, 0);
         settings->slot_SaveSettings();
-        QCOMPARE(Rows(), QStringLiteral("/client/designertab=@1700000000 /area/key=1@0 ann/area/key=1@0 "
-                                        "/sounds/volume=5@1700000000 ann/sounds/volume=5@1700000000 "
-                                        "/client/winpos[client]=it's@1700000000"));
+        QCOMPARE(
+            Rows(),
+            "/client/designertab=@1700000000 /area/key=1@0 ann/area/key=1@0 /sounds/volume=5@1700000000 ann/sounds/volume=5@1700000000 /client/winpos[client]=it's@1700000000"_s);
         QCOMPARE(CSettings::GetLastTimestamp(ANN), NOW);
-        QCOMPARE(CSettings::GetLastTimestamp(QStringLiteral("nobody")), 0u);
+        QCOMPARE(CSettings::GetLastTimestamp("nobody"_s), 0u);
         QCOMPARE(CSettings::GetSettingList(ANN).size(), 2);
         QCOMPARE(CSettings::GetSettingList(ANN).at(1).iTimestamp, qint64(NOW));
     }
@@ -100,7 +101,7 @@ private Q_SLOTS:
         settings->SetThemeChips(6);
         settings->SetThemeChips(5);
         settings->slot_SaveSettings();
-        QCOMPARE(Rows(), QStringLiteral("/themesettings/themechips=5@1700000010 /sounds/volume=5@1700000000"));
+        QCOMPARE(Rows(), "/themesettings/themechips=5@1700000010 /sounds/volume=5@1700000000"_s);
     }
 
     void WithoutServerTime()
@@ -112,25 +113,24 @@ private Q_SLOTS:
         QTest::qWait(300);
         QCOMPARE(Rows(), QString());
         CUserInfo::GetInstance()->SetLoggedIn(ANN); // writes what waits, for nobody
-        QCOMPARE(Rows(), QStringLiteral("/sounds/volume=5@0"));
+        QCOMPARE(Rows(), "/sounds/volume=5@0"_s);
         CCasinoTime::GetInstance()->SetTimeUTCServer(NOW);
-        QTRY_COMPARE(Rows("URS_cUser != ''"), QStringLiteral("ann/sounds/volume=5@1700000000"));
+        QTRY_COMPARE(Rows("URS_cUser != ''"), "ann/sounds/volume=5@1700000000"_s);
     }
 
     void OneUserAfterTheOther()
     {
         CUserInfo *user = CUserInfo::GetInstance();
         CSettings *settings = CSettings::GetInstance();
-        user->SetUsername(QStringLiteral("login"));
-        user->SetPasswordHashed(QStringLiteral("hash"));
+        user->SetUsername("login"_s);
+        user->SetPasswordHashed("hash"_s);
         user->SetLoggedIn(ANN);
         settings->SetVolume(11);
         settings->SetThemeChips(3);
         user->SetLoggedIn(QString());
         QCOMPARE(settings->GetNickname(), QString());
-        user->SetLoggedIn(QStringLiteral("Bob"));
-        QCOMPARE(settings->GetNickname() + settings->GetUsername() + settings->GetPwd(),
-                 QStringLiteral("Bobloginhash"));
+        user->SetLoggedIn("Bob"_s);
+        QCOMPARE(settings->GetNickname() + settings->GetUsername() + settings->GetPwd(), "Bobloginhash"_s);
         QCOMPARE(settings->GetVolume(), 11); // inherited
         settings->SetVolume(22);
         user->SetLoggedIn(QString());
@@ -139,8 +139,7 @@ private Q_SLOTS:
         QCOMPARE(settings->GetVolume(), 11);
         settings->slot_SaveSettings(true);
         QCOMPARE(Rows("URS_cKey = 'volume'"),
-                 QStringLiteral("/sounds/volume=11@1700000000 ann/sounds/volume=11@1700000000 "
-                                "bob/sounds/volume=22@1700000000"));
+                 "/sounds/volume=11@1700000000 ann/sounds/volume=11@1700000000 bob/sounds/volume=22@1700000000"_s);
         QCOMPARE(Rows("URS_cUser = 'bob'").count(QLatin1Char('@')), 2);
 
         Restart(); // a new process: the global rows apply before any login
@@ -151,39 +150,39 @@ private Q_SLOTS:
     {
         CUserInfo::GetInstance()->SetLoggedIn(ANN);
         CSettings *settings = CSettings::GetInstance();
-        settings->SetSelSubThemeByKey(QStringLiteral("Table"), 4);
+        settings->SetSelSubThemeByKey("Table"_s, 4);
         settings->SetShowFps(true);
         const QByteArray json = settings->GetOptionJSON();
         const QVariantMap map = QJsonDocument::fromJson(json).toVariant().toMap();
         QVERIFY(json.startsWith("{\n") && map.size() == 4);
-        QCOMPARE(map.value(QStringLiteral("nickname")).toString(), ANN);
-        QCOMPARE(map.value(QStringLiteral("settings")).toList().size(), 83 - 5 + 1);
+        QCOMPARE(map.value("nickname"_s).toString(), ANN);
+        QCOMPARE(map.value("settings"_s).toList().size(), 83 - 5 + 1);
         settings->Reset();
         for (const char *bad : {"", "{", "[]", "{\"settings\": 5}", "{\"settings\": [1, {}, {\"key\": 2}]}"})
             settings->SetOptionJSON(bad);
-        QCOMPARE(settings->GetSelSubThemeByKey(QStringLiteral("table")), 0);
+        QCOMPARE(settings->GetSelSubThemeByKey("table"_s), 0);
         settings->SetOptionJSON(QByteArray(json).replace("\"70\"", "\"71\"").replace("animationsoff", "showfps"));
-        QCOMPARE(settings->GetSelSubThemeByKey(QStringLiteral("table")), 4);
+        QCOMPARE(settings->GetSelSubThemeByKey("table"_s), 4);
         QVERIFY(settings->GetVolume() == 71 && !settings->GetShowFps());
     }
 
     void OperatorsRules()
     {
         Restart();
-        CConfig::GetInstance()->SetConfigs({{QStringLiteral("avatardisplaymode"), QStringLiteral("custom")}});
+        CConfig::GetInstance()->SetConfigs({{"avatardisplaymode"_s, "custom"_s}});
         CSettings *settings = CSettings::GetInstance();
         QCOMPARE(settings->GetAvatarDisplayMode(), int(CUserInfo::ADM_CustomAvatars));
         settings->SetAnimationsOff(true);
         QVERIFY(settings->GetAnimationOff());
-        CConfig::GetInstance()->SetConfigs({{QStringLiteral("optionanimationsoffselectable"), QString()}});
+        CConfig::GetInstance()->SetConfigs({{"optionanimationsoffselectable"_s, QString()}});
         QVERIFY(!settings->GetAnimationOff());
     }
 
     // Another program holds the file for longer than SQLite waits: nothing is lost, it only comes later.
     void LockedFile()
     {
-        CSettingsDB::GetInstance()->Exec(QStringLiteral("PRAGMA busy_timeout = 50"));
-        QSqlDatabase connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("other"));
+        CSettingsDB::GetInstance()->Exec("PRAGMA busy_timeout = 50"_s);
+        QSqlDatabase connection = QSqlDatabase::addDatabase("QSQLITE"_s, "other"_s);
         connection.setDatabaseName(Pathes::SettingsDB());
         QVERIFY(connection.open());
         CSettings *settings = CSettings::GetInstance();
@@ -201,10 +200,10 @@ private Q_SLOTS:
                 CUserInfo::GetInstance()->SetLoggedIn(ANN);
             QCOMPARE(settings->GetVolume(), volume);
             lock.finish();
-            lock.exec(QStringLiteral("COMMIT"));
+            lock.exec("COMMIT"_s);
             QCOMPARE(Rows(), before);
             settings->slot_SaveSettings();
-            QVERIFY(Rows().contains(QStringLiteral("/sounds/volume=%1@1700000000").arg(volume)));
+            QVERIFY(Rows().contains("/sounds/volume=%1@1700000000"_s.arg(volume)));
         }
     }
 
@@ -240,8 +239,8 @@ private Q_SLOTS:
         QVERIFY2(lossy > 0 && lossy < 50, qPrintable(QString::number(lossy)));
         CLocalDB file(Pathes::SettingsDB(), true, true);
         QHash<QString, QVariant> sound;
-        QVERIFY(file.SelectOne(sound, QStringLiteral("pragma_integrity_check"), {}, {}));
-        QCOMPARE(sound.value(QStringLiteral("integrity_check")).toString(), QStringLiteral("ok"));
+        QVERIFY(file.SelectOne(sound, "pragma_integrity_check"_s, {}, {}));
+        QCOMPARE(sound.value("integrity_check"_s).toString(), "ok"_s);
     }
 
 private:

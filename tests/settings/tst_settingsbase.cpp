@@ -1,6 +1,8 @@
 #include <settings/Config.h>
 #include <settings/SettingsBase.h>
 
+#include <support/Literal.h>
+
 #include <QMetaProperty>
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -15,7 +17,7 @@ public:
     void Save(const QString &user, const QString &area, const QString &key, const QVariant &value,
               qint64 timestamp) override
     {
-        m_saved.append(QStringLiteral("%1/%2/%3=%4@%5").arg(user, area, key, value.toString()).arg(timestamp));
+        m_saved.append("%1/%2/%3=%4@%5"_s.arg(user, area, key, value.toString()).arg(timestamp));
     }
     QStringList Take() { return std::exchange(m_saved, {}); }
 
@@ -34,12 +36,12 @@ QVariant OtherValue(const QMetaProperty &property)
     case QMetaType::QByteArray:
         return QByteArrayLiteral("text");
     default:
-        return QVariantMap{{QStringLiteral("sub"), 1}};
+        return QVariantMap{{"sub"_s, 1}};
     }
 }
 
-const QString ANN = QStringLiteral("Ann");
-const QString LOBBY = QStringLiteral("Lobby");
+const QString ANN = "Ann"_s;
+const QString LOBBY = "Lobby"_s;
 
 } // namespace
 
@@ -53,8 +55,7 @@ private Q_SLOTS:
     // Rows that the table has to hold, whatever else it does.
     void KnownRows()
     {
-        CConfig::GetInstance()->SetConfigs(
-            {{QStringLiteral("preferredseat10"), 4}, {QStringLiteral("optionadspopups"), 0}});
+        CConfig::GetInstance()->SetConfigs({{"preferredseat10"_s, 4}, {"optionadspopups"_s, 0}});
         const QList<std::tuple<int, const char *, QVariant, const char *>> known{
             {0, "autotopupsettings", QByteArray(), "Ann/autotopup/autotopupsettings="},
             {8, "reloadinterval", 5000, "/client/reloadinterval="},
@@ -130,7 +131,7 @@ private Q_SLOTS:
         settings.SetVolume(40);
         QCOMPARE(callers, (QList<const QObject *>{this, nullptr}));
         QVERIFY(!settings.GetCaller());
-        QCOMPARE(settings.Take(), QStringList{QStringLiteral("/sounds/volume=40@-1")});
+        QCOMPARE(settings.Take(), QStringList{"/sounds/volume=40@-1"_s});
     }
 
     void Keyed()
@@ -138,49 +139,46 @@ private Q_SLOTS:
         CRecordingSettings settings;
         settings.SetNickname(ANN);
         const QSignalSpy spy(&settings, &CSettingsBase::signal_HeaderSizesChanged);
-        settings.SetHeaderSizes({{QStringLiteral("lobby"), QStringLiteral("1,2")}});
-        QCOMPARE(settings.GetHeaderSizesByKey(LOBBY), QStringLiteral("1,2"));
-        settings.SetHeaderSizesByKey(LOBBY, QStringLiteral("3"), nullptr, false);
+        settings.SetHeaderSizes({{"lobby"_s, "1,2"_s}});
+        QCOMPARE(settings.GetHeaderSizesByKey(LOBBY), "1,2"_s);
+        settings.SetHeaderSizesByKey(LOBBY, "3"_s, nullptr, false);
         QVERIFY(spy.size() == 2 && settings.Take().isEmpty());
-        settings.SetHeaderSizesByKey(QStringLiteral("NEW"), QString()); // a default: an entry and a row, no signal
+        settings.SetHeaderSizesByKey("NEW"_s, QString()); // a default: an entry and a row, no signal
         settings.SetWinPosByKey(LOBBY, QByteArrayLiteral("pos"));
         QCOMPARE(spy.size(), 2);
-        QCOMPARE(settings.Take(), (QStringList{QStringLiteral("Ann/headers/headersizes[new]=@-1"),
-                                               QStringLiteral("/client/winpos[lobby]=pos@-1")}));
+        QCOMPARE(settings.Take(),
+                 (QStringList{"Ann/headers/headersizes[new]=@-1"_s, "/client/winpos[lobby]=pos@-1"_s}));
         QCOMPARE(settings.GetSelSubThemeByKey(LOBBY), 0); // reading makes an entry
         const auto stored = settings.GetSettings();
-        QCOMPARE(stored.value(QStringLiteral("selsubtheme[lobby]")), QVariant(0));
-        QVERIFY(stored.contains(QStringLiteral("headersizes[new]")) &&
-                !stored.contains(QStringLiteral("winpos[lobby]")));
+        QCOMPARE(stored.value("selsubtheme[lobby]"_s), QVariant(0));
+        QVERIFY(stored.contains("headersizes[new]"_s) && !stored.contains("winpos[lobby]"_s));
     }
 
     void StoredValues()
     {
         CRecordingSettings settings;
-        settings.SetSettings({{QStringLiteral("ShowFPS"), QStringLiteral("true")},
-                              {QStringLiteral("volume"), QStringLiteral("5")},
-                              {QStringLiteral("winpos[Lobby]"), QStringLiteral("here")},
-                              {QStringLiteral("unknown"), 1}},
-                             {{QStringLiteral("VOLUME"), QStringLiteral("6")},
-                              {QStringLiteral("ClientID"), QStringLiteral("9")},
-                              {QStringLiteral("WinPos[lobby]"), QStringLiteral("there")},
-                              {QStringLiteral("winpos"), QStringLiteral("x")},
-                              {QStringLiteral("headersortingorder[Lobby"), QStringLiteral("true")},
-                              {QStringLiteral("soundsenabled"), 1},
-                              {QStringLiteral("themechips"), QStringLiteral("ten")},
-                              {QStringLiteral("themegeneral[x]"), 3},
-                              {QStringLiteral("chatoptions"), QStringLiteral("QUJD")}},
-                             false);
+        settings.SetSettings(
+            {{"ShowFPS"_s, "true"_s}, {"volume"_s, "5"_s}, {"winpos[Lobby]"_s, "here"_s}, {"unknown"_s, 1}},
+            {{"VOLUME"_s, "6"_s},
+             {"ClientID"_s, "9"_s},
+             {"WinPos[lobby]"_s, "there"_s},
+             {"winpos"_s, "x"_s},
+             {"headersortingorder[Lobby"_s, "true"_s},
+             {"soundsenabled"_s, 1},
+             {"themechips"_s, "ten"_s},
+             {"themegeneral[x]"_s, 3},
+             {"chatoptions"_s, "QUJD"_s}},
+            false);
         QVERIFY(settings.GetShowFps() && settings.GetClientID() == 0); // a user changes nothing of the installation
         QCOMPARE(settings.GetVolume(), 6);
-        QCOMPARE(settings.GetWinPos(), (CSettingsBase::TWinPos{{QStringLiteral("lobby"), "here"}}));
-        QVERIFY(settings.GetHeaderSortingOrderByKey(QStringLiteral("lobb"))); // the last character is the bracket
+        QCOMPARE(settings.GetWinPos(), (CSettingsBase::TWinPos{{"lobby"_s, "here"}}));
+        QVERIFY(settings.GetHeaderSortingOrderByKey("lobb"_s)); // the last character is the bracket
         QVERIFY(!settings.GetSoundsEnabled() && settings.GetAlertSounds());
         QCOMPARE(settings.GetThemeChips() + settings.GetThemeGeneral(), 0);
         QCOMPARE(settings.GetChatOptions(), QByteArrayLiteral("QUJD"));
         QVERIFY(settings.Take().isEmpty());
-        settings.SetSettings({}, {{QStringLiteral("volume"), 7}}, true);
-        QCOMPARE(settings.Take(), QStringList{QStringLiteral("/sounds/volume=7@-1")});
+        settings.SetSettings({}, {{"volume"_s, 7}}, true);
+        QCOMPARE(settings.Take(), QStringList{"/sounds/volume=7@-1"_s});
     }
 
     void WrittenFromQml()
@@ -192,12 +190,12 @@ private Q_SLOTS:
             "import QtQml 2.15\nQtObject { property QtObject settings; property int volume: settings.volume;"
             " onSettingsChanged: { settings.volume = 12; settings.selbackground = {'a': 3} } }",
             QUrl());
-        const std::unique_ptr<QObject> object(component.createWithInitialProperties(
-            {{QStringLiteral("settings"), QVariant::fromValue<QObject *>(&settings)}}));
+        const std::unique_ptr<QObject> object(
+            component.createWithInitialProperties({{"settings"_s, QVariant::fromValue<QObject *>(&settings)}}));
         QVERIFY2(object, qPrintable(component.errorString()));
         settings.SetVolume(13);
         QCOMPARE(object->property("volume"), QVariant(13));
-        QCOMPARE(settings.GetSelBackgroundByKey(QStringLiteral("A")), 3);
+        QCOMPARE(settings.GetSelBackgroundByKey("A"_s), 3);
     }
 };
 
