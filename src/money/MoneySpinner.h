@@ -30,7 +30,8 @@ public:
     void SetValue(unsigned int value);
 
 public Q_SLOTS:
-    /// Runs to an amount in half a second; jumps there if the user wants no animations.
+    /// Runs to an amount in half a second; jumps there if the user wants no animations. A run that is under way
+    /// goes on between what is displayed and the new amount.
     void slot_SetValue(unsigned int value);
     void slot_SetMoneyType(GlobalDefines::MoneyType moneytype);
 

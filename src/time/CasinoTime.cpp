@@ -4,12 +4,12 @@
 
 #include <QDateTime>
 #include <QLocale>
+
 PLUGININTERFACE_DEFINE_SINGLETON(CCasinoTime);
 
 namespace {
 
 constexpr int TICK_MS = 1000;
-constexpr int SECONDS_OF_HALF_HOUR = 1800;
 
 } // namespace
 

@@ -105,6 +105,8 @@ private Q_SLOTS:
     void slot_Timer();
 
 private:
+    static constexpr int SECONDS_OF_HALF_HOUR = 1800;
+
     int GetTimeOffset() const;
     QString ToLocalText(unsigned int t, const QString &format) const;
     void CompareTimes();

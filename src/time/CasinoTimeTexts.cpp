@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int SECONDS_OF_HALF_HOUR = 1800;
-
 const QString CORE_AREA = QStringLiteral("CORE");
 const QString MARKER_DAYS = QStringLiteral("#d#");
 const QString MARKER_HOURS = QStringLiteral("#h#");
@@ -182,7 +180,8 @@ CTranslationItem CCasinoTime::TimeSinceString(unsigned int t) const
     const auto unit = [](qint64 number, const char *one, const char *many) {
         return QString::fromLatin1(number == 1 ? one : many);
     };
-    item.SetPlaceholder(MARKER_DAYS, unit(days, "DAY", "DAYS"), CORE_AREA);
+    if (days > 0)
+        item.SetPlaceholder(MARKER_DAYS, unit(days, "DAY", "DAYS"), CORE_AREA);
     item.SetPlaceholder(MARKER_HOURS, unit(time.hour(), "HOUR", "HOURS"), CORE_AREA);
     item.SetPlaceholder(minutesMarker, unit(time.minute(), "MINUTE", "MINUTES"), CORE_AREA);
     return item;

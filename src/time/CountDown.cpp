@@ -2,6 +2,8 @@
 
 #include <time/CasinoTime.h>
 
+#include <limits>
+
 namespace {
 
 constexpr unsigned int MINUTE = 60;
@@ -63,7 +65,8 @@ void CCountDown::Start(unsigned int seconds)
         Stop();
         return;
     }
-    m_uiTime = CCasinoTime::GetInstance()->GetTimeUTCClient() + seconds;
+    const unsigned int now = CCasinoTime::GetInstance()->GetTimeUTCClient();
+    m_uiTime = now + qMin(seconds, std::numeric_limits<unsigned int>::max() - now);
     Run();
 }
 

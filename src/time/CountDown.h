@@ -47,7 +47,8 @@ public:
 Q_SIGNALS:
     /// The text is another one.
     void signal_CountDownChanged(QString string);
-    /// The end time has passed; on the tick behind the one that shows zero.
+    /// The end time has passed; on the tick behind the one that shows zero. It stops behind this signal, so start
+    /// it anew from the event loop.
     void signal_CountDownFinished();
 
 private Q_SLOTS:

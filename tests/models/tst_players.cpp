@@ -1,5 +1,6 @@
 #include <models/PlayerLists.h>
 #include <models/UserInfoDataModel.h>
+#include <money/MoneySpinnerDataModel.h>
 
 #include <support/Literal.h>
 
@@ -159,6 +160,8 @@ private Q_SLOTS:
             "strUsername strPasswordHashed mtAccountCurrency mvRealMoney mvPlayMoney mvPointsRM mvPointsPM "
             "bCashierInfoUpdate bHiddenFromBuddyList ucPlayerRating bChatBlocked ucPlayerStatus ulLoginTime "
             "mvLoginBalance ulLastReportTime mvLastReportBalance pPlayerModel bLoginState");
+        CheckFields<CMoneySpinnerDataModel>(
+            "strC2 strC1 strDS strD1 strD2 strD3 strTS strD4 strD5 strD6 strD7 strCurrency bShowComma");
     }
 
     void Streams()
@@ -170,6 +173,9 @@ private Q_SLOTS:
         CheckStream<CUserInfoDataModel>(ToBytes(text("strUsername"), text("strPasswordHashed"), qint32(1), quint32(1),
                                                 quint32(1), quint32(1), quint32(1), true, true, quint8(1), true,
                                                 quint8(1), quint32(1), quint32(1), quint32(1), quint32(1), true));
+        CheckStream<CMoneySpinnerDataModel>(ToBytes(
+            text("strC2"), text("strC1"), text("strDS"), text("strD1"), text("strD2"), text("strD3"), text("strTS"),
+            text("strD4"), text("strD5"), text("strD6"), text("strD7"), text("strCurrency"), true));
     }
 
     void HostileStream()

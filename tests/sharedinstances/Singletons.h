@@ -13,7 +13,9 @@
 #include <settings/Config.h>
 #include <settings/Settings.h>
 #include <time/CasinoTime.h>
+#include <translation/Translation.h>
 
+#include <QCoreApplication>
 #include <QMap>
 #include <QString>
 
@@ -29,6 +31,7 @@
     ROW(CPlayerLists)   \
     ROW(CSettings)      \
     ROW(CSettingsDB)    \
+    ROW(CTranslation)   \
     ROW(CTranslationDB) \
     ROW(CUserInfo)
 
@@ -48,10 +51,12 @@ inline QMap<QString, quint64> GetSharedAddresses()
     return addresses;
 }
 
+/// They end before it returns.
 inline void DestroySingletons()
 {
 #define DESTROY(Class) Class::DestroyInstance();
     SINGLETONS(DESTROY)
 #undef DESTROY
     CPlayerModel::DestroyInstances();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }

@@ -29,7 +29,6 @@ private Q_SLOTS:
     {
         CConsole::Clear();
         DestroySingletons();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
     void oneOfEach_data()

@@ -19,6 +19,11 @@
 #include <models/UserInfo.h>
 #include <models/UserInfoDataModel.h>
 #include <models/UserInfoDataTable.h>
+#include <money/MoneySpinner.h>
+#include <money/MoneySpinnerDataModel.h>
+#include <money/MoneySpinnerDataTable.h>
+#include <money/MoneySpinnerWidget.h>
+#include <money/MoneyStrings.h>
 #include <plugin/ConnectionState.h>
 #include <plugin/Event.h>
 #include <plugin/GlobalDefines.h>
@@ -32,6 +37,10 @@
 #include <settings/SettingsBase.h>
 #include <settings/SettingsTable.h>
 #include <time/CasinoTime.h>
+#include <time/CountDown.h>
+#include <translation/Translation.h>
+#include <translation/TranslationItem.h>
+#include <translation/TranslationObject.h>
 
 #include <QCoreApplication>
 
@@ -52,6 +61,11 @@ int main(int argc, char *argv[])
     CPlayerModel player("Ann");
     player.setProperty("strNotes", "careful");
     require(player.GetNotes() == "careful" && !CUserInfo::GetInstance()->IsLoggedIn(), "models");
+
+    CTranslationObject text;
+    require(text.SetText("#n# days") && text.SetPlaceholder("#n#", 2) && text.GetTranslatedText() == "2 days",
+            "translation");
+    require(CMoneySpinner().GetC2() == "0" && Globals::ExchangeMoneyTo(100, 12500) == 125, "money");
 
     CPacketLayerWrapper packet("ABCD", 1, 2);
     require(packet.AddPacket("TAG1", 4) && packet.GetPayloadTag() == "TAG1", "plugin");

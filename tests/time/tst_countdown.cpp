@@ -1,0 +1,64 @@
+#include <support/Languages.h>
+#include <time/CountDown.h>
+
+struct SClock : CCasinoTime
+{
+    using CCasinoTime::receivers;
+};
+
+class tst_countdown : public QObject
+{
+    Q_OBJECT
+
+    const CLanguages m_languages{"1|core|days|days"_s};
+
+private Q_SLOTS:
+    void Texts()
+    {
+        for (const QStringList &in : // seconds, and the texts of the three types and of one that is none
+             Rows("0|00:00:00|00:00|0|;3661|01:01:01|01:01|3661|;172799|47:59:59|59:59|172799|;"
+                  "172800|2 days|00:00|172800|;4294967295|49710 days|28:15|4294967295|"_s))
+            for (int type = 0; type < 4; ++type)
+                QCOMPARE(Globals::GetCountDownString(in[0].toUInt(), GlobalDefines::CountdownStringType(type))
+                             .GetTranslatedText(),
+                         in.at(type + 1));
+    }
+
+    void Runs()
+    {
+        CCasinoTime *clock = CCasinoTime::GetInstance();
+        CCountDown countDown;
+        QString seen;
+        connect(&countDown, &CCountDown::signal_CountDownChanged, this,
+                [&](const QString &text) { seen += text + QLatin1Char(' '); });
+        connect(&countDown, &CCountDown::signal_CountDownFinished, this, [&] { seen += "end "_s; });
+        const auto run = [&](int ticks) { // what is signalled on so many ticks, and shown and connected then
+            while (--ticks >= 0)
+                clock->IncreaseCurrentTime();
+            return QStringLiteral("%1%2 %3")
+                .arg(std::exchange(seen, {}), countDown.GetCountDown().GetTranslatedText())
+                .arg((clock->*&SClock::receivers)(SIGNAL(signal_TimeChanged())));
+        };
+        countDown.Start(3); // the clock stands at 0
+        countDown.Start(3);
+        QVERIFY(run(0) == "00:00:00 1"_s && countDown.IsRunning());
+        QVERIFY(run(3) == "00:00:02 00:00:01 00:00:00 00:00:00 1"_s && run(1) == "end 00:00:00 0"_s);
+        countDown.StartEndTime(7); // the clock stands at 4
+        QVERIFY(countDown.IsRunning() && countDown.GetLeft() == 3 && countDown.GetSince() == 0);
+        countDown.StartEndTime(4);
+        QCOMPARE(run(2), "00:00:03 00:00:00 00:00:00 0"_s);
+        countDown.StartFromTime(7); // the clock stands at 6
+        QVERIFY(run(3) == "00:00:01 00:00:02 00:00:02 1"_s && countDown.GetLeft() == 0 && countDown.GetSince() == 2);
+        countDown.Start(172801);
+        QCOMPARE(run(2), "2 days 47:59:59 47:59:59 1"_s);
+        countDown.StartFromTime(1);
+        countDown.SetType(GlobalDefines::CST_Seconds);
+        countDown.Stop();
+        countDown.Start(0);
+        countDown.StartFromTime(0);
+        QCOMPARE(run(2), "00:00:10 10 0 0 0"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_countdown)
+#include "tst_countdown.moc"
