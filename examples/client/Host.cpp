@@ -1,5 +1,6 @@
 #include "Host.h"
 
+#include <common/Texts.h>
 #include <files/Console.h>
 #include <models/UserInfo.h>
 
@@ -51,7 +52,7 @@ CHost::CHost(const QString &server, quint16 port, QObject *parent)
     connect(&m_link, &CServerLink::signal_Problem, this,
             [](const QString &text) { Note(text, CConsole::MC_Network, CConsole::ML_Warning); });
     connect(&m_session, &CSession::signal_LoginRefused, this,
-            [this](const QString &message) { DeliverToPlugins(QStringLiteral("LGNF"), message.toUtf8()); });
+            [this](const QString &key) { DeliverToPlugins(QStringLiteral("LGNF"), Texts::Get(key).toUtf8()); });
     connect(&m_plugins, &CPluginManager::signal_PluginDropped, this,
             [this](CPluginInterface *plugin) { m_router.Unregister(plugin); });
 }

@@ -2,6 +2,7 @@
 
 #include "Host.h"
 
+#include <common/Texts.h>
 #include <models/UserInfo.h>
 #include <settings/Settings.h>
 
@@ -13,13 +14,8 @@
 
 namespace {
 
-const QLatin1String TEXT_TITLE("Log in");
-const QLatin1String TEXT_NICKNAME("&Nickname");
-const QLatin1String TEXT_PASSWORD("&Password");
-const QLatin1String TEXT_NO_LINK("There is no link to the game server.");
-const QLatin1String TEXT_ASKING("Asking the game server ...");
-const QLatin1String TEXT_NO_NICKNAME("A nickname has 1 to 32 letters, digits or other signs, with no space around.");
 constexpr int FIELD_CHARACTERS = 40;
+constexpr int MESSAGE_LINES = 3;
 
 } // namespace
 
@@ -30,11 +26,13 @@ CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     , m_pPassword(new QLineEdit(this))
     , m_pMessage(new QLabel(this))
 {
-    setWindowTitle(TEXT_TITLE);
+    Texts::Bind(this, &QWidget::setWindowTitle, "LOGIN_TITLE");
     CreateFields();
     Arrange();
+    connect(&m_message, &CTranslationObject::signal_TextChanged, m_pMessage,
+            [this] { m_pMessage->setText(m_message.GetTranslatedText()); });
     connect(&host.GetSession(), &CSession::signal_LoggedIn, this, &CLoginDialog::OnLoggedIn);
-    connect(&host.GetSession(), &CSession::signal_LoginRefused, this, &CLoginDialog::ShowMessage);
+    connect(&host.GetSession(), &CSession::signal_LoginRefused, this, &CLoginDialog::ShowRefusal);
     connect(&host, &CHost::signal_ConnectionStateChanged, this, &CLoginDialog::ShowLinkState);
     ShowLinkState(host.GetServerLink().GetState());
 }
@@ -46,33 +44,41 @@ void CLoginDialog::CreateFields()
     m_pPassword->setObjectName(QStringLiteral("loginPassword"));
     m_pPassword->setEchoMode(QLineEdit::Password);
     m_pMessage->setObjectName(QStringLiteral("loginMessage"));
-    m_pMessage->setTextFormat(Qt::PlainText); // it may be the server's
     m_pMessage->setWordWrap(true);
-    m_pMessage->setMinimumHeight(fontMetrics().lineSpacing() * 2);
+    m_pMessage->setMinimumHeight(fontMetrics().lineSpacing() * MESSAGE_LINES);
 }
 
 void CLoginDialog::Arrange()
 {
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Ok)->setText(TEXT_TITLE);
+    Texts::Bind(buttons->button(QDialogButtonBox::Ok), &QPushButton::setText, "LOGIN_TITLE");
+    Texts::Bind(buttons->button(QDialogButtonBox::Cancel), &QPushButton::setText, "LOGIN_CANCEL");
     connect(buttons, &QDialogButtonBox::accepted, this, &CLoginDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &CLoginDialog::reject);
 
     auto *form = new QFormLayout(this);
-    form->addRow(TEXT_NICKNAME, m_pNickname);
-    form->addRow(TEXT_PASSWORD, m_pPassword);
+    AddField(form, "LOGIN_NICKNAME", m_pNickname);
+    AddField(form, "LOGIN_PASSWORD", m_pPassword);
     form->addRow(m_pMessage);
     form->addRow(buttons);
     (m_pNickname->text().isEmpty() ? m_pNickname : m_pPassword)->setFocus();
 }
 
+void CLoginDialog::AddField(QFormLayout *form, const char *key, QWidget *field)
+{
+    auto *label = new QLabel(this);
+    label->setBuddy(field);
+    Texts::Bind(label, &QLabel::setText, key);
+    form->addRow(label, field);
+}
+
 void CLoginDialog::accept()
 {
     if (!AccountProtocol::IsNickname(m_pNickname->text())) {
-        ShowMessage(TEXT_NO_NICKNAME);
+        ShowRefusal(QStringLiteral("LOGIN_BAD_NICKNAME"));
         return;
     }
-    m_pMessage->setText(TEXT_ASKING);
+    ShowMessage(QStringLiteral("LOGIN_ASKING"));
     setEnabled(false);
     m_host.GetSession().LogIn(m_pNickname->text(), AccountProtocol::HashPassword(m_pPassword->text()));
 }
@@ -85,17 +91,25 @@ void CLoginDialog::reject()
     CUserInfo::GetInstance()->EmitLoginCanceled();
 }
 
-void CLoginDialog::ShowMessage(const QString &message)
+void CLoginDialog::ShowMessage(const QString &key)
+{
+    m_message.SetTranslationKey(key, Texts::Area());
+}
+
+void CLoginDialog::ShowRefusal(const QString &key)
 {
     setEnabled(true);
-    m_pMessage->setText(message);
+    ShowMessage(key);
     m_pPassword->selectAll();
     m_pPassword->setFocus();
 }
 
 void CLoginDialog::ShowLinkState(EConnectionState::type state)
 {
-    m_pMessage->setText(state == EConnectionState::Connected ? QString() : TEXT_NO_LINK);
+    if (state == EConnectionState::Connected)
+        m_message.SetText(QString());
+    else
+        ShowMessage(QStringLiteral("LOGIN_NO_LINK"));
 }
 
 void CLoginDialog::OnLoggedIn()

@@ -2,9 +2,12 @@
 
 #include <plugin/ConnectionState.h>
 
+#include <translation/TranslationObject.h>
+
 #include <QDialog>
 
 class CHost;
+class QFormLayout;
 class QLabel;
 class QLineEdit;
 
@@ -24,7 +27,9 @@ public:
 private:
     void CreateFields();
     void Arrange();
-    void ShowMessage(const QString &message);
+    void AddField(QFormLayout *form, const char *key, QWidget *field);
+    void ShowMessage(const QString &key);
+    void ShowRefusal(const QString &key);
     void ShowLinkState(EConnectionState::type state);
     void OnLoggedIn();
 
@@ -32,4 +37,5 @@ private:
     QLineEdit *m_pNickname; // this and the widgets below are children
     QLineEdit *m_pPassword;
     QLabel *m_pMessage;
+    CTranslationObject m_message;
 };

@@ -2,6 +2,8 @@
 
 #include "Host.h"
 
+#include <translation/TranslationObject.h>
+
 #include <QMainWindow>
 #include <QPointer>
 #include <QTimer>
@@ -11,8 +13,8 @@ class QAction;
 class QLabel;
 class QTabWidget;
 
-/// The client's window: a tab for each plugin that has a view, and below it the state of the link, the user and the
-/// clock. It opens where it was closed.
+/// The client's window: a tab for each plugin that has a view, above it the user's money, and below it the state of
+/// the link, the jackpot, the user and the clock. It opens where it was closed.
 class CMainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -35,11 +37,14 @@ private Q_SLOTS:
     void slot_SoundsEnabledChanged();
     void slot_ClockChanged();
     void slot_LoginRequested();
-    void slot_LoginRefused(const QString &message);
+    void slot_LoginRefused(const QString &key);
+    void slot_LanguageChanged();
 
 private:
     void CreateMenu();
     void CreateStatusBar();
+    void ConnectUser();
+    void ShowMoney();
     void Connect();
     void OnGeometryChanged();
     void RememberGeometry();
@@ -47,12 +52,15 @@ private:
 
     CHost &m_host;
     QTabWidget *m_pViews; // this and the labels are children, and the actions are those of the menu
+    QLabel *m_pCashierLabel;
     QLabel *m_pConnectionLabel;
     QLabel *m_pUserLabel;
     QLabel *m_pClockLabel;
     QAction *m_pLogIn = nullptr;
     QAction *m_pLogOut = nullptr;
     QAction *m_pSounds = nullptr;
+    CTranslationObject m_connection;
+    QString m_strRefusal;                  // key of the refusal that the status bar shows, or has shown
     QPointer<CLoginDialog> m_pLoginDialog; // it deletes itself
     QTimer m_geometryTimer;                // runs while the window is being moved
 };

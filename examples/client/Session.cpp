@@ -7,9 +7,6 @@
 namespace {
 
 constexpr int ANSWER_LIMIT_MS = 10000;
-const QLatin1String TEXT_NO_LINK("There is no link to the game server.");
-const QLatin1String TEXT_LOST_LINK("The link to the game server is lost.");
-const QLatin1String TEXT_NO_ANSWER("The game server doesn't answer.");
 
 void Note(const QString &text)
 {
@@ -19,6 +16,21 @@ void Note(const QString &text)
 void NoteMalformed(const char *tag)
 {
     Note(QStringLiteral("The game server sent a malformed %1").arg(QLatin1String(tag)));
+}
+
+const char *KeyOf(AccountProtocol::ERefusal reason)
+{
+    switch (reason) {
+    case AccountProtocol::RF_BAD_NICKNAME:
+        return "LOGIN_BAD_NICKNAME";
+    case AccountProtocol::RF_NO_ACCOUNT:
+        return "LOGIN_NO_ACCOUNT";
+    case AccountProtocol::RF_WRONG_PASSWORD:
+        return "LOGIN_WRONG_PASSWORD";
+    case AccountProtocol::RF_UNKNOWN:
+        break;
+    }
+    return "LOGIN_REFUSED";
 }
 
 void SetMoney(const AccountProtocol::SAccount &account)
@@ -64,7 +76,7 @@ CSession::CSession(const TSend &send, QObject *parent)
     connect(&m_answerTimer, &QTimer::timeout, this, [this] {
         // An acceptance that is under way would make the link the user's.
         m_send(AccountProtocol::ToPacket(AccountProtocol::EncodeLogout()));
-        Refuse(TEXT_NO_ANSWER);
+        Refuse("LOGIN_NO_ANSWER");
     });
 }
 
@@ -74,7 +86,7 @@ void CSession::LogIn(const QString &nickname, const QString &hash)
         return;
     Ask(nickname, hash);
     if (!m_answerTimer.isActive())
-        Refuse(TEXT_NO_LINK);
+        Refuse("LOGIN_NO_LINK");
 }
 
 void CSession::LogOut()
@@ -93,7 +105,7 @@ void CSession::SetConnectionState(EConnectionState::type state)
     } else if (user->IsLoggedIn()) {
         m_answerTimer.stop(); // the next link asks anew
     } else if (m_answerTimer.isActive()) {
-        Refuse(TEXT_LOST_LINK);
+        Refuse("LOGIN_LOST_LINK");
     }
 }
 
@@ -105,8 +117,11 @@ bool CSession::HandleRecord(const CEvent &record)
         HandleRefused(record.data);
     else if (record.HasTags(AccountProtocol::TIME_GROUP, AccountProtocol::TIME))
         HandleTime(record.data);
+    else if (record.HasTags(AccountProtocol::CASINO_GROUP, AccountProtocol::JACKPOT))
+        HandleJackpot(record.data);
     // Records that a newer server may send are nobody else's either.
-    return record.HasTag1(AccountProtocol::GROUP) || record.HasTag1(AccountProtocol::TIME_GROUP);
+    return record.HasTag1(AccountProtocol::GROUP) || record.HasTag1(AccountProtocol::TIME_GROUP) ||
+           record.HasTag1(AccountProtocol::CASINO_GROUP);
 }
 
 void CSession::HandleAccepted(const QByteArray &payload)
@@ -135,7 +150,7 @@ void CSession::HandleRefused(const QByteArray &payload)
     if (!AccountProtocol::DecodeRefused(payload, refusal))
         NoteMalformed(AccountProtocol::REFUSED);
     else if (TakeAnswerTo(refusal.strNickname))
-        Refuse(refusal.strMessage);
+        Refuse(KeyOf(refusal.eReason));
 }
 
 void CSession::HandleTime(const QByteArray &payload)
@@ -147,6 +162,15 @@ void CSession::HandleTime(const QByteArray &payload)
         NoteMalformed(AccountProtocol::TIME);
 }
 
+void CSession::HandleJackpot(const QByteArray &payload)
+{
+    AccountProtocol::SJackpot jackpot;
+    if (AccountProtocol::DecodeJackpot(payload, jackpot))
+        Q_EMIT signal_JackpotChanged(jackpot.eCurrency, jackpot.mvAmount);
+    else
+        NoteMalformed(AccountProtocol::JACKPOT);
+}
+
 void CSession::Ask(const QString &nickname, const QString &hash)
 {
     m_asked = {nickname, hash};
@@ -155,13 +179,13 @@ void CSession::Ask(const QString &nickname, const QString &hash)
 }
 
 // Whoever is logged in was so on the last link, and isn't any more.
-void CSession::Refuse(const QString &message)
+void CSession::Refuse(const char *key)
 {
     m_answerTimer.stop();
     CUserInfo *user = CUserInfo::GetInstance();
     if (user->IsLoggedIn())
         EndLogin();
-    Q_EMIT signal_LoginRefused(message);
+    Q_EMIT signal_LoginRefused(QString::fromLatin1(key));
 }
 
 // The server may spell a nickname in another case.

@@ -15,6 +15,7 @@
 #include <settings/Settings.h>
 #include <time/CasinoTime.h>
 #include <tour/Tour.h>
+#include <translation/Translation.h>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -101,6 +102,7 @@ void CreateSingletons()
     CConfig::GetInstance();
     CUserInfo::GetInstance();
     CSettings::GetInstance();
+    CTranslation::GetInstance();
     CCasinoTime::GetInstance();
 }
 
@@ -109,6 +111,7 @@ void DestroySingletons()
 {
     CSettings::GetInstance()->slot_SaveSettings(true);
     CCasinoTime::DestroyInstance();
+    CTranslation::DestroyInstance();
     CSettings::DestroyInstance();
     CUserInfo::DestroyInstance();
     CPlayerLists::DestroyInstance();

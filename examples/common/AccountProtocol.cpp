@@ -22,12 +22,36 @@ constexpr auto ACCOUNT_FIELDS = [](auto &payload, SAccount &account) {
     payload.Number(account.mvPlay);
 };
 
+ERefusal ToRefusal(char letter)
+{
+    switch (letter) {
+    case RF_BAD_NICKNAME:
+    case RF_NO_ACCOUNT:
+    case RF_WRONG_PASSWORD:
+        return static_cast<ERefusal>(letter);
+    default:
+        return RF_UNKNOWN;
+    }
+}
+
 constexpr auto REFUSAL_FIELDS = [](auto &payload, SRefusal &refusal) {
     payload.Text(refusal.strNickname, MAX_NICKNAME_LENGTH);
-    payload.Text(refusal.strMessage, MAX_MESSAGE_LENGTH);
+    payload.Letter(refusal.eReason, &ToRefusal);
 };
 
 constexpr auto TIME_FIELDS = [](auto &payload, quint32 &seconds) { payload.Number(seconds); };
+
+constexpr auto JACKPOT_FIELDS = [](auto &payload, SJackpot &jackpot) {
+    payload.Letter(jackpot.eCurrency, &Globals::GetMoneyType);
+    payload.Number(jackpot.mvAmount);
+};
+
+const char *GroupOf(const QByteArray &payload)
+{
+    if (payload.startsWith(TIME))
+        return TIME_GROUP;
+    return payload.startsWith(JACKPOT) ? CASINO_GROUP : GROUP;
+}
 
 } // namespace
 
@@ -68,6 +92,11 @@ QByteArray EncodeTime(quint32 seconds)
     return Payload::Encode(TIME, seconds, TIME_FIELDS);
 }
 
+QByteArray EncodeJackpot(const SJackpot &jackpot)
+{
+    return Payload::Encode(JACKPOT, jackpot, JACKPOT_FIELDS);
+}
+
 bool DecodeLogin(const QByteArray &payload, SLogin &login)
 {
     return Payload::Decode(LOGIN, payload, login, LOGIN_FIELDS);
@@ -88,9 +117,14 @@ bool DecodeTime(const QByteArray &payload, quint32 &seconds)
     return Payload::Decode(TIME, payload, seconds, TIME_FIELDS);
 }
 
+bool DecodeJackpot(const QByteArray &payload, SJackpot &jackpot)
+{
+    return Payload::Decode(JACKPOT, payload, jackpot, JACKPOT_FIELDS);
+}
+
 QByteArray ToPacket(const QByteArray &payload)
 {
-    return Payload::ToPackets(payload.startsWith(TIME) ? TIME_GROUP : GROUP, {payload});
+    return Payload::ToPackets(GroupOf(payload), {payload});
 }
 
 } // namespace AccountProtocol

@@ -6,11 +6,12 @@
 #include <QString>
 
 /// What the client and the game server say to each other about the user's account, in records of packets of the group
-/// "ACCT", and the server's clock in packets of the group "TIME".
+/// "ACCT", the server's clock in packets of the group "TIME", and the jackpot in packets of the group "CASI".
 ///
 /// The client logs in with LOGIN, the only record of its packet, and the server answers ACCEPTED or REFUSED. From
 /// then on the link is the user's, until LOGOUT, another LOGIN, or its end. The server sends TIME unasked: as the
-/// first packet of a link, and every now and then.
+/// first packet of a link, and every now and then. Whoever has asked for the list of tables gets a JACKPOT each time
+/// that it has grown.
 ///
 /// The fields of a payload stand in the order of the structures below, in the form of Payload.h. A decoder takes a
 /// payload with its tag. It answers false, and changes nothing, unless the fields fill the payload exactly.
@@ -25,9 +26,11 @@ inline constexpr char REFUSED[] = "LGRF";  // one SRefusal
 inline constexpr char TIME_GROUP[] = "TIME";
 inline constexpr char TIME[] = "SECS"; // seconds since 1970 UTC, 32 bits
 
-// In UTF-16 code units. Encoding cuts a longer text, and a payload with one doesn't decode.
+inline constexpr char CASINO_GROUP[] = "CASI";
+inline constexpr char JACKPOT[] = "JPOT"; // one SJackpot
+
+/// In UTF-16 code units. Encoding cuts a longer nickname, and a payload with one doesn't decode.
 inline constexpr int MAX_NICKNAME_LENGTH = 32;
-inline constexpr int MAX_MESSAGE_LENGTH = 200;
 /// Of HashPassword().
 inline constexpr int HASH_LENGTH = 64;
 
@@ -45,10 +48,25 @@ struct SAccount
     GlobalDefines::MoneyValue mvPlay = 0;
 };
 
+/// Why a login is refused; one letter.
+enum ERefusal : char {
+    RF_UNKNOWN = '-', ///< The server's reason is none of those that the client knows.
+    RF_BAD_NICKNAME = 'B',
+    RF_NO_ACCOUNT = 'N',
+    RF_WRONG_PASSWORD = 'P',
+};
+
 struct SRefusal
 {
     QString strNickname; ///< As it was asked for.
-    QString strMessage;  ///< For people to read.
+    ERefusal eReason = RF_UNKNOWN;
+};
+
+/// The bad beat jackpot.
+struct SJackpot
+{
+    GlobalDefines::MoneyType eCurrency = GlobalDefines::MONEYTYPE_UNKNOWN; ///< One letter.
+    GlobalDefines::MoneyValue mvAmount = 0;
 };
 
 /// Whether a user may be called so: 1 to 32 characters that print, with no space around them.
@@ -67,11 +85,13 @@ QByteArray EncodeLogout();
 QByteArray EncodeAccepted(const SAccount &account);
 QByteArray EncodeRefused(const SRefusal &refusal);
 QByteArray EncodeTime(quint32 seconds);
+QByteArray EncodeJackpot(const SJackpot &jackpot);
 
 bool DecodeLogin(const QByteArray &payload, SLogin &login);
 bool DecodeAccepted(const QByteArray &payload, SAccount &account);
 bool DecodeRefused(const QByteArray &payload, SRefusal &refusal);
 bool DecodeTime(const QByteArray &payload, quint32 &seconds);
+bool DecodeJackpot(const QByteArray &payload, SJackpot &jackpot);
 
 /// A packet of the payload's group with this one record.
 QByteArray ToPacket(const QByteArray &payload);

@@ -39,9 +39,23 @@ constexpr auto COUNT_FIELDS = [](auto &payload, SPlayerCount &count) {
     payload.Number(count.usPlayers);
 };
 
+ESeatResult ToSeatResult(char letter)
+{
+    switch (letter) {
+    case SR_TAKEN:
+    case SR_CLOSED:
+    case SR_FULL:
+    case SR_NOT_LOGGED_IN:
+        return static_cast<ESeatResult>(letter);
+    default:
+        return SR_UNKNOWN;
+    }
+}
+
 constexpr auto SEAT_ANSWER_FIELDS = [](auto &payload, SSeatAnswer &answer) {
     payload.Number(answer.uiTableID);
-    payload.Text(answer.strMessage, MAX_MESSAGE_LENGTH);
+    payload.Letter(answer.eResult, &ToSeatResult);
+    payload.Number(answer.usPlace);
 };
 
 } // namespace

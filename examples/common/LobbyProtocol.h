@@ -27,9 +27,8 @@ inline constexpr char SEAT_ANSWER[] = "SANS";   // one SSeatAnswer
 
 /// A server has no more tables than this, and a client need not keep more.
 inline constexpr int MAX_TABLES = 10000;
-// In UTF-16 code units. Encoding cuts a longer text, and a payload with one doesn't decode.
+/// In UTF-16 code units. Encoding cuts a longer name, and a payload with one doesn't decode.
 inline constexpr int MAX_NAME_LENGTH = 64;
-inline constexpr int MAX_MESSAGE_LENGTH = 200;
 
 /// Unknown letters and codes decode as what Globals::GetTableType() and its like make of them.
 struct STable
@@ -53,10 +52,20 @@ struct SPlayerCount
     quint16 usPlayers = 0;
 };
 
+/// What became of a request for a seat; one letter.
+enum ESeatResult : char {
+    SR_UNKNOWN = '-', ///< There is no seat, for a reason that is none of those that the client knows.
+    SR_TAKEN = 'T',
+    SR_CLOSED = 'C',
+    SR_FULL = 'F',
+    SR_NOT_LOGGED_IN = 'L',
+};
+
 struct SSeatAnswer
 {
     quint32 uiTableID = 0;
-    QString strMessage; ///< For people to read: which seat it is, or why there is none.
+    ESeatResult eResult = SR_UNKNOWN;
+    quint16 usPlace = 0; ///< The seat, if there is one.
 };
 
 QByteArray EncodeGetList();

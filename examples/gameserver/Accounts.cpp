@@ -62,20 +62,19 @@ QString CAccounts::AddEntry(const SEntry &entry)
     return QString();
 }
 
-QString CAccounts::LogIn(const SLogin &login, SAccount &account) const
+std::optional<AccountProtocol::ERefusal> CAccounts::LogIn(const SLogin &login, SAccount &account) const
 {
     if (!AccountProtocol::IsNickname(login.strNickname))
-        return QStringLiteral("A nickname has 1 to %1 characters that can be printed, and no space around them.")
-            .arg(AccountProtocol::MAX_NICKNAME_LENGTH);
+        return AccountProtocol::RF_BAD_NICKNAME;
     const auto entry = m_entries.constFind(login.strNickname.toLower());
     const bool known = entry != m_entries.constEnd();
     if (!known && !m_newcomer)
-        return QStringLiteral("There is no account with this nickname.");
+        return AccountProtocol::RF_NO_ACCOUNT;
     const SEntry &found = known ? *entry : *m_newcomer;
     if (login.strHash != found.strHash)
-        return QStringLiteral("Nickname and password don't fit together.");
+        return AccountProtocol::RF_WRONG_PASSWORD;
     account = found.account;
     if (!known)
         account.strNickname = login.strNickname;
-    return QString();
+    return std::nullopt;
 }

@@ -17,8 +17,9 @@ public:
     /// False, with \a error for whoever wrote the file, if it can't be read or one row isn't right.
     bool Load(const QString &fileName, QString &error);
 
-    /// Why there is no account for this login, for its user to read; empty, with the \a account, if there is one.
-    QString LogIn(const AccountProtocol::SLogin &login, AccountProtocol::SAccount &account) const;
+    /// Why there is no account for this login; nothing, with the \a account, if there is one.
+    std::optional<AccountProtocol::ERefusal> LogIn(const AccountProtocol::SLogin &login,
+                                                   AccountProtocol::SAccount &account) const;
 
 private:
     struct SEntry

@@ -18,6 +18,10 @@ constexpr int TIME_PACKETS_MS = 10000;
 constexpr int MAX_CLIENTS = 500;
 // One table in this many sees somebody come or go in a second.
 constexpr quint32 TABLES_FOR_A_MOVE = 10;
+// In cents. At the limit somebody has won the jackpot, and it begins anew.
+constexpr quint32 JACKPOT_BEGIN = 1234567;
+constexpr quint32 JACKPOT_LIMIT = 5000000;
+constexpr quint32 JACKPOT_STEP = 250;
 
 QByteArray TimePacket()
 {
@@ -25,17 +29,23 @@ QByteArray TimePacket()
     return AccountProtocol::ToPacket(AccountProtocol::EncodeTime(now));
 }
 
-// Takes a place, if the user may have one, and says what came of it.
-QString TakeSeat(STable *table, const QString &nickname)
+// Empty if nothing has changed.
+QByteArray CountPackets(const QVector<SPlayerCount> &changes)
+{
+    return changes.isEmpty() ? QByteArray() : LobbyProtocol::ToPackets(LobbyProtocol::EncodePlayerCounts(changes));
+}
+
+// Takes a place, if the user may have one.
+LobbyProtocol::ESeatResult TakeSeat(STable *table, const QString &nickname)
 {
     if (!table)
-        return QStringLiteral("This table has been closed.");
+        return LobbyProtocol::SR_CLOSED;
     if (nickname.isEmpty())
-        return QStringLiteral("Only who is logged in gets a seat.");
+        return LobbyProtocol::SR_NOT_LOGGED_IN;
     if (table->usPlayers == table->usPlaces)
-        return QStringLiteral("%1 has no free seat.").arg(table->strName);
+        return LobbyProtocol::SR_FULL;
     ++table->usPlayers;
-    return QStringLiteral("%1 has place %2 at %3.").arg(nickname).arg(table->usPlayers).arg(table->strName);
+    return LobbyProtocol::SR_TAKEN;
 }
 
 } // namespace
@@ -44,6 +54,7 @@ CGameServer::CGameServer(const QVector<STable> &tables, const CAccounts &account
     : m_tables(tables)
     , m_accounts(accounts)
     , m_random(seed)
+    , m_uiJackpot(JACKPOT_BEGIN)
     , m_iHalfSentLimit(halfSentLimit)
 {
     connect(&m_server, &QTcpServer::newConnection, this, &CGameServer::OnNewConnection);
@@ -85,17 +96,17 @@ void CGameServer::SendList(CClientLink *client) const
     for (const STable &table : m_tables)
         payloads.append(LobbyProtocol::EncodeTable(table));
     payloads.append(LobbyProtocol::EncodeListEnd(static_cast<quint32>(m_tables.size())));
-    client->Send(LobbyProtocol::ToPackets(payloads));
+    client->Send(LobbyProtocol::ToPackets(payloads) + JackpotPacket());
 }
 
 void CGameServer::LogIn(CClientLink *client, const AccountProtocol::SLogin &login) const
 {
     AccountProtocol::SAccount account;
-    const QString reason = m_accounts.LogIn(login, account);
-    if (reason.isEmpty())
-        client->Accept(account);
+    const auto refusal = m_accounts.LogIn(login, account);
+    if (refusal)
+        client->Refuse({login.strNickname, *refusal});
     else
-        client->Refuse({login.strNickname, reason});
+        client->Accept(account);
 }
 
 void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)
@@ -103,10 +114,11 @@ void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)
     const auto table = std::find_if(m_tables.begin(), m_tables.end(),
                                     [tableID](const STable &candidate) { return candidate.uiID == tableID; });
     STable *found = table == m_tables.end() ? nullptr : &*table;
-    const QString answer = TakeSeat(found, client->GetNickname());
-    client->Send(LobbyProtocol::ToPackets({LobbyProtocol::EncodeSeatAnswer({tableID, answer})}));
+    const LobbyProtocol::ESeatResult result = TakeSeat(found, client->GetNickname());
+    const quint16 place = result == LobbyProtocol::SR_TAKEN ? found->usPlayers : quint16(0);
+    client->Send(LobbyProtocol::ToPackets({LobbyProtocol::EncodeSeatAnswer({tableID, result, place})}));
     if (found)
-        SendToSubscribers({{tableID, found->usPlayers}});
+        SendToSubscribers(CountPackets({{tableID, found->usPlayers}}));
 }
 
 void CGameServer::SendTime() const
@@ -123,13 +135,24 @@ void CGameServer::OnTick()
         if (MovePlayers(table))
             changes.append({table.uiID, table.usPlayers});
     }
-    if (!changes.isEmpty())
-        SendToSubscribers(changes);
+    GrowJackpot();
+    SendToSubscribers(CountPackets(changes) + JackpotPacket());
 }
 
-void CGameServer::SendToSubscribers(const QVector<SPlayerCount> &changes) const
+void CGameServer::GrowJackpot()
 {
-    const QByteArray packets = LobbyProtocol::ToPackets(LobbyProtocol::EncodePlayerCounts(changes));
+    m_uiJackpot += 1 + static_cast<quint32>(m_random()) % JACKPOT_STEP;
+    if (m_uiJackpot >= JACKPOT_LIMIT)
+        m_uiJackpot = JACKPOT_BEGIN;
+}
+
+QByteArray CGameServer::JackpotPacket() const
+{
+    return AccountProtocol::ToPacket(AccountProtocol::EncodeJackpot({GlobalDefines::MONEYTYPE_DOLLAR, m_uiJackpot}));
+}
+
+void CGameServer::SendToSubscribers(const QByteArray &packets) const
+{
     const QVector<CClientLink *> clients = m_clients;
     for (CClientLink *client : clients) {
         if (client->IsSubscribed())

@@ -12,14 +12,15 @@
 
 class CClientLink;
 
-/// Serves the list of tables to clients on this machine, lets the players come and go, knows who may log in, and
-/// tells the time.
+/// Serves the list of tables to clients on this machine, lets the players come and go and the jackpot grow, knows
+/// who may log in, and tells the time.
 class CGameServer : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The same \a seed makes the same players come and go. For \a halfSentLimit see CClientLink.
+    /// The same \a seed makes the same players come and go, and the jackpot grow alike. For \a halfSentLimit see
+    /// CClientLink.
     CGameServer(const QVector<LobbyProtocol::STable> &tables, const CAccounts &accounts, quint32 seed,
                 int halfSentLimit);
 
@@ -36,12 +37,15 @@ private:
     void SendList(CClientLink *client) const;
     void LogIn(CClientLink *client, const AccountProtocol::SLogin &login) const;
     void GiveSeat(CClientLink *client, quint32 tableID);
-    void SendToSubscribers(const QVector<LobbyProtocol::SPlayerCount> &changes) const;
+    void GrowJackpot();
+    QByteArray JackpotPacket() const;
+    void SendToSubscribers(const QByteArray &packets) const;
     bool MovePlayers(LobbyProtocol::STable &table);
 
     QVector<LobbyProtocol::STable> m_tables;
     CAccounts m_accounts;
     std::mt19937 m_random;
+    quint32 m_uiJackpot; // cents
     int m_iHalfSentLimit;
     QTcpServer m_server;
     QTimer m_tick;

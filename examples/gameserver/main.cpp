@@ -48,7 +48,7 @@ bool ReadOptions(const QCoreApplication &application, SOptions &options, QString
                                   QStringLiteral("Port on 127.0.0.1; 0, the default, is any."),
                                   QStringLiteral("number"), QStringLiteral("0"));
     const QCommandLineOption seed(QStringLiteral("seed"),
-                                  QStringLiteral("Seed for the coming and going of players; default 1."),
+                                  QStringLiteral("Seed for the players' moves and the jackpot; default 1."),
                                   QStringLiteral("number"), QStringLiteral("1"));
     const QCommandLineOption idle(QStringLiteral("idle-ms"),
                                   QStringLiteral("Milliseconds that a packet may stay half-sent; default 15000."),

@@ -86,6 +86,9 @@ int CTour::Run()
     ShowClock();
     ShowCancelledLogin();
     ShowLogin();
+    ShowRunningNumbers();
+    ShowLanguages();
+    ShowTimezones();
     ShowSettings();
     ShowSecondUser();
     ShowFirstUserAgain();
@@ -118,11 +121,12 @@ void CTour::Step(const QString &text, const TAction &action, const TLook &look)
 {
     if (m_bFailed)
         return;
+    m_strFault.clear();
     action();
     QString seen;
     m_bFailed = !QTest::qWaitFor([&] { return !(seen = look()).isEmpty(); }, STEP_LIMIT_MS);
     QTextStream(stdout) << (m_bFailed ? "FAILED " : "ok     ") << ++m_iSteps << ". " << text << ": "
-                        << (m_bFailed ? QStringLiteral("not seen") : seen) << Qt::endl;
+                        << (m_bFailed ? QLatin1String("not seen ") + m_strFault : seen) << Qt::endl;
 }
 
 void CTour::ShowStart()
@@ -136,6 +140,7 @@ void CTour::ShowStart()
     Step(QStringLiteral("The operator's configuration is in force"), nothing,
          [this] { return CConfigDB::GetInstance()->IsOpen() ? m_window.windowTitle() : QString(); });
     Step(QStringLiteral("The installation brings its languages"), nothing, [] { return SeeLanguages(); });
+    ChooseLanguage(QStringLiteral("English"), {});
     Step(QStringLiteral("Another program reads the user's new databases"), nothing,
          [] { return SeeUserDatabases(); });
     Step(QStringLiteral("Without a game server the client waits"), nothing,
@@ -241,6 +246,7 @@ QString CTour::SeeFilledLobby() const
 QString CTour::SaveScreenshot(QWidget &widget, const QString &name) const
 {
     QCoreApplication::processEvents(); // a changed text may still wait for its layout
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     const QPixmap picture = widget.grab();
     const QString file = m_options.strOutput + QLatin1Char('/') + name + QLatin1String(".png");
     if (!picture.save(file))

@@ -49,6 +49,10 @@ private:
     void ShowClock();
     void ShowCancelledLogin();
     void ShowLogin();
+    void ShowDialogLanguages();
+    void ShowLanguages();
+    void ShowRunningNumbers();
+    void ShowTimezones();
     void ShowSettings();
     void ShowSecondUser();
     void ShowFirstUserAgain();
@@ -72,6 +76,12 @@ private:
     QString SeeSeat(const QString &nickname) const;
     QString SeeRows(const QStringList &rows) const;
 
+    void ChooseEntry(const char *menu, const QString &text) const;
+    void ChooseLanguage(const QString &language, const QStringList &rows);
+    QString GetChosenEntry(const char *menu) const;
+    QString SeeTexts(const QString &language);
+    int SeeJackpot() const;
+
     template <typename Object>
     Object *Find(const char *objectName = nullptr) const
     {
@@ -84,6 +94,7 @@ private:
     CGameServerProcess m_gameServer;
     QString m_strServerLine;  // what the game server said when it started
     QString m_strLastRequest; // the last packet that a plugin sent
+    QString m_strFault;       // why the last step doesn't see what it waits for, if it knows
     int m_iCountChanges = 0;  // player counts that changed in the lobby
     int m_iSteps = 0;
     bool m_bFailed = false;

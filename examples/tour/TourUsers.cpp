@@ -2,6 +2,7 @@
 
 #include <client/LoginDialog.h>
 #include <client/MainWindow.h>
+#include <common/Texts.h>
 #include <files/Pathes.h>
 #include <time/CasinoTime.h>
 
@@ -19,7 +20,7 @@ namespace {
 const QString FIRST_PASSWORD = QStringLiteral("river");
 const QString SECOND_NICKNAME = QStringLiteral("Robin");
 const QString SECOND_PASSWORD = QStringLiteral("guest"); // opens an account under any new nickname
-const QString NOBODY = QStringLiteral("Not logged in");
+const char NOBODY[] = "USER_NONE";                       // key of what stands in place of a nickname
 
 // The users' settings as "user|key|value", read with another program. Rows without a time aren't counted.
 QStringList ReadSettingsRows()
@@ -61,7 +62,7 @@ void CTour::ShowCancelledLogin()
         [this] { return SeeDialog(); });
     Step(
         QStringLiteral("The user gives it up"), [this] { QTest::keyClick(Find<CLoginDialog>(), Qt::Key_Escape); },
-        [this] { return SeeUser(NOBODY); });
+        [this] { return SeeUser(Texts::Get(NOBODY)); });
 }
 
 void CTour::ShowLogin()
@@ -74,21 +75,16 @@ void CTour::ShowLogin()
         [this] {
             const auto *message = Find<QLabel>("loginMessage");
             const bool isSeen =
-                message && message->isEnabled() && message->text().startsWith(QLatin1String("Nickname"));
+                message && message->isEnabled() && message->text() == Texts::Get("LOGIN_WRONG_PASSWORD");
             return isSeen ? message->text() : QString();
         });
-    Step(
-        QStringLiteral("A picture of the dialog"), [] {},
-        [this] { return SaveScreenshot(*Find<CLoginDialog>(), QStringLiteral("login")); });
+    ShowDialogLanguages();
     Step(
         QStringLiteral("The user logs in"), [this] { TypeLogin(FIRST_NICKNAME, FIRST_PASSWORD); },
         [this] { return SeeUser(FIRST_NICKNAME); });
     Step(
         QStringLiteral("What waited for it goes out, and is answered"), [] {},
         [this] { return SeeSeat(FIRST_NICKNAME); });
-    Step(
-        QStringLiteral("A picture with a user"), [] {},
-        [this] { return SaveScreenshot(m_window, QStringLiteral("logged-in")); });
 }
 
 void CTour::ShowSettings()
@@ -128,6 +124,8 @@ void CTour::ShowSettings()
 
 void CTour::ShowSecondUser()
 {
+    ChooseLanguage(QStringLiteral("Deutsch"),
+                   {QStringLiteral("magnolia|selectedlanguage|3"), QStringLiteral("|selectedlanguage|3")});
     LogOut();
     LogIn(SECOND_NICKNAME, SECOND_PASSWORD, FIRST_NICKNAME);
     Step(
@@ -139,6 +137,15 @@ void CTour::ShowSecondUser()
             return SeeRows(
                 {QStringLiteral("robin|ringgamefilter|omaha"), QStringLiteral("robin|soundsenabled|false")});
         });
+    Step(
+        QStringLiteral("The language as well"), [] {},
+        [this] {
+            return SeeTexts(QStringLiteral("Deutsch")).isEmpty()
+                       ? QString()
+                       : SeeRows({QStringLiteral("robin|selectedlanguage|3")});
+        });
+    ChooseLanguage(QStringLiteral("English"),
+                   {QStringLiteral("robin|selectedlanguage|2"), QStringLiteral("magnolia|selectedlanguage|3")});
     Step(
         QStringLiteral("Another choice leaves the first user's as it is"),
         [this] { TypeFilter(QStringLiteral("stud")); },
@@ -161,6 +168,9 @@ void CTour::ShowFirstUserAgain()
     Step(
         QStringLiteral("The first user finds the own choices"), [] {},
         [this] { return Find<QAction>("sounds")->isChecked() ? QString() : SeeFilter(QStringLiteral("omaha")); });
+    Step(
+        QStringLiteral("And the own language"), [] {}, [this] { return SeeTexts(QStringLiteral("Deutsch")); });
+    ChooseLanguage(QStringLiteral("English"), {QStringLiteral("magnolia|selectedlanguage|2")});
     Step(
         QStringLiteral("Without them the list is whole again"),
         [this] {
@@ -208,7 +218,7 @@ void CTour::LogOut()
 {
     Step(
         QStringLiteral("The user logs out"), [this] { Find<QAction>("logOut")->trigger(); },
-        [this] { return SeeUser(NOBODY); });
+        [this] { return SeeUser(Texts::Get(NOBODY)); });
 }
 
 void CTour::TypeLogin(const QString &nickname, const QString &password) const
@@ -242,7 +252,7 @@ QString CTour::SeeFilter(const QString &text) const
 QString CTour::SeeSeat(const QString &nickname) const
 {
     const QString status = Find<QLabel>("lobbyStatus")->text();
-    return status.contains(nickname + QLatin1String(" has place")) ? status : QString();
+    return status.contains(nickname) ? status : QString();
 }
 
 QString CTour::SeeRows(const QStringList &rows) const

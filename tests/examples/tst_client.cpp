@@ -3,7 +3,9 @@
 #include <client/Host.h>
 #include <files/Console.h>
 #include <models/UserInfo.h>
+#include <settings/Settings.h>
 #include <tour/TourServers.h>
+#include <translation/Translation.h>
 
 #include <QtTest>
 
@@ -62,6 +64,8 @@ private Q_SLOTS:
 
     void cleanupTestCase()
     {
+        CTranslation::DestroyInstance();
+        CSettings::DestroyInstance();
         CUserInfo::DestroyInstance();
         CPlayerModel::DestroyInstances();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -1,9 +1,11 @@
 #include <common/LobbyProtocol.h>
+#include <database/TranslationDB.h>
 #include <files/Console.h>
 #include <models/UserInfo.h>
 #include <plugin/PluginInterface.h>
 #include <settings/Settings.h>
 #include <time/CasinoTime.h>
+#include <translation/Translation.h>
 
 #include <QtTest>
 #include <QtWidgets>
@@ -15,11 +17,15 @@ class tst_lobby : public QObject
 {
     Q_OBJECT
 
-    enum EColumn { COL_NAME, COL_TYPE, COL_GAME, COL_STAKES, COL_PLAYERS };
+    enum EColumn { COL_NAME, COL_TYPE, COL_GAME, COL_STAKES, COL_PLAYERS, COL_START };
+    enum ELanguage { ENGLISH = 2, GERMAN = 3 }; // ids in the example's catalogue
 
 private Q_SLOTS:
     void initTestCase()
     {
+        QDir::setCurrent(QStringLiteral(CLIENT_FOLDER));
+        QVERIFY(CTranslationDB::GetInstance()->Init());
+        CSettings::GetInstance()->SetSelectedLanguage(ENGLISH);
         QPluginLoader loader(QStringLiteral(LOBBY_PLUGIN_PATH));
         m_pPlugin = qobject_cast<CPluginInterface *>(loader.instance());
         QVERIFY2(m_pPlugin, qPrintable(loader.errorString()));
@@ -34,6 +40,7 @@ private Q_SLOTS:
     void cleanupTestCase()
     {
         m_pView.reset();
+        CTranslation::DestroyInstance();
         CSettings::DestroyInstance();
         CUserInfo::DestroyInstance();
         CCasinoTime::DestroyInstance();
@@ -53,7 +60,7 @@ private Q_SLOTS:
     void listFillsAndSorts()
     {
         QCOMPARE(Column(COL_NAME), QStringLiteral("Aare,Bann,Cork"));
-        QCOMPARE(Column(COL_STAKES), QStringLiteral("$0.50/$1.00,$42,949,672.95/$1.00,$9.00/$1.00"));
+        QCOMPARE(Column(COL_STAKES), QStringLiteral("$0.50/$1,$42,949,672.95/$1,$9/$1"));
         QCOMPARE(Column(COL_PLAYERS), QStringLiteral("9/10,10/10,2/10"));
         m_pTable->sortByColumn(COL_STAKES, Qt::AscendingOrder);
         QCOMPARE(Column(COL_NAME), QStringLiteral("Aare,Cork,Bann"));
@@ -72,7 +79,7 @@ private Q_SLOTS:
     void malformedRecordsChangeNothing()
     {
         const auto records =
-            QVector<QByteArray>{Table(9, "Ghent", 5), EncodeListEnd(0), EncodeSeatAnswer({1, QStringLiteral("x")})} +
+            QVector<QByteArray>{Table(9, "Ghent", 5), EncodeListEnd(0), EncodeSeatAnswer({1, SR_TAKEN, 2})} +
             EncodePlayerCounts({{1, 3}});
         for (const QByteArray &record : records) {
             for (int length = 4; length <= record.size(); ++length) {
@@ -137,18 +144,76 @@ private Q_SLOTS:
         QCOMPARE(sent.at(1).at(0).value<CEvent>().data, ToPackets({EncodeSeatRequest(2)}));
         CUserInfo::GetInstance()->SetLoggedIn(QString());
 
-        Deliver({EncodeSeatAnswer({2, QStringLiteral("Seat 4.")})});
-        QCOMPARE(Status(), QStringLiteral("3 tables - Seat 4."));
+        Deliver({EncodeSeatAnswer({2, SR_FULL, 0})});
+        QCOMPARE(Status(), QStringLiteral("3 tables - Bann has no free seat."));
+        Deliver({EncodeSeatAnswer({2, ESeatResult('?'), 0})}); // of a newer server
+        QCOMPARE(Status(), QStringLiteral("3 tables - The game server gives no seat."));
         m_pPlugin->ConnectionStateChanged(EConnectionState::Reconnecting);
-        QVERIFY(!Status().contains(QLatin1String("Seat")));
+        QVERIFY(!Status().contains(QLatin1String("seat")));
+    }
+
+    void languageChangesEveryText()
+    {
+        const auto texts = [this] {
+            const QAbstractItemModel *model = m_pTable->model();
+            const QStringList all{m_pView->findChild<QComboBox *>()->currentText(),
+                                  m_pView->findChild<QLineEdit *>()->placeholderText(),
+                                  Status(),
+                                  model->headerData(COL_PLAYERS, Qt::Horizontal).toString(),
+                                  model->index(0, COL_TYPE).data().toString(),
+                                  Column(COL_STAKES).left(8)};
+            return all.join(QLatin1Char('|'));
+        };
+        Deliver({EncodeSeatAnswer({2, SR_FULL, 0})});
+        const QString english = texts();
+        qRegisterMetaType<Qt::Orientation>();
+        QSignalSpy titles(m_pTable->model(), &QAbstractItemModel::headerDataChanged);
+        QSignalSpy cells(m_pTable->model(), &QAbstractItemModel::dataChanged);
+        CSettings::GetInstance()->SetSelectedLanguage(GERMAN);
+        QCOMPARE(texts(), QStringLiteral("Alle Tische|Name oder Spiel|3 Tische – Bann hat keinen freien Platz.|"
+                                         "Spieler|Cash Game|$\u00A00,50/$"));
+        QVERIFY(titles.size() == 1 && !cells.isEmpty());
+        CSettings::GetInstance()->SetSelectedLanguage(ENGLISH);
+        QCOMPARE(texts(), english);
+    }
+
+    void countDownsInViewTick()
+    {
+        constexpr quint32 NOW = 1800000000; // 15 January 2027, 08:00 UTC
+        constexpr quint32 DAY = 86400;
+        CSettings::GetInstance()->SetTimezoneIndex30(-CCasinoTime::iTimezoneMin); // UTC
+        CCasinoTime::GetInstance()->SetTimeUTCServer(NOW);
+        QVector<QByteArray> list{Table(1, "A", 1, 1, NOW + 1), Table(2, "B", 1, 1, NOW + DAY), Table(3, "C", 1)};
+        for (quint32 id = 4; id < 200; ++id)
+            list.append(Table(id, "D", 1, 1, NOW + 1)); // most of them out of view
+        Deliver(list + QVector<QByteArray>{EncodeListEnd(199)});
+        QTest::ignoreMessage(QtWarningMsg, "This plugin does not support propagateSizeHints()");
+        m_pView->show();
+        QSignalSpy changed(m_pTable->model(), &QAbstractItemModel::dataChanged);
+        const auto tick = [&] {
+            changed.clear();
+            CCasinoTime::GetInstance()->IncreaseCurrentTime();
+            return Column(COL_START).left(27);
+        };
+        QCOMPARE(tick(), QStringLiteral("00:00:00,23:59:59,,00:00:00"));
+        const int inView = changed.size();
+        QVERIFY(inView > 2 && inView < 100);
+        QCOMPARE(changed.at(0).at(0).toModelIndex(), m_pTable->model()->index(0, COL_START));
+        QCOMPARE(tick(), QStringLiteral("January 15 08:00,23:59:58,,"));
+        QCOMPARE(changed.size(), inView); // the countdowns that have ended, once more
+        tick();
+        QCOMPARE(changed.size(), 1);
+        m_pView->hide();
+        tick();
+        QVERIFY(changed.isEmpty());
     }
 
 private:
-    static QByteArray Table(quint32 id, const char *name, quint16 players, quint32 low = 50)
+    static QByteArray Table(quint32 id, const char *name, quint16 players, quint32 low = 50, quint32 start = 0)
     {
         using TDefines = GlobalDefines;
         return EncodeTable({id, QString::fromUtf8(name), TDefines::TT_NORMAL, TDefines::GT_HOLDEM,
-                            TDefines::LT_NO_LIMIT, TDefines::MONEYTYPE_DOLLAR, low, 100, 10, players, 0});
+                            TDefines::LT_NO_LIMIT, TDefines::MONEYTYPE_DOLLAR, low, 100, 10, players, start});
     }
 
     void Deliver(const QVector<QByteArray> &records)

@@ -66,9 +66,13 @@ private Q_SLOTS:
     void everyLoginEnds_data()
     {
         QTest::addColumn<QByteArray>("record");
-        QTest::newRow("refused") << EncodeRefused({QStringLiteral("Magnolia"), QStringLiteral("No.")});
-        QTest::newRow("link lost") << QByteArray();
-        QTest::newRow("no answer") << QByteArray();
+        QTest::addColumn<QString>("key");
+        const QString magnolia = QStringLiteral("Magnolia");
+        QTest::newRow("refused") << EncodeRefused({magnolia, RF_NO_ACCOUNT}) << QStringLiteral("LOGIN_NO_ACCOUNT");
+        QTest::newRow("unknown reason") << EncodeRefused({magnolia, ERefusal('?')})
+                                        << QStringLiteral("LOGIN_REFUSED");
+        QTest::newRow("link lost") << QByteArray() << QStringLiteral("LOGIN_LOST_LINK");
+        QTest::newRow("no answer") << QByteArray() << QStringLiteral("LOGIN_NO_ANSWER");
     }
 
     void everyLoginEnds()
@@ -83,6 +87,7 @@ private Q_SLOTS:
         if (end == "link lost")
             m_pSession->SetConnectionState(EConnectionState::Reconnecting);
         QTRY_COMPARE(refused.size(), 1);
+        QTEST(refused.at(0).at(0).toString(), "key");
         QVERIFY(cancelled.isEmpty()); // the user may try again
         Receive(Accepted(500));       // too late
         QVERIFY(!CUserInfo::GetInstance()->IsLoggedIn());
@@ -95,7 +100,7 @@ private Q_SLOTS:
         LogIn();
         QSignalSpy states(user, &CUserInfo::signal_LoginStateChanged);
         for (const QByteArray &answer :
-             {Accepted(300), EncodeRefused({QStringLiteral("Magnolia"), QStringLiteral("No.")})}) {
+             {Accepted(300), EncodeRefused({QStringLiteral("Magnolia"), RF_WRONG_PASSWORD})}) {
             m_pSession->SetConnectionState(EConnectionState::Reconnecting);
             QVERIFY(user->IsLoggedIn());
             m_pSession->SetConnectionState(EConnectionState::Connected);
@@ -110,8 +115,10 @@ private Q_SLOTS:
     {
         LogIn();
         m_pSession->SetConnectionState(EConnectionState::Connected); // so that answers are waited for
-        const QByteArray refused = EncodeRefused({QStringLiteral("Magnolia"), QString()});
-        for (const QByteArray &record : {Accepted(9), refused, EncodeTime(99)}) {
+        const QByteArray jackpot = EncodeJackpot({GlobalDefines::MONEYTYPE_EURO, 4294967295u});
+        QSignalSpy jackpots(m_pSession.data(), &CSession::signal_JackpotChanged);
+        const QByteArray refused = EncodeRefused({QStringLiteral("Magnolia"), RF_WRONG_PASSWORD});
+        for (const QByteArray &record : {Accepted(9), refused, EncodeTime(99), jackpot}) {
             for (int length = 4; length <= record.size(); ++length) {
                 CConsole::Clear();
                 Receive(length < record.size() ? record.left(length) : record + 'x');
@@ -120,6 +127,9 @@ private Q_SLOTS:
         }
         QVERIFY(CUserInfo::GetInstance()->IsLoggedIn() && CUserInfo::GetInstance()->GetRealMoney() == 500);
         QCOMPARE(CCasinoTime::GetInstance()->GetTimeUTCServer(), 0u);
+        QVERIFY(jackpots.isEmpty());
+        Receive(jackpot);
+        QCOMPARE(jackpots.value(0).value(1).toUInt(), 4294967295u);
     }
 
 private:
@@ -136,8 +146,8 @@ private:
 
     void Receive(const QByteArray &record)
     {
-        CEvent event = CEvent::Create(QLatin1String(record.startsWith(TIME) ? TIME_GROUP : GROUP),
-                                      QLatin1String(record.left(4)));
+        const QByteArray group = ToPacket(record).left(4);
+        CEvent event = CEvent::Create(QLatin1String(group), QLatin1String(record.left(4)));
         event.data = record;
         QVERIFY(m_pSession->HandleRecord(event));
     }

@@ -2,12 +2,31 @@
 
 #include "LobbyView.h"
 
+#include <common/Texts.h>
 #include <files/Console.h>
+#include <models/UserInfo.h>
 
 namespace {
 
 const QLatin1String TEXT_MALFORMED("Lobby: the game server sent something malformed, which was ignored. Further "
                                    "cases on this connection are not reported.");
+
+const char *KeyOf(LobbyProtocol::ESeatResult result)
+{
+    switch (result) {
+    case LobbyProtocol::SR_TAKEN:
+        return "SEAT_TAKEN";
+    case LobbyProtocol::SR_CLOSED:
+        return "SEAT_CLOSED";
+    case LobbyProtocol::SR_FULL:
+        return "SEAT_FULL";
+    case LobbyProtocol::SR_NOT_LOGGED_IN:
+        return "SEAT_NOT_LOGGED_IN";
+    case LobbyProtocol::SR_UNKNOWN:
+        break;
+    }
+    return "SEAT_REFUSED";
+}
 
 } // namespace
 
@@ -28,7 +47,7 @@ void CLobbyPlugin::RegisterForEvents()
 void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
 {
     m_pModel->SetStale();
-    Q_EMIT signal_SeatAnswered(QString());
+    Q_EMIT signal_SeatAnswered(CTranslationItem());
     ForgetIncoming();
     m_bWarned = false;
     if (state != EConnectionState::Connected)
@@ -47,7 +66,7 @@ QWidget *CLobbyPlugin::CreateView(QWidget *parent)
 
 void CLobbyPlugin::RequestSeat(quint32 tableID)
 {
-    Q_EMIT signal_SeatAnswered(QString());
+    Q_EMIT signal_SeatAnswered(CTranslationItem());
     const QByteArray request = LobbyProtocol::EncodeSeatRequest(tableID);
     SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), request.size(), true);
 }
@@ -105,7 +124,11 @@ bool CLobbyPlugin::HandleSeatAnswer(const QByteArray &payload)
     LobbyProtocol::SSeatAnswer answer;
     if (!LobbyProtocol::DecodeSeatAnswer(payload, answer))
         return false;
-    Q_EMIT signal_SeatAnswered(answer.strMessage);
+    const LobbyProtocol::STable *table = m_pModel->FindTable(answer.uiTableID);
+    Q_EMIT signal_SeatAnswered(
+        Texts::MakeItem(KeyOf(answer.eResult), {{"#nickname#", CUserInfo::GetInstance()->GetNickname()},
+                                                {"#place#", uint(answer.usPlace)},
+                                                {"#table#", table ? table->strName : QString()}}));
     return true;
 }
 

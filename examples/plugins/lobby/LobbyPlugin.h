@@ -3,6 +3,7 @@
 #include "TableListModel.h"
 
 #include <plugin/PluginInterface.h>
+#include <translation/TranslationItem.h>
 
 #include <QSet>
 
@@ -29,7 +30,7 @@ public:
 
 Q_SIGNALS:
     /// What the game server says to a request for a seat; empty when that isn't of interest any more.
-    void signal_SeatAnswered(const QString &message);
+    void signal_SeatAnswered(const CTranslationItem &answer);
 
 private:
     void RequestSeat(quint32 tableID);

@@ -1,6 +1,8 @@
 #include "LobbyView.h"
 
+#include <common/Texts.h>
 #include <settings/Settings.h>
+#include <time/CasinoTime.h>
 
 #include <QComboBox>
 #include <QHeaderView>
@@ -15,23 +17,10 @@
 
 namespace {
 
-const QLatin1String TEXT_TITLE("Lobby");
-const QLatin1String TEXT_FILTER("Name or game");
-const QLatin1String TEXT_ALL("All tables");
-const QLatin1String TEXT_RING_GAMES("Ring games");
-const QLatin1String TEXT_SIT_AND_GOS("Sit & Gos");
-const QLatin1String TEXT_TOURNAMENTS("Tournaments");
-const QLatin1String TEXT_TABLES("%1 tables");
-const QLatin1String TEXT_SOME_TABLES("%1 of %2 tables");
-const QLatin1String TEXT_STALE(" - may be out of date, waiting for the game server");
-const QLatin1String TEXT_WAITING("Waiting for the game server");
-
 constexpr int ANY_TYPE = 0;
 constexpr int MINIMUM_ROWS = 8;
-// About the widest text that a column holds.
-const QLatin1String COLUMN_SAMPLES[] = {
-    QLatin1String("Six-Seat Turbo Special"), QLatin1String("Tournament"), QLatin1String("PL Omaha Hi/Lo"),
-    QLatin1String("$200.00 + $15.00"),       QLatin1String("1000/1000"),  QLatin1String("30 Sep, 00:00")};
+const QLatin1String LONG_NAME("Silver Mountain Championship");
+const QLatin1String LONG_PLAYERS("1000/1000");
 
 } // namespace
 
@@ -84,14 +73,16 @@ CLobbyView::CLobbyView(CTableListModel *model, QWidget *parent)
     , m_pTable(new QTableView(this))
     , m_pStatus(new QLabel(this))
 {
-    setWindowTitle(TEXT_TITLE);
+    Texts::Bind(this, &QWidget::setWindowTitle, "LOBBY_TITLE");
     m_pStatus->setObjectName(QStringLiteral("lobbyStatus"));
-    m_pStatus->setTextFormat(Qt::PlainText); // a part of it may be the server's
+    m_pStatus->setTextFormat(Qt::PlainText); // names in it are the server's
     m_pStatus->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     CreateFilterLine();
     CreateTable();
     Arrange();
-    connect(m_pModel, &CTableListModel::signal_ListChanged, this, &CLobbyView::ShowState);
+    connect(m_pModel, &CTableListModel::signal_ListChanged, this, &CLobbyView::slot_ListChanged);
+    connect(m_pModel, &CTableListModel::signal_TextsChanged, this, &CLobbyView::slot_TextsChanged);
+    connect(CCasinoTime::GetInstance(), &CCasinoTime::signal_TimeChanged, this, &CLobbyView::slot_ClockChanged);
     const CSettings *settings = CSettings::GetInstance();
     connect(settings, &CSettings::signal_RinggameFilterChanged, this, &CLobbyView::slot_FilterSettingChanged);
     connect(settings, &CSettings::signal_SelectedGametypeChanged, this, &CLobbyView::slot_FilterSettingChanged);
@@ -99,22 +90,28 @@ CLobbyView::CLobbyView(CTableListModel *model, QWidget *parent)
     ShowState();
 }
 
-void CLobbyView::ShowSeatAnswer(const QString &message)
+void CLobbyView::ShowSeatAnswer(const CTranslationItem &answer)
 {
-    m_strSeatAnswer = message;
+    m_seatAnswer = answer;
     ShowState();
 }
 
 void CLobbyView::CreateFilterLine()
 {
     m_pText->setObjectName(QStringLiteral("lobbyFilter"));
-    m_pText->setPlaceholderText(TEXT_FILTER);
+    Texts::Bind(m_pText, &QLineEdit::setPlaceholderText, "LOBBY_FILTER");
     m_pText->setClearButtonEnabled(true);
     m_pType->setObjectName(QStringLiteral("lobbyType"));
-    m_pType->addItem(TEXT_ALL, ANY_TYPE);
-    m_pType->addItem(TEXT_RING_GAMES, int(GlobalDefines::TT_NORMAL));
-    m_pType->addItem(TEXT_SIT_AND_GOS, int(GlobalDefines::TT_SITANDGO));
-    m_pType->addItem(TEXT_TOURNAMENTS, int(GlobalDefines::TT_TOURNAMENT));
+    m_pType->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    for (const auto &[key, type] : {std::pair<const char *, int>{"LOBBY_ALL", ANY_TYPE},
+                                    {"LOBBY_RING_GAMES", GlobalDefines::TT_NORMAL},
+                                    {"LOBBY_SIT_AND_GOS", GlobalDefines::TT_SITANDGO},
+                                    {"LOBBY_TOURNAMENTS", GlobalDefines::TT_TOURNAMENT}}) {
+        const int item = m_pType->count();
+        m_pType->addItem(QString(), type);
+        Texts::Bind(
+            m_pType, [item](QComboBox *box, const QString &text) { box->setItemText(item, text); }, key);
+    }
     const auto *find = new QShortcut(QKeySequence::Find, this);
     connect(find, &QShortcut::activated, m_pText, [this] { m_pText->setFocus(Qt::ShortcutFocusReason); });
     connect(m_pText, &QLineEdit::returnPressed, m_pTable, [this] { m_pTable->setFocus(Qt::OtherFocusReason); });
@@ -140,23 +137,45 @@ void CLobbyView::CreateTable()
     m_pTable->verticalHeader()->hide();
     m_pTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     m_pTable->horizontalHeader()->setHighlightSections(false);
-    SetColumnWidths();
+    SetColumnWidths(false);
 }
 
-// The name takes what the others leave, which is never less than it needs.
-void CLobbyView::SetColumnWidths()
+// The name takes what the others leave, which is never less than it needs. A column that the user has made wider
+// stays so until the language or the time zone changes.
+void CLobbyView::SetColumnWidths(bool onlyWiden)
 {
     QHeaderView *header = m_pTable->horizontalHeader();
     const int margins = fontMetrics().horizontalAdvance(QLatin1Char('M'));
+    const int mark = style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, header); // for any column to sort by
     int sum = m_pTable->verticalScrollBar()->sizeHint().width() + margins;
     for (int column = 0; column < CTableListModel::COL_COUNT; ++column) {
-        const int text = fontMetrics().horizontalAdvance(COLUMN_SAMPLES[column]);
-        const int width = qMax(text + margins, header->sectionSizeHint(column));
-        header->resizeSection(column, width);
+        const int width = qMax(GetTextWidth(column) + margins, header->sectionSizeHint(column) + mark);
+        header->resizeSection(column, onlyWiden ? qMax(width, header->sectionSize(column)) : width);
         sum += width;
     }
     header->setSectionResizeMode(CTableListModel::COL_NAME, QHeaderView::Stretch);
     m_pTable->setMinimumSize(sum, m_pTable->verticalHeader()->defaultSectionSize() * (MINIMUM_ROWS + 1));
+}
+
+// The types and games there are; of the others about the widest that there may be, for names are the server's choice.
+int CLobbyView::GetTextWidth(int column) const
+{
+    QSet<QString> texts;
+    if (column == CTableListModel::COL_NAME)
+        texts.insert(LONG_NAME);
+    else if (column == CTableListModel::COL_STAKES)
+        texts.insert(m_pModel->GetTexts().GetLongStakes());
+    else if (column == CTableListModel::COL_PLAYERS)
+        texts.insert(LONG_PLAYERS);
+    else if (column == CTableListModel::COL_START)
+        texts.insert(m_pModel->GetTexts().GetLongestDate());
+    else
+        for (int row = 0; row < m_pModel->rowCount(); ++row)
+            texts.insert(m_pModel->index(row, column).data().toString());
+    int width = 0;
+    for (const QString &text : qAsConst(texts))
+        width = qMax(width, fontMetrics().horizontalAdvance(text));
+    return width;
 }
 
 void CLobbyView::Arrange()
@@ -206,17 +225,48 @@ void CLobbyView::slot_FilterSettingChanged()
     ApplyFilter();
 }
 
-void CLobbyView::ShowState()
+void CLobbyView::slot_ListChanged()
+{
+    SetColumnWidths(true);
+    ShowState();
+}
+
+void CLobbyView::slot_TextsChanged()
+{
+    m_seatAnswer.ReTranslate();
+    SetColumnWidths(false);
+    ShowState();
+}
+
+void CLobbyView::slot_ClockChanged()
+{
+    const int first = m_pTable->rowAt(0);
+    if (!isVisible() || first < 0)
+        return;
+    const int last = m_pTable->rowAt(m_pTable->viewport()->height() - 1);
+    for (int row = first; row <= (last < 0 ? m_pFilter->rowCount() - 1 : last); ++row)
+        m_pModel->RefreshCountDown(m_pFilter->mapToSource(m_pFilter->index(row, 0)).row());
+}
+
+QString CLobbyView::MakeStatus() const
 {
     const int all = m_pModel->rowCount();
     const int shown = m_pFilter->rowCount();
-    QString text = shown == all ? QString(TEXT_TABLES).arg(all) : QString(TEXT_SOME_TABLES).arg(shown).arg(all);
-    if (m_pModel->IsStale())
-        text = all == 0 ? QString(TEXT_WAITING) : text + TEXT_STALE;
-    if (!m_strSeatAnswer.isEmpty())
-        text += QLatin1String(" - ") + m_strSeatAnswer;
-    m_pStatus->setText(text);
+    CTranslationItem status =
+        Texts::MakeItem(shown == all ? "LOBBY_TABLES" : "LOBBY_SOME_TABLES", {{"#n#", shown}, {"#all#", all}});
+    if (m_pModel->IsStale() && all == 0)
+        status = Texts::MakeItem("LOBBY_WAITING");
+    else if (m_pModel->IsStale())
+        status = Texts::MakeItem("LOBBY_STALE", {{"#tables#", status.GetTranslatedText()}});
+    if (!m_seatAnswer.GetTranslatedText().isEmpty())
+        status = Texts::MakeItem("LOBBY_ANSWER", {{"#status#", status.GetTranslatedText()},
+                                                  {"#answer#", m_seatAnswer.GetTranslatedText()}});
+    return status.GetTranslatedText();
+}
 
+void CLobbyView::ShowState()
+{
+    m_pStatus->setText(MakeStatus());
     QPalette palette;
     if (m_pModel->IsStale())
         palette.setColor(QPalette::Text, this->palette().color(QPalette::Disabled, QPalette::Text));

@@ -2,6 +2,8 @@
 
 #include "TableListModel.h"
 
+#include <translation/TranslationItem.h>
+
 #include <QWidget>
 
 class CTableFilter;
@@ -21,7 +23,7 @@ public:
     CLobbyView(CTableListModel *model, QWidget *parent);
 
     /// Adds an answer of the game server to the status line, until the next one; an empty one takes it off.
-    void ShowSeatAnswer(const QString &message);
+    void ShowSeatAnswer(const CTranslationItem &answer);
 
 Q_SIGNALS:
     /// The user wants to play at this table.
@@ -29,15 +31,20 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void slot_FilterSettingChanged();
+    void slot_ListChanged();
+    void slot_TextsChanged();
+    void slot_ClockChanged();
 
 private:
     void CreateFilterLine();
     void CreateTable();
-    void SetColumnWidths();
+    void SetColumnWidths(bool onlyWiden);
+    int GetTextWidth(int column) const;
     void Arrange();
     void ApplyFilter();
     void RememberFilter();
     int IndexOfStoredType() const;
+    QString MakeStatus() const;
     void ShowState();
 
     CTableListModel *m_pModel;
@@ -46,5 +53,5 @@ private:
     QComboBox *m_pType;
     QTableView *m_pTable;
     QLabel *m_pStatus;
-    QString m_strSeatAnswer;
+    CTranslationItem m_seatAnswer;
 };

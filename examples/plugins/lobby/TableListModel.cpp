@@ -1,8 +1,7 @@
 #include "TableListModel.h"
 
-#include <QDateTime>
-#include <QLocale>
-#include <QSet>
+#include <time/CasinoTime.h>
+#include <translation/Translation.h>
 
 #include <limits>
 
@@ -11,64 +10,9 @@ using LobbyProtocol::STable;
 
 namespace {
 
-const QLatin1String COLUMN_TITLES[] = {QLatin1String("Name"),    QLatin1String("Type"),
-                                       QLatin1String("Game"),    QLatin1String("Stakes / Buy-in"),
-                                       QLatin1String("Players"), QLatin1String("Start")};
-const QLatin1String TEXT_RING_GAME("Ring game");
-const QLatin1String TEXT_PRIVATE("Private");
-const QLatin1String TEXT_RESTRICTED("Restricted");
-const QLatin1String TEXT_SIT_AND_GO("Sit & Go");
-const QLatin1String TEXT_TOURNAMENT("Tournament");
-const QLatin1String TEXT_FREE("Free");
-const QLatin1String TEXT_POINTS("%1 pts");
-const QLatin1String FORMAT_START("d MMM, hh:mm");
-
-QString TypeText(GlobalDefines::TableType type)
-{
-    switch (type) {
-    case GlobalDefines::TT_PRIVATE:
-        return TEXT_PRIVATE;
-    case GlobalDefines::TT_RESTRICTED:
-        return TEXT_RESTRICTED;
-    case GlobalDefines::TT_SITANDGO:
-        return TEXT_SIT_AND_GO;
-    case GlobalDefines::TT_TOURNAMENT:
-        return TEXT_TOURNAMENT;
-    case GlobalDefines::TT_NORMAL:
-        break;
-    }
-    return TEXT_RING_GAME;
-}
-
-QString MoneyText(GlobalDefines::MoneyValue amount, GlobalDefines::MoneyType money)
-{
-    const QLocale english(QLocale::English);
-    QString hundredths = english.toString(amount / 100.0, 'f', 2);
-    switch (money) {
-    case GlobalDefines::MONEYTYPE_DOLLAR:
-        return QLatin1Char('$') + hundredths;
-    case GlobalDefines::MONEYTYPE_EURO:
-        return QChar(0x20AC) + hundredths;
-    case GlobalDefines::MONEYTYPE_POINTS:
-        return QString(TEXT_POINTS).arg(hundredths);
-    case GlobalDefines::MONEYTYPE_PLAY:
-    case GlobalDefines::MONEYTYPE_TOURN:
-        return english.toString(amount);
-    case GlobalDefines::MONEYTYPE_UNKNOWN:
-        break;
-    }
-    return hundredths;
-}
-
-// Stakes of a game, or buy-in and fee of a tournament.
-QString StakesText(const STable &table)
-{
-    const bool buyIn = table.eType == GlobalDefines::TT_TOURNAMENT || table.eType == GlobalDefines::TT_SITANDGO;
-    if (buyIn && table.mvLow == 0 && table.mvHigh == 0)
-        return TEXT_FREE;
-    const QString separator = buyIn ? QStringLiteral(" + ") : QStringLiteral("/");
-    return MoneyText(table.mvLow, table.eMoney) + separator + MoneyText(table.mvHigh, table.eMoney);
-}
+const QString COLUMN_KEYS[] = {QStringLiteral("LOBBY_COLUMN_NAME"),    QStringLiteral("LOBBY_COLUMN_TYPE"),
+                               QStringLiteral("LOBBY_COLUMN_GAME"),    QStringLiteral("LOBBY_COLUMN_STAKES"),
+                               QStringLiteral("LOBBY_COLUMN_PLAYERS"), QStringLiteral("LOBBY_COLUMN_START")};
 
 // Amounts of different money don't compare, so each kind stays together; a sum takes 33 bits.
 quint64 StakesSortValue(const STable &table)
@@ -76,33 +20,7 @@ quint64 StakesSortValue(const STable &table)
     return (quint64(table.eMoney) << 33) + table.mvLow + quint64(table.mvHigh);
 }
 
-QString StartText(const STable &table)
-{
-    if (table.uiStart == 0)
-        return QString();
-    return QLocale(QLocale::English).toString(QDateTime::fromSecsSinceEpoch(table.uiStart), FORMAT_START);
-}
-
-QString CellText(const STable &table, int column)
-{
-    switch (column) {
-    case CTableListModel::COL_NAME:
-        return table.strName;
-    case CTableListModel::COL_TYPE:
-        return TypeText(table.eType);
-    case CTableListModel::COL_GAME:
-        return Globals::GetUntranslatedGameName(table.eGame, table.eLimit);
-    case CTableListModel::COL_STAKES:
-        return StakesText(table);
-    case CTableListModel::COL_PLAYERS:
-        return QStringLiteral("%1/%2").arg(table.usPlayers).arg(table.usPlaces);
-    case CTableListModel::COL_START:
-        return StartText(table);
-    default:
-        return QString();
-    }
-}
-
+// Invalid for a column that sorts by its text.
 QVariant SortValue(const STable &table, int column)
 {
     switch (column) {
@@ -114,7 +32,7 @@ QVariant SortValue(const STable &table, int column)
         // Tables without a start come behind all that have one.
         return table.uiStart == 0 ? std::numeric_limits<quint32>::max() : table.uiStart;
     default:
-        return CellText(table, column);
+        return QVariant();
     }
 }
 
@@ -129,6 +47,16 @@ QVariant Alignment(int column)
 CTableListModel::CTableListModel(QObject *parent)
     : QAbstractTableModel(parent)
 {
+    connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this,
+            &CTableListModel::slot_TextsChanged);
+    connect(CCasinoTime::GetInstance(), &CCasinoTime::signal_TimeZoneChanged, this,
+            &CTableListModel::slot_TextsChanged);
+}
+
+const STable *CTableListModel::FindTable(quint32 id) const
+{
+    const int row = m_rows.value(id, -1);
+    return row < 0 ? nullptr : &m_tables.at(row);
 }
 
 void CTableListModel::SetStale()
@@ -139,6 +67,8 @@ void CTableListModel::SetStale()
 
 void CTableListModel::SetTables(const QVector<STable> &tables)
 {
+    m_texts.Forget();
+    m_counting.clear();
     RemoveAllBut(tables);
 
     QVector<STable> added;
@@ -170,6 +100,18 @@ void CTableListModel::SetPlayers(const SPlayerCount &count)
     Q_EMIT dataChanged(index(row, COL_PLAYERS), index(row, COL_PLAYERS));
 }
 
+// A countdown that has ended makes room for a date.
+void CTableListModel::RefreshCountDown(int row)
+{
+    const STable &table = m_tables.at(row);
+    const bool counts = CTableTexts::IsCountingDown(table);
+    if (!counts && !m_counting.remove(table.uiID))
+        return;
+    if (counts)
+        m_counting.insert(table.uiID);
+    Q_EMIT dataChanged(index(row, COL_START), index(row, COL_START), {Qt::DisplayRole});
+}
+
 int CTableListModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : m_tables.size();
@@ -187,8 +129,10 @@ QVariant CTableListModel::data(const QModelIndex &index, int role) const
     const STable &table = m_tables.at(index.row());
     if (role == Qt::DisplayRole)
         return CellText(table, index.column());
-    if (role == SORT_ROLE)
-        return SortValue(table, index.column());
+    if (role == SORT_ROLE) {
+        const QVariant value = SortValue(table, index.column());
+        return value.isValid() ? value : CellText(table, index.column());
+    }
     return role == Qt::TextAlignmentRole ? Alignment(index.column()) : QVariant();
 }
 
@@ -197,8 +141,37 @@ QVariant CTableListModel::headerData(int section, Qt::Orientation orientation, i
     if (orientation != Qt::Horizontal || section < 0 || section >= COL_COUNT)
         return QVariant();
     if (role == Qt::DisplayRole)
-        return QString(COLUMN_TITLES[section]);
+        return m_texts.GetText(COLUMN_KEYS[section]);
     return role == Qt::TextAlignmentRole ? Alignment(section) : QVariant();
+}
+
+QString CTableListModel::CellText(const STable &table, int column) const
+{
+    switch (column) {
+    case COL_NAME:
+        return table.strName;
+    case COL_TYPE:
+        return m_texts.GetType(table.eType);
+    case COL_GAME:
+        return m_texts.GetGame(table);
+    case COL_STAKES:
+        return m_texts.GetStakes(table);
+    case COL_PLAYERS:
+        return QStringLiteral("%1/%2").arg(table.usPlayers).arg(table.usPlaces);
+    case COL_START:
+        return m_texts.GetStart(table);
+    default:
+        return QString();
+    }
+}
+
+void CTableListModel::slot_TextsChanged()
+{
+    m_texts.Forget();
+    Q_EMIT headerDataChanged(Qt::Horizontal, 0, COL_COUNT - 1);
+    if (!m_tables.isEmpty())
+        Q_EMIT dataChanged(index(0, 0), index(m_tables.size() - 1, COL_COUNT - 1));
+    Q_EMIT signal_TextsChanged();
 }
 
 void CTableListModel::RemoveAllBut(const QVector<STable> &tables)

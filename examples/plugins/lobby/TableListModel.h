@@ -1,9 +1,10 @@
 #pragma once
 
-#include <common/LobbyProtocol.h>
+#include "TableTexts.h"
 
 #include <QAbstractTableModel>
 #include <QHash>
+#include <QSet>
 
 /// The tables of the game server, a row each, in no order of note.
 class CTableListModel : public QAbstractTableModel
@@ -18,6 +19,9 @@ public:
     explicit CTableListModel(QObject *parent);
 
     const LobbyProtocol::STable &GetTable(int row) const { return m_tables.at(row); }
+    /// Null if there is no such table; good until the next change.
+    const LobbyProtocol::STable *FindTable(quint32 id) const;
+    CTableTexts &GetTexts() const { return m_texts; }
     /// Whether the tables are as the server last knew them, but may have changed since.
     bool IsStale() const { return m_bStale; }
     void SetStale();
@@ -26,6 +30,9 @@ public:
     void SetTables(const QVector<LobbyProtocol::STable> &tables);
     /// Does nothing if there is no such table.
     void SetPlayers(const LobbyProtocol::SPlayerCount &count);
+    /// Signals the start of a row whose countdown has moved on. To be called each second for the rows in view; the
+    /// others need it only when they come into view, and then are asked for anyway.
+    void RefreshCountDown(int row);
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
@@ -35,12 +42,20 @@ public:
 Q_SIGNALS:
     /// Behind SetTables() and SetStale().
     void signal_ListChanged();
+    /// All texts are others, in another language or time zone.
+    void signal_TextsChanged();
+
+private Q_SLOTS:
+    void slot_TextsChanged();
 
 private:
     void RemoveAllBut(const QVector<LobbyProtocol::STable> &tables);
     void IndexRows();
+    QString CellText(const LobbyProtocol::STable &table, int column) const;
 
     QVector<LobbyProtocol::STable> m_tables;
     QHash<quint32, int> m_rows; // by table id
+    QSet<quint32> m_counting;   // ids of tables that were signalled as counting down
+    mutable CTableTexts m_texts;
     bool m_bStale = true;
 };

@@ -1,0 +1,26 @@
+#include "Texts.h"
+
+QString Texts::Area()
+{
+    return QStringLiteral("EXAMPLE");
+}
+
+QString Texts::Get(const QString &key)
+{
+    return CTranslation::GetInstance()->GetTranslatedString(key, Area(), -1);
+}
+
+QString Texts::Get(const char *key)
+{
+    return Get(QString::fromLatin1(key));
+}
+
+// The key comes last, so that it is looked up once and not for each value.
+CTranslationItem Texts::MakeItem(const char *key, std::initializer_list<QPair<const char *, QVariant>> values)
+{
+    CTranslationItem item;
+    for (const auto &[marker, value] : values)
+        item.SetPlaceholder(QString::fromLatin1(marker), value);
+    item.SetTranslationKey(QString::fromLatin1(key), Area());
+    return item;
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <translation/Translation.h>
+#include <translation/TranslationItem.h>
+
+#include <QPair>
+#include <QVariant>
+
+#include <functional>
+#include <initializer_list>
+
+/// The example's own texts, area "EXAMPLE" of the catalogue. Keys and markers are ASCII.
+namespace Texts {
+
+/// The area of all of them.
+QString Area();
+
+QString Get(const QString &key);
+QString Get(const char *key);
+
+/// A text with values in place of its markers, which its owner translates again.
+CTranslationItem MakeItem(const char *key, std::initializer_list<QPair<const char *, QVariant>> values = {});
+
+/// Calls \a action now and on each change of the language, as long as \a owner lives.
+template <typename Action>
+void Follow(QObject *owner, const Action &action)
+{
+    QObject::connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, owner, action);
+    action();
+}
+
+/// Gives the text to \a object, now and on each change of the language. \a setter is a member of the object, or takes
+/// the object first.
+template <typename Object, typename Setter>
+void Bind(Object *object, Setter setter, const char *key)
+{
+    Follow(object, [object, setter, key] { std::invoke(setter, object, Get(key)); });
+}
+
+} // namespace Texts

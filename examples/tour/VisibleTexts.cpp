@@ -1,0 +1,148 @@
+#include "VisibleTexts.h"
+
+#include <common/Texts.h>
+#include <database/TranslationDB.h>
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QRegularExpression>
+#include <QStyleOptionComboBox>
+#include <QTabBar>
+#include <QTableView>
+
+namespace {
+
+const QString ENGLISH_ID = QStringLiteral("2");
+
+int TextWidth(const QWidget &widget, const QString &text)
+{
+    return widget.fontMetrics().size(Qt::TextShowMnemonic, text).width();
+}
+
+void AddLabel(const QLabel &label, QVector<SVisibleText> &texts)
+{
+    if (label.wordWrap())
+        texts.append({label.text(), label.heightForWidth(label.width()), label.height()});
+    else
+        texts.append({label.text(), label.sizeHint().width(), label.width()});
+}
+
+void AddComboBox(const QComboBox &box, QVector<SVisibleText> &texts)
+{
+    QStyleOptionComboBox option;
+    option.initFrom(&box);
+    const QRect field = box.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box);
+    for (int i = 0; i < box.count(); ++i)
+        texts.append({box.itemText(i), TextWidth(box, box.itemText(i)), field.width()});
+}
+
+void AddTabs(const QTabBar &tabs, QVector<SVisibleText> &texts)
+{
+    for (int i = 0; i < tabs.count(); ++i)
+        texts.append({tabs.tabText(i), TextWidth(tabs, tabs.tabText(i)), tabs.tabRect(i).width()});
+}
+
+void AddMenus(const QMenuBar &bar, QVector<SVisibleText> &texts)
+{
+    const QList<QAction *> menus = bar.actions();
+    for (QAction *menu : menus)
+        texts.append({menu->text(), TextWidth(bar, menu->text()), bar.actionGeometry(menu).width()});
+}
+
+// The rows out of view too: they may be scrolled to.
+void AddTable(const QTableView &table, QVector<SVisibleText> &texts)
+{
+    const QHeaderView &header = *table.horizontalHeader();
+    for (int column = 0; column < header.count(); ++column) {
+        const int margins = 2 * (table.style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
+        const QString title = table.model()->headerData(column, Qt::Horizontal).toString();
+        texts.append({title, header.sectionSizeHint(column), header.sectionSize(column)});
+        for (int row = 0; row < table.model()->rowCount(); ++row) {
+            const QModelIndex cell = table.model()->index(row, column);
+            const QString text = cell.data().toString();
+            texts.append({text, TextWidth(table, text) + margins, table.columnWidth(column), true});
+        }
+    }
+}
+
+void AddWidget(const QWidget &widget, QVector<SVisibleText> &texts)
+{
+    if (const auto *label = qobject_cast<const QLabel *>(&widget))
+        AddLabel(*label, texts);
+    else if (const auto *button = qobject_cast<const QAbstractButton *>(&widget))
+        texts.append({button->text(), button->sizeHint().width(), button->width()});
+    else if (const auto *box = qobject_cast<const QComboBox *>(&widget))
+        AddComboBox(*box, texts);
+    else if (const auto *line = qobject_cast<const QLineEdit *>(&widget))
+        texts.append({line->placeholderText(), TextWidth(*line, line->placeholderText()), line->width()});
+    else if (const auto *tabs = qobject_cast<const QTabBar *>(&widget))
+        AddTabs(*tabs, texts);
+    else if (const auto *bar = qobject_cast<const QMenuBar *>(&widget))
+        AddMenus(*bar, texts);
+    else if (const auto *table = qobject_cast<const QTableView *>(&widget))
+        AddTable(*table, texts);
+    if (widget.isWindow())
+        texts.append({widget.windowTitle()});
+}
+
+// The English texts that read otherwise in the language in effect.
+QSet<QString> ReadForeignTexts()
+{
+    const QString area = QStringLiteral("TRL_cArea");
+    const QString key = QStringLiteral("TRL_cKey");
+    const QString text = QStringLiteral("TRL_cTranslation");
+    QList<QHash<QString, QVariant>> rows;
+    CTranslationDB::GetInstance()->SelectAll(rows, CTranslationDB::strTableNameTranslations, {area, key, text},
+                                             {{QStringLiteral("TRL_AVL_iID"), ENGLISH_ID}}, 0);
+    QSet<QString> own;
+    QSet<QString> english;
+    for (const auto &row : qAsConst(rows)) {
+        english.insert(row.value(text).toString());
+        own.insert(CTranslation::GetInstance()->GetTranslatedString(row.value(key).toString(),
+                                                                    row.value(area).toString(), -1));
+    }
+    return english - own;
+}
+
+} // namespace
+
+QVector<SVisibleText> CollectVisibleTexts(const QWidget &window)
+{
+    QVector<SVisibleText> texts;
+    AddWidget(window, texts);
+    const auto widgets = window.findChildren<QWidget *>();
+    for (const QWidget *widget : widgets) {
+        if (widget->isVisible())
+            AddWidget(*widget, texts);
+    }
+    const auto actions = window.findChildren<QAction *>();
+    for (const QAction *action : actions)
+        texts.append({action->text()});
+    return texts;
+}
+
+QString FindTextFault(const QVector<SVisibleText> &texts)
+{
+    static const QRegularExpression rawKey(QStringLiteral("NOT IN TRANSLATION|^[A-Za-z]+/[A-Za-z0-9]+_[A-Za-z0-9_]+$|"
+                                                          "^[A-Z0-9]+(_[A-Z0-9]+)+$"));
+    const QSet<QString> foreign = ReadForeignTexts();
+    for (const SVisibleText &text : texts) {
+        if (text.strText.isEmpty())
+            continue;
+        if (rawKey.match(text.strText).hasMatch())
+            return QStringLiteral("\"%1\" is no text").arg(text.strText);
+        if (text.iNeeded > text.iAvailable)
+            return QStringLiteral("\"%1\" needs %2 pixels and has %3")
+                .arg(text.strText)
+                .arg(text.iNeeded)
+                .arg(text.iAvailable);
+        if (!text.bIsContent && foreign.contains(text.strText))
+            return QStringLiteral("\"%1\" is still English").arg(text.strText);
+    }
+    return QString();
+}
