@@ -9,6 +9,7 @@
 #include <files/Console.h>
 #include <models/PlayerLists.h>
 #include <models/UserInfo.h>
+#include <network/NetworkAccessManager.h>
 #include <plugin/PluginInterface.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
@@ -20,19 +21,20 @@
 #include <QString>
 
 // Every singleton of the library; a new one is one more row.
-#define SINGLETONS(ROW) \
-    ROW(CCasinoTime)    \
-    ROW(CConfig)        \
-    ROW(CConfigDB)      \
-    ROW(CConsole)       \
-    ROW(CHandHistoryDB) \
-    ROW(CLobbyListDB)   \
-    ROW(CPlayerInfoDB)  \
-    ROW(CPlayerLists)   \
-    ROW(CSettings)      \
-    ROW(CSettingsDB)    \
-    ROW(CTranslation)   \
-    ROW(CTranslationDB) \
+#define SINGLETONS(ROW)        \
+    ROW(CCasinoTime)           \
+    ROW(CConfig)               \
+    ROW(CConfigDB)             \
+    ROW(CConsole)              \
+    ROW(CHandHistoryDB)        \
+    ROW(CLobbyListDB)          \
+    ROW(CNetworkAccessManager) \
+    ROW(CPlayerInfoDB)         \
+    ROW(CPlayerLists)          \
+    ROW(CSettings)             \
+    ROW(CSettingsDB)           \
+    ROW(CTranslation)          \
+    ROW(CTranslationDB)        \
     ROW(CUserInfo)
 
 /// Addresses of what host and plugins have to share, by name, as the including module sees them. Creates the

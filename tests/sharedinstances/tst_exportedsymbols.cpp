@@ -4,11 +4,12 @@
 
 // The public classes and namespaces.
 static const char *const PUBLIC_NAMES =
-    "CCasinoTime CConfig CConfigBase CConfigDB CConsole CCountDown CEvent CHandHistoryDB CLobbyListDB "
-    "CLocalDB CMoneySpinner CMoneySpinnerDataModel CMoneySpinnerWidget CPacketLayerWrapper CPlayerDataModel "
+    "CCasinoTime CConfig CConfigBase CConfigDB CConsole CCountDown CDownload CEvent CHandHistoryDB CLobbyListDB "
+    "CLocalDB CMoneySpinner CMoneySpinnerDataModel CMoneySpinnerWidget CNetworkAccessManager CPacketLayerWrapper "
+    "CPlayerDataModel "
     "CPlayerInfoDB CPlayerLists CPlayerModel CPluginInterface CPluginInterfaceFunctions CSettings "
     "CSettingsBase CSettingsDB CTranslation CTranslationDB CTranslationItem CTranslationObject CUserInfo "
-    "CUserInfoDataModel DBValue FileFunctions GlobalDefines Globals Pathes";
+    "CUserInfoDataModel DBValue FileFunctions GlobalDefines Globals Pathes WebRequest";
 
 // The library shows its public classes and functions and nothing else.
 class tst_ExportedSymbols : public QObject

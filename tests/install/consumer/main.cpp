@@ -24,6 +24,10 @@
 #include <money/MoneySpinnerDataTable.h>
 #include <money/MoneySpinnerWidget.h>
 #include <money/MoneyStrings.h>
+#include <network/ApplicationProxy.h>
+#include <network/Download.h>
+#include <network/NetworkAccessManager.h>
+#include <network/WebRequest.h>
 #include <plugin/ConnectionState.h>
 #include <plugin/Event.h>
 #include <plugin/GlobalDefines.h>
@@ -56,6 +60,7 @@ int main(int argc, char *argv[])
     require(Globals::GetMD5("abc") == "900150983cd24fb0d6963f7d28e17f72" && Pathes::Tmp().endsWith("/../Tmp"),
             "files");
     require(CConfig::GetInstance()->GetCashierSwapTime() == 5, "settings");
+    require(CDownload::FormatBytes(1536) == "1.5 kB" && !Globals::SetApplicationProxy(), "network");
     require(CSettings::GetInstance()->GetVolume() == 70 && CCasinoTime::GetInstance()->GetTimeUTCServer() == 0,
             "time");
     CPlayerModel player("Ann");

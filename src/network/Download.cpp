@@ -1,0 +1,202 @@
+#include "Download.h"
+
+#include <network/NetworkAccessManager.h>
+#include <network/WebRequest.h>
+
+#include <QNetworkRequest>
+
+namespace {
+
+constexpr double KILO = 1024.0;
+constexpr double MEGA = KILO * KILO;
+
+} // namespace
+
+CDownload::CDownload(QObject *parent, const QString &url, const QByteArray &postData, bool headOnly)
+    : QObject(parent)
+    , m_baseUrl(url, QUrl::TolerantMode)
+    , m_curUrl(m_baseUrl)
+    , m_postData(postData)
+    , m_bHeadOnly(headOnly)
+{
+    m_TimeoutTimer.setSingleShot(true);
+    m_TimeoutTimer.setInterval(static_cast<int>(DownloadTimeout));
+    connect(&m_TimeoutTimer, &QTimer::timeout, this, &CDownload::slot_DownloadTimeout);
+    m_UpdateTimer.setInterval(static_cast<int>(DownloadUpdateTime));
+    connect(&m_UpdateTimer, &QTimer::timeout, this, &CDownload::slot_DownloadUpdateTimer);
+}
+
+CDownload::~CDownload()
+{
+    ForgetReply();
+}
+
+void CDownload::Start()
+{
+    QTimer::singleShot(0, this, &CDownload::slot_Start);
+}
+
+void CDownload::Stop()
+{
+    StopTimers();
+    ForgetReply();
+    m_iBytesReceived = 0;
+    m_iBytesAtUpdate = 0;
+    m_iBytesTotal = 0;
+    Q_EMIT signal_Finished(false, QByteArray());
+}
+
+const QUrl &CDownload::GetBaseUrl() const
+{
+    return m_baseUrl;
+}
+
+const QUrl &CDownload::GetCurUrl() const
+{
+    return m_curUrl;
+}
+
+QString CDownload::GetName() const
+{
+    return m_curUrl.path(QUrl::FullyDecoded);
+}
+
+unsigned int CDownload::GetContentLength() const
+{
+    return m_pReply ? m_pReply->header(QNetworkRequest::ContentLengthHeader).toUInt() : 0;
+}
+
+QString CDownload::FormatBytes(qint64 bytes)
+{
+    const double value = static_cast<double>(bytes);
+    const auto format = [](double number, const char *unit) {
+        return QStringLiteral("%1 %2").arg(number, 3, 'f', 1).arg(QLatin1String(unit));
+    };
+    if (value < KILO)
+        return format(value, "bytes");
+    return value < MEGA ? format(value / KILO, "kB") : format(value / MEGA, "MB");
+}
+
+void CDownload::slot_DownloadProgress(qint64 bytesReceived, qint64 bytesTotal)
+{
+    m_iBytesReceived = bytesReceived;
+    m_iBytesTotal = bytesTotal;
+    m_TimeoutTimer.start();
+}
+
+void CDownload::slot_DownloadFinished()
+{
+    // A reply that was replaced or given up may still finish.
+    if (sender() != m_pReply)
+        return;
+    UpdateDownload();
+    StopTimers();
+    if (!m_pReply)
+        return;
+    const QVariant target = m_pReply->attribute(QNetworkRequest::RedirectionTargetAttribute);
+    if (m_pReply->error() != QNetworkReply::NoError)
+        Finish(false);
+    else if (target.isNull())
+        Finish(true);
+    else if (!FollowRedirect(target.toUrl()))
+        Finish(false);
+}
+
+void CDownload::slot_DownloadReadyRead()
+{
+    if (!m_pReply)
+        return;
+    const qint64 room = qint64(MaxBytes) - m_data.size();
+    if (m_pReply->bytesAvailable() <= room) {
+        m_data.append(m_pReply->readAll());
+        return;
+    }
+    StopTimers();
+    Finish(false);
+}
+
+void CDownload::slot_Start()
+{
+    Q_EMIT signal_Started();
+    m_uiRedirects = 0;
+    Download();
+}
+
+void CDownload::slot_DownloadTimeout()
+{
+    Stop();
+}
+
+void CDownload::slot_DownloadUpdateTimer()
+{
+    UpdateDownload();
+}
+
+void CDownload::Download()
+{
+    m_iBytesReceived = 0;
+    m_iBytesAtUpdate = 0;
+    m_iBytesTotal = 0;
+    ForgetReply();
+    StopTimers();
+    m_data.clear();
+    m_pReply = Send();
+    connect(m_pReply, &QNetworkReply::downloadProgress, this, &CDownload::slot_DownloadProgress);
+    connect(m_pReply, &QNetworkReply::finished, this, &CDownload::slot_DownloadFinished);
+    connect(m_pReply, &QNetworkReply::readyRead, this, &CDownload::slot_DownloadReadyRead);
+    m_TimeoutTimer.start();
+    m_UpdateTimer.start();
+}
+
+QNetworkReply *CDownload::Send() const
+{
+    QNetworkRequest request(m_curUrl);
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/x-www-form-urlencoded"));
+    request.setHeader(QNetworkRequest::ContentLengthHeader, m_postData.size());
+    WebRequest::SetUserAgent(&request);
+    CNetworkAccessManager *manager = CNetworkAccessManager::GetInstance();
+    if (m_bHeadOnly)
+        return manager->head(request);
+    return m_postData.isEmpty() ? manager->get(request) : manager->post(request, m_postData);
+}
+
+void CDownload::UpdateDownload()
+{
+    double speed = static_cast<double>(m_iBytesReceived - m_iBytesAtUpdate);
+    m_iBytesAtUpdate = m_iBytesReceived;
+    if (speed > 0)
+        speed = speed * 1000 / DownloadUpdateTime;
+    Q_EMIT signal_Progress(m_iBytesReceived, m_iBytesTotal,
+                           FormatBytes(static_cast<qint64>(speed)) + QLatin1String("/s"));
+}
+
+// False if the chain is too long.
+bool CDownload::FollowRedirect(const QUrl &target)
+{
+    if (m_uiRedirects >= MaxRedirects)
+        return false;
+    ++m_uiRedirects;
+    m_curUrl = m_curUrl.resolved(target);
+    Download();
+    return true;
+}
+
+void CDownload::StopTimers()
+{
+    m_TimeoutTimer.stop();
+    m_UpdateTimer.stop();
+}
+
+// What it still has to tell counts for nothing.
+void CDownload::ForgetReply()
+{
+    if (m_pReply)
+        m_pReply->deleteLater();
+    m_pReply.clear();
+}
+
+void CDownload::Finish(bool status)
+{
+    ForgetReply();
+    Q_EMIT signal_Finished(status, m_data);
+}

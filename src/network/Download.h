@@ -1,0 +1,87 @@
+#pragma once
+
+#include <Export.h>
+
+#include <QByteArray>
+#include <QNetworkReply>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QTimer>
+#include <QUrl>
+
+/// One transfer over HTTP, held in memory: a GET, a POST or a HEAD that follows redirects, watches for a stall, and
+/// tells its progress. It goes through CNetworkAccessManager and shares its thread.
+///
+/// Each Start() ends in one signal_Finished(), with false for a network error, an HTTP status of 400 and above, a
+/// stall, a chain of more than MaxRedirects redirects, or a body of more than MaxBytes. The object can be started
+/// again, then from where the last redirect has led, and doesn't delete itself.
+class PLUGININTERFACE_EXPORT CDownload : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr unsigned int DownloadTimeout = 20000;  ///< Milliseconds without a sign of life.
+    static constexpr unsigned int DownloadUpdateTime = 500; ///< Milliseconds between two reports of progress.
+    static constexpr unsigned int MaxRedirects = 3;
+    static constexpr unsigned int MaxBytes = 64u
+                                             << 20; ///< The longest body; meant for what fits in memory with ease.
+
+    /// Starts nothing. With \a headOnly it is a HEAD, else a POST of \a postData, or a GET if that is empty.
+    CDownload(QObject *parent, const QString &url, const QByteArray &postData, bool headOnly);
+    ~CDownload() override;
+
+    /// The transfer begins at the next turn of the event loop.
+    void Start();
+    /// Gives up, with signal_Finished(false, QByteArray()); that comes also when nothing was running.
+    void Stop();
+
+    /// The address given at first.
+    const QUrl &GetBaseUrl() const;
+    /// The address that the last redirect has led to.
+    const QUrl &GetCurUrl() const;
+    /// The path of the current address, decoded.
+    QString GetName() const;
+    /// What the server announces, in bytes; 0 if nothing is running.
+    unsigned int GetContentLength() const;
+
+    /// "1.5 kB": bytes, kB or MB with one decimal, not translated.
+    static QString FormatBytes(qint64 bytes);
+
+Q_SIGNALS:
+    void signal_Started();
+    /// \a data is the body, or what of it had arrived.
+    void signal_Finished(bool status, QByteArray data);
+    /// Twice a second and at the end; \a speed is for people to read, such as "1.5 kB/s".
+    void signal_Progress(qint64 bytesReceived, qint64 bytesTotal, QString speed);
+
+private Q_SLOTS:
+    void slot_DownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
+    void slot_DownloadFinished();
+    void slot_DownloadReadyRead();
+    void slot_Start();
+    void slot_DownloadTimeout();
+    void slot_DownloadUpdateTimer();
+
+private:
+    void Download();
+    QNetworkReply *Send() const;
+    void UpdateDownload();
+    bool FollowRedirect(const QUrl &target);
+    void StopTimers();
+    void ForgetReply();
+    void Finish(bool status);
+
+    qint64 m_iBytesReceived = 0;
+    qint64 m_iBytesAtUpdate = 0;
+    qint64 m_iBytesTotal = 0;
+    QTimer m_TimeoutTimer;
+    QTimer m_UpdateTimer;
+    quint32 m_uiRedirects = 0;
+    QUrl m_baseUrl;
+    QUrl m_curUrl;
+    QByteArray m_data;
+    QPointer<QNetworkReply> m_pReply; // the running one, owned
+    QByteArray m_postData;
+    bool m_bHeadOnly;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <Export.h>
+
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QSharedPointer>
+#include <QSslError>
+
+/// The one way to web servers for the whole client.
+///
+/// It goes direct, without the application's proxy, unless somebody calls setProxy(). Every request bears the
+/// client's user agent. TLS errors stop no request: what arrives over https is as trustworthy as over http, so
+/// nothing secret goes this way. A server that asks for credentials gets none. A reply belongs to who asked for it.
+/// Main thread.
+class PLUGININTERFACE_EXPORT CNetworkAccessManager : public QNetworkAccessManager
+{
+    Q_OBJECT
+
+public:
+    explicit CNetworkAccessManager(QObject *parent = nullptr);
+    ~CNetworkAccessManager() override;
+
+    /// Creates the object on first use; the library owns it.
+    static CNetworkAccessManager *GetInstance();
+    static bool IsExisting();
+    /// The object ends at the next turn of the event loop, and its replies with it.
+    static void DestroyInstance();
+
+public Q_SLOTS:
+    void slot_AuthenticationRequired(QNetworkReply *reply, QAuthenticator *auth);
+    /// Answers with user and password of the application's proxy, if it has any.
+    void slot_ProxyAuthenticationRequired(QNetworkProxy proxy, QAuthenticator *auth);
+
+protected:
+    QNetworkReply *createRequest(QNetworkAccessManager::Operation op, const QNetworkRequest &request,
+                                 QIODevice *outgoingData) override;
+
+private Q_SLOTS:
+    void slot_RequestFinished(QNetworkReply *reply);
+    void slot_SslErrors(QNetworkReply *reply, QList<QSslError> error);
+
+private:
+    static QSharedPointer<CNetworkAccessManager> m_Instance;
+};

@@ -1,0 +1,197 @@
+#include <network/ApplicationProxy.h>
+#include <network/Download.h>
+#include <network/NetworkAccessManager.h>
+#include <settings/Config.h>
+
+#include <support/Literal.h>
+
+#include <QNetworkProxy>
+#include <QtTest>
+
+#include <httplib.h>
+
+#include <thread>
+
+namespace {
+
+// A web server on loopback, in a thread of its own.
+class CWebServer
+{
+public:
+    CWebServer()
+    {
+        const auto redirect = [this](const char *from, const std::string &to) {
+            m_server.Get(from, [to](const httplib::Request &, httplib::Response &answer) {
+                answer.set_redirect(to);
+                answer.body = "moved";
+            });
+        };
+        const auto echo = [](const httplib::Request &request, httplib::Response &answer) {
+            answer.set_content(request.method + ' ' + request.get_header_value("Content-Type") + ' ' +
+                                   request.get_header_value("Content-Length") + ' ' +
+                                   request.get_header_value("User-Agent") + ' ' + request.body,
+                               "text/plain");
+        };
+        m_server.Get("/echo", echo);
+        m_server.Post("/echo", echo);
+        redirect("/dir/1", "2"); // relative
+        redirect("/dir/2", "/dir/3");
+        m_server.Get("/fault", [](const httplib::Request &, httplib::Response &answer) {
+            answer.status = 500;
+            answer.set_content("sorry", "text/plain");
+        });
+        m_server.Get("/credentials", [](const httplib::Request &, httplib::Response &answer) {
+            answer.status = 401;
+            answer.set_header("WWW-Authenticate", "Basic realm=\"x\"");
+        });
+        // So long as it is asked for, without a length.
+        m_server.Get("/endless", [](const httplib::Request &, httplib::Response &answer) {
+            answer.set_chunked_content_provider("text/plain", [](std::size_t, httplib::DataSink &sink) {
+                static const std::string chunk(1 << 20, 'x');
+                return sink.write(chunk.data(), chunk.size());
+            });
+        });
+        m_server.Get("/cut", [](const httplib::Request &, httplib::Response &answer) {
+            answer.set_content_provider(1000, "text/plain",
+                                        [](std::size_t offset, std::size_t, httplib::DataSink &sink) {
+                                            return offset == 0 && sink.write("half", 4);
+                                        });
+        });
+        m_iPort = m_server.bind_to_any_port("127.0.0.1");
+        redirect("/dir/3", "http://127.0.0.1:" + std::to_string(m_iPort) + "/echo");
+        redirect("/dir/0", "/dir/1");
+        m_thread = std::thread([this] { m_server.listen_after_bind(); });
+    }
+    ~CWebServer()
+    {
+        m_server.stop();
+        m_thread.join();
+    }
+    QString GetUrl(const QString &path) const { return "http://127.0.0.1:%1"_s.arg(m_iPort) + path; }
+
+private:
+    httplib::Server m_server;
+    int m_iPort = 0;
+    std::thread m_thread;
+};
+
+} // namespace
+
+class tst_download : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanupTestCase()
+    {
+        CNetworkAccessManager::DestroyInstance();
+        CConfig::DestroyInstance();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void Transfers_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QByteArray>("post");
+        QTest::addColumn<bool>("status");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("lastPath");
+        const QByteArray form = "application/x-www-form-urlencoded ";
+        QTest::newRow("get") << "/echo"_s << QByteArray() << true << "GET " + form + "0 QT-Win "
+                             << "/echo"_s;
+        QTest::newRow("post") << "/echo"_s << QByteArray("a=b") << true << "POST " + form + "3 QT-Win a=b"
+                              << "/echo"_s;
+        QTest::newRow("3 redirects") << "/dir/1"_s << QByteArray() << true << "GET " + form + "0 QT-Win "
+                                     << "/echo"_s;
+        QTest::newRow("4 redirects") << "/dir/0"_s << QByteArray() << false << QByteArray("moved") << "/dir/3"_s;
+        QTest::newRow("500") << "/fault"_s << QByteArray() << false << QByteArray("sorry") << "/fault"_s;
+        QTest::newRow("credentials") << "/credentials"_s << QByteArray() << false << QByteArray() << "/credentials"_s;
+        QTest::newRow("cut off") << "/cut"_s << QByteArray() << false << QByteArray("half") << "/cut"_s;
+    }
+
+    void Transfers()
+    {
+        QFETCH(QString, path);
+        QFETCH(QByteArray, post);
+        CDownload download(nullptr, m_server.GetUrl(path), post, false);
+        QSignalSpy started(&download, &CDownload::signal_Started);
+        QSignalSpy finished(&download, &CDownload::signal_Finished);
+        for (int run = 1; run <= 2 && path == "/echo"_s; ++run) { // it can be started again
+            download.Start();
+            QCOMPARE(started.size(), run - 1);
+            QTRY_COMPARE(finished.size(), run);
+        }
+        if (finished.isEmpty())
+            download.Start();
+        QTRY_VERIFY(!finished.isEmpty());
+        QTEST(finished.last().at(0).toBool(), "status");
+        QTEST(finished.last().at(1).toByteArray(), "body");
+        QTEST(download.GetName(), "lastPath");
+        QCOMPARE(download.GetBaseUrl(), QUrl(m_server.GetUrl(path)));
+        QCOMPARE(download.GetContentLength(), 0u);
+    }
+
+    void TooLongABody()
+    {
+        CDownload download(nullptr, m_server.GetUrl("/endless"_s), QByteArray(), false);
+        QSignalSpy finished(&download, &CDownload::signal_Finished);
+        download.Start();
+        QVERIFY(finished.wait(120000));
+        QCOMPARE(finished.at(0).at(0).toBool(), false);
+        const int size = finished.at(0).at(1).toByteArray().size();
+        QVERIFY(size > 0 && size <= int(CDownload::MaxBytes));
+        QVERIFY(!finished.wait(100)); // once
+    }
+
+    void Stopped()
+    {
+        CDownload download(nullptr, m_server.GetUrl("/endless"_s), QByteArray(), false);
+        QSignalSpy progress(&download, &CDownload::signal_Progress);
+        QSignalSpy finished(&download, &CDownload::signal_Finished);
+        download.Start();
+        QVERIFY(progress.wait());
+        download.Stop();
+        QCOMPARE(finished, (QList<QVariantList>{{false, QByteArray()}}));
+        QVERIFY(!finished.wait(200)); // what the reply still has to tell counts for nothing
+    }
+
+    void Bytes()
+    {
+        for (const auto &[bytes, text] :
+             {std::pair(0, "0.0 bytes"), {1023, "1023.0 bytes"}, {1536, "1.5 kB"}, {5 << 20, "5.0 MB"}})
+            QCOMPARE(CDownload::FormatBytes(bytes), QLatin1String(text));
+    }
+
+    void Proxy_data()
+    {
+        QTest::addColumn<QString>("settings");
+        QTest::addColumn<bool>("good");
+        QTest::newRow("empty") << QString() << false;
+        QTest::newRow("no object") << "[]"_s << false;
+        QTest::newRow("no port") << R"({"host": "a"})"_s << false;
+        QTest::newRow("port as text") << R"({"host": "a", "port": "80"})"_s << false;
+        QTest::newRow("large port") << R"({"host": "a", "port": 65617})"_s << false;
+        QTest::newRow("unknown type") << R"({"host": "a", "port": 81, "type": "socks4"})"_s << false;
+        QTest::newRow("good") << R"({"host": "a", "port": 81, "type": "HTTP", "user": "u", "password": "p"})"_s
+                              << true;
+        QTest::newRow("as it is") << "{}"_s << true;
+    }
+
+    void Proxy()
+    {
+        QFETCH(QString, settings);
+        QFETCH(bool, good);
+        CConfig::GetInstance()->SetConfigs({{"proxysettings"_s, settings}});
+        const QNetworkProxy before = QNetworkProxy::applicationProxy();
+        QCOMPARE(Globals::SetApplicationProxy(), good);
+        const QNetworkProxy expected(QNetworkProxy::HttpProxy, "a"_s, 81, "u"_s, "p"_s);
+        QCOMPARE(QNetworkProxy::applicationProxy(), good ? expected : before);
+        QCOMPARE(CNetworkAccessManager::GetInstance()->proxy().type(), QNetworkProxy::NoProxy);
+    }
+
+private:
+    CWebServer m_server;
+};
+
+QTEST_GUILESS_MAIN(tst_download)
+#include "tst_download.moc"
