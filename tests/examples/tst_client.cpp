@@ -1,11 +1,10 @@
 // The example client without its window: the bus, the loading of plugins and the link to the game server.
 
 #include <client/Host.h>
-#include <files/Console.h>
-#include <models/UserInfo.h>
-#include <settings/Settings.h>
 #include <tour/TourServers.h>
-#include <translation/Translation.h>
+
+#include <support/Singletons.h>
+#include <support/StubPlugin.h>
 
 #include <QtTest>
 
@@ -15,20 +14,13 @@
 
 namespace {
 
-class CTestPlugin : public CPluginInterface
+class CTestPlugin : public CStubPlugin
 {
 public:
     void ReceiveEvent(CEvent e) override { m_events.append(e); }
     void LoginFailed(QString message) override { m_strLoginMessage = message; }
-
     QString GetName() const override { return m_strName; }
-    QString GetVersion() const override { return QStringLiteral("1"); }
     QStringList GetDependencies() const override { return m_dependencies; }
-    bool Initialize() override { return true; }
-    void Start() override {}
-    bool CanClose() override { return true; }
-    void Shutdown() override {}
-    QWidget *CreateView(QWidget *) override { return nullptr; }
 
     QString m_strName;
     QStringList m_dependencies;
@@ -62,14 +54,7 @@ class tst_client : public QObject
 private Q_SLOTS:
     void init() { CConsole::Clear(); }
 
-    void cleanupTestCase()
-    {
-        CTranslation::DestroyInstance();
-        CSettings::DestroyInstance();
-        CUserInfo::DestroyInstance();
-        CPlayerModel::DestroyInstances();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    void cleanupTestCase() { DestroySingletons(); }
 
     void RouterDeliversOnceToWhoRegistered()
     {

@@ -1,10 +1,8 @@
 // The user's session, with the game server's records given by hand.
 
 #include <client/Session.h>
-#include <files/Console.h>
-#include <models/UserInfo.h>
-#include <settings/Settings.h>
-#include <time/CasinoTime.h>
+
+#include <support/Singletons.h>
 
 #include <QtTest>
 
@@ -28,11 +26,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_pSession.reset();
-        CCasinoTime::DestroyInstance();
-        CSettings::DestroyInstance();
-        CUserInfo::DestroyInstance();
-        CPlayerModel::DestroyInstances();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        DestroySingletons();
     }
 
     void loginAndLogout()

@@ -1,8 +1,8 @@
-#include <models/PlayerLists.h>
 #include <models/UserInfoDataModel.h>
 #include <money/MoneySpinnerDataModel.h>
 
 #include <support/Literal.h>
+#include <support/Singletons.h>
 
 #include <QMetaProperty>
 #include <QtTest>
@@ -143,12 +143,7 @@ class tst_players : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup()
-    {
-        CPlayerLists::DestroyInstance();
-        CPlayerModel::DestroyInstances();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    void cleanup() { DestroySingletons(); }
 
     void Fields()
     {

@@ -1,8 +1,7 @@
-#include <models/UserInfo.h>
-#include <settings/Config.h>
 
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/Singletons.h>
 
 #include <QKeyEvent>
 #include <QtTest>
@@ -15,12 +14,7 @@ class tst_userinfo : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup()
-    {
-        CUserInfo::DestroyInstance();
-        CConfig::DestroyInstance();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    void cleanup() { DestroySingletons(); }
 
     void LoginAndLogout()
     {

@@ -1,9 +1,8 @@
 #include <network/ApplicationProxy.h>
 #include <network/Download.h>
-#include <network/NetworkAccessManager.h>
-#include <settings/Config.h>
 
 #include <support/Literal.h>
+#include <support/Singletons.h>
 
 #include <QNetworkProxy>
 #include <QtTest>
@@ -82,12 +81,7 @@ class tst_download : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanupTestCase()
-    {
-        CNetworkAccessManager::DestroyInstance();
-        CConfig::DestroyInstance();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    void cleanupTestCase() { DestroySingletons(); }
 
     void Transfers_data()
     {

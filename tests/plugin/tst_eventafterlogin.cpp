@@ -1,6 +1,5 @@
-#include <models/UserInfo.h>
-#include <settings/Config.h>
 
+#include <support/Singletons.h>
 #include <support/StubPlugin.h>
 
 #include <QAbstractEventDispatcher>
@@ -49,9 +48,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_plugins.reset();
-        CUserInfo::DestroyInstance();
-        CPlayerModel::DestroyInstances();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        DestroySingletons();
     }
 
     void LoggedInAlready()

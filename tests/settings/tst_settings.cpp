@@ -1,12 +1,8 @@
-#include <database/SettingsDB.h>
 #include <files/Pathes.h>
-#include <models/UserInfo.h>
-#include <settings/Config.h>
-#include <settings/Settings.h>
-#include <time/CasinoTime.h>
 
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/Singletons.h>
 
 #include <QJsonDocument>
 #include <QProcess>
@@ -31,16 +27,6 @@ QString Rows(const char *where = "1")
     return rows.join(QLatin1Char(' '));
 }
 
-void Restart()
-{
-    CSettings::DestroyInstance();
-    CUserInfo::DestroyInstance();
-    CCasinoTime::DestroyInstance();
-    CPlayerModel::DestroyInstances();
-    CConfig::DestroyInstance();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 } // namespace
 
 class tst_settings : public QObject
@@ -55,7 +41,7 @@ private Q_SLOTS:
         CCasinoTime::GetInstance()->SetTimeUTCServer(NOW);
     }
 
-    void cleanup() { Restart(); }
+    void cleanup() { DestroySingletons(); }
 
     void DelayedWrite()
     {
@@ -142,7 +128,7 @@ private Q_SLOTS:
                  "/sounds/volume=11@1700000000 ann/sounds/volume=11@1700000000 bob/sounds/volume=22@1700000000"_s);
         QCOMPARE(Rows("URS_cUser = 'bob'").count(QLatin1Char('@')), 2);
 
-        Restart(); // a new process: the global rows apply before any login
+        DestroySingletons(); // a new process: the global rows apply before any login
         QCOMPARE(CSettings::GetInstance()->GetVolume(), 11);
     }
 
@@ -168,7 +154,7 @@ private Q_SLOTS:
 
     void OperatorsRules()
     {
-        Restart();
+        DestroySingletons();
         CConfig::GetInstance()->SetConfigs({{"avatardisplaymode"_s, "custom"_s}});
         CSettings *settings = CSettings::GetInstance();
         QCOMPARE(settings->GetAvatarDisplayMode(), int(CUserInfo::ADM_CustomAvatars));

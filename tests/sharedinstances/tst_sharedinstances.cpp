@@ -1,5 +1,5 @@
-#include <sharedinstances/Singletons.h>
 #include <support/InstallationTree.h>
+#include <support/Singletons.h>
 
 #include <QPluginLoader>
 #include <QSignalSpy>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <files/Pathes.h>
-#include <sharedinstances/Singletons.h>
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/Singletons.h>
 
 #include <QtTest>
 

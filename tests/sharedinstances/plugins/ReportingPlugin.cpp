@@ -1,4 +1,4 @@
-#include <sharedinstances/Singletons.h>
+#include <support/Singletons.h>
 #include <support/StubPlugin.h>
 
 #include <QDataStream>
