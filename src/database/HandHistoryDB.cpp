@@ -10,6 +10,7 @@ const QString CHandHistoryDB::strTableName = QStringLiteral("tbl_pokertablehandh
 CHandHistoryDB::CHandHistoryDB()
     : CLocalDB(Pathes::HandHistoryDB(), false, false)
 {
+    UseWriteAheadLog();
 }
 
 unsigned int CHandHistoryDB::GetMaxVersion()

@@ -12,6 +12,7 @@ const QString CLobbyListDB::strTableNameTourn = QStringLiteral("tbl_tournmaininf
 CLobbyListDB::CLobbyListDB()
     : CLocalDB(Pathes::LobbyListDB(), false, false)
 {
+    UseWriteAheadLog();
 }
 
 unsigned int CLobbyListDB::GetMaxVersion()

@@ -1,8 +1,10 @@
 #include "LocalDB.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlRecord>
 #include <QStringList>
+#include <QUrl>
 
 namespace {
 
@@ -210,6 +212,11 @@ QString CLocalDB::Escape(const QVariant &value)
     return value.toString().replace(QLatin1Char('\''), QLatin1String("''"));
 }
 
+void CLocalDB::UseWriteAheadLog()
+{
+    m_bWriteAheadLog = true;
+}
+
 unsigned int CLocalDB::GetMaxVersion()
 {
     return 0;
@@ -229,10 +236,37 @@ bool CLocalDB::Open()
                                   ? QSqlDatabase::database(m_strDatabase, false)
                                   : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_strDatabase);
     connection.setDatabaseName(m_strDatabase);
+    if (IsReadOnlyLog()) {
+        const QUrl file = QUrl::fromLocalFile(QFileInfo(m_strDatabase).absoluteFilePath());
+        connection.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI"));
+        connection.setDatabaseName(file.toString(QUrl::FullyEncoded) + QLatin1String("?immutable=1"));
+    }
     if (!connection.open())
         return false;
     QSqlQuery(connection).exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+    if (m_bWriteAheadLog)
+        StartWriteAheadLog();
     return IsOpen();
+}
+
+// Whether the file is known to have a log, but none could be written beside it. SQLite would refuse to read it then,
+// unless it is told that nobody writes.
+bool CLocalDB::IsReadOnlyLog() const
+{
+    const QFileInfo file(m_strDatabase);
+    return m_bWriteAheadLog && file.exists() && !QFileInfo(file.path()).isWritable() &&
+           !QFile::exists(m_strDatabase + QLatin1String("-wal"));
+}
+
+// With the log, and only with it, the file is safe though not each commit waits for the disk.
+void CLocalDB::StartWriteAheadLog() const
+{
+    QSqlQuery query(GetConnection());
+    if (query.exec(QStringLiteral("PRAGMA journal_mode = WAL")) && query.next() &&
+        query.value(0).toString() == QLatin1String("wal")) {
+        query.finish();
+        query.exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
+    }
 }
 
 bool CLocalDB::ClimbToMaxVersion(unsigned int version)

@@ -73,6 +73,13 @@ public:
     static QString Escape(const QVariant &value);
 
 protected:
+    /// For a constructor: the file is kept with a write-ahead log, where the file system allows it, so that a write
+    /// needn't wait for the disk. What a finished operation or a committed transaction has written is read by any
+    /// other connection from then on and survives a kill of the process. A loss of power may take back what was
+    /// written last, whole transactions at a time; the file itself stays sound. While it is open the log lies beside
+    /// it, as `-wal` and `-shm`, and is a part of it.
+    void UseWriteAheadLog();
+
     /// The highest schema version that the code knows.
     virtual unsigned int GetMaxVersion();
     /// Lifts the file from \a version - 1 to \a version. A released step is never changed.
@@ -80,6 +87,8 @@ protected:
 
 private:
     bool Open();
+    bool IsReadOnlyLog() const;
+    void StartWriteAheadLog() const;
     bool ClimbToMaxVersion(unsigned int version);
     bool CreateDBInfoTable();
     bool GetDBVersion(unsigned int &version);
@@ -90,5 +99,6 @@ private:
     bool m_bTransaction = false;
     bool m_bFileRequired;
     bool m_bUnversioned;
+    bool m_bWriteAheadLog = false;
     QString m_strDatabase;
 };

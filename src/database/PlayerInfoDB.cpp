@@ -11,6 +11,7 @@ const QString CPlayerInfoDB::strTableNameTags = QStringLiteral("tbl_playertags")
 CPlayerInfoDB::CPlayerInfoDB()
     : CLocalDB(Pathes::PlayerInfoDB(), false, false)
 {
+    UseWriteAheadLog();
 }
 
 unsigned int CPlayerInfoDB::GetMaxVersion()

@@ -10,6 +10,7 @@ const QString CSettingsDB::strTableName = QStringLiteral("tbl_settings");
 CSettingsDB::CSettingsDB()
     : CLocalDB(Pathes::SettingsDB(), false, false)
 {
+    UseWriteAheadLog();
 }
 
 unsigned int CSettingsDB::GetMaxVersion()

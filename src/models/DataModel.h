@@ -19,6 +19,10 @@ class QDebug;
 // field that is a pointer to a QObject is guarded: it reads as null once the object is gone, and no stream carries
 // it.
 //
+// DATA_MODEL_WATCHED_FIELDS is the same for a class that declares `FieldChanged(EField field)`, which its setters
+// call between the storing of a value and its signal. A class that acts on its own changes so needs no connection to
+// itself, of which each object would have to carry one a field.
+//
 // An enumeration travels in a stream as 32 bits; its own operator>> reads it.
 
 namespace DataModel {
@@ -33,27 +37,38 @@ using TGetter = std::conditional_t<std::is_same_v<Type, QString>, const QString 
 
 #define DATA_MODEL_PROPERTY(Type, prefix, Name, SignalType, defaultValue) \
     Q_PROPERTY(Type prefix##Name READ Get##Name WRITE Set##Name NOTIFY signal_##Name##Changed)
-#define DATA_MODEL_ACCESS(Type, prefix, Name, SignalType, defaultValue) \
-    DataModel::TGetter<Type> Get##Name() const                          \
-    {                                                                   \
-        return m_##prefix##Name;                                        \
-    }                                                                   \
-    void Set##Name(Type value)                                          \
-    {                                                                   \
-        if (m_##prefix##Name == value)                                  \
-            return;                                                     \
-        m_##prefix##Name = value;                                       \
-        Q_EMIT signal_##Name##Changed(value);                           \
+#define DATA_MODEL_ACCESS_WITH(Type, prefix, Name, changed) \
+    DataModel::TGetter<Type> Get##Name() const              \
+    {                                                       \
+        return m_##prefix##Name;                            \
+    }                                                       \
+    void Set##Name(Type value)                              \
+    {                                                       \
+        if (m_##prefix##Name == value)                      \
+            return;                                         \
+        m_##prefix##Name = value;                           \
+        changed;                                            \
+        Q_EMIT signal_##Name##Changed(value);               \
     }
+#define DATA_MODEL_ACCESS(Type, prefix, Name, SignalType, defaultValue) \
+    DATA_MODEL_ACCESS_WITH(Type, prefix, Name, static_cast<void>(0))
+#define DATA_MODEL_WATCHED_ACCESS(Type, prefix, Name, SignalType, defaultValue) \
+    DATA_MODEL_ACCESS_WITH(Type, prefix, Name, FieldChanged(EField::Name))
+#define DATA_MODEL_FIELD(Type, prefix, Name, SignalType, defaultValue) Name,
 #define DATA_MODEL_SIGNAL(Type, prefix, Name, SignalType, defaultValue) void signal_##Name##Changed(SignalType value);
 #define DATA_MODEL_MEMBER(Type, prefix, Name, SignalType, defaultValue) \
     DataModel::TMember<Type> m_##prefix##Name = defaultValue;
 
-// Stands in the class behind Q_OBJECT; what follows it is private.
-#define DATA_MODEL_FIELDS(Class, TABLE)                                                  \
+// Both stand in the class behind Q_OBJECT; what follows them is private.
+#define DATA_MODEL_FIELDS(Class, TABLE) DATA_MODEL_FIELDS_WITH(Class, TABLE, DATA_MODEL_ACCESS)
+#define DATA_MODEL_WATCHED_FIELDS(Class, TABLE)    \
+protected:                                         \
+    enum class EField { TABLE(DATA_MODEL_FIELD) }; \
+    DATA_MODEL_FIELDS_WITH(Class, TABLE, DATA_MODEL_WATCHED_ACCESS)
+#define DATA_MODEL_FIELDS_WITH(Class, TABLE, ACCESS)                                     \
     TABLE(DATA_MODEL_PROPERTY)                                                           \
 public:                                                                                  \
-    TABLE(DATA_MODEL_ACCESS)                                                             \
+    TABLE(ACCESS)                                                                        \
     friend PLUGININTERFACE_EXPORT QDataStream &operator<<(QDataStream &, const Class &); \
     friend PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &, Class &);       \
     friend PLUGININTERFACE_EXPORT QDebug operator<<(QDebug, const Class &);              \

@@ -10,4 +10,6 @@ CPlayerDataModel::CPlayerDataModel(QObject *parent)
 
 CPlayerDataModel::~CPlayerDataModel() = default;
 
+void CPlayerDataModel::FieldChanged(EField) {}
+
 DATA_MODEL_DEFINE(CPlayerDataModel, PLAYER_DATA_TABLE, 37);

@@ -14,7 +14,7 @@
 class PLUGININTERFACE_EXPORT CPlayerDataModel : public QObject
 {
     Q_OBJECT
-    DATA_MODEL_FIELDS(CPlayerDataModel, PLAYER_DATA_TABLE)
+    DATA_MODEL_WATCHED_FIELDS(CPlayerDataModel, PLAYER_DATA_TABLE)
 
 public:
     explicit CPlayerDataModel(QObject *parent = nullptr);
@@ -24,6 +24,10 @@ public:
     virtual void Reset();
     /// Called behind each read from a stream.
     virtual void LoadedFromStream();
+
+protected:
+    /// A setter has stored another value and signals it next. Does nothing here.
+    virtual void FieldChanged(EField field);
 };
 
 /// The fields in the table's order.

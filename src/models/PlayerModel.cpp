@@ -1,6 +1,7 @@
 #include "PlayerModel.h"
 
 #include <Singleton_p.h>
+#include <models/PlayerSaves_p.h>
 
 #include <algorithm>
 
@@ -12,7 +13,10 @@ CPlayerModel::CPlayerModel(const QString &nickname)
     SetNickname(nickname);
 }
 
-CPlayerModel::~CPlayerModel() = default;
+CPlayerModel::~CPlayerModel()
+{
+    CPlayerSaves::Forget(this);
+}
 
 CPlayerModel *CPlayerModel::GetInstance(QString nickname)
 {

@@ -2,15 +2,27 @@
 
 #include <models/PlayerDataModel.h>
 
+#include <QByteArray>
 #include <QHash>
 #include <QSharedPointer>
+
+class CDownload;
 
 /// A player, one live object for each nickname, the logged-in user included.
 ///
 /// A model begins with the first mention of its nickname and lives until it is destroyed here; the table of models
 /// owns it. The nickname is the key to the letter, and SetNickname() on a live model doesn't move it. A destroyed
 /// model has left the table at once and ends at the next turn of the event loop; until then pointers to it stay good.
-/// Take it off the lists of CPlayerLists before. Main thread.
+/// Take it off the lists of CPlayerLists before.
+///
+/// What the user notes of a player - note, tag, rating, custom avatar, whether a buddy, blocked as buddy or in chat -
+/// goes to the user's player info store 3 s behind the last change, and at once when the user logs out
+/// (CUserInfo::SetLoggedIn()). Nothing is stored while nobody is logged in, nor of a model that is destroyed first.
+///
+/// The number of a custom avatar stands for a picture at Pathes::CustomAvatar(). One that isn't there is fetched from
+/// the operator's server, and signal_CustomAvatarChanged() comes once more when it is. A picture that can't be had
+/// leaves all as it is. The own player's avatars and the settings `cartoonavatar` and `customcurrent` follow each
+/// other. Main thread.
 class PLUGININTERFACE_EXPORT CPlayerModel : public CPlayerDataModel
 {
     Q_OBJECT
@@ -34,6 +46,31 @@ public:
     void SetLoadedInfo(QString note, unsigned int tagID, unsigned int customAvatar, unsigned char rating,
                        bool buddyBlocked, bool chatBlock);
 
+    /// The user's choice of a picture for the player, 0 for none. Of another player than the own one
+    /// GetCustomAvatar() tells the number once the picture is there, of the own one at once.
+    void SetNewCustomAvatar(unsigned int id);
+
+protected:
+    void FieldChanged(EField field) override;
+
+private Q_SLOTS:
+    void slot_DownloadCustomAvatarFinished(bool status, QByteArray data);
+    void slot_DBSaveTimer();
+    void slot_DBUpdateTimer();
+    void slot_CartoonAvatarChanged();
+    void slot_CustomAvatarChanged();
+
 private:
+    friend class CPlayerLists; // a change of the buddy list is one of the player's
+    friend class CPlayerSaves;
+
+    void SaveLater();
+    bool IsOwn() const;
+    void ChangeCustomAvatarTo(unsigned int id);
+    void AbandonDownload();
+
+    CDownload *m_pDownload = nullptr;         // child, null when none runs
+    unsigned int m_ulPendingCustomAvatar = 0; // the picture that it fetches, or has failed to fetch
+
     static QHash<QString, QSharedPointer<CPlayerModel>> m_Instances;
 };

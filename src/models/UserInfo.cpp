@@ -2,6 +2,7 @@
 
 #include <Singleton_p.h>
 #include <models/PlayerLists.h>
+#include <models/PlayerSaves_p.h>
 #include <settings/Config.h>
 
 #include <QCoreApplication>
@@ -19,6 +20,8 @@ CUserInfo::CUserInfo(QObject *parent)
     m_ActivityTimer.start();
     if (QCoreApplication *application = QCoreApplication::instance())
         application->installEventFilter(this);
+    // Later, as the settings need this object for their own beginning.
+    QTimer::singleShot(0, this, &CUserInfo::slot_ConnectSlots);
 }
 
 CUserInfo::~CUserInfo() = default;
@@ -30,6 +33,8 @@ bool CUserInfo::IsLoggedIn() const
 
 void CUserInfo::SetLoggedIn(const QString &nickname)
 {
+    if (nickname != GetNickname())
+        CPlayerSaves::WriteAll(); // they are stored under the nickname
     if (nickname.isEmpty()) {
         SetPlayerModel(nullptr);
         SetLoginState(false);

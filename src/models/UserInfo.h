@@ -46,8 +46,9 @@ public:
     /// Whether there is a model of the own player. GetLoginState() may still be true behind the end of the model.
     bool IsLoggedIn() const;
     /// For the host: at login, with the nickname of the own player; at logout, with an empty one. The nickname can be
-    /// read by the time the login state is signalled. From one nickname to another only the model changes and no
-    /// login state is signalled, so a host calls SetLoggedIn("") in between.
+    /// read by the time the login state is signalled. What the user before has noted of players is stored first. From
+    /// one nickname to another only the model changes and no login state is signalled, so a host calls
+    /// SetLoggedIn("") in between.
     void SetLoggedIn(const QString &nickname);
     /// The name under which all that is the user's own is stored and sent; empty if nobody is logged in.
     QString GetNickname() const;
@@ -87,6 +88,9 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void slot_ActivityTimeout();
+    void slot_CartoonAvatarSettingChanged();
+    void slot_CustomAvatarSettingChanged();
+    void slot_ConnectSlots();
 
 private:
     void Reset() override;

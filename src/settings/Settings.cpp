@@ -5,6 +5,7 @@
 #include <models/UserInfo.h>
 #include <settings/Config.h>
 #include <settings/SettingsRows_p.h>
+#include <settings/SettingsSync.h>
 #include <time/CasinoTime.h>
 
 #include <QJsonArray>
@@ -50,7 +51,8 @@ void CSettings::Save(const QString &user, const QString &area, const QString &ke
                      qint64 timestamp)
 {
     m_lstPending.append({user, area, key, value, timestamp});
-    if (!user.isEmpty())
+    // A user's row of a setting that is the installation's can only come from the server, and is for no one else.
+    if (!user.isEmpty() && !IsGlobal(key))
         m_lstPending.append({QString(), area, key, value, timestamp});
     m_SaveTimer.start(SAVE_DELAY_MS);
 }
@@ -117,10 +119,12 @@ void CSettings::slot_SaveSettings(bool force)
     const unsigned int now = CCasinoTime::GetInstance()->GetTimeUTCServer();
     if (now == 0 && !force)
         m_SaveTimer.start(SAVE_DELAY_MS);
-    else if (SettingsRows::Write(*CSettingsDB::GetInstance(), m_lstPending, now))
-        m_lstPending.clear();
-    else
+    else if (!SettingsRows::Write(*CSettingsDB::GetInstance(), m_lstPending, now))
         m_SaveTimer.start(LOCKED_DELAY_MS); // the rows stay, and those that follow join them
+    else {
+        m_lstPending.clear();
+        CSettingsSync::GetInstance()->StartSyncTimer();
+    }
 }
 
 void CSettings::slot_LoginStateChanged()

@@ -17,6 +17,8 @@
 /// At each change of the login state the pending changes are written and the global and the user's rows applied; a
 /// user's first login begins with the global rows. A setting without a row keeps its value.
 ///
+/// Each write of a logged-in user starts the timer of CSettingsSync.
+///
 /// CSettingsDB and CConfigDB have to be initialised before the object is created. It writes nothing when it is
 /// destroyed: the host calls `slot_SaveSettings(true)` before. Main thread.
 class PLUGININTERFACE_EXPORT CSettings : public CSettingsBase
@@ -40,7 +42,7 @@ public:
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// Queues a row; with a \a user a second one without.
+    /// Queues a row; with a \a user a second one without, unless the setting is of scope Global.
     void Save(const QString &user, const QString &area, const QString &key, const QVariant &value,
               qint64 timestamp) override;
 

@@ -139,18 +139,24 @@ void CSettingsBase::SetSettings(QHash<QString, QVariant> globals, QHash<QString,
     QHash<QString, QVariant> merged;
     for (auto value = globals.cbegin(); value != globals.cend(); ++value)
         merged.insert(value.key().toLower(), value.value());
-    QString subKey;
     for (auto value = userValues.cbegin(); value != userValues.cend(); ++value) {
         const QString key = value.key().toLower();
-        const SEntry *entry = FindEntry(SplitKey(key, subKey));
-        if (!entry || entry->eScope != Global)
+        if (!IsGlobal(key))
             merged.insert(key, value.value());
     }
+    QString subKey;
     const QString user = m_strNickname;
     for (auto value = merged.cbegin(); value != merged.cend() && user == m_strNickname; ++value) {
         if (const SEntry *entry = FindEntry(SplitKey(value.key(), subKey)))
             entry->Apply(*this, subKey, value.value(), save);
     }
+}
+
+bool CSettingsBase::IsGlobal(const QString &key)
+{
+    QString subKey;
+    const SEntry *entry = FindEntry(SplitKey(key.toLower(), subKey));
+    return entry && entry->eScope == Global;
 }
 
 void CSettingsBase::Reset()

@@ -97,6 +97,10 @@ public:
     /// All settings at their defaults, without signals and without storing. The user stays.
     void Reset();
 
+protected:
+    /// Whether the key, with its sub-key and in any case, is that of a setting of scope Global.
+    static bool IsGlobal(const QString &key);
+
 Q_SIGNALS:
 #define SETTINGS_SIGNAL(Type, Name, key, area, scope, defaultValue) void signal_##Name##Changed();
     SETTINGS_TABLE(SETTINGS_SIGNAL, SETTINGS_SIGNAL)

@@ -1,11 +1,14 @@
 #include "SettingsRows_p.h"
 
+#include <database/BoundText_p.h>
 #include <database/SettingsDB.h>
 
 #include <QSqlError>
 #include <QSqlQuery>
 
 namespace {
+
+using BoundText::NeverNull;
 
 // What SQLite answers while another connection keeps the file from being read or written.
 constexpr int BUSY_CODE = 5;
@@ -20,12 +23,6 @@ struct SRow
     QString strValue;
     qint64 iTimestamp = 0;
 };
-
-// A null text would be bound as NULL, which is no row's key and no setting's value.
-QString NeverNull(const QString &text)
-{
-    return text.isNull() ? QLatin1String("") : text;
-}
 
 TRowKey KeyOf(const CSettings::SSetting &setting)
 {

@@ -43,6 +43,8 @@ public:
     std::function<void()> m_Inserted = [] {};
     TSteps m_steps; ///< those that ran
 
+    using CLocalDB::UseWriteAheadLog;
+
     bool Fill(const QString &table)
     {
         bool done = true;
@@ -74,13 +76,15 @@ void Announce(const char *what, int number)
     std::fflush(stdout);
 }
 
-// A second process on the file. In the mode "report" it climbs without the rights of root and prints the answer and
-// how many rows the first step's table holds. In the others, "lock", "climb" and "insert", it prints a line for
-// whatever it has done and goes on until killed.
+// A second process on the file. In the modes "report" and "report log" it climbs without the rights of root and
+// prints the answer and how many rows the first step's table holds. In the others, "lock", "climb" and "insert", it
+// prints a line for whatever it has done and goes on until killed.
 int RunChild(const QString &mode, const QString &path)
 {
     CLadder database(path);
-    if (mode == "report"_s) {
+    if (mode.startsWith("report"_s)) {
+        if (mode == "report log"_s)
+            database.UseWriteAheadLog();
         if (geteuid() == 0 && setuid(65534) != 0)
             return 1;
         const bool done = database.Init();
@@ -366,6 +370,28 @@ private Q_SLOTS:
         QCOMPARE(CChild("report"_s, m_strPath).NextLine(), QByteArrayLiteral("true 3"));
         QVERIFY(database.EndTransaction(true));
         QCOMPARE(CChild("report"_s, m_strPath).NextLine(), QByteArrayLiteral("true 4"));
+    }
+
+    // A write is there for others without a wait for the disk, and a log that can't be written doesn't hide the file.
+    void WriteAheadLog()
+    {
+        {
+            CLadder database(m_strPath);
+            database.UseWriteAheadLog();
+            QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7777)) && database.Init());
+            TRow row;
+            QVERIFY(database.SelectOne(row, "pragma_synchronous"_s, {}, {}) && row.value("synchronous"_s) == 1);
+            QVERIFY(database.Insert(STEP1, {{ID, 4}}) && QFile::exists(m_strPath + "-wal"_s));
+            QVERIFY(QFile::setPermissions(m_strPath, QFile::Permissions(0x6666)));
+            for (const char *file : {"-wal", "-shm"})
+                QVERIFY(QFile::setPermissions(m_strPath + QLatin1String(file), QFile::Permissions(0x6666)));
+            QCOMPARE(CChild("report log"_s, m_strPath).NextLine(), QByteArrayLiteral("true 4"));
+        }
+        QVERIFY(!QFile::exists(m_strPath + "-wal"_s));
+        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x5555)));
+        const QByteArray line = CChild("report log"_s, m_strPath).NextLine();
+        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7755)));
+        QCOMPARE(line, QByteArrayLiteral("true 4"));
     }
 
     void KilledWhileClimbing() { KilledAnywhere("climb"_s, 1); }

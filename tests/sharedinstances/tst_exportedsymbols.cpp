@@ -6,10 +6,10 @@
 static const char *const PUBLIC_NAMES =
     "CCasinoTime CConfig CConfigBase CConfigDB CConsole CCountDown CDownload CEvent CHandHistoryDB CLobbyListDB "
     "CLocalDB CMoneySpinner CMoneySpinnerDataModel CMoneySpinnerWidget CNetworkAccessManager CPacketLayerWrapper "
-    "CPlayerDataModel "
-    "CPlayerInfoDB CPlayerLists CPlayerModel CPluginInterface CPluginInterfaceFunctions CSettings "
-    "CSettingsBase CSettingsDB CTranslation CTranslationDB CTranslationItem CTranslationObject CUserInfo "
-    "CUserInfoDataModel DBValue FileFunctions GlobalDefines Globals Pathes WebRequest";
+    "CPlayerDataModel CPlayerInfoDB CPlayerLists CPlayerModel CPluginInterface CPluginInterfaceFunctions CSettings "
+    "CSettingsBase CSettingsDB CSettingsSync CTranslation CTranslationDB CTranslationItem CTranslationObject "
+    "CUserInfo "
+    "CUserInfoDataModel DBValue FileFunctions GlobalDefines Globals Pathes PlayerInfo WebRequest";
 
 // The library shows its public classes and functions and nothing else.
 class tst_ExportedSymbols : public QObject

@@ -13,6 +13,7 @@
 #include <plugin/PluginInterface.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
+#include <settings/SettingsSync.h>
 #include <time/CasinoTime.h>
 #include <translation/Translation.h>
 
@@ -33,6 +34,7 @@
     ROW(CPlayerLists)          \
     ROW(CSettings)             \
     ROW(CSettingsDB)           \
+    ROW(CSettingsSync)         \
     ROW(CTranslation)          \
     ROW(CTranslationDB)        \
     ROW(CUserInfo)

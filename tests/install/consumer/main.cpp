@@ -37,8 +37,10 @@
 #include <settings/Config.h>
 #include <settings/ConfigBase.h>
 #include <settings/ConfigTable.h>
+#include <settings/PlayerInfo.h>
 #include <settings/Settings.h>
 #include <settings/SettingsBase.h>
+#include <settings/SettingsSync.h>
 #include <settings/SettingsTable.h>
 #include <time/CasinoTime.h>
 #include <time/CountDown.h>

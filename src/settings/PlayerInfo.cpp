@@ -1,0 +1,190 @@
+#include "PlayerInfo_p.h"
+
+#include <database/BoundText_p.h>
+#include <database/PlayerInfoDB.h>
+#include <models/PlayerLists.h>
+#include <models/UserInfo.h>
+#include <settings/SettingsSync.h>
+#include <time/CasinoTime.h>
+
+#include <QVector>
+
+namespace {
+
+using BoundText::NeverNull;
+
+const QString COLUMN_USER = QStringLiteral("PIN_cUser");
+const QString COLUMN_PLAYER = QStringLiteral("PIN_cPlayer");
+const QString COLUMN_NOTE = QStringLiteral("PIN_cNote");
+const QString COLUMN_TAG = QStringLiteral("PIN_iTagID");
+const QString COLUMN_FLAGS = QStringLiteral("PIN_iPlayerFlags");
+const QString COLUMN_RATING = QStringLiteral("PIN_iRating");
+const QString COLUMN_AVATAR = QStringLiteral("PIN_iCustomAvatar");
+const QString COLUMN_TIMESTAMP = QStringLiteral("PIN_iTimestamp");
+
+constexpr unsigned int FLAG_BUDDY = 1;
+constexpr unsigned int FLAG_BUDDY_BLOCKED = 4;
+constexpr unsigned int FLAG_CHAT_BLOCKED = 8;
+
+struct SLoaded
+{
+    QString strPlayer;
+    QString strNote;
+    unsigned int ulTagID;
+    unsigned int ulFlags;
+    unsigned char ucRating;
+    unsigned int ulCustomAvatar;
+};
+
+unsigned int ToNumber(const QVariant &stored)
+{
+    return static_cast<unsigned int>(stored.toLongLong());
+}
+
+// A buddy of an earlier run is one by the list alone.
+bool IsBuddy(CPlayerModel *model)
+{
+    return model->GetBuddy() || CPlayerLists::GetInstance()->GetBuddyList()->contains(model);
+}
+
+unsigned int GetFlags(CPlayerModel *model)
+{
+    return (IsBuddy(model) ? FLAG_BUDDY : 0U) | (model->GetBuddyBlocked() ? FLAG_BUDDY_BLOCKED : 0U) |
+           (model->GetChatBlock() ? FLAG_CHAT_BLOCKED : 0U);
+}
+
+// INSERT, or where the user has a row of the player already, UPDATE; the values are bound in the order of the
+// columns, the first two of which are the key.
+QSqlQuery PrepareUpsert(const QStringList &columns)
+{
+    QStringList values;
+    QStringList updates;
+    for (const QString &column : columns) {
+        values.append(QStringLiteral("?"));
+        updates.append(column + QLatin1String(" = excluded.") + column);
+    }
+    QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
+    query.prepare(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3) ON CONFLICT (%4, %5) DO UPDATE SET %6")
+                      .arg(CPlayerInfoDB::strTableNameInfo, columns.join(QLatin1Char(',')),
+                           values.join(QLatin1Char(',')), COLUMN_USER, COLUMN_PLAYER,
+                           updates.mid(2).join(QLatin1Char(','))));
+    return query;
+}
+
+QVector<SLoaded> ReadRows(const QString &user)
+{
+    QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
+    query.prepare(QLatin1String("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID, PIN_iPlayerFlags, PIN_iRating,"
+                                " PIN_iCustomAvatar FROM ") +
+                  CPlayerInfoDB::strTableNameInfo + QLatin1String(" WHERE PIN_cUser = ?"));
+    query.addBindValue(user);
+    QVector<SLoaded> rows;
+    query.exec();
+    while (query.next()) {
+        rows.append({query.value(0).toString(), query.value(1).toString(), ToNumber(query.value(2)),
+                     ToNumber(query.value(3)), static_cast<unsigned char>(ToNumber(query.value(4))),
+                     ToNumber(query.value(5))});
+    }
+    return rows;
+}
+
+} // namespace
+
+// All rows are read before the first is applied: whoever hears of a change may write to the same table.
+bool PlayerInfo::LoadInfo()
+{
+    const QString user = CUserInfo::GetInstance()->GetNickname();
+    if (user.isEmpty())
+        return false;
+    const QVector<SLoaded> rows = ReadRows(user);
+    for (const SLoaded &row : rows) {
+        CPlayerModel *model = CPlayerModel::GetInstance(row.strPlayer);
+        if ((row.ulFlags & FLAG_BUDDY) != 0)
+            CPlayerLists::GetInstance()->AddToBuddyList(model);
+        model->SetLoadedInfo(row.strNote, row.ulTagID, row.ulCustomAvatar, row.ucRating,
+                             (row.ulFlags & FLAG_BUDDY_BLOCKED) != 0, (row.ulFlags & FLAG_CHAT_BLOCKED) != 0);
+        if (CUserInfo::GetInstance()->GetNickname() != user)
+            break; // whoever heard of it has ended the login; the rest is nobody's
+    }
+    return !rows.isEmpty();
+}
+
+bool PlayerInfo::SaveInfo(const QString &nickname)
+{
+    const QString user = CUserInfo::GetInstance()->GetNickname();
+    if (nickname.isEmpty() || user.isEmpty())
+        return false;
+    CPlayerModel *model = CPlayerLists::GetInstance()->GetPlayerModel(nickname);
+    QSqlQuery query = PrepareUpsert({COLUMN_USER, COLUMN_PLAYER, COLUMN_NOTE, COLUMN_TAG, COLUMN_FLAGS, COLUMN_RATING,
+                                     COLUMN_AVATAR, COLUMN_TIMESTAMP});
+    query.addBindValue(user);
+    query.addBindValue(model->GetNickname());
+    query.addBindValue(NeverNull(model->GetNotes()));
+    query.addBindValue(model->GetTagID());
+    query.addBindValue(GetFlags(model));
+    query.addBindValue(model->GetRating());
+    query.addBindValue(model->GetCustomAvatar());
+    query.addBindValue(CCasinoTime::GetInstance()->GetTimeUTCServer());
+    const bool written = query.exec();
+    CSettingsSync::GetInstance()->StartSyncTimer();
+    return written;
+}
+
+bool PlayerInfo::UpdateInfo(const QString &nickname)
+{
+    const QString user = CUserInfo::GetInstance()->GetNickname();
+    if (user.isEmpty())
+        return false;
+    CPlayerModel *model = CPlayerLists::GetInstance()->GetPlayerModel(nickname);
+    return CPlayerInfoDB::GetInstance()->Update(CPlayerInfoDB::strTableNameInfo,
+                                                {{COLUMN_NOTE, model->GetNotes()},
+                                                 {COLUMN_FLAGS, GetFlags(model)},
+                                                 {COLUMN_RATING, model->GetRating()},
+                                                 {COLUMN_AVATAR, model->GetCustomAvatar()}},
+                                                {{COLUMN_USER, user}, {COLUMN_PLAYER, model->GetNickname()}});
+}
+
+unsigned int PlayerInfo::GetLastTimestamp(const QString &user)
+{
+    const QString newest = QStringLiteral("MAX(PIN_iTimestamp)");
+    QHash<QString, QVariant> row;
+    CPlayerInfoDB::GetInstance()->SelectOne(row, CPlayerInfoDB::strTableNameInfo, {newest}, {{COLUMN_USER, user}});
+    return ToNumber(row.value(newest));
+}
+
+QList<PlayerInfo::SPlayerInfoSyncElement> PlayerInfo::GetSyncList(const QString &user, unsigned int timestamp)
+{
+    QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
+    query.prepare(QLatin1String("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID, PIN_iPlayerFlags, PIN_iTimestamp FROM ") +
+                  CPlayerInfoDB::strTableNameInfo + QLatin1String(" WHERE PIN_cUser = ? AND PIN_iTimestamp > ?"));
+    query.addBindValue(NeverNull(user));
+    query.addBindValue(timestamp);
+    QList<SPlayerInfoSyncElement> elements;
+    query.exec();
+    while (query.next()) {
+        elements.append({user, query.value(0).toString(), query.value(1).toString(), ToNumber(query.value(2)),
+                         ToNumber(query.value(3)), ToNumber(query.value(4))});
+    }
+    return elements;
+}
+
+bool PlayerInfo::InsertPlayerInfo(const PlayerInfo::SPlayerInfoSyncElement &element)
+{
+    return CPlayerInfoInserter().Insert(element);
+}
+
+PlayerInfo::CPlayerInfoInserter::CPlayerInfoInserter()
+    : m_query(PrepareUpsert({COLUMN_USER, COLUMN_PLAYER, COLUMN_NOTE, COLUMN_TAG, COLUMN_FLAGS, COLUMN_TIMESTAMP}))
+{
+}
+
+bool PlayerInfo::CPlayerInfoInserter::Insert(const SPlayerInfoSyncElement &element)
+{
+    m_query.bindValue(0, NeverNull(element.strUser));
+    m_query.bindValue(1, NeverNull(element.strPlayer));
+    m_query.bindValue(2, NeverNull(element.strNote));
+    m_query.bindValue(3, element.ulTagID);
+    m_query.bindValue(4, element.ulPlayerFlags);
+    m_query.bindValue(5, element.ulTimestamp);
+    return m_query.exec();
+}

@@ -1,0 +1,297 @@
+#include "SettingsSync.h"
+
+#include <Singleton_p.h>
+#include <database/PlayerInfoDB.h>
+#include <database/SettingsDB.h>
+#include <models/UserInfo.h>
+#include <network/Download.h>
+#include <settings/Config.h>
+#include <settings/PlayerInfo_p.h>
+#include <settings/Settings.h>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QVariantMap>
+
+PLUGININTERFACE_DEFINE_SINGLETON(CSettingsSync);
+
+namespace {
+
+constexpr int SESSION_LENGTH_IN_ADDRESS = 32;
+const char USER_PROPERTY[] = "user"; // of a request: who was logged in when it went out
+
+const QLatin1String QUERY("?session=%SESSION%&playerinfos=%PINF%&usersettings=%URS%");
+const QLatin1String SESSION_MARKER("%SESSION%");
+const QLatin1String PLAYER_INFOS_MARKER("%PINF%");
+const QLatin1String SETTINGS_MARKER("%URS%");
+
+const QString JSON_SETTINGS_TIME = QStringLiteral("usersettingstime");
+const QString JSON_PLAYER_INFOS_TIME = QStringLiteral("playerinfostime");
+const QString JSON_SETTINGS = QStringLiteral("usersettings");
+const QString JSON_PLAYER_INFOS = QStringLiteral("playerinfos");
+const QString JSON_AREA = QStringLiteral("area");
+const QString JSON_KEY = QStringLiteral("key");
+const QString JSON_VALUE = QStringLiteral("value");
+const QString JSON_TYPE = QStringLiteral("type");
+const QString JSON_TIME = QStringLiteral("time");
+const QString JSON_NICK = QStringLiteral("nick");
+const QString JSON_NOTE = QStringLiteral("note");
+const QString JSON_TAG = QStringLiteral("tag");
+const QString JSON_FLAGS = QStringLiteral("flags");
+
+const QString STRING_TYPE = QStringLiteral("3"); // DBValue's kind of every setting
+
+QString GetUser()
+{
+    return CUserInfo::GetInstance()->GetNickname();
+}
+
+bool IsSingleValue(const QVariant &value)
+{
+    return value.type() != QVariant::List && value.type() != QVariant::Map;
+}
+
+// A time that is none counts as 0: as a huge unsigned one it would be newer than all that is still to come.
+unsigned int ToTime(const QVariant &value)
+{
+    return static_cast<unsigned int>(qMax(0, value.toInt()));
+}
+
+} // namespace
+
+CSettingsSync::CSettingsSync()
+{
+    m_SyncTimer.setSingleShot(true);
+    m_SyncTimer.setInterval(ul_SYNC_TIMER);
+    connect(&m_SyncTimer, &QTimer::timeout, this, &CSettingsSync::slot_SyncTimer);
+}
+
+void CSettingsSync::InitiateSync()
+{
+    if (!CUserInfo::GetInstance()->IsLoggedIn())
+        return;
+    GetLocalTimestamps();
+    Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncFetch);
+}
+
+void CSettingsSync::StartSync(QString session)
+{
+    if (CUserInfo::GetInstance()->IsLoggedIn())
+        InitialWebRequest(session);
+}
+
+bool CSettingsSync::SyncToServer(QString session)
+{
+    QString address = CConfig::GetInstance()->GetLinkSettingsSync();
+    if (address.isEmpty())
+        return false;
+    address.replace(SESSION_MARKER, session.left(SESSION_LENGTH_IN_ADDRESS));
+    const QByteArray json = CreateJSONforSync();
+    if (json.isEmpty())
+        return false;
+    CDownload *request = CreateRequest(address, "session=" + session.toUtf8() + "&json=" + json);
+    connect(request, &CDownload::signal_Finished, this, &CSettingsSync::slot_SyncToServerFinished);
+    request->Start();
+    return true;
+}
+
+void CSettingsSync::StartSyncTimer()
+{
+    if (CUserInfo::GetInstance()->IsLoggedIn())
+        m_SyncTimer.start();
+}
+
+void CSettingsSync::GetLocalTimestamps()
+{
+    const QString user = GetUser();
+    m_ulLocalSettingsTime = CSettings::GetLastTimestamp(user);
+    m_ulLocalPlayerInfoTime = PlayerInfo::GetLastTimestamp(user);
+    if (user.isEmpty() || user == m_strUser)
+        return;
+    // How far the server is with another user says nothing of this one.
+    m_strUser = user;
+    m_ulServerSettingsTime = 0;
+    m_ulServerPlayerInfoTime = 0;
+}
+
+void CSettingsSync::InitialWebRequest(QString session)
+{
+    QString address = CConfig::GetInstance()->GetLinkSettingsSync();
+    if (address.isEmpty())
+        return;
+    address += QUERY;
+    address.replace(SESSION_MARKER, session.left(SESSION_LENGTH_IN_ADDRESS));
+    address.replace(PLAYER_INFOS_MARKER, QString::number(m_ulLocalPlayerInfoTime));
+    address.replace(SETTINGS_MARKER, QString::number(m_ulLocalSettingsTime));
+    CDownload *request = CreateRequest(address, QByteArray());
+    connect(request, &CDownload::signal_Finished, this, &CSettingsSync::slot_IntialWebRequestFinished);
+    request->Start();
+}
+
+void CSettingsSync::ReadJSON(QByteArray data)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(data, &error);
+    const QString nickname = GetUser();
+    if (error.error != QJsonParseError::NoError || nickname.isEmpty())
+        return;
+    const QVariantMap answer = document.object().toVariantMap();
+    SetServerTimes(answer);
+    const auto settings = answer.constFind(JSON_SETTINGS);
+    const auto infos = answer.constFind(JSON_PLAYER_INFOS);
+    if (settings != answer.constEnd())
+        TakeSettings(nickname, settings->toList());
+    if (infos != answer.constEnd())
+        TakePlayerInfos(nickname, infos->toList());
+    // Not for a user whom a listener has logged out on the way.
+    if ((settings != answer.constEnd() || infos != answer.constEnd()) && GetUser() == nickname)
+        CUserInfo::GetInstance()->SetLoggedIn(nickname);
+}
+
+QByteArray CSettingsSync::CreateJSONforSync()
+{
+    // The rows without a user are the installation's and stay here.
+    const QString nickname = GetUser();
+    if (nickname.isEmpty())
+        return QByteArray();
+    const QVariantList settings = GetSettingsToSend(nickname);
+    const QVariantList infos = GetPlayerInfosToSend(nickname);
+    if (settings.isEmpty() && infos.isEmpty())
+        return QByteArray();
+    const QVariantMap root{{JSON_SETTINGS_TIME, QString::number(m_ulLocalSettingsTime)},
+                           {JSON_PLAYER_INFOS_TIME, QString::number(m_ulLocalPlayerInfoTime)},
+                           {JSON_SETTINGS, settings},
+                           {JSON_PLAYER_INFOS, infos}};
+    return QJsonDocument(QJsonObject::fromVariantMap(root)).toJson();
+}
+
+void CSettingsSync::slot_IntialWebRequestFinished(bool status, QByteArray data)
+{
+    if (!TakeFinished() || !status)
+        return;
+    ReadJSON(data);
+    GetLocalTimestamps();
+    RequestSessionIfBehind();
+}
+
+void CSettingsSync::slot_SyncToServerFinished(bool status, QByteArray data)
+{
+    if (!TakeFinished() || !status)
+        return;
+    QJsonParseError error;
+    const QVariantMap answer = QJsonDocument::fromJson(data, &error).object().toVariantMap();
+    if (error.error == QJsonParseError::NoError && answer.contains(JSON_SETTINGS_TIME) &&
+        answer.contains(JSON_PLAYER_INFOS_TIME))
+        SetServerTimes(answer);
+}
+
+void CSettingsSync::slot_SyncTimer()
+{
+    if (!CUserInfo::GetInstance()->IsLoggedIn())
+        return;
+    GetLocalTimestamps();
+    RequestSessionIfBehind();
+}
+
+CDownload *CSettingsSync::CreateRequest(const QString &address, const QByteArray &body)
+{
+    auto *request = new CDownload(this, address, body, false);
+    request->setProperty(USER_PROPERTY, GetUser());
+    return request;
+}
+
+// For the slot of a request's end: the request goes, and false is answered if its user isn't logged in any more.
+bool CSettingsSync::TakeFinished() const
+{
+    const QString user = GetUser();
+    QObject *request = sender();
+    if (!request)
+        return !user.isEmpty();
+    request->deleteLater();
+    return !user.isEmpty() && request->property(USER_PROPERTY).toString() == user;
+}
+
+void CSettingsSync::SetServerTimes(const QVariantMap &answer)
+{
+    m_strUser = GetUser();
+    m_ulServerSettingsTime = ToTime(answer.value(JSON_SETTINGS_TIME));
+    m_ulServerPlayerInfoTime = ToTime(answer.value(JSON_PLAYER_INFOS_TIME));
+}
+
+void CSettingsSync::RequestSessionIfBehind()
+{
+    if (m_ulLocalPlayerInfoTime != m_ulServerPlayerInfoTime || m_ulLocalSettingsTime != m_ulServerSettingsTime)
+        Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncSend);
+}
+
+void CSettingsSync::TakeSettings(const QString &nickname, const QVariantList &settings)
+{
+    CSettings *store = CSettings::GetInstance();
+    QHash<QString, QVariant> values;
+    for (const QVariant &element : settings) {
+        const QVariantMap setting = element.toMap();
+        const QString key = setting.value(JSON_KEY).toString();
+        const QVariant value = setting.value(JSON_VALUE);
+        if (key.isEmpty() || !IsSingleValue(value))
+            continue;
+        store->Save(nickname, setting.value(JSON_AREA).toString(), key, value, setting.value(JSON_TIME).toInt());
+        values.insert(key, value.toString());
+    }
+    // In effect at once, and under their own times: nothing is queued a second time.
+    store->SetSettings({}, values, false);
+}
+
+void CSettingsSync::TakePlayerInfos(const QString &nickname, const QVariantList &infos)
+{
+    CSettingsDB *settingsDB = CSettingsDB::GetInstance();
+    CPlayerInfoDB *playerInfoDB = CPlayerInfoDB::GetInstance();
+    settingsDB->StartTransaction();
+    playerInfoDB->StartTransaction();
+    {
+        PlayerInfo::CPlayerInfoInserter inserter;
+        for (const QVariant &element : infos) {
+            const QVariantMap info = element.toMap();
+            const QString nick = info.value(JSON_NICK).toString();
+            if (nick.isEmpty())
+                continue;
+            inserter.Insert({nickname, nick, info.value(JSON_NOTE).toString(),
+                             static_cast<unsigned int>(info.value(JSON_TAG).toInt()),
+                             static_cast<unsigned int>(info.value(JSON_FLAGS).toInt()),
+                             ToTime(info.value(JSON_TIME))});
+        }
+    }
+    playerInfoDB->EndTransaction(true);
+    PlayerInfo::LoadInfo();
+    settingsDB->EndTransaction(true);
+}
+
+QVariantList CSettingsSync::GetSettingsToSend(const QString &nickname) const
+{
+    QVariantList list;
+    const QList<CSettings::SSetting> settings = CSettings::GetSettingList(nickname);
+    for (const CSettings::SSetting &setting : settings) {
+        if (setting.iTimestamp < static_cast<qint64>(m_ulServerSettingsTime))
+            continue;
+        list.append(QVariantMap{{JSON_AREA, setting.strArea},
+                                {JSON_KEY, setting.strKey},
+                                {JSON_VALUE, setting.vValue.toString()},
+                                {JSON_TYPE, STRING_TYPE},
+                                {JSON_TIME, QString::number(setting.iTimestamp)}});
+    }
+    return list;
+}
+
+QVariantList CSettingsSync::GetPlayerInfosToSend(const QString &nickname) const
+{
+    QVariantList list;
+    const QList<PlayerInfo::SPlayerInfoSyncElement> infos =
+        PlayerInfo::GetSyncList(nickname, m_ulServerPlayerInfoTime);
+    for (const PlayerInfo::SPlayerInfoSyncElement &info : infos) {
+        list.append(QVariantMap{{JSON_NICK, info.strPlayer},
+                                {JSON_NOTE, info.strNote},
+                                {JSON_TAG, QString::number(info.ulTagID)},
+                                {JSON_FLAGS, QString::number(info.ulPlayerFlags)},
+                                {JSON_TIME, QString::number(info.ulTimestamp)}});
+    }
+    return list;
+}
