@@ -62,7 +62,6 @@ private Q_SLOTS:
 
 private:
     friend class CPlayerLists; // a change of the buddy list is one of the player's
-    friend class CPlayerSaves;
 
     void SaveLater();
     bool IsOwn() const;

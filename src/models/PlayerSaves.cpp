@@ -2,7 +2,7 @@
 
 #include <database/PlayerInfoDB.h>
 #include <models/PlayerModel.h>
-#include <settings/PlayerInfo.h>
+#include <settings/PlayerInfo_p.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -70,30 +70,34 @@ void CPlayerSaves::WriteAll()
         return;
     CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
     database->StartTransaction();
-    bool good = true; // a file that is locked holds each attempt up for seconds
-    while (!waiting.empty()) {
-        const QString nickname = waiting.front().pModel->GetNickname();
-        Forget(waiting.front().pModel);
-        if (good && !nickname.isEmpty())
-            good = PlayerInfo::SaveInfo(nickname);
+    {
+        PlayerInfo::CSaver saver;
+        bool good = true; // a file that is locked holds each attempt up for seconds
+        while (!waiting.empty()) {
+            const QString nickname = TakeFirst()->GetNickname();
+            if (good && !nickname.isEmpty())
+                good = saver.Save(nickname);
+        }
     }
     database->EndTransaction(true);
 }
 
 void CPlayerSaves::WriteDue()
 {
+    PlayerInfo::CSaver saver;
     const qint64 begin = Now();
-    while (!waiting.empty() && waiting.front().iDue <= Now() && Now() - begin < SLICE_MS)
-        WriteFirst();
+    for (qint64 now = begin; !waiting.empty() && waiting.front().iDue <= now && now - begin < SLICE_MS; now = Now())
+        saver.Save(TakeFirst()->GetNickname());
     if (!waiting.empty())
         RunTimer();
 }
 
-void CPlayerSaves::WriteFirst()
+// It waits no more, so that a change that comes on the way has to wait anew.
+CPlayerModel *CPlayerSaves::TakeFirst()
 {
     CPlayerModel *model = waiting.front().pModel;
-    Forget(model); // first: a change that comes on the way has to wait anew
-    model->slot_DBSaveTimer();
+    Forget(model);
+    return model;
 }
 
 void CPlayerSaves::RunTimer()

@@ -16,6 +16,6 @@ public:
 
 private:
     static void WriteDue();
-    static void WriteFirst();
+    static CPlayerModel *TakeFirst();
     static void RunTimer();
 };

@@ -111,23 +111,7 @@ bool PlayerInfo::LoadInfo()
 
 bool PlayerInfo::SaveInfo(const QString &nickname)
 {
-    const QString user = CUserInfo::GetInstance()->GetNickname();
-    if (nickname.isEmpty() || user.isEmpty())
-        return false;
-    CPlayerModel *model = CPlayerLists::GetInstance()->GetPlayerModel(nickname);
-    QSqlQuery query = PrepareUpsert({COLUMN_USER, COLUMN_PLAYER, COLUMN_NOTE, COLUMN_TAG, COLUMN_FLAGS, COLUMN_RATING,
-                                     COLUMN_AVATAR, COLUMN_TIMESTAMP});
-    query.addBindValue(user);
-    query.addBindValue(model->GetNickname());
-    query.addBindValue(NeverNull(model->GetNotes()));
-    query.addBindValue(model->GetTagID());
-    query.addBindValue(GetFlags(model));
-    query.addBindValue(model->GetRating());
-    query.addBindValue(model->GetCustomAvatar());
-    query.addBindValue(CCasinoTime::GetInstance()->GetTimeUTCServer());
-    const bool written = query.exec();
-    CSettingsSync::GetInstance()->StartSyncTimer();
-    return written;
+    return CSaver().Save(nickname);
 }
 
 bool PlayerInfo::UpdateInfo(const QString &nickname)
@@ -170,15 +154,40 @@ QList<PlayerInfo::SPlayerInfoSyncElement> PlayerInfo::GetSyncList(const QString 
 
 bool PlayerInfo::InsertPlayerInfo(const PlayerInfo::SPlayerInfoSyncElement &element)
 {
-    return CPlayerInfoInserter().Insert(element);
+    return CInserter().Insert(element);
 }
 
-PlayerInfo::CPlayerInfoInserter::CPlayerInfoInserter()
+PlayerInfo::CSaver::CSaver()
+    : m_query(PrepareUpsert({COLUMN_USER, COLUMN_PLAYER, COLUMN_NOTE, COLUMN_TAG, COLUMN_FLAGS, COLUMN_RATING,
+                             COLUMN_AVATAR, COLUMN_TIMESTAMP}))
+{
+}
+
+bool PlayerInfo::CSaver::Save(const QString &nickname)
+{
+    const QString user = CUserInfo::GetInstance()->GetNickname();
+    if (nickname.isEmpty() || user.isEmpty())
+        return false;
+    CPlayerModel *model = CPlayerLists::GetInstance()->GetPlayerModel(nickname);
+    m_query.bindValue(0, user);
+    m_query.bindValue(1, model->GetNickname());
+    m_query.bindValue(2, NeverNull(model->GetNotes()));
+    m_query.bindValue(3, model->GetTagID());
+    m_query.bindValue(4, GetFlags(model));
+    m_query.bindValue(5, model->GetRating());
+    m_query.bindValue(6, model->GetCustomAvatar());
+    m_query.bindValue(7, CCasinoTime::GetInstance()->GetTimeUTCServer());
+    const bool written = m_query.exec();
+    CSettingsSync::GetInstance()->StartSyncTimer();
+    return written;
+}
+
+PlayerInfo::CInserter::CInserter()
     : m_query(PrepareUpsert({COLUMN_USER, COLUMN_PLAYER, COLUMN_NOTE, COLUMN_TAG, COLUMN_FLAGS, COLUMN_TIMESTAMP}))
 {
 }
 
-bool PlayerInfo::CPlayerInfoInserter::Insert(const SPlayerInfoSyncElement &element)
+bool PlayerInfo::CInserter::Insert(const SPlayerInfoSyncElement &element)
 {
     m_query.bindValue(0, NeverNull(element.strUser));
     m_query.bindValue(1, NeverNull(element.strPlayer));

@@ -6,11 +6,24 @@
 
 namespace PlayerInfo {
 
-/// InsertPlayerInfo() for many elements, which prepares its statement once. Lives within one transaction.
-class CPlayerInfoInserter
+// SaveInfo() and InsertPlayerInfo() for many rows in a row: each prepares its statement once. They live on the stack,
+// no longer than the transaction that they work in, if there is one.
+
+class CSaver
 {
 public:
-    CPlayerInfoInserter();
+    CSaver();
+
+    bool Save(const QString &nickname);
+
+private:
+    QSqlQuery m_query;
+};
+
+class CInserter
+{
+public:
+    CInserter();
 
     bool Insert(const SPlayerInfoSyncElement &element);
 

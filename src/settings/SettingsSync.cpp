@@ -248,7 +248,7 @@ void CSettingsSync::TakePlayerInfos(const QString &nickname, const QVariantList 
     settingsDB->StartTransaction();
     playerInfoDB->StartTransaction();
     {
-        PlayerInfo::CPlayerInfoInserter inserter;
+        PlayerInfo::CInserter inserter;
         for (const QVariant &element : infos) {
             const QVariantMap info = element.toMap();
             const QString nick = info.value(JSON_NICK).toString();
