@@ -1,6 +1,7 @@
 #include "PlayerLists.h"
 
 #include <Singleton_p.h>
+#include <models/PlayerSaves_p.h>
 
 #include <algorithm>
 
@@ -52,6 +53,7 @@ int CPlayerLists::GetOfflineBuddiesCount() const
 
 void CPlayerLists::ResetBuddyList()
 {
+    CPlayerSaves::WriteAll(); // while it is known who is a buddy
     m_lBuddyList.clear();
 }
 

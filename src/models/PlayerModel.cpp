@@ -43,18 +43,23 @@ bool CPlayerModel::IsExisting(CPlayerModel *model)
 
 void CPlayerModel::DestroyInstance(QString nickname)
 {
-    m_Instances.remove(nickname);
+    const QSharedPointer<CPlayerModel> model = m_Instances.take(nickname);
+    CPlayerSaves::Forget(model.data());
 }
 
 void CPlayerModel::DestroyInstance(CPlayerModel *model)
 {
     const auto entry = std::find(m_Instances.begin(), m_Instances.end(), model);
-    if (entry != m_Instances.end())
-        m_Instances.erase(entry);
+    if (entry == m_Instances.end())
+        return;
+    CPlayerSaves::Forget(model);
+    m_Instances.erase(entry);
 }
 
 void CPlayerModel::DestroyInstances()
 {
+    for (const QSharedPointer<CPlayerModel> &model : qAsConst(m_Instances))
+        CPlayerSaves::Forget(model.data());
     m_Instances.clear();
 }
 

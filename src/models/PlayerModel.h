@@ -55,6 +55,7 @@ protected:
 
 private Q_SLOTS:
     void slot_DownloadCustomAvatarFinished(bool status, QByteArray data);
+    // Store the player at once; by name alone, the library itself stores many in a row.
     void slot_DBSaveTimer();
     void slot_DBUpdateTimer();
     void slot_CartoonAvatarChanged();

@@ -2,6 +2,7 @@
 
 #include <database/PlayerInfoDB.h>
 #include <models/PlayerModel.h>
+#include <models/UserInfo.h>
 #include <settings/PlayerInfo_p.h>
 
 #include <QCoreApplication>
@@ -27,6 +28,8 @@ struct SWaiting
 // The delay is the same for all, so that the order of their restarts is that in which they are due.
 std::list<SWaiting> waiting;
 QHash<const CPlayerModel *, std::list<SWaiting>::iterator> places;
+// A child of the application, which may end before the library does.
+QPointer<QTimer> timer;
 
 // Milliseconds since the first call.
 qint64 Now()
@@ -37,6 +40,13 @@ qint64 Now()
         return started;
     }();
     return clock.elapsed();
+}
+
+// Whether there is a name, a user and a file under which to store it.
+bool IsStorable(const CPlayerModel *model)
+{
+    return !model->GetNickname().isEmpty() && CUserInfo::GetInstance()->IsLoggedIn() &&
+           CPlayerInfoDB::GetInstance()->IsOpen();
 }
 
 } // namespace
@@ -51,7 +61,7 @@ void CPlayerSaves::Restart(CPlayerModel *model)
         return; // the timer runs for one that is due no later
     }
     places.insert(model, waiting.insert(waiting.end(), {model, due}));
-    if (waiting.size() == 1)
+    if (!timer || !timer->isActive())
         RunTimer();
 }
 
@@ -66,7 +76,7 @@ void CPlayerSaves::Forget(CPlayerModel *model)
 
 void CPlayerSaves::WriteAll()
 {
-    if (waiting.empty())
+    if (waiting.empty() || !CUserInfo::GetInstance()->IsLoggedIn())
         return;
     CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
     database->StartTransaction();
@@ -86,8 +96,14 @@ void CPlayerSaves::WriteDue()
 {
     PlayerInfo::CSaver saver;
     const qint64 begin = Now();
-    for (qint64 now = begin; !waiting.empty() && waiting.front().iDue <= now && now - begin < SLICE_MS; now = Now())
-        saver.Save(TakeFirst()->GetNickname());
+    for (qint64 now = begin; !waiting.empty() && waiting.front().iDue <= now && now - begin < SLICE_MS; now = Now()) {
+        CPlayerModel *model = TakeFirst();
+        if (!saver.Save(model->GetNickname()) && IsStorable(model)) {
+            // Another program holds the file, and each attempt up for seconds.
+            Restart(model);
+            break;
+        }
+    }
     if (!waiting.empty())
         RunTimer();
 }
@@ -102,8 +118,6 @@ CPlayerModel *CPlayerSaves::TakeFirst()
 
 void CPlayerSaves::RunTimer()
 {
-    // A child of the application, which may end before the library does.
-    static QPointer<QTimer> timer;
     if (!timer) {
         timer = new QTimer(QCoreApplication::instance());
         timer->setSingleShot(true);

@@ -11,7 +11,7 @@ public:
     /// The player is stored 3 s from now, also one that waits already.
     static void Restart(CPlayerModel *model);
     static void Forget(CPlayerModel *model);
-    /// Stores all that wait, at once.
+    /// Stores all that wait, at once, while somebody is logged in.
     static void WriteAll();
 
 private:

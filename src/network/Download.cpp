@@ -33,11 +33,13 @@ CDownload::~CDownload()
 
 void CDownload::Start()
 {
+    m_bStopped = false;
     QTimer::singleShot(0, this, &CDownload::slot_Start);
 }
 
 void CDownload::Stop()
 {
+    m_bStopped = true;
     StopTimers();
     ForgetReply();
     m_iBytesReceived = 0;
@@ -117,9 +119,12 @@ void CDownload::slot_DownloadReadyRead()
 
 void CDownload::slot_Start()
 {
+    if (m_bStopped)
+        return;
     Q_EMIT signal_Started();
     m_uiRedirects = 0;
-    Download();
+    if (!m_bStopped)
+        Download();
 }
 
 void CDownload::slot_DownloadTimeout()
@@ -190,8 +195,10 @@ void CDownload::StopTimers()
 // What it still has to tell counts for nothing.
 void CDownload::ForgetReply()
 {
-    if (m_pReply)
+    if (m_pReply) {
+        m_pReply->disconnect(this);
         m_pReply->deleteLater();
+    }
     m_pReply.clear();
 }
 

@@ -33,7 +33,8 @@ public:
 
     /// The transfer begins at the next turn of the event loop.
     void Start();
-    /// Gives up, with signal_Finished(false, QByteArray()); that comes also when nothing was running.
+    /// Gives up, also a transfer that hasn't begun, with signal_Finished(false, QByteArray()); that comes also when
+    /// nothing was running.
     void Stop();
 
     /// The address given at first.
@@ -84,4 +85,5 @@ private:
     QPointer<QNetworkReply> m_pReply; // the running one, owned
     QByteArray m_postData;
     bool m_bHeadOnly;
+    bool m_bStopped = false; // since the last Start()
 };

@@ -27,14 +27,14 @@ public:
     /// The object ends at the next turn of the event loop, and its replies with it.
     static void DestroyInstance();
 
+    /// What get(), post() and head() pass through.
+    QNetworkReply *createRequest(QNetworkAccessManager::Operation op, const QNetworkRequest &request,
+                                 QIODevice *outgoingData) override;
+
 public Q_SLOTS:
     void slot_AuthenticationRequired(QNetworkReply *reply, QAuthenticator *auth);
     /// Answers with user and password of the application's proxy, if it has any.
     void slot_ProxyAuthenticationRequired(QNetworkProxy proxy, QAuthenticator *auth);
-
-protected:
-    QNetworkReply *createRequest(QNetworkAccessManager::Operation op, const QNetworkRequest &request,
-                                 QIODevice *outgoingData) override;
 
 private Q_SLOTS:
     void slot_RequestFinished(QNetworkReply *reply);

@@ -169,7 +169,10 @@ void CSettingsSync::slot_IntialWebRequestFinished(bool status, QByteArray data)
 {
     if (!TakeFinished() || !status)
         return;
+    const QString user = GetUser();
     ReadJSON(data);
+    if (GetUser() != user)
+        return; // a listener has ended the login
     GetLocalTimestamps();
     RequestSessionIfBehind();
 }
@@ -235,7 +238,7 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QVariantList &se
         if (key.isEmpty() || !IsSingleValue(value))
             continue;
         store->Save(nickname, setting.value(JSON_AREA).toString(), key, value, setting.value(JSON_TIME).toInt());
-        values.insert(key, value.toString());
+        values.insert(key.toLower(), value.toString());
     }
     // In effect at once, and under their own times: nothing is queued a second time.
     store->SetSettings({}, values, false);
@@ -254,10 +257,12 @@ void CSettingsSync::TakePlayerInfos(const QString &nickname, const QVariantList 
             const QString nick = info.value(JSON_NICK).toString();
             if (nick.isEmpty())
                 continue;
-            inserter.Insert({nickname, nick, info.value(JSON_NOTE).toString(),
-                             static_cast<unsigned int>(info.value(JSON_TAG).toInt()),
-                             static_cast<unsigned int>(info.value(JSON_FLAGS).toInt()),
-                             ToTime(info.value(JSON_TIME))});
+            const bool written = inserter.Insert({nickname, nick, info.value(JSON_NOTE).toString(),
+                                                  static_cast<unsigned int>(info.value(JSON_TAG).toInt()),
+                                                  static_cast<unsigned int>(info.value(JSON_FLAGS).toInt()),
+                                                  ToTime(info.value(JSON_TIME))});
+            if (!written)
+                break; // a file that is locked holds each attempt up for seconds
         }
     }
     playerInfoDB->EndTransaction(true);

@@ -43,8 +43,8 @@ public:
     void InitiateSync();
     /// The host's answer to WebLinks::SettingsSyncFetch. The first 32 characters go into the address.
     void StartSync(QString session);
-    /// The host's answer to WebLinks::SettingsSyncSend: true if there was something to send, and it went out. It
-    /// doesn't ask for a login.
+    /// The host's answer to WebLinks::SettingsSyncSend: true if there was something to send, and it went out. Whoever
+    /// is logged in now has to be the one for whom the session was asked.
     bool SyncToServer(QString session);
 
     /// For the stores, behind each local write: begins the 5 s anew.
