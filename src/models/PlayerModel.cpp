@@ -66,10 +66,12 @@ void CPlayerModel::DestroyInstances()
 void CPlayerModel::SetLoadedInfo(QString note, unsigned int tagID, unsigned int customAvatar, unsigned char rating,
                                  bool buddyBlocked, bool chatBlock)
 {
+    m_bLoading = true;
     SetNotes(note);
     SetTagID(tagID);
     SetCustomAvatar(customAvatar);
     SetRating(rating);
     SetBuddyBlocked(buddyBlocked);
     SetChatBlock(chatBlock);
+    m_bLoading = false;
 }

@@ -69,6 +69,7 @@ private:
     void ChangeCustomAvatarTo(unsigned int id);
     void AbandonDownload();
 
+    bool m_bLoading = false;                  // what changes is the store's, not the user's
     CDownload *m_pDownload = nullptr;         // child, null when none runs
     unsigned int m_ulPendingCustomAvatar = 0; // the picture that it fetches, or has failed to fetch
 

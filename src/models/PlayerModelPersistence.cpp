@@ -5,6 +5,7 @@
 #include <models/UserInfo.h>
 #include <network/Download.h>
 #include <settings/Config.h>
+#include <settings/LocalChanges_p.h>
 #include <settings/PlayerInfo.h>
 #include <settings/Settings.h>
 
@@ -68,7 +69,8 @@ void CPlayerModel::slot_DownloadCustomAvatarFinished(bool status, QByteArray dat
 {
     if (sender() != m_pDownload)
         return;
-    AbandonDownload();
+    m_pDownload->deleteLater();
+    m_pDownload = nullptr;
     if (!status || QImage::fromData(data).isNull())
         return;
     const unsigned int id = m_ulPendingCustomAvatar;
@@ -104,7 +106,9 @@ void CPlayerModel::slot_CustomAvatarChanged()
 
 void CPlayerModel::SaveLater()
 {
-    CPlayerSaves::Restart(this);
+    CPlayerSaves::Restart(this, !m_bLoading);
+    if (!m_bLoading)
+        CLocalChanges::AddPlayer(GetNickname());
 }
 
 bool CPlayerModel::IsOwn() const
@@ -132,7 +136,10 @@ void CPlayerModel::ChangeCustomAvatarTo(unsigned int id)
 
 void CPlayerModel::AbandonDownload()
 {
-    if (m_pDownload)
-        m_pDownload->deleteLater();
+    if (!m_pDownload)
+        return;
+    m_pDownload->disconnect(this);
+    m_pDownload->Stop(); // or one that hasn't begun yet would begin before it goes
+    m_pDownload->deleteLater();
     m_pDownload = nullptr;
 }

@@ -23,6 +23,7 @@ struct SWaiting
 {
     CPlayerModel *pModel;
     qint64 iDue; // by Now()
+    bool bByUser;
 };
 
 // The delay is the same for all, so that the order of their restarts is that in which they are due.
@@ -51,16 +52,17 @@ bool IsStorable(const CPlayerModel *model)
 
 } // namespace
 
-void CPlayerSaves::Restart(CPlayerModel *model)
+void CPlayerSaves::Restart(CPlayerModel *model, bool byUser)
 {
     const qint64 due = Now() + SAVE_DELAY_MS;
     const auto place = places.constFind(model);
     if (place != places.constEnd()) {
         waiting.splice(waiting.end(), waiting, *place);
         waiting.back().iDue = due;
+        waiting.back().bByUser |= byUser;
         return; // the timer runs for one that is due no later
     }
-    places.insert(model, waiting.insert(waiting.end(), {model, due}));
+    places.insert(model, waiting.insert(waiting.end(), {model, due, byUser}));
     if (!timer || !timer->isActive())
         RunTimer();
 }
@@ -76,20 +78,20 @@ void CPlayerSaves::Forget(CPlayerModel *model)
 
 void CPlayerSaves::WriteAll()
 {
-    if (waiting.empty() || !CUserInfo::GetInstance()->IsLoggedIn())
-        return;
-    CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
-    database->StartTransaction();
-    {
-        PlayerInfo::CSaver saver;
-        bool good = true; // a file that is locked holds each attempt up for seconds
-        while (!waiting.empty()) {
-            const QString nickname = TakeFirst()->GetNickname();
-            if (good && !nickname.isEmpty())
-                good = saver.Save(nickname);
-        }
+    QList<CPlayerModel *> models;
+    for (const SWaiting &entry : waiting)
+        models.append(entry.pModel);
+    Write(models);
+}
+
+void CPlayerSaves::WriteChanges()
+{
+    QList<CPlayerModel *> models;
+    for (const SWaiting &entry : waiting) {
+        if (entry.bByUser)
+            models.append(entry.pModel);
     }
-    database->EndTransaction(true);
+    Write(models);
 }
 
 void CPlayerSaves::WriteDue()
@@ -97,10 +99,11 @@ void CPlayerSaves::WriteDue()
     PlayerInfo::CSaver saver;
     const qint64 begin = Now();
     for (qint64 now = begin; !waiting.empty() && waiting.front().iDue <= now && now - begin < SLICE_MS; now = Now()) {
-        CPlayerModel *model = TakeFirst();
-        if (!saver.Save(model->GetNickname()) && IsStorable(model)) {
+        const SWaiting first = waiting.front();
+        Forget(first.pModel); // a change that comes on the way has to wait anew
+        if (!saver.Save(first.pModel->GetNickname()) && IsStorable(first.pModel)) {
             // Another program holds the file, and each attempt up for seconds.
-            Restart(model);
+            Restart(first.pModel, first.bByUser);
             break;
         }
     }
@@ -108,12 +111,23 @@ void CPlayerSaves::WriteDue()
         RunTimer();
 }
 
-// It waits no more, so that a change that comes on the way has to wait anew.
-CPlayerModel *CPlayerSaves::TakeFirst()
+// Those that can't be stored while nobody is logged in wait on.
+void CPlayerSaves::Write(const QList<CPlayerModel *> &models)
 {
-    CPlayerModel *model = waiting.front().pModel;
-    Forget(model);
-    return model;
+    if (models.isEmpty() || !CUserInfo::GetInstance()->IsLoggedIn())
+        return;
+    CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
+    database->StartTransaction();
+    {
+        PlayerInfo::CSaver saver;
+        bool good = true; // a file that is locked holds each attempt up for seconds
+        for (CPlayerModel *model : models) {
+            Forget(model);
+            if (good && !model->GetNickname().isEmpty())
+                good = saver.Save(model->GetNickname());
+        }
+    }
+    database->EndTransaction(true);
 }
 
 void CPlayerSaves::RunTimer()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QList>
+
 class CPlayerModel;
 
 /// The players whose changes wait to be stored, all behind one timer: thousands may wait at the same time, as after a
@@ -8,14 +10,17 @@ class CPlayerModel;
 class CPlayerSaves
 {
 public:
-    /// The player is stored 3 s from now, also one that waits already.
-    static void Restart(CPlayerModel *model);
+    /// The player is stored 3 s from now, also one that waits already. \a byUser: for a change of the user's; what a
+    /// load has changed is stored as well.
+    static void Restart(CPlayerModel *model, bool byUser);
     static void Forget(CPlayerModel *model);
     /// Stores all that wait, at once, while somebody is logged in.
     static void WriteAll();
+    /// The same with those alone that the user has changed.
+    static void WriteChanges();
 
 private:
     static void WriteDue();
-    static CPlayerModel *TakeFirst();
+    static void Write(const QList<CPlayerModel *> &models);
     static void RunTimer();
 };

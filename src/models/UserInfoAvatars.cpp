@@ -25,4 +25,9 @@ void CUserInfo::slot_ConnectSlots()
     const CSettings *settings = CSettings::GetInstance();
     connect(settings, &CSettings::signal_CustomCurrentChanged, this, &CUserInfo::slot_CustomAvatarSettingChanged);
     connect(settings, &CSettings::signal_CartoonAvatarChanged, this, &CUserInfo::slot_CartoonAvatarSettingChanged);
+    // Of a user whose settings are those that were in force before nothing is signalled.
+    connect(this, &CUserInfo::signal_LoginStateChanged, this, [this] {
+        slot_CustomAvatarSettingChanged();
+        slot_CartoonAvatarSettingChanged();
+    });
 }

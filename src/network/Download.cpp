@@ -175,13 +175,15 @@ void CDownload::UpdateDownload()
                            FormatBytes(static_cast<qint64>(speed)) + QLatin1String("/s"));
 }
 
-// False if the chain is too long.
+// False if the chain is too long, or leads away from the web: a server has no business with the files of this
+// machine.
 bool CDownload::FollowRedirect(const QUrl &target)
 {
-    if (m_uiRedirects >= MaxRedirects)
+    const QUrl resolved = m_curUrl.resolved(target);
+    if (m_uiRedirects >= MaxRedirects || !resolved.scheme().startsWith(QLatin1String("http")))
         return false;
     ++m_uiRedirects;
-    m_curUrl = m_curUrl.resolved(target);
+    m_curUrl = resolved;
     Download();
     return true;
 }

@@ -14,8 +14,8 @@
 /// tells its progress. It goes through CNetworkAccessManager and shares its thread.
 ///
 /// Each Start() ends in one signal_Finished(), with false for a network error, an HTTP status of 400 and above, a
-/// stall, a chain of more than MaxRedirects redirects, or a body of more than MaxBytes. The object can be started
-/// again, then from where the last redirect has led, and doesn't delete itself.
+/// stall, a chain of more than MaxRedirects redirects or one that leaves the web, or a body of more than MaxBytes.
+/// The object can be started again, then from where the last redirect has led, and doesn't delete itself.
 class PLUGININTERFACE_EXPORT CDownload : public QObject
 {
     Q_OBJECT

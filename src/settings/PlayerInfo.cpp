@@ -4,6 +4,8 @@
 #include <database/PlayerInfoDB.h>
 #include <models/PlayerLists.h>
 #include <models/UserInfo.h>
+#include <settings/LocalChanges_p.h>
+#include <settings/Settings.h>
 #include <settings/SettingsSync.h>
 #include <time/CasinoTime.h>
 
@@ -53,10 +55,17 @@ unsigned int GetFlags(CPlayerModel *model)
            (model->GetChatBlock() ? FLAG_CHAT_BLOCKED : 0U);
 }
 
+bool IsOpen()
+{
+    return CPlayerInfoDB::GetInstance()->IsOpen();
+}
+
 // INSERT, or where the user has a row of the player already, UPDATE; the values are bound in the order of the
 // columns, the first two of which are the key.
 QSqlQuery PrepareUpsert(const QStringList &columns)
 {
+    if (!IsOpen())
+        return QSqlQuery();
     QStringList values;
     QStringList updates;
     for (const QString &column : columns) {
@@ -73,6 +82,8 @@ QSqlQuery PrepareUpsert(const QStringList &columns)
 
 QVector<SLoaded> ReadRows(const QString &user)
 {
+    if (!IsOpen())
+        return {};
     QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
     query.prepare(QLatin1String("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID, PIN_iPlayerFlags, PIN_iRating,"
                                 " PIN_iCustomAvatar FROM ") +
@@ -90,19 +101,30 @@ QVector<SLoaded> ReadRows(const QString &user)
 
 } // namespace
 
-// All rows are read before the first is applied: whoever hears of a change may write to the same table.
 bool PlayerInfo::LoadInfo()
+{
+    return LoadRows(false);
+}
+
+// All rows are read before the first is applied: whoever hears of a change may write to the same table.
+bool PlayerInfo::LoadRows(bool keepChanges)
 {
     const QString user = CUserInfo::GetInstance()->GetNickname();
     if (user.isEmpty())
         return false;
     const QVector<SLoaded> rows = ReadRows(user);
     for (const SLoaded &row : rows) {
+        if (keepChanges && CLocalChanges::HasPlayer(row.strPlayer))
+            continue; // the model is ahead of its row
         CPlayerModel *model = CPlayerModel::GetInstance(row.strPlayer);
         if ((row.ulFlags & FLAG_BUDDY) != 0)
             CPlayerLists::GetInstance()->AddToBuddyList(model);
-        model->SetLoadedInfo(row.strNote, row.ulTagID, row.ulCustomAvatar, row.ucRating,
-                             (row.ulFlags & FLAG_BUDDY_BLOCKED) != 0, (row.ulFlags & FLAG_CHAT_BLOCKED) != 0);
+        // The own picture is a setting, which follows the user; the row's is of this machine.
+        const unsigned int avatar = row.strPlayer == user
+                                        ? static_cast<unsigned int>(CSettings::GetInstance()->GetCustomCurrent())
+                                        : row.ulCustomAvatar;
+        model->SetLoadedInfo(row.strNote, row.ulTagID, avatar, row.ucRating, (row.ulFlags & FLAG_BUDDY_BLOCKED) != 0,
+                             (row.ulFlags & FLAG_CHAT_BLOCKED) != 0);
         if (CUserInfo::GetInstance()->GetNickname() != user)
             break; // whoever heard of it has ended the login; the rest is nobody's
     }
@@ -138,6 +160,8 @@ unsigned int PlayerInfo::GetLastTimestamp(const QString &user)
 
 QList<PlayerInfo::SPlayerInfoSyncElement> PlayerInfo::GetSyncList(const QString &user, unsigned int timestamp)
 {
+    if (!IsOpen())
+        return {};
     QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
     query.prepare(QLatin1String("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID, PIN_iPlayerFlags, PIN_iTimestamp FROM ") +
                   CPlayerInfoDB::strTableNameInfo + QLatin1String(" WHERE PIN_cUser = ? AND PIN_iTimestamp > ?"));
@@ -177,7 +201,7 @@ bool PlayerInfo::CSaver::Save(const QString &nickname)
     m_query.bindValue(5, model->GetRating());
     m_query.bindValue(6, model->GetCustomAvatar());
     m_query.bindValue(7, CCasinoTime::GetInstance()->GetTimeUTCServer());
-    const bool written = m_query.exec();
+    const bool written = IsOpen() && m_query.exec();
     CSettingsSync::GetInstance()->StartSyncTimer();
     return written;
 }
@@ -195,5 +219,5 @@ bool PlayerInfo::CInserter::Insert(const SPlayerInfoSyncElement &element)
     m_query.bindValue(3, element.ulTagID);
     m_query.bindValue(4, element.ulPlayerFlags);
     m_query.bindValue(5, element.ulTimestamp);
-    return m_query.exec();
+    return IsOpen() && m_query.exec();
 }

@@ -25,7 +25,8 @@ struct SPlayerInfoSyncElement
 };
 
 /// Brings the models up to date with all rows of the logged-in user, and appends the buddies to CPlayerLists, also
-/// those who are on it already. A model that changes on the way is saved 3 s later. False if there are no rows.
+/// those who are on it already. The own player's custom avatar is the setting `customcurrent`, whatever the row says.
+/// A model that changes on the way is saved 3 s later. False if there are no rows.
 PLUGININTERFACE_EXPORT bool LoadInfo();
 
 /// Writes the player's row, stamped with the server's time. \a nickname gets a model if it has none.

@@ -6,6 +6,9 @@
 
 namespace PlayerInfo {
 
+/// LoadInfo(), which with \a keepChanges leaves the models alone that CLocalChanges holds.
+bool LoadRows(bool keepChanges);
+
 // SaveInfo() and InsertPlayerInfo() for many rows in a row: each prepares its statement once. They live on the stack,
 // no longer than the transaction that they work in, if there is one.
 

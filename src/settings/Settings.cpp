@@ -4,6 +4,7 @@
 #include <database/SettingsDB.h>
 #include <models/UserInfo.h>
 #include <settings/Config.h>
+#include <settings/LocalChanges_p.h>
 #include <settings/SettingsRows_p.h>
 #include <settings/SettingsSync.h>
 #include <time/CasinoTime.h>
@@ -54,6 +55,8 @@ void CSettings::Save(const QString &user, const QString &area, const QString &ke
     // A user's row of a setting that is the installation's can only come from the server, and is for no one else.
     if (!user.isEmpty() && !IsGlobal(key))
         m_lstPending.append({QString(), area, key, value, timestamp});
+    if (!user.isEmpty() && timestamp < 0)
+        CLocalChanges::AddSetting(key);
     m_SaveTimer.start(SAVE_DELAY_MS);
 }
 

@@ -3,9 +3,11 @@
 #include <Singleton_p.h>
 #include <database/PlayerInfoDB.h>
 #include <database/SettingsDB.h>
+#include <models/PlayerSaves_p.h>
 #include <models/UserInfo.h>
 #include <network/Download.h>
 #include <settings/Config.h>
+#include <settings/LocalChanges_p.h>
 #include <settings/PlayerInfo_p.h>
 #include <settings/Settings.h>
 
@@ -70,6 +72,9 @@ void CSettingsSync::InitiateSync()
 {
     if (!CUserInfo::GetInstance()->IsLoggedIn())
         return;
+    // The server is to know of all that was changed until now; what changes from now on, it can't.
+    CPlayerSaves::WriteChanges();
+    CLocalChanges::Begin();
     GetLocalTimestamps();
     Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncFetch);
 }
@@ -171,6 +176,7 @@ void CSettingsSync::slot_IntialWebRequestFinished(bool status, QByteArray data)
         return;
     const QString user = GetUser();
     ReadJSON(data);
+    CLocalChanges::End();
     if (GetUser() != user)
         return; // a listener has ended the login
     GetLocalTimestamps();
@@ -235,7 +241,7 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QVariantList &se
         const QVariantMap setting = element.toMap();
         const QString key = setting.value(JSON_KEY).toString();
         const QVariant value = setting.value(JSON_VALUE);
-        if (key.isEmpty() || !IsSingleValue(value))
+        if (key.isEmpty() || !IsSingleValue(value) || CLocalChanges::HasSetting(key))
             continue;
         store->Save(nickname, setting.value(JSON_AREA).toString(), key, value, setting.value(JSON_TIME).toInt());
         values.insert(key.toLower(), value.toString());
@@ -255,7 +261,7 @@ void CSettingsSync::TakePlayerInfos(const QString &nickname, const QVariantList 
         for (const QVariant &element : infos) {
             const QVariantMap info = element.toMap();
             const QString nick = info.value(JSON_NICK).toString();
-            if (nick.isEmpty())
+            if (nick.isEmpty() || CLocalChanges::HasPlayer(nick))
                 continue;
             const bool written = inserter.Insert({nickname, nick, info.value(JSON_NOTE).toString(),
                                                   static_cast<unsigned int>(info.value(JSON_TAG).toInt()),
@@ -266,7 +272,7 @@ void CSettingsSync::TakePlayerInfos(const QString &nickname, const QVariantList 
         }
     }
     playerInfoDB->EndTransaction(true);
-    PlayerInfo::LoadInfo();
+    PlayerInfo::LoadRows(true);
     settingsDB->EndTransaction(true);
 }
 

@@ -18,8 +18,9 @@ class CDownload;
 /// The exchange is one of newest times, in seconds on the server's clock: the client says how far it is; the server
 /// sends what is newer, and how far itself is; if they still differ, the client sends what the server lacks. Each
 /// local change leads to the same comparison 5 s later. What arrives overwrites what is here, without a look at the
-/// times of single rows, and takes effect at once; it is the server's business not to send what is older. Ratings,
-/// custom avatars, and the settings of the installation stay on the machine.
+/// times of single rows, but not over what the user has changed since InitiateSync(), and takes effect at once; it is
+/// the server's business not to send what is older. Ratings, custom avatars, and the settings of the installation
+/// stay on the machine.
 ///
 /// For each request the host is asked for a web session by signal_RequestSessionForSync() and answers with
 /// StartSync() or SyncToServer(), whenever it has one. An exchange that fails changes nothing and isn't repeated:
