@@ -2,6 +2,8 @@
 
 #include "Payload.h"
 
+#include <plugin/WebLinks.h>
+
 #include <QCryptographicHash>
 
 #include <algorithm>
@@ -37,6 +39,16 @@ ERefusal ToRefusal(char letter)
 constexpr auto REFUSAL_FIELDS = [](auto &payload, SRefusal &refusal) {
     payload.Text(refusal.strNickname, MAX_NICKNAME_LENGTH);
     payload.Letter(refusal.eReason, &ToRefusal);
+};
+
+constexpr auto WEB_REQUEST_FIELDS = [](auto &payload, SWebRequest &request) {
+    payload.Number(request.ucLink);
+    payload.Text(request.strMachine, MAX_WEB_TEXT_LENGTH);
+};
+
+constexpr auto WEB_SESSION_FIELDS = [](auto &payload, SWebSession &session) {
+    payload.Number(session.ucLink);
+    payload.Text(session.strSession, MAX_WEB_TEXT_LENGTH);
 };
 
 constexpr auto TIME_FIELDS = [](auto &payload, quint32 &seconds) { payload.Number(seconds); };
@@ -87,6 +99,16 @@ QByteArray EncodeRefused(const SRefusal &refusal)
     return Payload::Encode(REFUSED, refusal, REFUSAL_FIELDS);
 }
 
+QByteArray EncodeWebRequest(const SWebRequest &request)
+{
+    return Payload::Encode(WEB_REQUEST, request, WEB_REQUEST_FIELDS);
+}
+
+QByteArray EncodeWebSession(const SWebSession &session)
+{
+    return Payload::Encode(WEB_SESSION, session, WEB_SESSION_FIELDS);
+}
+
 QByteArray EncodeTime(quint32 seconds)
 {
     return Payload::Encode(TIME, seconds, TIME_FIELDS);
@@ -110,6 +132,21 @@ bool DecodeAccepted(const QByteArray &payload, SAccount &account)
 bool DecodeRefused(const QByteArray &payload, SRefusal &refusal)
 {
     return Payload::Decode(REFUSED, payload, refusal, REFUSAL_FIELDS);
+}
+
+bool DecodeWebRequest(const QByteArray &payload, SWebRequest &request)
+{
+    SWebRequest read;
+    if (!Payload::Decode(WEB_REQUEST, payload, read, WEB_REQUEST_FIELDS) ||
+        (read.ucLink != WebLinks::SettingsSyncFetch && read.ucLink != WebLinks::SettingsSyncSend))
+        return false;
+    request = read;
+    return true;
+}
+
+bool DecodeWebSession(const QByteArray &payload, SWebSession &session)
+{
+    return Payload::Decode(WEB_SESSION, payload, session, WEB_SESSION_FIELDS);
 }
 
 bool DecodeTime(const QByteArray &payload, quint32 &seconds)

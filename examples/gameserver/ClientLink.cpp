@@ -45,15 +45,21 @@ void CClientLink::Send(const QByteArray &packets)
 
 void CClientLink::Accept(const AccountProtocol::SAccount &account)
 {
-    m_strNickname = account.strNickname;
+    SetUser(account.strNickname);
     Send(AccountProtocol::ToPacket(AccountProtocol::EncodeAccepted(account)));
 }
 
 void CClientLink::Refuse(const AccountProtocol::SRefusal &refusal)
 {
-    m_strNickname.clear();
+    SetUser(QString());
     m_refusal = AccountProtocol::ToPacket(AccountProtocol::EncodeRefused(refusal));
     m_refusalPause.start();
+}
+
+void CClientLink::SetUser(const QString &nickname)
+{
+    m_strNickname = nickname;
+    ++m_iLogins;
 }
 
 void CClientLink::OnRefusalDue()
@@ -119,10 +125,13 @@ QString CClientLink::HandleLobbyRecord(const QByteArray &payload)
 QString CClientLink::HandleAccountRecord(const QByteArray &payload)
 {
     AccountProtocol::SLogin login;
+    AccountProtocol::SWebRequest request;
     if (AccountProtocol::DecodeLogin(payload, login))
         Q_EMIT signal_LoginRequested(login);
     else if (payload == AccountProtocol::LOGOUT)
-        m_strNickname.clear();
+        SetUser(QString());
+    else if (AccountProtocol::DecodeWebRequest(payload, request))
+        Q_EMIT signal_WebSessionRequested(request);
     else
         return QStringLiteral("an unknown or malformed record on the account");
     return QString();

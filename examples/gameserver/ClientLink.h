@@ -28,16 +28,20 @@ public:
     /// The same, after a pause in which the link serves nothing, so that passwords can't be tried fast. Whoever was
     /// logged in before isn't any more.
     void Refuse(const AccountProtocol::SRefusal &refusal);
+    /// Tells apart whose the link has been: another number behind each login, refusal and logout.
+    int GetLoginCount() const { return m_iLogins; }
 
 Q_SIGNALS:
     void signal_ListRequested();
     void signal_SeatRequested(quint32 tableID);
     /// To be answered at once.
     void signal_LoginRequested(const AccountProtocol::SLogin &login);
+    void signal_WebSessionRequested(const AccountProtocol::SWebRequest &request);
     /// The link is of no use any more and deletes itself at the next turn of the event loop.
     void signal_Ended();
 
 private:
+    void SetUser(const QString &nickname);
     void OnReadyRead();
     void OnRefusalDue();
     QString HandlePacket(CPacketLayerWrapper &packet);
@@ -53,6 +57,7 @@ private:
     QTimer m_refusalPause;
     QByteArray m_refusal; // to be sent when the pause is over
     QString m_strNickname;
+    int m_iLogins = 0;
     bool m_bSubscribed = false;
     bool m_bEnded = false;
 };

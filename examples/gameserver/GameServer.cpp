@@ -3,6 +3,7 @@
 #include "ClientLink.h"
 
 #include <QDateTime>
+#include <QNetworkReply>
 
 #include <algorithm>
 #include <cstdio>
@@ -13,7 +14,9 @@ using LobbyProtocol::STable;
 namespace {
 
 constexpr int TICK_MS = 1000;
-constexpr int TIME_PACKETS_MS = 10000;
+// Rows of settings and notes bear the time that was told last, and are told apart by it.
+constexpr int TIME_PACKETS_MS = 1000;
+constexpr int WEB_LIMIT_MS = 10000;
 // Well below what a process may open: once accepting has failed for want of a descriptor, it stays off.
 constexpr int MAX_CLIENTS = 500;
 // One table in this many sees somebody come or go in a second.
@@ -27,6 +30,11 @@ QByteArray TimePacket()
 {
     const auto now = static_cast<quint32>(QDateTime::currentSecsSinceEpoch());
     return AccountProtocol::ToPacket(AccountProtocol::EncodeTime(now));
+}
+
+QByteArray WebSessionPacket(quint8 link, const QByteArray &session)
+{
+    return AccountProtocol::ToPacket(AccountProtocol::EncodeWebSession({link, QString::fromUtf8(session)}));
 }
 
 // Empty if nothing has changed.
@@ -86,6 +94,8 @@ void CGameServer::AddClient(QTcpSocket *socket)
             [this, client](quint32 tableID) { GiveSeat(client, tableID); });
     connect(client, &CClientLink::signal_LoginRequested, this,
             [this, client](const AccountProtocol::SLogin &login) { LogIn(client, login); });
+    connect(client, &CClientLink::signal_WebSessionRequested, this,
+            [this, client](const AccountProtocol::SWebRequest &request) { GiveWebSession(client, request); });
     connect(client, &CClientLink::signal_Ended, this, [this, client] { m_clients.removeOne(client); });
     client->Send(TimePacket());
 }
@@ -107,6 +117,33 @@ void CGameServer::LogIn(CClientLink *client, const AccountProtocol::SLogin &logi
         client->Refuse({login.strNickname, *refusal});
     else
         client->Accept(account);
+}
+
+void CGameServer::SetWebServer(const QString &address, const QString &key)
+{
+    m_strWebServer = address;
+    m_strWebKey = key;
+    m_network.setTransferTimeout(WEB_LIMIT_MS);
+}
+
+void CGameServer::GiveWebSession(CClientLink *client, const AccountProtocol::SWebRequest &request)
+{
+    const quint8 link = request.ucLink;
+    if (client->GetNickname().isEmpty() || m_strWebServer.isEmpty()) {
+        client->Send(WebSessionPacket(link, QByteArray()));
+        return;
+    }
+    QNetworkRequest web(QUrl(QStringLiteral("http://%1/sessions").arg(m_strWebServer)));
+    web.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/x-www-form-urlencoded"));
+    QNetworkReply *reply = m_network.post(web, "key=" + QUrl::toPercentEncoding(m_strWebKey) +
+                                                   "&nickname=" + QUrl::toPercentEncoding(client->GetNickname()) +
+                                                   "&machine=" + QUrl::toPercentEncoding(request.strMachine));
+    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    // For the user who asked, and as long as the link lives.
+    connect(reply, &QNetworkReply::finished, client, [client, reply, link, login = client->GetLoginCount()] {
+        const bool good = client->GetLoginCount() == login && reply->error() == QNetworkReply::NoError;
+        client->Send(WebSessionPacket(link, good ? reply->readAll() : QByteArray()));
+    });
 }
 
 void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)

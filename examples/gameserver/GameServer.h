@@ -4,6 +4,7 @@
 
 #include <common/LobbyProtocol.h>
 
+#include <QNetworkAccessManager>
 #include <QObject>
 #include <QTcpServer>
 #include <QTimer>
@@ -24,6 +25,10 @@ public:
     CGameServer(const QVector<LobbyProtocol::STable> &tables, const CAccounts &accounts, quint32 seed,
                 int halfSentLimit);
 
+    /// Where users get their web sessions, as "host:port"; nowhere if this is not called. \a key is the secret that
+    /// the web server wants to see.
+    void SetWebServer(const QString &address, const QString &key);
+
     /// Listens on 127.0.0.1; \a port 0 takes any that is free. False with the reason in GetError().
     bool Listen(quint16 port) { return m_server.listen(QHostAddress::LocalHost, port); }
     quint16 GetPort() const { return m_server.serverPort(); }
@@ -36,6 +41,7 @@ private:
     void AddClient(QTcpSocket *socket);
     void SendList(CClientLink *client) const;
     void LogIn(CClientLink *client, const AccountProtocol::SLogin &login) const;
+    void GiveWebSession(CClientLink *client, const AccountProtocol::SWebRequest &request);
     void GiveSeat(CClientLink *client, quint32 tableID);
     void GrowJackpot();
     QByteArray JackpotPacket() const;
@@ -47,6 +53,9 @@ private:
     std::mt19937 m_random;
     quint32 m_uiJackpot; // cents
     int m_iHalfSentLimit;
+    QNetworkAccessManager m_network;
+    QString m_strWebServer;
+    QString m_strWebKey;
     QTcpServer m_server;
     QTimer m_tick;
     QTimer m_timePackets;

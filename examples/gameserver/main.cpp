@@ -1,7 +1,8 @@
 #include "GameServer.h"
 #include "TableFile.h"
 
-#include <QCommandLineParser>
+#include <common/Options.h>
+
 #include <QCoreApplication>
 #include <QDateTime>
 
@@ -20,22 +21,12 @@ struct SOptions
 {
     QString strData;
     QString strAccounts;
+    QString strWebServer;
+    QString strWebKey;
     quint32 uiPort = 0;
     quint32 uiSeed = 0;
     quint32 uiIdle = 0;
 };
-
-/// False, with the reason in \a error, if the option's value isn't a number within the limits.
-bool ReadNumber(const QCommandLineParser &parser, const QCommandLineOption &option, quint32 least, quint32 most,
-                quint32 &number, QString &error)
-{
-    bool good = false;
-    number = parser.value(option).toUInt(&good);
-    if (good && number >= least && number <= most)
-        return true;
-    error = QStringLiteral("--%1 takes a number from %2 to %3").arg(option.names().constFirst()).arg(least).arg(most);
-    return false;
-}
 
 bool ReadOptions(const QCoreApplication &application, SOptions &options, QString &error)
 {
@@ -53,6 +44,11 @@ bool ReadOptions(const QCoreApplication &application, SOptions &options, QString
     const QCommandLineOption idle(QStringLiteral("idle-ms"),
                                   QStringLiteral("Milliseconds that a packet may stay half-sent; default 15000."),
                                   QStringLiteral("number"), QStringLiteral("15000"));
+    const QCommandLineOption web(QStringLiteral("web-server"),
+                                 QStringLiteral("Web server that gives sessions; without it nobody gets one."),
+                                 QStringLiteral("host:port"));
+    const QCommandLineOption webKey(QStringLiteral("web-key"), QStringLiteral("Secret that it shares with that."),
+                                    QStringLiteral("text"));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Serves a list of poker tables, and the accounts of their players, to clients on this machine\n"
@@ -60,19 +56,21 @@ bool ReadOptions(const QCoreApplication &application, SOptions &options, QString
         "Prints \"listening on PORT\" once clients can connect. Clients that come and go, and why, are\n"
         "told on standard error. The exit code is 1 if the server cannot start."));
     parser.addHelpOption();
-    parser.addOptions({data, accounts, port, seed, idle});
+    parser.addOptions({data, accounts, port, seed, idle, web, webKey});
     parser.process(application);
 
     options.strData = parser.value(data);
     options.strAccounts = parser.value(accounts);
+    options.strWebServer = parser.value(web);
+    options.strWebKey = parser.value(webKey);
     if (options.strData.isEmpty())
         error = QStringLiteral("--data is missing; see --help");
     else if (!parser.positionalArguments().isEmpty())
         error = QStringLiteral("unknown argument \"%1\"; see --help").arg(parser.positionalArguments().constFirst());
     return error.isEmpty() &&
-           ReadNumber(parser, port, 0, std::numeric_limits<quint16>::max(), options.uiPort, error) &&
-           ReadNumber(parser, seed, 0, std::numeric_limits<quint32>::max(), options.uiSeed, error) &&
-           ReadNumber(parser, idle, 1, std::numeric_limits<qint32>::max(), options.uiIdle, error);
+           Options::ReadNumber(parser, port, 0, std::numeric_limits<quint16>::max(), options.uiPort, error) &&
+           Options::ReadNumber(parser, seed, 0, std::numeric_limits<quint32>::max(), options.uiSeed, error) &&
+           Options::ReadNumber(parser, idle, 1, std::numeric_limits<qint32>::max(), options.uiIdle, error);
 }
 
 } // namespace
@@ -90,6 +88,7 @@ int main(int argc, char *argv[])
         return Fail(error);
 
     CGameServer server(tables, accounts, options.uiSeed, static_cast<int>(options.uiIdle));
+    server.SetWebServer(options.strWebServer, options.strWebKey);
     if (!server.Listen(static_cast<quint16>(options.uiPort)))
         return Fail(QStringLiteral("port %1: %2").arg(options.uiPort).arg(server.GetError()));
 

@@ -1,3 +1,5 @@
+#include "ServerProcess.h"
+
 #include <common/AccountProtocol.h>
 #include <common/LobbyProtocol.h>
 #include <common/PacketStream.h>
@@ -46,11 +48,15 @@ class tst_gameserver : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_server.start(QStringLiteral(GAMESERVER_PATH),
-                       {QStringLiteral("--data"), QStringLiteral(TABLES_PATH), QStringLiteral("--accounts"),
-                        QStringLiteral(ACCOUNTS_PATH), QStringLiteral("--idle-ms"), QStringLiteral("700")});
-        QVERIFY(m_server.waitForReadyRead());
-        m_usPort = m_server.readLine().replace("listening on ", "").trimmed().toUShort();
+        m_usWebPort = StartServer(m_webServer, QStringLiteral(WEBSERVER_PATH),
+                                  {QStringLiteral("--database"), m_dir.filePath(QStringLiteral("web.sqlite")),
+                                   QStringLiteral("--key"), QStringLiteral("k&")});
+        m_usPort = StartServer(m_server, QStringLiteral(GAMESERVER_PATH),
+                               {QStringLiteral("--data"), QStringLiteral(TABLES_PATH), QStringLiteral("--accounts"),
+                                QStringLiteral(ACCOUNTS_PATH), QStringLiteral("--idle-ms"), QStringLiteral("700"),
+                                QStringLiteral("--web-server"), QStringLiteral("127.0.0.1:%1").arg(m_usWebPort),
+                                QStringLiteral("--web-key"), QStringLiteral("k&")});
+        QVERIFY(m_usWebPort != 0 && m_usPort != 0);
     }
 
     void cleanupTestCase() { m_server.close(); }
@@ -134,6 +140,37 @@ private Q_SLOTS:
         QCOMPARE(client.ReadRecord(), noSeat);
     }
 
+    void webSessions()
+    {
+        const auto request = [](quint8 link, const char *machine) {
+            return ToPacket(EncodeWebRequest({link, QString::fromUtf8(machine)}));
+        };
+        const QByteArray none = EncodeWebSession({38, QString()});
+        CClient client(m_usPort);
+        client.write(request(38, "desk"));
+        QCOMPARE(client.ReadRecord(), none);
+        client.write(Login(QStringLiteral("Zoë"), QStringLiteral("guest")) + request(39, "d & sk"));
+        QVERIFY(client.ReadRecord().startsWith(ACCEPTED));
+        SWebSession session;
+        QVERIFY(DecodeWebSession(client.ReadRecord(), session));
+        QCOMPARE(int(session.ucLink), 39);
+        QTcpSocket web;
+        web.connectToHost(QHostAddress::LocalHost, m_usWebPort);
+        web.write("GET /sync?playerinfos=0&usersettings=0&session=" + session.strSession.left(32).toUtf8() +
+                  " HTTP/1.0\r\n\r\n");
+        QTRY_VERIFY(web.canReadLine());
+        QVERIFY(web.readLine().contains(" 200 "));
+
+        client.write(request(38, "")); // which the web server refuses
+        QCOMPARE(client.ReadRecord(), none);
+        client.write(request(38, "desk") + ToPacket(EncodeLogout()));
+        QCOMPARE(client.ReadRecord(), none);
+        m_webServer.close();
+        client.write(Login(QStringLiteral("Zoë"), QStringLiteral("guest")) + request(38, "desk"));
+        QVERIFY(client.ReadRecord().startsWith(ACCEPTED));
+        QCOMPARE(client.ReadRecord(), none);
+    }
+
     // A row's name is the reason that the server tells.
     void nonsense_data()
     {
@@ -146,6 +183,7 @@ private Q_SLOTS:
         QTest::newRow("a malformed seat request") << ToPackets({"SEAT"});
         const QByteArray login = Login(QString(), QString());
         QTest::newRow("an unknown or malformed record") << QByteArray(login).replace("LGIN", "LGOK");
+        QTest::newRow("an unknown or malformed record on") << ToPacket(EncodeWebRequest({40, QString()}));
         QTest::newRow("more than one record")
             << QByteArray(login + login.mid(11)).replace(9, 1, QByteArray(1, char(2 * login.size() - 11)));
         QTest::newRow("left a packet half-sent") << good + good.left(5);
@@ -215,6 +253,9 @@ private:
         return ToPacket(EncodeLogin({nickname, HashPassword(password)}));
     }
 
+    QTemporaryDir m_dir;
+    QProcess m_webServer;
+    quint16 m_usWebPort = 0;
     QProcess m_server;
     quint16 m_usPort = 0;
 };

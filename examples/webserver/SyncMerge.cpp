@@ -1,0 +1,142 @@
+#include "SyncMerge.h"
+
+#include <QVariant>
+
+#include <algorithm>
+
+CSyncMerge::CSyncMerge(CSyncStore &store, const QString &id, SSyncList &list, SMachine &machine)
+    : m_store(store)
+    , m_strID(id)
+    , m_list(list)
+    , m_machine(machine)
+    , m_write(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_row VALUES (?, ?, ?, ?, ?)")))
+    , m_remember(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_past VALUES (?, ?, ?, ?, ?)")))
+    , m_findPast(store.Prepare(QStringLiteral("SELECT 1 FROM tbl_past WHERE PST_cList = ? AND PST_cKey = ?"
+                                              " AND PST_cContent = ? AND PST_iTime = ?")))
+{
+}
+
+bool CSyncMerge::Run()
+{
+    if (!ReadRows())
+        return false;
+    // A stranger's rows are defaults, or older than what it has lost. It is none any more if it has been given the
+    // server's and shows none of those that they would have overwritten.
+    const bool given = m_machine.bMet || m_machine.iOffered > 0 || m_rows.isEmpty();
+    m_bAddsOnly = !given || (!m_machine.bMet && std::any_of(m_list.rows.begin(), m_list.rows.end(),
+                                                            [this](const auto &row) { return IsOverwritten(row); }));
+    for (const SSyncRow &sent : qAsConst(m_list.rows)) {
+        if (!Take(sent))
+            return false;
+    }
+    const bool good = m_bAddsOnly || SendAgain();
+    m_machine = {m_list.iTime, m_bAddsOnly ? 0 : m_list.iTime, !m_bAddsOnly, true};
+    m_list.rows.clear();
+    return good;
+}
+
+bool CSyncMerge::ReadRows()
+{
+    QSqlQuery query;
+    if (!m_store.Run(query,
+                     QStringLiteral("SELECT MAX(MAX(MAC_iBase), MAX(MAC_iOffered)) FROM tbl_machine"
+                                    " WHERE MAC_cList = ?"),
+                     {m_strID}) ||
+        !query.next())
+        return false;
+    m_iNewest = query.value(0).toLongLong();
+    const bool good = m_store.Run(
+        query,
+        QStringLiteral("SELECT ROW_cKey, ROW_cContent, ROW_iChanged, ROW_iStamp FROM tbl_row WHERE ROW_cList = ?"),
+        {m_strID});
+    while (good && query.next()) {
+        const SRow row{query.value(1).toString(), query.value(2).toLongLong(), query.value(3).toLongLong(), false};
+        m_rows.insert(query.value(0).toString(), row);
+        m_iNewest = std::max(m_iNewest, row.iStamp);
+    }
+    return good;
+}
+
+// Whether the machine wouldn't have the row so any more if the last answer had reached it.
+bool CSyncMerge::IsOverwritten(const SSyncRow &sent)
+{
+    const auto row = m_rows.constFind(sent.strKey);
+    return row != m_rows.constEnd() && row->strContent != sent.strContent &&
+           sent.iTime <= std::max(m_machine.iBase, m_machine.iOffered) && !IsEcho(sent, *row);
+}
+
+// A machine sends rows again that it has from here. Their time there is a stamp, maybe far beyond the change, so they
+// must not be taken for changes, or they'd win against later ones.
+bool CSyncMerge::IsEcho(const SSyncRow &sent, const SRow &row)
+{
+    if (sent.strContent == row.strContent && (sent.iTime == row.iStamp || sent.iTime == row.iChanged))
+        return true;
+    const bool echo =
+        CSyncStore::Execute(m_findPast, {m_strID, sent.strKey, sent.strContent, sent.iTime}) && m_findPast.next();
+    m_findPast.finish();
+    return echo;
+}
+
+bool CSyncMerge::Take(const SSyncRow &sent)
+{
+    const SRow taken{sent.strContent, sent.iTime, sent.iTime > m_iNewest ? sent.iTime : m_iNewest + 1, true};
+    const auto row = m_rows.find(sent.strKey);
+    if (row == m_rows.end()) {
+        m_rows.insert(sent.strKey, taken);
+        return Write(sent.strKey, taken);
+    }
+    const bool alike = row->strContent == sent.strContent;
+    row->bSent = alike;
+    if (m_bAddsOnly || sent.iTime < row->iChanged || IsEcho(sent, *row))
+        return true;
+    if (alike)
+        row->iChanged = sent.iTime; // made so again: what came in between doesn't win any more
+    else if (Remember(sent.strKey, *row, taken.iStamp))
+        *row = taken;
+    else
+        return false;
+    return Write(sent.strKey, *row);
+}
+
+// The machine's newest time may now be beyond rows that it never got, since it had changes of its own. They get a
+// stamp beyond it, or the machine would never ask for them.
+bool CSyncMerge::SendAgain()
+{
+    qint64 beyond = std::max(m_iNewest, m_list.iTime);
+    for (const SRow &row : qAsConst(m_rows))
+        beyond = std::max(beyond, row.iStamp);
+    ++beyond;
+    const qint64 had = m_machine.bMet ? m_machine.iBase : 0;
+    bool good = true;
+    for (auto row = m_rows.begin(); good && row != m_rows.end(); ++row) {
+        if (row->bSent || row->iStamp <= had || row->iStamp > m_list.iTime)
+            continue;
+        good = Remember(row.key(), *row, beyond);
+        row->iStamp = beyond;
+        good = good && Write(row.key(), *row);
+    }
+    return good && Forget();
+}
+
+// What rows have been is of no use once all machines have the rows that came in its place.
+bool CSyncMerge::Forget()
+{
+    QSqlQuery query;
+    return m_store.Run(query,
+                       QStringLiteral("DELETE FROM tbl_past WHERE PST_cList = ? AND PST_iUntil <= (SELECT MIN(CASE"
+                                      " MAC_bMet WHEN 1 THEN MAC_iBase ELSE 0 END) FROM tbl_machine"
+                                      " WHERE MAC_cList = ?)"),
+                       {m_strID, m_strID});
+}
+
+bool CSyncMerge::Write(const QString &key, const SRow &row)
+{
+    return CSyncStore::Execute(m_write, {m_strID, key, row.strContent, row.iChanged, row.iStamp});
+}
+
+bool CSyncMerge::Remember(const QString &key, const SRow &row, qint64 until)
+{
+    return CSyncStore::Execute(m_remember, {m_strID, key, row.strContent, row.iStamp, until}) &&
+           (row.iChanged == row.iStamp ||
+            CSyncStore::Execute(m_remember, {m_strID, key, row.strContent, row.iChanged, until}));
+}

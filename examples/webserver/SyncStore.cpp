@@ -1,0 +1,159 @@
+#include "SyncStore.h"
+
+#include "SyncMerge.h"
+
+#include <QDateTime>
+#include <QRandomGenerator>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int WORDS = 8; // of 32 bits, in a session
+constexpr int ID_LENGTH = 32;
+constexpr qint64 SESSION_SECONDS = 24 * 60 * 60;
+
+// A list is called by its user, in lower case since case tells no users apart, and by which it is. The past is what
+// rows have been, until they got a later stamp.
+const QLatin1String SCHEMA[] = {
+    QLatin1String("CREATE TABLE tbl_session (SES_cID TEXT PRIMARY KEY, SES_cRest TEXT, SES_cUser TEXT,\n"
+                  "  SES_cMachine TEXT, SES_iExpiry INTEGER)"),
+    QLatin1String("CREATE TABLE tbl_machine (MAC_cList TEXT, MAC_cMachine TEXT, MAC_iBase INTEGER,\n"
+                  "  MAC_iOffered INTEGER, MAC_bMet INTEGER, PRIMARY KEY(MAC_cList, MAC_cMachine))"),
+    QLatin1String("CREATE TABLE tbl_row (ROW_cList TEXT, ROW_cKey TEXT, ROW_cContent TEXT, ROW_iChanged INTEGER,\n"
+                  "  ROW_iStamp INTEGER, PRIMARY KEY(ROW_cList, ROW_cKey))"),
+    QLatin1String("CREATE INDEX idx_row_stamp ON tbl_row (ROW_cList, ROW_iStamp)"),
+    QLatin1String("CREATE TABLE tbl_past (PST_cList TEXT, PST_cKey TEXT, PST_cContent TEXT, PST_iTime INTEGER,\n"
+                  "  PST_iUntil INTEGER, PRIMARY KEY(PST_cList, PST_cKey, PST_iTime, PST_cContent))")};
+
+} // namespace
+
+CSyncStore::CSyncStore(const QString &path)
+    : CLocalDB(path, false, false)
+{
+}
+
+bool CSyncStore::CreateDBVersion(unsigned int)
+{
+    return std::all_of(std::begin(SCHEMA), std::end(SCHEMA), [this](const auto &sql) { return Exec(sql); });
+}
+
+bool CSyncStore::AddSession(const SOwner &owner, QString &session)
+{
+    session.clear();
+    for (int i = 0; i < WORDS; ++i)
+        session += QStringLiteral("%1").arg(QRandomGenerator::system()->generate(), 8, 16, QLatin1Char('0'));
+    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    QSqlQuery query;
+    return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_iExpiry <= ?"), {now}) &&
+           Run(query, QStringLiteral("INSERT INTO tbl_session VALUES (?, ?, ?, ?, ?)"),
+               {session.left(ID_LENGTH), session.mid(ID_LENGTH), owner.strUser, owner.strMachine,
+                now + SESSION_SECONDS});
+}
+
+bool CSyncStore::FindSession(const QString &session, SOwner &owner)
+{
+    QSqlQuery query;
+    const QString rest = session.mid(ID_LENGTH);
+    if (!Run(query,
+             QStringLiteral("SELECT SES_cUser, SES_cMachine, SES_cRest FROM tbl_session"
+                            " WHERE SES_cID = ? AND SES_iExpiry > ?"),
+             {session.left(ID_LENGTH), QDateTime::currentSecsSinceEpoch()}) ||
+        !query.next() || (!rest.isEmpty() && rest != query.value(2).toString()))
+        return false;
+    owner = {query.value(0).toString(), query.value(1).toString()};
+    return true;
+}
+
+bool CSyncStore::Fetch(const SOwner &owner, SyncJson::TLists &lists)
+{
+    return ForLists(owner, lists,
+                    [this](const auto &id, auto &machine, auto &list) { return FetchList(id, machine, list); });
+}
+
+bool CSyncStore::Merge(const SOwner &owner, SyncJson::TLists &lists)
+{
+    return ForLists(owner, lists, [this](const auto &id, auto &machine, auto &list) {
+        return CSyncMerge(*this, id, list, machine).Run();
+    });
+}
+
+// Both lists or none. A machine whose time has gone back has lost its rows and is a stranger again.
+bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, const TOnList &work)
+{
+    bool good = Exec(QStringLiteral("BEGIN IMMEDIATE"));
+    for (std::size_t i = 0; good && i < lists.size(); ++i) {
+        const QString id = owner.strUser.toLower() + QLatin1Char('/') + QLatin1String(SyncJson::LISTS[i]);
+        QSqlQuery query;
+        good = Run(query,
+                   QStringLiteral("SELECT MAC_iBase, MAC_iOffered, MAC_bMet FROM tbl_machine"
+                                  " WHERE MAC_cList = ? AND MAC_cMachine = ?"),
+                   {id, owner.strMachine});
+        SMachine machine;
+        if (query.next() && lists[i].iTime >= query.value(0).toLongLong())
+            machine = {query.value(0).toLongLong(), query.value(1).toLongLong(), query.value(2).toBool(), true};
+        good = good && work(id, machine, lists[i]) &&
+               Run(query, QStringLiteral("INSERT OR REPLACE INTO tbl_machine VALUES (?, ?, ?, ?, ?)"),
+                   {id, owner.strMachine, machine.iBase, machine.iOffered, machine.bMet});
+    }
+    good = good && Exec(QStringLiteral("COMMIT"));
+    if (!good)
+        Exec(QStringLiteral("ROLLBACK"));
+    return good;
+}
+
+bool CSyncStore::FetchList(const QString &id, SMachine &machine, SSyncList &list)
+{
+    const qint64 time = list.iTime;
+    if (!machine.bKnown)
+        machine.iBase = time;
+    else if (time == machine.iOffered && (machine.bMet || machine.iBase == 0)) {
+        machine.iBase = time; // what was offered has arrived
+        machine.bMet = true;
+    }
+    if (time != machine.iBase) {
+        // It has what the server hasn't seen, be it in the same second as the base. To send it rows now would
+        // overwrite that, so it sends first and gets the rest with its next request.
+        list.iTime = machine.bMet ? std::max<qint64>(machine.iBase - 1, 0) : 0;
+        return true;
+    }
+    QSqlQuery query;
+    const bool good = Run(query,
+                          QStringLiteral("SELECT ROW_cKey, ROW_cContent, ROW_iStamp FROM tbl_row"
+                                         " WHERE ROW_cList = ? AND ROW_iStamp > ? ORDER BY ROW_iStamp"),
+                          {id, machine.bMet ? time : 0});
+    while (good && query.next())
+        list.rows.append({query.value(0).toString(), query.value(1).toString(), query.value(2).toLongLong()});
+    if (!machine.bMet && list.rows.isEmpty()) {
+        machine = {0, 0, true, true}; // there is nothing to be met with; it sends all that it has
+        list.iTime = 0;
+        return good;
+    }
+    // A stranger with rows is to send all that it has. A machine that has been offered the same before may hold it
+    // already, for a setting that is alike keeps its older time there: by its own time it counts as in step.
+    const qint64 offered = list.rows.isEmpty() ? time : list.rows.last().iTime;
+    const bool again = offered == machine.iOffered;
+    list.iTime = !machine.bMet && time > 0 ? 0 : again ? time : offered;
+    machine.iOffered = offered;
+    return good;
+}
+
+QSqlQuery CSyncStore::Prepare(const QString &sql)
+{
+    QSqlQuery query = GetQuery();
+    query.prepare(sql);
+    return query;
+}
+
+bool CSyncStore::Run(QSqlQuery &query, const QString &sql, const QVariantList &values)
+{
+    query = Prepare(sql);
+    return Execute(query, values);
+}
+
+bool CSyncStore::Execute(QSqlQuery &query, const QVariantList &values)
+{
+    for (int i = 0; i < values.size(); ++i)
+        query.bindValue(i, values.at(i));
+    return query.exec();
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "SyncJson.h"
+
+#include <database/LocalDB.h>
+
+#include <functional>
+
+/// Whose request it is, and from where.
+struct SOwner
+{
+    QString strUser;
+    QString strMachine;
+};
+
+/// What the server knows of a list on one machine.
+struct SMachine
+{
+    /// The newest time that the machine is known to have had, with all of its rows here by then, and all from here
+    /// there. While it is a stranger only the first is so.
+    qint64 iBase = 0;
+    qint64 iOffered = 0; ///< How far the last answer brings it that had rows.
+    bool bMet = false;   ///< No stranger: it has had the rows that were here before it.
+    bool bKnown = false; ///< There is anything about it at all.
+};
+
+/// Keeps what is in step, and by which session whose machine speaks. All rows have two times: that of the user's
+/// change, by which the later change wins, and a stamp, with which the row is sent and which lies beyond whatever a
+/// machine may have had before, so that each machine's newest time tells which rows it lacks.
+///
+/// Every operation is false if the file fails it; nothing of it is stored then. For the thread that calls Init().
+class CSyncStore : public CLocalDB
+{
+public:
+    explicit CSyncStore(const QString &path);
+
+    /// \a session gets a new one, for a day.
+    bool AddSession(const SOwner &owner, QString &session);
+    /// \a session may be its first half alone. False also if there is none, or it has expired.
+    bool FindSession(const QString &session, SOwner &owner);
+
+    /// From the newest times of a machine to what it lacks, and how far it is to take the server to be: whatever it
+    /// has from there on it sends next.
+    bool Fetch(const SOwner &owner, SyncJson::TLists &lists);
+    /// Takes in what a machine sends. \a lists keeps nothing but the times.
+    bool Merge(const SOwner &owner, SyncJson::TLists &lists);
+
+protected:
+    unsigned int GetMaxVersion() override { return 1; }
+    bool CreateDBVersion(unsigned int version) override;
+
+private:
+    friend class CSyncMerge;
+    using TOnList = std::function<bool(const QString &id, SMachine &machine, SSyncList &list)>;
+
+    bool ForLists(const SOwner &owner, SyncJson::TLists &lists, const TOnList &work);
+    bool FetchList(const QString &id, SMachine &machine, SSyncList &list);
+    QSqlQuery Prepare(const QString &sql);
+    bool Run(QSqlQuery &query, const QString &sql, const QVariantList &values);
+    static bool Execute(QSqlQuery &query, const QVariantList &values);
+};

@@ -1,0 +1,170 @@
+#include "WebServer.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int MAX_TEXT = 64;
+constexpr int THREADS = 16; // some may hang with a fault
+constexpr uint PICTURES_A_FOLDER = 1000;
+const char JSON_TYPE[] = "application/json";
+const QByteArray SESSION("session=");
+const QByteArray JSON("&json=");
+
+QString GetParameter(const httplib::Request &request, const char *name)
+{
+    return QString::fromStdString(request.get_param_value(name));
+}
+
+bool IsName(const QString &text)
+{
+    return !text.isEmpty() && text.size() <= MAX_TEXT;
+}
+
+} // namespace
+
+CWebServer::CWebServer(CSyncStore &store, const SOptions &options)
+    : m_store(store)
+    , m_options(options)
+{
+    if (options.strCertificate.isEmpty())
+        m_pServer = std::make_unique<httplib::Server>();
+    else
+        m_pServer = std::make_unique<httplib::SSLServer>(QFile::encodeName(options.strCertificate).constData(),
+                                                         QFile::encodeName(options.strPrivateKey).constData());
+    m_pServer->new_task_queue = [] { return new httplib::ThreadPool(THREADS); };
+    m_pServer->set_keep_alive_max_count(1); // else who keeps a connection keeps a thread
+    m_pServer->set_payload_max_length(options.uiBodyLimit);
+    m_pServer->set_socket_options([](socket_t socket) { // not the library's, which share a port that is taken
+        const int on = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    });
+    m_pServer->set_logger([](const httplib::Request &request, const httplib::Response &response) {
+        std::fprintf(stderr, "%s %s %d\n", request.method.c_str(), request.path.c_str(), response.status);
+    });
+    AddHandlers();
+}
+
+CWebServer::~CWebServer()
+{
+    m_pServer->stop();
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+int CWebServer::Listen(int port)
+{
+    const char host[] = "127.0.0.1";
+    if (!m_pServer->is_valid())
+        return 0;
+    if (port == 0)
+        port = std::max(m_pServer->bind_to_any_port(host), 0);
+    else if (!m_pServer->bind_to_port(host, port))
+        port = 0;
+    if (port != 0)
+        m_thread = std::thread([this] {
+            m_pServer->listen_after_bind();
+            QMetaObject::invokeMethod(qApp, [] { QCoreApplication::exit(1); }); // it can't accept any more
+        });
+    return port;
+}
+
+void CWebServer::AddHandlers()
+{
+    using TWork = int (CWebServer::*)(const httplib::Request &, std::string &);
+    const auto with = [this](TWork work, const char *type) {
+        return [this, work, type](const httplib::Request &request, httplib::Response &response) {
+            if (m_faults.Answer(request, response))
+                return;
+            std::string text;
+            const auto answer = [&] { response.status = (this->*work)(request, text); };
+            QMetaObject::invokeMethod(this, answer, Qt::BlockingQueuedConnection);
+            response.set_content(text, type);
+        };
+    };
+    m_pServer->Post("/sessions", with(&CWebServer::GiveSession, "text/plain"));
+    m_pServer->Get("/sync", with(&CWebServer::Fetch, JSON_TYPE));
+    m_pServer->Get(R"(/pictures/(\d{1,9})/(\d{1,9})\.png)", with(&CWebServer::ReadPicture, "image/png"));
+    // Not as the form that it claims to be: the library would decode it, and takes no long ones.
+    const auto merge = with(&CWebServer::Merge, JSON_TYPE);
+    m_pServer->Post("/sync",
+                    [=](const httplib::Request &request, httplib::Response &response, const TReader &reader) {
+                        httplib::Request whole = request;
+                        if (ReadBody(reader, response, whole.body))
+                            merge(whole, response);
+                    });
+    const auto order = [this](const auto &request, auto &response) { m_faults.TakeOrder(request, response); };
+    if (m_options.bFaults)
+        m_pServer->Post("/fault", order);
+}
+
+bool CWebServer::ReadBody(const TReader &reader, httplib::Response &response, std::string &body) const
+{
+    const bool whole = reader([&](const char *data, std::size_t size) {
+        body.append(data, size);
+        return body.size() <= m_options.uiBodyLimit; // which the library asks of an announced length only
+    });
+    if (!whole)
+        response.status = body.size() > m_options.uiBodyLimit ? 413 : std::max(response.status, 400);
+    return whole;
+}
+
+int CWebServer::GiveSession(const httplib::Request &request, std::string &text)
+{
+    const SOwner owner{GetParameter(request, "nickname"), GetParameter(request, "machine")};
+    if (GetParameter(request, "key") != m_options.strKey)
+        return 403;
+    if (!IsName(owner.strUser) || !IsName(owner.strMachine))
+        return 400;
+    QString session;
+    const bool good = m_store.AddSession(owner, session);
+    text = session.toStdString();
+    return good ? 200 : 500;
+}
+
+int CWebServer::Fetch(const httplib::Request &request, std::string &json)
+{
+    SOwner owner;
+    SyncJson::TLists lists;
+    if (!m_store.FindSession(GetParameter(request, "session").left(32), owner))
+        return 403;
+    for (std::size_t i = 0; i < lists.size(); ++i) {
+        if (!SyncJson::ReadTime(GetParameter(request, SyncJson::LISTS[i]), lists[i].iTime))
+            return 400;
+    }
+    if (!m_store.Fetch(owner, lists))
+        return 500;
+    json = SyncJson::WriteLists(lists).toStdString();
+    return 200;
+}
+
+int CWebServer::Merge(const httplib::Request &request, std::string &json)
+{
+    const QByteArray body = QByteArray::fromStdString(request.body);
+    const int end = body.indexOf(JSON);
+    const QString session = QString::fromUtf8(body.left(std::max(end, 0)).mid(SESSION.size()));
+    SOwner owner;
+    SyncJson::TLists lists;
+    if (!body.startsWith(SESSION) || session.size() != 64 || !m_store.FindSession(session, owner))
+        return 403;
+    if (!SyncJson::ReadLists(body.mid(end + JSON.size()), lists))
+        return 400;
+    if (!m_store.Merge(owner, lists))
+        return 500;
+    json = SyncJson::WriteLists(lists).toStdString();
+    return 200;
+}
+
+int CWebServer::ReadPicture(const httplib::Request &request, std::string &picture)
+{
+    const uint folder = QString::fromStdString(request.matches[1]).toUInt();
+    const uint id = QString::fromStdString(request.matches[2]).toUInt();
+    QFile file(QStringLiteral("%1/%2/%3.png").arg(m_options.strPictures).arg(folder).arg(id));
+    if (folder != id / PICTURES_A_FOLDER || !file.open(QIODevice::ReadOnly))
+        return 404;
+    picture = file.readAll().toStdString();
+    return 200;
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "FaultDesk.h"
+#include "SyncStore.h"
+
+#include <QObject>
+
+#include <memory>
+#include <thread>
+
+/// Answers web requests on threads of its own: gives sessions, keeps lists in step, and serves pictures.
+///
+/// The store belongs to the thread of this object, whose event loop has to run meanwhile. A program has one, to its
+/// end.
+class CWebServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct SOptions
+    {
+        QString strPictures;
+        QString strKey; ///< Who knows it may ask for a session for any user.
+        QString strCertificate;
+        QString strPrivateKey; ///< Plain HTTP without both.
+        quint32 uiBodyLimit = 0;
+        bool bFaults = false; ///< Whether anybody may order wrong answers.
+    };
+
+    CWebServer(CSyncStore &store, const SOptions &options);
+    ~CWebServer() override;
+
+    /// Listens on 127.0.0.1, with 0 on any port that is free; answers which, or 0 if it can't.
+    int Listen(int port);
+
+private:
+    using TReader = httplib::ContentReader;
+
+    void AddHandlers();
+    // In the thread of this object; each answers the status.
+    int GiveSession(const httplib::Request &request, std::string &text);
+    int Fetch(const httplib::Request &request, std::string &json);
+    int Merge(const httplib::Request &request, std::string &json);
+    int ReadPicture(const httplib::Request &request, std::string &picture);
+    bool ReadBody(const TReader &reader, httplib::Response &response, std::string &body) const;
+
+    CSyncStore &m_store;
+    const SOptions m_options;
+    CFaultDesk m_faults;
+    std::unique_ptr<httplib::Server> m_pServer;
+    std::thread m_thread;
+};

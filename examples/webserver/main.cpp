@@ -1,0 +1,82 @@
+#include "WebServer.h"
+
+#include <common/Options.h>
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <limits>
+
+namespace {
+
+int Fail(const QString &error)
+{
+    std::fprintf(stderr, "webserver: %s\n", qUtf8Printable(error));
+    return 1;
+}
+
+QCommandLineOption Option(const char *name, const char *meaning, const char *value, const char *byDefault = "")
+{
+    return {QString::fromLatin1(name), QString::fromLatin1(meaning), QString::fromLatin1(value),
+            QString::fromLatin1(byDefault)};
+}
+
+bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &options, QString &database, quint32 &port,
+                 QString &error)
+{
+    const auto file = Option("database", "SQLite file with sessions, settings and notes; required.", "file");
+    const auto pictures = Option("pictures", "Folder with the players' pictures.", "folder");
+    const auto number = Option("port", "Port on 127.0.0.1; 0, the default, is any.", "number", "0");
+    const auto key = Option("key", "Secret that it shares with the game server; required.", "text");
+    const auto limit = Option("body-limit", "The longest request body; default 33554432.", "bytes", "33554432");
+    const auto certificate = Option("certificate", "PEM file; with it and its key it serves https.", "file");
+    const auto privateKey = Option("private-key", "PEM file.", "file");
+    const QCommandLineOption faults(QStringLiteral("faults"),
+                                    QStringLiteral("Let anybody order wrong answers with POST /fault."));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Gives the game server web sessions for its users, keeps their settings and notes in step over their\n"
+        "machines, and serves pictures, until a signal ends it.\n"
+        "Prints \"listening on PORT\" once clients can connect. Each request is a line on standard error. The exit\n"
+        "code is 1 if the server cannot start."));
+    parser.addHelpOption();
+    parser.addOptions({file, pictures, number, key, limit, certificate, privateKey, faults});
+    parser.process(application);
+    database = parser.value(file);
+    options = {parser.value(pictures), parser.value(key), parser.value(certificate), parser.value(privateKey), 0,
+               parser.isSet(faults)};
+    if (database.isEmpty() || options.strKey.isEmpty())
+        error = QStringLiteral("--database or --key is missing; see --help");
+    else if (options.strCertificate.isEmpty() != options.strPrivateKey.isEmpty())
+        error = QStringLiteral("--certificate and --private-key go together");
+    else if (!parser.positionalArguments().isEmpty())
+        error = QStringLiteral("unknown argument \"%1\"; see --help").arg(parser.positionalArguments().constFirst());
+    return error.isEmpty() &&
+           Options::ReadNumber(parser, number, 0, std::numeric_limits<quint16>::max(), port, error) &&
+           Options::ReadNumber(parser, limit, 1, std::numeric_limits<qint32>::max(), options.uiBodyLimit, error);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    CWebServer::SOptions options;
+    QString database;
+    quint32 port = 0;
+    QString error;
+    if (!ReadOptions(application, options, database, port, error))
+        return Fail(error);
+    CSyncStore store(database);
+    if (!store.Init())
+        return Fail(QStringLiteral("%1 can't be opened as a database").arg(database));
+    CWebServer server(store, options);
+    const int listening = server.Listen(static_cast<int>(port));
+    if (listening == 0)
+        return Fail(QStringLiteral("port %1 is taken, or the certificate and its key are no good").arg(port));
+
+    // Nothing is kept that a signal could lose, so the default action of SIGTERM and SIGINT is the right end.
+    std::printf("listening on %d\n", listening);
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}
