@@ -46,6 +46,7 @@ CHost::CHost(const QString &server, quint16 port, QObject *parent)
     : QObject(parent)
     , m_link(server, port)
     , m_session([this](const QByteArray &packet) { return m_link.Send(packet); })
+    , m_synchronisation(m_session, [this](const QByteArray &packet) { return m_link.Send(packet); })
 {
     connect(&m_link, &CServerLink::signal_StateChanged, this, &CHost::slot_ConnectionStateChanged);
     connect(&m_link, &CServerLink::signal_PacketReceived, this, &CHost::slot_PacketReceived);
@@ -91,6 +92,9 @@ bool CHost::CanClose() const
 
 void CHost::Shutdown()
 {
+    // Not least so that what the user has just noted is stored.
+    if (CUserInfo::GetInstance()->IsLoggedIn())
+        m_session.LogOut();
     m_link.Close();
     const auto &plugins = m_plugins.GetPlugins();
     std::for_each(plugins.rbegin(), plugins.rend(), [](CPluginInterface *plugin) { plugin->Shutdown(); });
@@ -147,7 +151,7 @@ void CHost::slot_PacketReceived(CPacketLayerWrapper packet)
         event.moduleID = packet.GetModuleID();
         event.targetID = packet.GetTargetID();
         event.data = QByteArray(packet.GetPayload(), packet.GetPayloadLength());
-        if (!m_session.HandleRecord(event))
+        if (!m_synchronisation.HandleRecord(event) && !m_session.HandleRecord(event))
             m_router.Deliver(event);
     }
 }

@@ -4,13 +4,14 @@
 #include "PluginManager.h"
 #include "ServerLink.h"
 #include "Session.h"
+#include "Synchronisation.h"
 
 #include <QObject>
 #include <QUrl>
 
-/// The host's side of the bus: loads the plugins, keeps the link to the game server and the user's session on it, and
-/// serves what plugins ask for. There is no web server, and no page has an address of its own: requests for those are
-/// noted in the console.
+/// The host's side of the bus: loads the plugins, keeps the link to the game server, the user's session on it and the
+/// user's data in step with the web server, and serves what plugins ask for. No page has an address of its own, and
+/// there is no link to a web server for plugins: requests for those are noted in the console.
 class CHost : public QObject
 {
     Q_OBJECT
@@ -33,6 +34,7 @@ public:
     const CPluginManager &GetPluginManager() const { return m_plugins; }
     const CServerLink &GetServerLink() const { return m_link; }
     CSession &GetSession() { return m_session; }
+    CSynchronisation &GetSynchronisation() { return m_synchronisation; }
 
 Q_SIGNALS:
     void signal_ConnectionStateChanged(EConnectionState::type state);
@@ -61,6 +63,7 @@ private:
     CEventRouter m_router;
     CServerLink m_link;
     CSession m_session;
+    CSynchronisation m_synchronisation;
     CPluginManager m_plugins;
     quint16 m_usLinkCount = 0;
 };

@@ -1,14 +1,12 @@
 #include "LoginDialog.h"
 
+#include "FormField.h"
 #include "Host.h"
 
-#include <common/Texts.h>
 #include <models/UserInfo.h>
 #include <settings/Settings.h>
 
 #include <QDialogButtonBox>
-#include <QFormLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -57,19 +55,11 @@ void CLoginDialog::Arrange()
     connect(buttons, &QDialogButtonBox::rejected, this, &CLoginDialog::reject);
 
     auto *form = new QFormLayout(this);
-    AddField(form, "LOGIN_NICKNAME", m_pNickname);
-    AddField(form, "LOGIN_PASSWORD", m_pPassword);
+    AddFormField(form, "LOGIN_NICKNAME", m_pNickname);
+    AddFormField(form, "LOGIN_PASSWORD", m_pPassword);
     form->addRow(m_pMessage);
     form->addRow(buttons);
     (m_pNickname->text().isEmpty() ? m_pNickname : m_pPassword)->setFocus();
-}
-
-void CLoginDialog::AddField(QFormLayout *form, const char *key, QWidget *field)
-{
-    auto *label = new QLabel(this);
-    label->setBuddy(field);
-    Texts::Bind(label, &QLabel::setText, key);
-    form->addRow(label, field);
 }
 
 void CLoginDialog::accept()

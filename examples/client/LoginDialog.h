@@ -7,7 +7,6 @@
 #include <QDialog>
 
 class CHost;
-class QFormLayout;
 class QLabel;
 class QLineEdit;
 
@@ -27,7 +26,6 @@ public:
 private:
     void CreateFields();
     void Arrange();
-    void AddField(QFormLayout *form, const char *key, QWidget *field);
     void ShowMessage(const QString &key);
     void ShowRefusal(const QString &key);
     void ShowLinkState(EConnectionState::type state);

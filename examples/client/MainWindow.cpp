@@ -3,6 +3,7 @@
 #include "ChoiceMenu.h"
 #include "JackpotView.h"
 #include "LoginDialog.h"
+#include "PlayersDialog.h"
 
 #include <common/Texts.h>
 #include <models/UserInfo.h>
@@ -64,6 +65,10 @@ void CMainWindow::CreateMenu()
     m_pLogOut = client->addAction(QString(), this, [this] { m_host.GetSession().LogOut(); });
     Texts::Bind(m_pLogOut, &QAction::setText, "ACTION_LOG_OUT");
     m_pLogOut->setObjectName(QStringLiteral("logOut"));
+    m_pPlayers = client->addAction(QString(), this, &CMainWindow::OpenPlayers);
+    Texts::Bind(m_pPlayers, &QAction::setText, "ACTION_PLAYERS");
+    m_pPlayers->setObjectName(QStringLiteral("openPlayers"));
+    m_pPlayers->setShortcut(Qt::CTRL + Qt::Key_P);
     client->addSeparator();
     m_pSounds = client->addAction(
         QString(), this, [this](bool enabled) { CSettings::GetInstance()->SetSoundsEnabled(enabled, this); });
@@ -176,6 +181,7 @@ void CMainWindow::slot_LoginStateChanged()
     m_pUserLabel->setText(user->IsLoggedIn() ? user->GetNickname() : Texts::Get("USER_NONE"));
     m_pLogIn->setEnabled(!user->IsLoggedIn());
     m_pLogOut->setEnabled(user->IsLoggedIn());
+    m_pPlayers->setEnabled(user->IsLoggedIn());
     ShowMoney();
 }
 
@@ -237,6 +243,16 @@ void CMainWindow::slot_LoginRequested()
     m_pLoginDialog = new CLoginDialog(m_host, this);
     m_pLoginDialog->setAttribute(Qt::WA_DeleteOnClose);
     m_pLoginDialog->open();
+}
+
+void CMainWindow::OpenPlayers()
+{
+    if (!m_pPlayersDialog) {
+        m_pPlayersDialog = new CPlayersDialog(this);
+        m_pPlayersDialog->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_pPlayersDialog->show();
+    m_pPlayersDialog->activateWindow();
 }
 
 void CMainWindow::slot_ConnectionStateChanged(EConnectionState::type state)

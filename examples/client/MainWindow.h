@@ -9,6 +9,7 @@
 #include <QTimer>
 
 class CLoginDialog;
+class CPlayersDialog;
 class QAction;
 class QLabel;
 class QTabWidget;
@@ -49,6 +50,7 @@ private:
     void OnGeometryChanged();
     void RememberGeometry();
     bool IsLoginDialogOpen() const;
+    void OpenPlayers();
 
     CHost &m_host;
     QTabWidget *m_pViews; // this and the labels are children, and the actions are those of the menu
@@ -58,9 +60,11 @@ private:
     QLabel *m_pClockLabel;
     QAction *m_pLogIn = nullptr;
     QAction *m_pLogOut = nullptr;
+    QAction *m_pPlayers = nullptr;
     QAction *m_pSounds = nullptr;
     CTranslationObject m_connection;
     QString m_strRefusal;                  // key of the refusal that the status bar shows, or has shown
-    QPointer<CLoginDialog> m_pLoginDialog; // it deletes itself
-    QTimer m_geometryTimer;                // runs while the window is being moved
+    QPointer<CLoginDialog> m_pLoginDialog; // this and the next delete themselves
+    QPointer<CPlayersDialog> m_pPlayersDialog;
+    QTimer m_geometryTimer; // runs while the window is being moved
 };

@@ -10,9 +10,11 @@
 #include <files/Pathes.h>
 #include <models/PlayerLists.h>
 #include <models/UserInfo.h>
+#include <network/NetworkAccessManager.h>
 #include <plugin/GlobalDefines.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
+#include <settings/SettingsSync.h>
 #include <time/CasinoTime.h>
 #include <tour/Tour.h>
 #include <translation/Translation.h>
@@ -48,10 +50,17 @@ SOptions ParseCommandLine(const QApplication &application)
                                     QStringLiteral("file"));
     const QCommandLineOption accounts(QStringLiteral("accounts"), QStringLiteral("Accounts of that game server."),
                                       QStringLiteral("file"));
+    const QCommandLineOption webServer(QStringLiteral("web-server"),
+                                       QStringLiteral("Program that the tour starts as web server."),
+                                       QStringLiteral("program"));
+    const QCommandLineOption pictures(QStringLiteral("pictures"), QStringLiteral("Avatars of that web server."),
+                                      QStringLiteral("folder"));
+    const QCommandLineOption second(QStringLiteral("second-machine"),
+                                    QStringLiteral("The tour started by that of another client."));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Example client: a host for the plugins of its installation."));
     parser.addHelpOption();
-    parser.addOptions({server, tour, gameServer, tables, accounts});
+    parser.addOptions({server, tour, gameServer, tables, accounts, webServer, pictures, second});
     parser.process(application);
 
     SOptions options;
@@ -63,12 +72,14 @@ SOptions ParseCommandLine(const QApplication &application)
         parser.showHelp(2);
     }
     if (parser.isSet(tour)) {
-        const QDir here;
-        options.tour =
-            STourOptions{here.absoluteFilePath(parser.value(tour)), here.absoluteFilePath(parser.value(gameServer)),
-                         here.absoluteFilePath(parser.value(tables)), here.absoluteFilePath(parser.value(accounts)),
-                         CTour::FindFreePort()};
-        options.usPort = options.tour->usPort;
+        const auto path = [&](const QCommandLineOption &option) {
+            return QDir().absoluteFilePath(parser.value(option));
+        };
+        const bool isSecond = parser.isSet(second);
+        options.tour = STourOptions{path(tour),      path(gameServer), path(tables),          path(accounts),
+                                    path(webServer), path(pictures),   CTour::FindFreePort(), CTour::FindFreePort(),
+                                    isSecond};
+        options.usPort = isSecond ? options.usPort : options.tour->usPort;
     }
     return options;
 }
@@ -110,12 +121,14 @@ void CreateSingletons()
 void DestroySingletons()
 {
     CSettings::GetInstance()->slot_SaveSettings(true);
+    CSettingsSync::DestroyInstance();
     CCasinoTime::DestroyInstance();
     CTranslation::DestroyInstance();
     CSettings::DestroyInstance();
     CUserInfo::DestroyInstance();
     CPlayerLists::DestroyInstance();
     CPlayerModel::DestroyInstances();
+    CNetworkAccessManager::DestroyInstance();
     CConfig::DestroyInstance();
     CHandHistoryDB::DestroyInstance();
     CLobbyListDB::DestroyInstance();
@@ -136,8 +149,10 @@ int main(int argc, char *argv[])
     const SOptions options = ParseCommandLine(application);
     // The installation is the one that the program lies in, wherever it was started from.
     QDir::setCurrent(QApplication::applicationDirPath());
+    if (options.tour && !options.tour->bSecondMachine)
+        CTour::MakeInstallation(options.tour->strOutput, options.tour->usWebPort);
     if (options.tour)
-        QDir::setCurrent(CTour::MakeInstallation(options.tour->strOutput));
+        QDir::setCurrent(CTour::GetClientFolder(options.tour->strOutput));
 
     GlobalDefines::RegisterQML();
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, &PrintMessage);

@@ -17,6 +17,9 @@
 namespace {
 
 constexpr int STEP_LIMIT_MS = 15000;
+// Of the synchronisation. The library keeps its own pauses.
+constexpr int SYNC_PAUSE_MS = 1000;
+constexpr int SYNC_REGULAR_MS = 2000;
 constexpr int MIN_TABLES = 200;
 
 // The front of a packet that says it has 300 bytes.
@@ -45,24 +48,29 @@ QString SeeLanguages()
     return names.join(QLatin1String(", "));
 }
 
-// Asks with a program that has nothing to do with the client, which has the files open.
 QString SeeUserDatabases()
 {
     QStringList versions;
     for (const QString &path :
          {Pathes::SettingsDB(), Pathes::PlayerInfoDB(), Pathes::LobbyListDB(), Pathes::HandHistoryDB()}) {
-        QProcess sqlite;
-        sqlite.start(QStringLiteral("sqlite3"),
-                     {QStringLiteral("-readonly"), path, QStringLiteral("SELECT DBI_cValue FROM tbl_dbinfo")});
-        if (!sqlite.waitForFinished() || sqlite.exitCode() != 0)
+        const QStringList version = QueryDatabase(path, QStringLiteral("SELECT DBI_cValue FROM tbl_dbinfo"));
+        if (version.isEmpty())
             return QString();
-        versions.append(QFileInfo(path).fileName() + QLatin1String(" version ") +
-                        QString::fromUtf8(sqlite.readAllStandardOutput()).trimmed());
+        versions.append(QFileInfo(path).fileName() + QLatin1String(" version ") + version.constFirst());
     }
     return versions.join(QLatin1String(", "));
 }
 
 } // namespace
+
+QStringList QueryDatabase(const QString &file, const QString &sql)
+{
+    QProcess sqlite;
+    sqlite.start(QStringLiteral("sqlite3"), {QStringLiteral("-readonly"), file, sql});
+    if (!sqlite.waitForFinished() || sqlite.exitCode() != 0)
+        return QStringList();
+    return QString::fromUtf8(sqlite.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
 
 CTour::CTour(const STourOptions &options, CHost &host, QMainWindow &window)
     : m_options(options)
@@ -81,6 +89,9 @@ CTour::CTour(const STourOptions &options, CHost &host, QMainWindow &window)
 int CTour::Run()
 {
     QDir().mkpath(m_options.strOutput);
+    m_host.GetSynchronisation().SetIntervals(SYNC_PAUSE_MS, SYNC_REGULAR_MS);
+    if (m_options.bSecondMachine)
+        return RunSecondMachine();
     ShowStart();
     ShowLobby();
     ShowClock();
@@ -92,6 +103,7 @@ int CTour::Run()
     ShowSettings();
     ShowSecondUser();
     ShowFirstUserAgain();
+    ShowNotes();
     ShowLostServer();
     ShowBadServers();
     ShowReturn();
@@ -100,14 +112,28 @@ int CTour::Run()
     return m_bFailed ? 1 : 0;
 }
 
-QString CTour::MakeInstallation(const QString &folder)
+void CTour::MakeInstallation(const QString &folder, quint16 webPort)
 {
-    const QDir contents(folder + QLatin1String("/installation/Contents"));
-    QDir(contents).removeRecursively();
-    QDir().mkpath(contents.filePath(QStringLiteral("Client")));
-    QFile::link(QDir(Pathes::Resources()).canonicalPath(), contents.filePath(QStringLiteral("Resources")));
-    QFile::link(QDir(Pathes::Plugins()).canonicalPath(), contents.filePath(QStringLiteral("Client/Plugins")));
-    return contents.filePath(QStringLiteral("Client"));
+    const QDir client(GetClientFolder(folder));
+    QDir(QDir::cleanPath(client.filePath(QStringLiteral("..")))).removeRecursively();
+    const QDir resources(client.filePath(QStringLiteral("../Resources")));
+    QDir().mkpath(client.path());
+    QDir().mkpath(resources.path());
+    QFile::link(QDir(Pathes::Plugins()).canonicalPath(), client.filePath(QStringLiteral("Plugins")));
+    const QFileInfoList shared = QDir(Pathes::Resources()).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    for (const QFileInfo &file : shared)
+        QFile::link(file.canonicalFilePath(), resources.filePath(file.fileName()));
+    const QString config = resources.filePath(QFileInfo(Pathes::ConfigDB()).fileName());
+    QFile::remove(config);
+    QFile::copy(Pathes::ConfigDB(), config);
+    const QString change =
+        QStringLiteral("UPDATE tbl_config SET COV_cValue = replace(COV_cValue, ':17174/', ':%1/')");
+    QProcess::execute(QStringLiteral("sqlite3"), {config, change.arg(webPort)});
+}
+
+QString CTour::GetClientFolder(const QString &folder)
+{
+    return folder + QLatin1String("/installation/Contents/Client");
 }
 
 quint16 CTour::FindFreePort()
@@ -224,8 +250,11 @@ void CTour::ShowReturn()
 
 void CTour::StartGameServer()
 {
-    m_strServerLine =
-        m_gameServer.Start(m_options.strGameServer, m_options.strTables, m_options.strAccounts, m_options.usPort);
+    m_strServerLine = m_gameServer.Start(
+        m_options.strGameServer,
+        {QStringLiteral("--data"), m_options.strTables, QStringLiteral("--accounts"), m_options.strAccounts,
+         QStringLiteral("--port"), QString::number(m_options.usPort), QStringLiteral("--web-server"),
+         QStringLiteral("127.0.0.1:%1").arg(m_options.usWebPort), QStringLiteral("--web-key"), WEB_KEY});
 }
 
 QString CTour::SeeState(EConnectionState::type state) const

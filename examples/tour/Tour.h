@@ -7,9 +7,14 @@
 #include <QMainWindow>
 
 #include <functional>
+#include <initializer_list>
 
 /// One of the accounts of the example's game server.
 inline const QString FIRST_NICKNAME = QStringLiteral("Magnolia");
+inline const QString FIRST_PASSWORD = QStringLiteral("river");
+inline const QString SECOND_NICKNAME = QStringLiteral("Robin");
+/// What game server and web server know of each other.
+inline const QString WEB_KEY = QStringLiteral("between the servers of the tour");
 
 struct STourOptions
 {
@@ -17,8 +22,18 @@ struct STourOptions
     QString strGameServer; ///< Program.
     QString strTables;     ///< Its data files.
     QString strAccounts;
-    quint16 usPort = 0; ///< Where the client looks for it.
+    QString strWebServer;  ///< Program.
+    QString strPictures;   ///< Its folder of avatars.
+    quint16 usPort = 0;    ///< Where the client looks for the game server.
+    quint16 usWebPort = 0; ///< Where both look for the web server.
+    /// A client that another one's tour has started, in an installation of its own in \a strOutput, for the steps
+    /// that its standard input names.
+    bool bSecondMachine = false;
 };
+
+/// The rows that \a sql selects from the SQLite file, columns separated by "|". A program that has nothing to do with
+/// the client reads them, while the client may have the file open.
+QStringList QueryDatabase(const QString &file, const QString &sql);
 
 /// Shows the client by itself: starts and ends servers, uses the window, and prints for each step what was seen. A
 /// step that doesn't happen in time ends it.
@@ -32,8 +47,10 @@ public:
     int Run();
 
     /// Makes an installation in \a folder that shares all but what changes at run time with the one that the process
-    /// runs in, and has none of that yet. Returns its client folder.
-    static QString MakeInstallation(const QString &folder);
+    /// runs in, and has none of that yet. Its web server is on \a webPort.
+    static void MakeInstallation(const QString &folder, quint16 webPort);
+    /// Of an installation in \a folder.
+    static QString GetClientFolder(const QString &folder);
     /// A port on loopback that nobody uses now.
     static quint16 FindFreePort();
 
@@ -41,6 +58,8 @@ private:
     using TAction = std::function<void()>;
     /// What a step waits for: describes what was seen, and answers an empty text as long as it isn't there.
     using TLook = std::function<QString()>;
+
+    using TWords = std::initializer_list<const char *>;
 
     void Step(const QString &text, const TAction &action, const TLook &look);
 
@@ -56,11 +75,35 @@ private:
     void ShowSettings();
     void ShowSecondUser();
     void ShowFirstUserAgain();
+    void ShowNotes();
+    void ShowSecondMachine();
+    void ShowLostWebServer();
+    void ShowReturningMachine();
+    void ShowFreshMachine();
+    void ShowWhatStays();
     void ShowLostServer();
     void ShowBadServers();
     void ShowReturn();
 
     void StartGameServer();
+    void StartWebServer();
+    QString GetFolder(const QString &name) const;
+    QString SeeServerRows(TWords rows);
+
+    // A step that either machine can take: its text and what TourPlayers.cpp understands.
+    void Do(TWords step);
+    void DoThere(TWords step);
+    void TakeStep(const QStringList &step);
+    void StartSecondMachine(const QString &name, bool isNew);
+    void EndSecondMachine();
+    int RunSecondMachine();
+
+    bool ChoosePlayer(const QString &nickname) const;
+    void ChangePlayer(const QString &nickname, const QString &value) const;
+    void ChooseAvatar(const QString &nickname, const QString &number) const;
+    QString SeePlayer(const QString &nickname, const QString &value);
+    QString SeeAvatar(const QString &nickname, const QString &number) const;
+    static QString SeePlayerRow(const QString &nickname, const QString &value);
     QString SeeState(EConnectionState::type state) const;
     QString SeeFilledLobby() const;
     QString SaveScreenshot(QWidget &widget, const QString &name) const;
@@ -91,7 +134,9 @@ private:
     STourOptions m_options;
     CHost &m_host;
     QMainWindow &m_window;
-    CGameServerProcess m_gameServer;
+    CServerProcess m_gameServer;
+    CServerProcess m_webServer;
+    CSecondMachine m_secondMachine;
     QString m_strServerLine;  // what the game server said when it started
     QString m_strLastRequest; // the last packet that a plugin sent
     QString m_strFault;       // why the last step doesn't see what it waits for, if it knows

@@ -17,22 +17,15 @@
 
 namespace {
 
-const QString FIRST_PASSWORD = QStringLiteral("river");
-const QString SECOND_NICKNAME = QStringLiteral("Robin");
 const QString SECOND_PASSWORD = QStringLiteral("guest"); // opens an account under any new nickname
 const char NOBODY[] = "USER_NONE";                       // key of what stands in place of a nickname
 
 // The users' settings as "user|key|value", read with another program. Rows without a time aren't counted.
 QStringList ReadSettingsRows()
 {
-    QProcess sqlite;
-    sqlite.start(
-        QStringLiteral("sqlite3"),
-        {QStringLiteral("-readonly"), Pathes::SettingsDB(),
-         QStringLiteral("SELECT URS_cUser, URS_cKey, URS_cValue FROM tbl_settings WHERE URS_iTimestamp > 0")});
-    if (!sqlite.waitForFinished() || sqlite.exitCode() != 0)
-        return QStringList();
-    return QString::fromUtf8(sqlite.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return QueryDatabase(
+        Pathes::SettingsDB(),
+        QStringLiteral("SELECT URS_cUser, URS_cKey, URS_cValue FROM tbl_settings WHERE URS_iTimestamp > 0"));
 }
 
 int CountFreeSeats(const QModelIndex &row)
@@ -207,7 +200,8 @@ void CTour::LogIn(const QString &nickname, const QString &password, const QStrin
         QStringLiteral("The dialog knows who was here last"), [&] { Find<QAction>("logIn")->trigger(); },
         [&] {
             const bool isSeen = !SeeDialog().isEmpty() && Find<QLineEdit>("loginNickname")->text() == lastNickname;
-            return isSeen ? lastNickname : QString();
+            const QString seen = lastNickname.isEmpty() ? QStringLiteral("nobody") : lastNickname;
+            return isSeen ? seen : QString();
         });
     Step(
         QStringLiteral("%1 logs in").arg(nickname), [&] { TypeLogin(nickname, password); },

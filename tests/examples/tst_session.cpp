@@ -1,7 +1,9 @@
 // The user's session, with the game server's records given by hand.
 
-#include <client/Session.h>
+#include <client/Synchronisation.h>
 
+#include <settings/PlayerInfo.h>
+#include <support/InstallationTree.h>
 #include <support/Singletons.h>
 
 #include <QtTest>
@@ -17,10 +19,7 @@ private Q_SLOTS:
     {
         CConsole::Clear();
         m_sent.clear();
-        m_pSession.reset(new CSession([this](const QByteArray &packet) {
-            m_sent.append(packet);
-            return true;
-        }));
+        m_pSession.reset(new CSession(Sender()));
     }
 
     void cleanup()
@@ -126,6 +125,42 @@ private Q_SLOTS:
         QCOMPARE(jackpots.value(0).value(1).toUInt(), 4294967295u);
     }
 
+    void webSessions()
+    {
+        const CInstallationTree tree;
+        tree.MakeDir(QStringLiteral("Tmp"));
+        CSynchronisation synchronisation(*m_pSession, Sender());
+        synchronisation.SetIntervals(1, 60000);
+        const QByteArray none = EncodeWebSession({WebLinks::SettingsSyncFetch, QString()});
+        LogIn();
+        QVERIFY(m_sent.size() == 2 && m_sent.last().contains(WEB_REQUEST));
+        QVERIFY(synchronisation.HandleRecord(ToEvent(none)));
+        QTRY_COMPARE(m_sent.size(), 3); // there may be one by now
+        m_pSession->LogOut();
+        m_sent.clear();
+        QVERIFY(synchronisation.HandleRecord(ToEvent(none))); // for a login that has ended
+        QVERIFY(synchronisation.HandleRecord(ToEvent(none.left(5))));
+        QTest::qWait(20);
+        QVERIFY(m_sent.isEmpty() && CConsole::GetMessages().size() == 1);
+    }
+
+    void notesStayWithTheirUser()
+    {
+        const CInstallationTree tree;
+        tree.MakeDir(QStringLiteral("Tmp"));
+        QVERIFY(CPlayerInfoDB::GetInstance()->Init());
+        const CSynchronisation synchronisation(*m_pSession, Sender());
+        const QString robin = QStringLiteral("Robin");
+        LogIn();
+        CPlayerModel::GetInstance(robin)->SetNotes(QStringLiteral("Bluffs")); // and waits to be stored
+        m_pSession->LogOut();
+        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Fern"));
+        QVERIFY(CPlayerModel::GetInstance(robin)->GetNotes().isEmpty());
+        m_pSession->LogOut();
+        LogIn();
+        QCOMPARE(CPlayerModel::GetInstance(robin)->GetNotes(), QStringLiteral("Bluffs"));
+    }
+
 private:
     static QByteArray Accepted(GlobalDefines::MoneyValue realMoney)
     {
@@ -138,13 +173,23 @@ private:
         Receive(Accepted(500));
     }
 
-    void Receive(const QByteArray &record)
+    CSession::TSend Sender()
+    {
+        return [this](const QByteArray &packet) {
+            m_sent.append(packet);
+            return true;
+        };
+    }
+
+    static CEvent ToEvent(const QByteArray &record)
     {
         const QByteArray group = ToPacket(record).left(4);
         CEvent event = CEvent::Create(QLatin1String(group), QLatin1String(record.left(4)));
         event.data = record;
-        QVERIFY(m_pSession->HandleRecord(event));
+        return event;
     }
+
+    void Receive(const QByteArray &record) { QVERIFY(m_pSession->HandleRecord(ToEvent(record))); }
 
     QScopedPointer<CSession> m_pSession;
     QVector<QByteArray> m_sent;

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <common/Texts.h>
+
+#include <QFormLayout>
+#include <QLabel>
+
+/// Adds \a field behind a label with the text of \a key, whose mnemonic leads to it.
+inline void AddFormField(QFormLayout *form, const char *key, QWidget *field)
+{
+    auto *label = new QLabel(field->parentWidget());
+    label->setBuddy(field);
+    Texts::Bind(label, &QLabel::setText, key);
+    form->addRow(label, field);
+}

@@ -1,0 +1,111 @@
+#include "Synchronisation.h"
+
+#include <files/Console.h>
+#include <files/Pathes.h>
+#include <models/PlayerLists.h>
+#include <models/UserInfo.h>
+#include <settings/PlayerInfo.h>
+#include <settings/Settings.h>
+#include <settings/SettingsSync.h>
+
+#include <QFile>
+#include <QUuid>
+
+namespace {
+
+// Rows have their times in whole seconds. Whatever is stored in the same second as the newest row has to be sent with
+// it, as it would never look newer than that.
+constexpr int SEND_DELAY_MS = 1500;
+
+// By which the web server tells this installation from the user's others.
+QString ReadMachine()
+{
+    QFile file(Pathes::Tmp() + QLatin1String("/machine"));
+    if (file.open(QIODevice::ReadWrite) && file.size() == 0) {
+        file.write(QUuid::createUuid().toByteArray(QUuid::WithoutBraces));
+        file.seek(0);
+    }
+    return QString::fromLatin1(file.readAll());
+}
+
+} // namespace
+
+CSynchronisation::CSynchronisation(CSession &session, const CSession::TSend &send, QObject *parent)
+    : QObject(parent)
+    , m_send(send)
+{
+    m_timer.setSingleShot(true);
+    m_sendTimer.setSingleShot(true);
+    m_sendTimer.setInterval(SEND_DELAY_MS);
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        CSettings::GetInstance()->slot_SaveSettings(); // what was changed just now would not be known of
+        BeginSync();
+    });
+    connect(&m_sendTimer, &QTimer::timeout, this, &CSynchronisation::Send);
+    connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, this,
+            &CSynchronisation::OnLoginStateChanged);
+    // Behind a link that came back too.
+    connect(&session, &CSession::signal_LoggedIn, this, &CSynchronisation::BeginSync);
+    connect(CSettingsSync::GetInstance(), &CSettingsSync::signal_RequestSessionForSync, this,
+            &CSynchronisation::RequestSession);
+}
+
+bool CSynchronisation::HandleRecord(const CEvent &record)
+{
+    if (!record.HasTags(AccountProtocol::GROUP, AccountProtocol::WEB_SESSION))
+        return false;
+    AccountProtocol::SWebSession session;
+    if (AccountProtocol::DecodeWebSession(record.data, session))
+        UseSession(session);
+    else
+        CConsole::AddMessage(QStringLiteral("The game server sent a malformed web session"), CConsole::MC_Network,
+                             CConsole::ML_Warning, QString(), 0);
+    return true;
+}
+
+void CSynchronisation::OnLoginStateChanged(bool loggedIn)
+{
+    m_eAsked = WebLinks::NoPage;
+    m_timer.stop();
+    m_sendTimer.stop();
+    CPlayerLists::GetInstance()->ResetBuddyList();
+    if (loggedIn)
+        PlayerInfo::LoadInfo();
+    else
+        CPlayerModel::DestroyInstances(); // what waited to be stored was written while the user was still there
+}
+
+void CSynchronisation::BeginSync()
+{
+    m_timer.start(m_iRegularMs);
+    CSettingsSync::GetInstance()->InitiateSync();
+}
+
+void CSynchronisation::RequestSession(WebLinks::id link)
+{
+    m_eAsked = link;
+    m_send(AccountProtocol::ToPacket(AccountProtocol::EncodeWebRequest({static_cast<quint8>(link), ReadMachine()})));
+}
+
+// The game server answers in the order of the packets, so a session that nobody waits for is that of a login that has
+// ended since.
+void CSynchronisation::UseSession(const AccountProtocol::SWebSession &session)
+{
+    if (session.ucLink != m_eAsked)
+        return;
+    m_eAsked = WebLinks::NoPage;
+    if (session.strSession.isEmpty()) {
+        m_timer.start(m_iPauseMs);
+    } else if (session.ucLink == WebLinks::SettingsSyncFetch) {
+        CSettingsSync::GetInstance()->StartSync(session.strSession);
+    } else {
+        m_strSendSession = session.strSession;
+        m_sendTimer.start();
+    }
+}
+
+void CSynchronisation::Send()
+{
+    if (CSettingsSync::GetInstance()->SyncToServer(m_strSendSession))
+        m_timer.start(m_iPauseMs); // the server may have held something back until it had this
+}
