@@ -4,12 +4,13 @@
 
 // The public classes and namespaces.
 static const char *const PUBLIC_NAMES =
-    "CCasinoTime CConfig CConfigBase CConfigDB CConsole CCountDown CDownload CEvent CHandHistoryDB CLobbyListDB "
-    "CLocalDB CMoneySpinner CMoneySpinnerDataModel CMoneySpinnerWidget CNetworkAccessManager CPacketLayerWrapper "
-    "CPlayerDataModel CPlayerInfoDB CPlayerLists CPlayerModel CPluginInterface CPluginInterfaceFunctions CSettings "
-    "CSettingsBase CSettingsDB CSettingsSync CTranslation CTranslationDB CTranslationItem CTranslationObject "
-    "CUserInfo "
-    "CUserInfoDataModel DBValue FileFunctions GlobalDefines Globals Pathes PlayerInfo WebRequest";
+    "CAction CAutoTopUpModel CCasinoInfo CCasinoTime CChatModel CConfig CConfigBase CConfigDB CConsole "
+    "CCountDown CDownload CEvent CHandHistoryDB CLobbyListDB CLocalDB CMenu CMenuManager CMoneySpinner "
+    "CMoneySpinnerDataModel CMoneySpinnerWidget CNetworkAccessManager COptionsDialogManager COptionsPage "
+    "CPacketLayerWrapper CPlayerDataModel CPlayerInfoDB CPlayerLists CPlayerModel CPlayerTaggingModel "
+    "CPluginInterface CPluginInterfaceFunctions CSettings CSettingsBase CSettingsDB CSettingsSync "
+    "CSoundManager CSoundPlayer CTranslation CTranslationDB CTranslationItem CTranslationObject CUserInfo "
+    "CUserInfoDataModel DBValue FileFunctions GlobalDefines Globals Pathes PlayerInfo TableView WebRequest";
 
 // The library shows its public classes and functions and nothing else.
 class tst_ExportedSymbols : public QObject

@@ -92,5 +92,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_SharedInstances)
+QTEST_MAIN(tst_SharedInstances)
 #include "tst_sharedinstances.moc"

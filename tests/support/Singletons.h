@@ -7,15 +7,23 @@
 #include <database/SettingsDB.h>
 #include <database/TranslationDB.h>
 #include <files/Console.h>
+#include <models/AutoTopUpModel.h>
+#include <models/CasinoInfo.h>
+#include <models/ChatModel.h>
 #include <models/PlayerLists.h>
+#include <models/PlayerTaggingModel.h>
 #include <models/UserInfo.h>
 #include <network/NetworkAccessManager.h>
 #include <plugin/PluginInterface.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
 #include <settings/SettingsSync.h>
+#include <sound/SoundManager.h>
+#include <sound/SoundPlayer.h>
 #include <time/CasinoTime.h>
 #include <translation/Translation.h>
+#include <ui/MenuManager.h>
+#include <ui/OptionsDialogManager.h>
 
 #include <QCoreApplication>
 #include <QMap>
@@ -23,18 +31,25 @@
 
 // Every singleton of the library; a new one is one more row.
 #define SINGLETONS(ROW)        \
+    ROW(CAutoTopUpModel)       \
+    ROW(CCasinoInfo)           \
     ROW(CCasinoTime)           \
+    ROW(CChatModel)            \
     ROW(CConfig)               \
     ROW(CConfigDB)             \
     ROW(CConsole)              \
     ROW(CHandHistoryDB)        \
     ROW(CLobbyListDB)          \
+    ROW(CMenuManager)          \
     ROW(CNetworkAccessManager) \
+    ROW(COptionsDialogManager) \
     ROW(CPlayerInfoDB)         \
     ROW(CPlayerLists)          \
+    ROW(CPlayerTaggingModel)   \
     ROW(CSettings)             \
     ROW(CSettingsDB)           \
     ROW(CSettingsSync)         \
+    ROW(CSoundManager)         \
     ROW(CTranslation)          \
     ROW(CTranslationDB)        \
     ROW(CUserInfo)
@@ -62,5 +77,6 @@ inline void DestroySingletons()
     SINGLETONS(DESTROY)
 #undef DESTROY
     CPlayerModel::DestroyInstances();
+    CSoundPlayer::DestroyInstances();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }

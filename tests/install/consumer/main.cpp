@@ -11,11 +11,15 @@
 #include <files/FileFunctions.h>
 #include <files/FileHelpers.h>
 #include <files/Pathes.h>
+#include <models/AutoTopUpModel.h>
+#include <models/CasinoInfo.h>
+#include <models/ChatModel.h>
 #include <models/DataModel.h>
 #include <models/PlayerDataModel.h>
 #include <models/PlayerDataTable.h>
 #include <models/PlayerLists.h>
 #include <models/PlayerModel.h>
+#include <models/PlayerTaggingModel.h>
 #include <models/UserInfo.h>
 #include <models/UserInfoDataModel.h>
 #include <models/UserInfoDataTable.h>
@@ -42,11 +46,22 @@
 #include <settings/SettingsBase.h>
 #include <settings/SettingsSync.h>
 #include <settings/SettingsTable.h>
+#include <sound/SoundManager.h>
+#include <sound/SoundPlayer.h>
 #include <time/CasinoTime.h>
 #include <time/CountDown.h>
 #include <translation/Translation.h>
 #include <translation/TranslationItem.h>
 #include <translation/TranslationObject.h>
+#include <ui/Action.h>
+#include <ui/Menu.h>
+#include <ui/MenuManager.h>
+#include <ui/OptionsDialogManager.h>
+#include <ui/OptionsPage.h>
+#include <ui/ScreenPlacement.h>
+#include <ui/StyleSheet.h>
+#include <ui/TableView.h>
+#include <ui/TextColor.h>
 
 #include <QCoreApplication>
 

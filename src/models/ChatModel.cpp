@@ -1,0 +1,134 @@
+#include "ChatModel.h"
+
+#include <Singleton_p.h>
+#include <models/PackedSetting_p.h>
+#include <settings/Config.h>
+#include <settings/Settings.h>
+
+#include <QDomDocument>
+#include <QFile>
+
+PLUGININTERFACE_DEFINE_SINGLETON(CChatModel);
+
+namespace {
+
+constexpr int LEVEL_LEAST = 1;
+constexpr int LEVEL_WITHOUT_OBSERVERS = 2;
+constexpr int LEVEL_WITH_OBSERVERS = 3;
+
+// The operator's rule.
+CChatModel::SSettings Restricted(CChatModel::SSettings settings)
+{
+    const CConfig *config = CConfig::GetInstance();
+    if (config->GetOptionObserverChatSelectable())
+        return settings;
+    if (config->GetOptionObserverChat())
+        settings.iObserverLevel = LEVEL_WITH_OBSERVERS;
+    else if (settings.iObserverLevel != LEVEL_LEAST)
+        settings.iObserverLevel = LEVEL_WITHOUT_OBSERVERS;
+    return settings;
+}
+
+// The root; null if the file isn't one of smileys.
+QDomElement ReadRoot(QDomDocument &document, const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text) || !document.setContent(&file, true))
+        return {};
+    const QDomElement root = document.documentElement();
+    return root.tagName() == QLatin1String("smileyconfig") &&
+                   root.attribute(QStringLiteral("version")) == QLatin1String("1.0")
+               ? root
+               : QDomElement();
+}
+
+QString ToPath(const QString &src, const QString &folder)
+{
+    return src.startsWith(QLatin1String("./")) || src.startsWith(QLatin1String("../")) ? folder + src : src;
+}
+
+bool IsYes(const QString &text)
+{
+    static const QStringList words{QStringLiteral("true"), QStringLiteral("yes"), QStringLiteral("ok"),
+                                   QStringLiteral("1"), QStringLiteral("on")};
+    return words.contains(text.toLower());
+}
+
+} // namespace
+
+CChatModel::CChatModel()
+{
+    connect(CSettings::GetInstance(), &CSettings::signal_ChatOptionsChanged, this,
+            &CChatModel::slot_ChatOptionsChanged);
+    LoadSettings();
+}
+
+CChatModel::~CChatModel() = default;
+
+CChatModel::SSettings CChatModel::GetSettings() const
+{
+    return m_Settings;
+}
+
+void CChatModel::SetSettings(CChatModel::SSettings settings)
+{
+    settings = Restricted(settings);
+    if (settings == m_Settings)
+        return;
+    m_Settings = settings;
+    SaveSettings();
+    Q_EMIT signal_SettingsChanged();
+}
+
+QHash<QString, CChatModel::SSmiley> CChatModel::GetSmileyMappings() const
+{
+    return m_hSmileys;
+}
+
+void CChatModel::LoadSmileyConfig(const QString &file)
+{
+    m_hSmileys.clear();
+    QDomDocument document;
+    const QDomElement root = ReadRoot(document, file);
+    if (root.isNull())
+        return;
+    const QString folder = file.left(file.lastIndexOf(QLatin1Char('/')) + 1);
+    const QString tag = QStringLiteral("smiley");
+    const QString textTag = QStringLiteral("placeholder");
+    for (QDomElement smiley = root.firstChildElement(tag); !smiley.isNull();
+         smiley = smiley.nextSiblingElement(tag)) {
+        const QString path = ToPath(smiley.attribute(QStringLiteral("src")), folder);
+        if (!QFile::exists(path))
+            continue;
+        const bool animate = IsYes(smiley.attribute(QStringLiteral("animate")));
+        for (QDomElement text = smiley.firstChildElement(textTag); !text.isNull();
+             text = text.nextSiblingElement(textTag))
+            m_hSmileys.insert(text.attribute(QStringLiteral("text")), {path, animate});
+    }
+    Q_EMIT signal_SmileysChanged();
+}
+
+void CChatModel::slot_ChatOptionsChanged()
+{
+    if (CSettings::GetInstance()->GetCaller() != this)
+        LoadSettings();
+}
+
+// What isn't of the stored form counts as nothing stored.
+void CChatModel::LoadSettings()
+{
+    SSettings loaded;
+    PackedSetting::Unpack(CSettings::GetInstance()->GetChatOptions(), loaded.bOption, loaded.iObserverLevel,
+                          loaded.iLevel);
+    loaded = Restricted(loaded);
+    if (loaded == m_Settings)
+        return;
+    m_Settings = loaded;
+    Q_EMIT signal_SettingsChanged();
+}
+
+void CChatModel::SaveSettings()
+{
+    const QByteArray value = PackedSetting::Pack(m_Settings.bOption, m_Settings.iObserverLevel, m_Settings.iLevel);
+    CSettings::GetInstance()->SetChatOptions(value, this, true);
+}

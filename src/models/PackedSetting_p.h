@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QByteArray>
+#include <QtEndian>
+
+/// Settings that hold a structure as the Base64 text of its bytes: little-endian numbers of 32 bits, and bools of one
+/// byte that stand where a number would. What fills a bool up to four bytes means nothing.
+namespace PackedSetting {
+
+inline void Append(QByteArray &bytes, bool value)
+{
+    bytes.append(value ? 1 : 0);
+    bytes.append(3, 0);
+}
+
+template <typename Number>
+void Append(QByteArray &bytes, Number value)
+{
+    static_assert(sizeof value == 4);
+    const Number stored = qToLittleEndian(value);
+    bytes.append(reinterpret_cast<const char *>(&stored), sizeof stored);
+}
+
+inline void Take(const char *&bytes, bool &value)
+{
+    value = *bytes != 0;
+    bytes += 4;
+}
+
+template <typename Number>
+void Take(const char *&bytes, Number &value)
+{
+    static_assert(sizeof value == 4);
+    value = qFromLittleEndian<Number>(bytes);
+    bytes += sizeof value;
+}
+
+template <typename... Fields>
+QByteArray Pack(const Fields &...fields)
+{
+    QByteArray bytes;
+    (Append(bytes, fields), ...);
+    return bytes.toBase64();
+}
+
+/// False, and nothing is changed, unless it is a text of just so many bytes.
+template <typename... Fields>
+bool Unpack(const QByteArray &text, Fields &...fields)
+{
+    const QByteArray bytes = QByteArray::fromBase64(text);
+    if (bytes.size() != int(4 * sizeof...(fields)))
+        return false;
+    const char *next = bytes.constData();
+    (Take(next, fields), ...);
+    return true;
+}
+
+} // namespace PackedSetting

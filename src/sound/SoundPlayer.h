@@ -1,0 +1,51 @@
+#pragma once
+
+#include <Export.h>
+
+#include <QHash>
+#include <QObject>
+#include <QSharedPointer>
+#include <QString>
+
+class QMediaPlayer;
+class QMediaPlaylist;
+
+/// A channel on which one sound is heard at a time, with those that wait behind it. Channels sound independently of
+/// each other.
+///
+/// Files lie on disk, not in a resource. One that isn't there, or that the system can't play, is passed over without
+/// a word. Volumes are 0 to 100; a channel begins with the user's. CSettings' databases have to be initialised. Main
+/// thread.
+class PLUGININTERFACE_EXPORT CSoundPlayer : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit CSoundPlayer(const QString &name);
+    ~CSoundPlayer() override;
+
+    /// The channel of that name, created if there is none; the table of channels owns it.
+    static CSoundPlayer *GetInstance(QString name);
+    static bool IsExisting(QString name);
+    static bool IsExisting(CSoundPlayer *player);
+    /// A channel leaves the table at once and ends at the next turn of the event loop.
+    static void DestroyInstance(QString name);
+    static void DestroyInstance(CSoundPlayer *player);
+    static void DestroyInstances();
+
+    static void SetVolumeForAllChannels(unsigned char volume);
+    void SetVolume(unsigned char volume);
+
+    /// Cuts off what the channel plays, and all that waits.
+    void PlaySoundInstant(const QString &file);
+    /// Plays it behind what waits, at once if nothing is playing.
+    void PlaySoundQueued(const QString &file);
+    void StopPlaying();
+
+private:
+    QMediaPlayer *m_pPlayer;     // child
+    QMediaPlaylist *m_pPlaylist; // without a parent, owned
+    QString m_strName;
+
+    static QHash<QString, QSharedPointer<CSoundPlayer>> m_Instances;
+};

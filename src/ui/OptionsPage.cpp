@@ -1,0 +1,8 @@
+#include "OptionsPage.h"
+
+COptionsPage::COptionsPage(QObject *parent)
+    : QObject(parent)
+{
+}
+
+COptionsPage::~COptionsPage() = default;

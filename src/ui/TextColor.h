@@ -1,0 +1,12 @@
+#pragma once
+
+#include <Export.h>
+
+#include <QColor>
+
+namespace Globals {
+
+/// Black or white, whichever reads better on \a background.
+PLUGININTERFACE_EXPORT QColor GetIdealTextColor(const QColor &background);
+
+} // namespace Globals
