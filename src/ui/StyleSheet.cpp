@@ -7,8 +7,9 @@
 
 namespace {
 
-// A few files that include each other twice over and over would fill any memory.
+// A few files, each of which includes the next one twice, would fill any memory and take any time.
 constexpr int MAX_LENGTH = 16 << 20;
+constexpr int MAX_FILES = 1000;
 
 const QLatin1String INCLUDE("#include");
 const QLatin1String COMMENT_BEGIN("/*");
@@ -72,14 +73,20 @@ bool AreBlocksSound(const QString &text)
     return depth == 0;
 }
 
-// Includes lead from the first of the files that are being read to the last.
-bool ReadStyleSheet(const QString &path, QStringList &beingRead, QString &contents)
+struct SProgress
+{
+    QStringList beingRead; // includes lead from the first to the last
+    int iFiles = 0;        // that were opened
+};
+
+bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents)
 {
     QFile file(path);
     const QString canonicalPath = QFileInfo(path).canonicalFilePath();
-    if (beingRead.contains(canonicalPath) || !file.open(QIODevice::ReadOnly))
+    if (progress.beingRead.contains(canonicalPath) || ++progress.iFiles > MAX_FILES ||
+        !file.open(QIODevice::ReadOnly))
         return false;
-    beingRead.append(canonicalPath);
+    progress.beingRead.append(canonicalPath);
     const QString directory = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
     QTextStream stream(&file);
     stream.setCodec("UTF-8");
@@ -90,7 +97,7 @@ bool ReadStyleSheet(const QString &path, QStringList &beingRead, QString &conten
         if (line.startsWith(INCLUDE)) {
             QString included;
             const QString name = ToFileName(line.mid(INCLUDE.size()).trimmed());
-            if (!ReadStyleSheet(directory + name, beingRead, included))
+            if (!ReadStyleSheet(directory + name, progress, included))
                 return false;
             text += included;
         } else if (!line.isEmpty()) {
@@ -99,7 +106,7 @@ bool ReadStyleSheet(const QString &path, QStringList &beingRead, QString &conten
         if (text.size() > MAX_LENGTH)
             return false;
     }
-    beingRead.removeLast();
+    progress.beingRead.removeLast();
     if (!RemoveComments(text) || !AreBlocksSound(text))
         return false;
     contents = text;
@@ -110,8 +117,8 @@ bool ReadStyleSheet(const QString &path, QStringList &beingRead, QString &conten
 
 bool Globals::GetCssContents(const QString &path, QString &contents)
 {
-    QStringList beingRead;
-    return ReadStyleSheet(path, beingRead, contents);
+    SProgress progress;
+    return ReadStyleSheet(path, progress, contents);
 }
 
 QString Globals::ReplaceStylePath(QString line, const QString &directory)
