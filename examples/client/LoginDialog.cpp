@@ -1,8 +1,8 @@
 #include "LoginDialog.h"
 
-#include "FormField.h"
 #include "Host.h"
 
+#include <common/FormField.h>
 #include <models/UserInfo.h>
 #include <settings/Settings.h>
 

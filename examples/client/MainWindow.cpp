@@ -3,18 +3,23 @@
 #include "ChoiceMenu.h"
 #include "JackpotView.h"
 #include "LoginDialog.h"
+#include "OptionsDialog.h"
 #include "PlayersDialog.h"
+#include "SettingsPage.h"
 
 #include <common/Texts.h>
+#include <models/CasinoInfo.h>
 #include <models/UserInfo.h>
 #include <money/MoneyStrings.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
 #include <time/CasinoTime.h>
+#include <ui/Action.h>
+#include <ui/MenuManager.h>
+#include <ui/OptionsDialogManager.h>
 
 #include <QCloseEvent>
 #include <QLabel>
-#include <QMenuBar>
 #include <QStatusBar>
 #include <QTabWidget>
 
@@ -24,6 +29,19 @@ constexpr int MESSAGE_MS = 5000;
 // Without a move for so long the window is where the user wants it.
 constexpr int GEOMETRY_REST_MS = 500;
 const QString GEOMETRY_KEY = QStringLiteral("client");
+
+// One of its kind, which deletes itself when it is closed.
+template <typename Dialog, typename... Arguments>
+void OpenDialog(QPointer<Dialog> &dialog, Qt::WindowModality modality, Arguments &&...arguments)
+{
+    if (!dialog || !dialog->isVisible()) {
+        dialog = new Dialog(std::forward<Arguments>(arguments)...);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->setWindowModality(modality);
+        dialog->show();
+    }
+    dialog->activateWindow();
+}
 
 } // namespace
 
@@ -44,7 +62,9 @@ CMainWindow::CMainWindow(CHost &host, QWidget *parent)
     m_pViews->setDocumentMode(true);
     m_pViews->setCornerWidget(m_pCashierLabel);
     setCentralWidget(m_pViews);
-    CreateMenu();
+    setMenuBar(CMenuManager::GetInstance()->GetMenuBar());
+    CreateAccountMenu();
+    CreateOptionsMenu();
     CreateStatusBar();
     Connect();
     ConnectUser();
@@ -54,33 +74,46 @@ CMainWindow::CMainWindow(CHost &host, QWidget *parent)
     slot_ClockChanged();
 }
 
-void CMainWindow::CreateMenu()
+// It goes with the window, whereas the menu stays.
+template <typename Action>
+QAction *CMainWindow::AddEntry(const QString &menu, const char *key, const char *name, const QKeySequence &shortcut,
+                               const Action &action)
 {
-    QMenu *client = menuBar()->addMenu(QString());
-    Texts::Bind(client, &QMenu::setTitle, "MENU_CLIENT");
-    m_pLogIn = client->addAction(QString(), this, &CMainWindow::slot_LoginRequested);
-    Texts::Bind(m_pLogIn, &QAction::setText, "ACTION_LOG_IN");
-    m_pLogIn->setObjectName(QStringLiteral("logIn"));
-    m_pLogIn->setShortcut(Qt::CTRL + Qt::Key_L);
-    m_pLogOut = client->addAction(QString(), this, [this] { m_host.GetSession().LogOut(); });
-    Texts::Bind(m_pLogOut, &QAction::setText, "ACTION_LOG_OUT");
-    m_pLogOut->setObjectName(QStringLiteral("logOut"));
-    m_pPlayers = client->addAction(QString(), this, &CMainWindow::OpenPlayers);
-    Texts::Bind(m_pPlayers, &QAction::setText, "ACTION_PLAYERS");
-    m_pPlayers->setObjectName(QStringLiteral("openPlayers"));
-    m_pPlayers->setShortcut(Qt::CTRL + Qt::Key_P);
-    client->addSeparator();
-    m_pSounds = client->addAction(
-        QString(), this, [this](bool enabled) { CSettings::GetInstance()->SetSoundsEnabled(enabled, this); });
-    Texts::Bind(m_pSounds, &QAction::setText, "ACTION_SOUNDS");
-    m_pSounds->setObjectName(QStringLiteral("sounds"));
+    auto *entry = new CAction(QString::fromLatin1(key), Texts::Area());
+    CMenuManager::GetInstance()->GetMenu(menu)->AddAction(entry);
+    entry->setParent(this);
+    entry->setObjectName(QLatin1String(name));
+    entry->setShortcut(shortcut);
+    connect(entry, &QAction::triggered, this, action);
+    return entry;
+}
+
+void CMainWindow::CreateAccountMenu()
+{
+    const QString &id = CMenuManager::strMyAccount;
+    m_pLogIn = AddEntry(id, "ACTION_LOG_IN", "logIn", Qt::CTRL + Qt::Key_L, [this] { slot_LoginRequested(); });
+    m_pLogOut = AddEntry(id, "ACTION_LOG_OUT", "logOut", {}, [this] { m_host.GetSession().LogOut(); });
+    m_pPlayers = AddEntry(id, "ACTION_PLAYERS", "openPlayers", Qt::CTRL + Qt::Key_P,
+                          [this] { OpenDialog(m_pPlayersDialog, Qt::NonModal, this); });
+    AddEntry(id, "ACTION_QUIT", "quit", QKeySequence::Quit, [this] { close(); });
+}
+
+void CMainWindow::CreateOptionsMenu()
+{
+    COptionsDialogManager *manager = COptionsDialogManager::GetInstance();
+    manager->AddPage(CreateGeneralPage(this));
+    manager->AddPage(CreateSoundsPage(this));
+    connect(manager, &COptionsDialogManager::signal_ShowDialog, this,
+            [this](QWidget *parent) { OpenDialog(m_pOptionsDialog, Qt::WindowModal, parent ? parent : this); });
+    const QString &id = CMenuManager::strOptions;
+    AddEntry(id, "ACTION_OPTIONS", "openOptions", Qt::CTRL + Qt::Key_O,
+             [this] { COptionsDialogManager::Show(this); });
+    m_pSounds = AddEntry(id, "ACTION_SOUNDS", "sounds", {},
+                         [this] { CSettings::GetInstance()->SetSoundsEnabled(m_pSounds->isChecked(), this); });
     m_pSounds->setCheckable(true);
-    client->addSeparator();
-    QAction *quit = client->addAction(QString(), this, &CMainWindow::close);
-    Texts::Bind(quit, &QAction::setText, "ACTION_QUIT");
-    quit->setShortcut(QKeySequence::Quit);
-    menuBar()->addMenu(CreateLanguageMenu(this));
-    menuBar()->addMenu(CreateTimezoneMenu(this));
+    CMenu *menu = CMenuManager::GetInstance()->GetMenu(id);
+    menu->addMenu(CreateLanguageMenu(this));
+    menu->addMenu(CreateTimezoneMenu(this));
 }
 
 void CMainWindow::CreateStatusBar()
@@ -94,11 +127,8 @@ void CMainWindow::CreateStatusBar()
     m_pUserLabel->setContentsMargins(gap, 0, gap, 0);
     m_pClockLabel->setObjectName(QStringLiteral("clock"));
     statusBar()->addWidget(m_pConnectionLabel, 1);
-    if (CConfig::GetInstance()->GetDisplayBadBeatJackpot()) {
-        auto *jackpot = new CJackpotView(this);
-        statusBar()->addPermanentWidget(jackpot);
-        connect(&m_host.GetSession(), &CSession::signal_JackpotChanged, jackpot, &CJackpotView::ShowJackpot);
-    }
+    if (CCasinoInfo::GetInstance()->UsesJackpot())
+        statusBar()->addPermanentWidget(new CJackpotView(this));
     statusBar()->addPermanentWidget(m_pUserLabel);
     statusBar()->addPermanentWidget(m_pClockLabel);
 }
@@ -224,35 +254,14 @@ void CMainWindow::slot_ClockChanged()
 void CMainWindow::slot_LoginRefused(const QString &key)
 {
     m_strRefusal = key;
-    if (!IsLoginDialogOpen())
+    if (!m_pLoginDialog || !m_pLoginDialog->isVisible())
         statusBar()->showMessage(Texts::Get(key), MESSAGE_MS);
-}
-
-bool CMainWindow::IsLoginDialogOpen() const
-{
-    return m_pLoginDialog && m_pLoginDialog->isVisible();
 }
 
 // It may come from within a plugin's call, so the dialog opens without waiting for its end.
 void CMainWindow::slot_LoginRequested()
 {
-    if (IsLoginDialogOpen()) {
-        m_pLoginDialog->activateWindow();
-        return;
-    }
-    m_pLoginDialog = new CLoginDialog(m_host, this);
-    m_pLoginDialog->setAttribute(Qt::WA_DeleteOnClose);
-    m_pLoginDialog->open();
-}
-
-void CMainWindow::OpenPlayers()
-{
-    if (!m_pPlayersDialog) {
-        m_pPlayersDialog = new CPlayersDialog(this);
-        m_pPlayersDialog->setAttribute(Qt::WA_DeleteOnClose);
-    }
-    m_pPlayersDialog->show();
-    m_pPlayersDialog->activateWindow();
+    OpenDialog(m_pLoginDialog, Qt::WindowModal, m_host, this);
 }
 
 void CMainWindow::slot_ConnectionStateChanged(EConnectionState::type state)

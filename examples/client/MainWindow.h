@@ -9,13 +9,15 @@
 #include <QTimer>
 
 class CLoginDialog;
+class COptionsDialog;
 class CPlayersDialog;
 class QAction;
 class QLabel;
 class QTabWidget;
 
 /// The client's window: a tab for each plugin that has a view, above it the user's money, and below it the state of
-/// the link, the jackpot, the user and the clock. It opens where it was closed.
+/// the link, the jackpot, the user and the clock. It opens where it was closed. The menu bar is that of CMenuManager,
+/// so that there is one window at a time.
 class CMainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -42,18 +44,20 @@ private Q_SLOTS:
     void slot_LanguageChanged();
 
 private:
-    void CreateMenu();
+    template <typename Action>
+    QAction *AddEntry(const QString &menu, const char *key, const char *name, const QKeySequence &shortcut,
+                      const Action &action);
+    void CreateAccountMenu();
+    void CreateOptionsMenu();
     void CreateStatusBar();
     void ConnectUser();
     void ShowMoney();
     void Connect();
     void OnGeometryChanged();
     void RememberGeometry();
-    bool IsLoginDialogOpen() const;
-    void OpenPlayers();
 
     CHost &m_host;
-    QTabWidget *m_pViews; // this and the labels are children, and the actions are those of the menu
+    QTabWidget *m_pViews; // this, the labels and the actions are children
     QLabel *m_pCashierLabel;
     QLabel *m_pConnectionLabel;
     QLabel *m_pUserLabel;
@@ -64,7 +68,8 @@ private:
     QAction *m_pSounds = nullptr;
     CTranslationObject m_connection;
     QString m_strRefusal;                  // key of the refusal that the status bar shows, or has shown
-    QPointer<CLoginDialog> m_pLoginDialog; // this and the next delete themselves
+    QPointer<CLoginDialog> m_pLoginDialog; // this and the next ones delete themselves
     QPointer<CPlayersDialog> m_pPlayersDialog;
+    QPointer<COptionsDialog> m_pOptionsDialog;
     QTimer m_geometryTimer; // runs while the window is being moved
 };

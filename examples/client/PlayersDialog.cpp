@@ -1,11 +1,11 @@
 #include "PlayersDialog.h"
 
-#include "FormField.h"
-
 #include <common/AccountProtocol.h>
+#include <common/FormField.h>
 #include <database/PlayerInfoDB.h>
 #include <files/Pathes.h>
 #include <models/PlayerLists.h>
+#include <models/PlayerTaggingModel.h>
 #include <models/UserInfo.h>
 #include <settings/PlayerInfo.h>
 
@@ -23,7 +23,6 @@
 namespace {
 
 constexpr int PICTURE_PIXELS = 96;
-constexpr int TAGS = 5;
 constexpr int BEST_RATING = 5;
 constexpr int LAST_AVATAR = 999999;
 constexpr int LOOK_MS = 500;
@@ -84,16 +83,7 @@ void CPlayersDialog::CreateList()
 void CPlayersDialog::CreateFields()
 {
     m_pNote->setTabChangesFocus(true);
-    m_pTag->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    for (int tag = 0; tag <= TAGS; ++tag) {
-        m_pTag->addItem(QString());
-        const QString name = tag == 0 ? QStringLiteral("NOTAG") : QStringLiteral("TAG%1").arg(tag);
-        Texts::Follow(m_pTag, [this, tag, name] {
-            m_pTag->setItemText(
-                tag, CTranslation::GetInstance()->GetTranslatedString(QLatin1String("PLAYERTAGGING_") + name,
-                                                                      QStringLiteral("PLAYERTAGGING"), -1));
-        });
-    }
+    CreateTags();
     m_pRating->setMaximum(BEST_RATING);
     m_pAvatar->setMaximum(LAST_AVATAR);
     m_pAvatar->setKeyboardTracking(false); // each value is one picture to fetch
@@ -107,6 +97,26 @@ void CPlayersDialog::CreateFields()
     AddFormField(form, "PLAYERS_RATING", m_pRating);
     AddFormField(form, "PLAYERS_AVATAR", m_pAvatar);
     form->addRow(QString(), m_pPicture);
+}
+
+void CPlayersDialog::CreateTags()
+{
+    m_pTag->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    for (unsigned int tag = 0; tag < CPlayerTaggingModel::ulMaxPlayerTags; ++tag)
+        m_pTag->addItem(QString());
+    Texts::Follow(this, [this] { ShowTags(); });
+    connect(CPlayerTaggingModel::GetInstance(), &CPlayerTaggingModel::signal_PlayerTagsChanged, this,
+            &CPlayersDialog::ShowTags);
+}
+
+void CPlayersDialog::ShowTags()
+{
+    CPlayerTaggingModel *tags = CPlayerTaggingModel::GetInstance();
+    for (int tag = 0; tag < m_pTag->count(); ++tag) {
+        const auto index = static_cast<unsigned int>(tag);
+        m_pTag->setItemText(tag, tags->GetText(index));
+        m_pTag->setItemIcon(tag, tags->GetIcon(index));
+    }
 }
 
 void CPlayersDialog::ConnectFields()

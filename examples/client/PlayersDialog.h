@@ -29,6 +29,8 @@ private:
     void CreateList();
     void CreateFields();
     void ConnectFields();
+    void CreateTags();
+    void ShowTags();
     void ListPlayers();
     void List(const QString &nickname);
     void AddPlayer();

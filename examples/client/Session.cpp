@@ -1,6 +1,7 @@
 #include "Session.h"
 
 #include <files/Console.h>
+#include <models/CasinoInfo.h>
 #include <models/UserInfo.h>
 #include <time/CasinoTime.h>
 
@@ -166,7 +167,7 @@ void CSession::HandleJackpot(const QByteArray &payload)
 {
     AccountProtocol::SJackpot jackpot;
     if (AccountProtocol::DecodeJackpot(payload, jackpot))
-        Q_EMIT signal_JackpotChanged(jackpot.eCurrency, jackpot.mvAmount);
+        CCasinoInfo::GetInstance()->SetBadBeatJackpot(static_cast<char>(jackpot.eCurrency), jackpot.mvAmount);
     else
         NoteMalformed(AccountProtocol::JACKPOT);
 }

@@ -9,8 +9,8 @@
 
 #include <functional>
 
-/// The user's session with the game server: logs in and out, and keeps CUserInfo and CCasinoTime as the server says.
-/// It also hears of the jackpot.
+/// The user's session with the game server: logs in and out, and keeps CUserInfo, CCasinoTime and the jackpot of
+/// CCasinoInfo as the server says.
 ///
 /// Who is logged in stays so while the link is away, and is logged in anew, with the hash that CUserInfo holds, when
 /// it comes back. Answers that nobody waits for change nothing and are noted in the console.
@@ -43,13 +43,12 @@ Q_SIGNALS:
     /// Whoever was logged in before isn't any more. Nothing is cancelled: the user may try again.
     /// \a key is that of the text to show, in the area of Texts.
     void signal_LoginRefused(const QString &key);
-    void signal_JackpotChanged(GlobalDefines::MoneyType currency, GlobalDefines::MoneyValue amount);
 
 private:
     void HandleAccepted(const QByteArray &payload);
     void HandleRefused(const QByteArray &payload);
     void HandleTime(const QByteArray &payload);
-    void HandleJackpot(const QByteArray &payload);
+    static void HandleJackpot(const QByteArray &payload);
     void Ask(const QString &nickname, const QString &hash);
     void Refuse(const char *key);
     bool TakeAnswerTo(const QString &nickname);

@@ -4,7 +4,7 @@
 
 #include <plugin/WebLinks.h>
 
-/// Keeps the user's notes and settings in step with the web server: loads the notes at each login, begins a
+/// Keeps the user's notes and settings in step with the web server: loads notes and tags at each login, begins a
 /// synchronisation then and every now and then, and fetches the web sessions for it from the game server.
 ///
 /// At the end of a login the models of all players go, and the notes in them. Dialogs that show them go before.

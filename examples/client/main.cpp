@@ -8,16 +8,25 @@
 #include <database/TranslationDB.h>
 #include <files/Console.h>
 #include <files/Pathes.h>
+#include <models/AutoTopUpModel.h>
+#include <models/CasinoInfo.h>
+#include <models/ChatModel.h>
 #include <models/PlayerLists.h>
+#include <models/PlayerTaggingModel.h>
 #include <models/UserInfo.h>
 #include <network/NetworkAccessManager.h>
 #include <plugin/GlobalDefines.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
 #include <settings/SettingsSync.h>
+#include <sound/SoundManager.h>
+#include <sound/SoundPlayer.h>
 #include <time/CasinoTime.h>
 #include <tour/Tour.h>
 #include <translation/Translation.h>
+#include <ui/MenuManager.h>
+#include <ui/OptionsDialogManager.h>
+#include <ui/StyleSheet.h>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -28,6 +37,8 @@
 #include <optional>
 
 namespace {
+
+const QString STYLE_SHEET = QStringLiteral("client/client.css"); // a resource
 
 struct SOptions
 {
@@ -115,12 +126,32 @@ void CreateSingletons()
     CSettings::GetInstance();
     CTranslation::GetInstance();
     CCasinoTime::GetInstance();
+    CCasinoInfo::GetInstance()->InitCasinoInfo();
 }
 
-// In the opposite order of their creation. The settings would take what isn't written yet with them.
+void ApplyBrand(QApplication &application)
+{
+    QString styleSheet;
+    if (Globals::GetCssContents(Pathes::ToCommonRes(STYLE_SHEET, false), styleSheet))
+        application.setStyleSheet(styleSheet);
+    else
+        CConsole::AddMessage(QStringLiteral("The brand's style sheet %1 can't be read").arg(STYLE_SHEET),
+                             CConsole::MC_General, CConsole::ML_Warning, QString(), 0);
+}
+
+// When there is neither window nor plugin any more, and none before those that use it. The settings would take what
+// isn't written yet with them.
 void DestroySingletons()
 {
     CSettings::GetInstance()->slot_SaveSettings(true);
+    COptionsDialogManager::DestroyInstance();
+    CMenuManager::DestroyInstance();
+    CSoundManager::DestroyInstance();
+    CSoundPlayer::DestroyInstances();
+    CChatModel::DestroyInstance();
+    CAutoTopUpModel::DestroyInstance();
+    CPlayerTaggingModel::DestroyInstance();
+    CCasinoInfo::DestroyInstance();
     CSettingsSync::DestroyInstance();
     CCasinoTime::DestroyInstance();
     CTranslation::DestroyInstance();
@@ -152,13 +183,14 @@ int main(int argc, char *argv[])
     if (options.tour && !options.tour->bSecondMachine)
         CTour::MakeInstallation(options.tour->strOutput, options.tour->usWebPort);
     if (options.tour)
-        QDir::setCurrent(CTour::GetClientFolder(options.tour->strOutput));
+        CTour::EnterInstallation(options.tour->strOutput);
 
     GlobalDefines::RegisterQML();
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, &PrintMessage);
 
     InitDatabases();
     CreateSingletons();
+    ApplyBrand(application);
 
     int result = 0;
     {

@@ -58,6 +58,9 @@ void CClientLink::Refuse(const AccountProtocol::SRefusal &refusal)
 
 void CClientLink::SetUser(const QString &nickname)
 {
+    const QList<quint32> tables = m_places.keys();
+    for (const quint32 table : tables)
+        LeaveTable(table);
     m_strNickname = nickname;
     ++m_iLogins;
 }
@@ -90,14 +93,17 @@ void CClientLink::OnReadyRead()
 QString CClientLink::HandlePacket(CPacketLayerWrapper &packet)
 {
     const bool lobby = packet.GetGroup() == QLatin1String(LobbyProtocol::GROUP);
-    if (!lobby && packet.GetGroup() != QLatin1String(AccountProtocol::GROUP))
+    const bool table = packet.GetGroup() == QLatin1String(TableProtocol::GROUP);
+    if (!lobby && !table && packet.GetGroup() != QLatin1String(AccountProtocol::GROUP))
         return QStringLiteral("an unknown group");
     QString fault;
     for (int i = 0; !m_bEnded && fault.isEmpty() && packet.GetNext(); ++i) {
         const QByteArray payload(packet.GetPayload(), packet.GetPayloadLength());
         // The pause behind a refused login begins with the next packet.
-        if (i > 0 && !lobby)
+        if (i > 0 && !lobby && !table)
             fault = QStringLiteral("more than one record on the account");
+        else if (table)
+            fault = HandleTableRecord(payload);
         else
             fault = lobby ? HandleLobbyRecord(payload) : HandleAccountRecord(payload);
     }
@@ -137,6 +143,25 @@ QString CClientLink::HandleAccountRecord(const QByteArray &payload)
     return QString();
 }
 
+QString CClientLink::HandleTableRecord(const QByteArray &payload)
+{
+    TableProtocol::SLine line;
+    quint32 table = 0;
+    if (TableProtocol::DecodeLine(TableProtocol::SAY, payload, line))
+        Q_EMIT signal_LineSaid(line);
+    else if (TableProtocol::DecodeLeave(payload, table))
+        LeaveTable(table);
+    else
+        return QStringLiteral("an unknown or malformed record of a table");
+    return QString();
+}
+
+void CClientLink::LeaveTable(quint32 tableID)
+{
+    if (m_places.remove(tableID) > 0)
+        Q_EMIT signal_SeatLeft(tableID);
+}
+
 void CClientLink::End(const QString &reason)
 {
     if (m_bEnded)
@@ -148,6 +173,7 @@ void CClientLink::End(const QString &reason)
     m_pSocket->abort();
     deleteLater();
     Q_EMIT signal_Ended();
+    SetUser(QString()); // the others hear of the seats
 }
 
 void CClientLink::Log(const QString &text) const

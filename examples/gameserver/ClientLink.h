@@ -2,7 +2,9 @@
 
 #include <common/AccountProtocol.h>
 #include <common/PacketStream.h>
+#include <common/TableProtocol.h>
 
+#include <QHash>
 #include <QObject>
 #include <QTcpSocket>
 #include <QTimer>
@@ -31,9 +33,17 @@ public:
     /// Tells apart whose the link has been: another number behind each login, refusal and logout.
     int GetLoginCount() const { return m_iLogins; }
 
+    /// The user's place at a table; 0 for none. Seats are given back with LEAVE, and at the end of the user's time on
+    /// this link.
+    quint16 GetPlace(quint32 tableID) const { return m_places.value(tableID); }
+    void SetPlace(quint32 tableID, quint16 place) { m_places.insert(tableID, place); }
+
 Q_SIGNALS:
     void signal_ListRequested();
     void signal_SeatRequested(quint32 tableID);
+    void signal_SeatLeft(quint32 tableID);
+    /// The user says something, with or without a seat.
+    void signal_LineSaid(const TableProtocol::SLine &line);
     /// To be answered at once.
     void signal_LoginRequested(const AccountProtocol::SLogin &login);
     void signal_WebSessionRequested(const AccountProtocol::SWebRequest &request);
@@ -47,6 +57,8 @@ private:
     QString HandlePacket(CPacketLayerWrapper &packet);
     QString HandleLobbyRecord(const QByteArray &payload);
     QString HandleAccountRecord(const QByteArray &payload);
+    QString HandleTableRecord(const QByteArray &payload);
+    void LeaveTable(quint32 tableID);
     void End(const QString &reason);
     void Log(const QString &text) const;
 
@@ -57,6 +69,7 @@ private:
     QTimer m_refusalPause;
     QByteArray m_refusal; // to be sent when the pause is over
     QString m_strNickname;
+    QHash<quint32, quint16> m_places; // by table
     int m_iLogins = 0;
     bool m_bSubscribed = false;
     bool m_bEnded = false;

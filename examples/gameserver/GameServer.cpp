@@ -2,6 +2,8 @@
 
 #include "ClientLink.h"
 
+#include <common/Payload.h>
+
 #include <QDateTime>
 #include <QNetworkReply>
 
@@ -92,6 +94,9 @@ void CGameServer::AddClient(QTcpSocket *socket)
     connect(client, &CClientLink::signal_ListRequested, this, [this, client] { SendList(client); });
     connect(client, &CClientLink::signal_SeatRequested, this,
             [this, client](quint32 tableID) { GiveSeat(client, tableID); });
+    connect(client, &CClientLink::signal_SeatLeft, this, &CGameServer::TakeSeatBack);
+    connect(client, &CClientLink::signal_LineSaid, this,
+            [this, client](const TableProtocol::SLine &line) { PassOn(client, line); });
     connect(client, &CClientLink::signal_LoginRequested, this,
             [this, client](const AccountProtocol::SLogin &login) { LogIn(client, login); });
     connect(client, &CClientLink::signal_WebSessionRequested, this,
@@ -146,16 +151,50 @@ void CGameServer::GiveWebSession(CClientLink *client, const AccountProtocol::SWe
     });
 }
 
-void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)
+STable *CGameServer::FindTable(quint32 tableID)
 {
     const auto table = std::find_if(m_tables.begin(), m_tables.end(),
                                     [tableID](const STable &candidate) { return candidate.uiID == tableID; });
-    STable *found = table == m_tables.end() ? nullptr : &*table;
-    const LobbyProtocol::ESeatResult result = TakeSeat(found, client->GetNickname());
-    const quint16 place = result == LobbyProtocol::SR_TAKEN ? found->usPlayers : quint16(0);
-    client->Send(LobbyProtocol::ToPackets({LobbyProtocol::EncodeSeatAnswer({tableID, result, place})}));
-    if (found)
-        SendToSubscribers(CountPackets({{tableID, found->usPlayers}}));
+    return table == m_tables.end() ? nullptr : &*table;
+}
+
+// Whoever has a seat there keeps it.
+void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)
+{
+    STable *table = FindTable(tableID);
+    auto result = LobbyProtocol::SR_TAKEN;
+    if (client->GetPlace(tableID) == 0)
+        result = TakeSeat(table, client->GetNickname());
+    if (result == LobbyProtocol::SR_TAKEN && client->GetPlace(tableID) == 0)
+        client->SetPlace(tableID, table->usPlayers);
+    client->Send(
+        LobbyProtocol::ToPackets({LobbyProtocol::EncodeSeatAnswer({tableID, result, client->GetPlace(tableID)})}));
+    if (table)
+        SendToSubscribers(CountPackets({{tableID, table->usPlayers}}));
+}
+
+void CGameServer::TakeSeatBack(quint32 tableID)
+{
+    STable *table = FindTable(tableID);
+    if (table->usPlayers > 0) // they come and go by themselves as well
+        --table->usPlayers;
+    SendToSubscribers(CountPackets({{tableID, table->usPlayers}}));
+}
+
+// A line of nobody's isn't passed on.
+void CGameServer::PassOn(CClientLink *client, TableProtocol::SLine line) const
+{
+    line.strNickname = client->GetNickname();
+    line.ucIsObserver = client->GetPlace(line.uiTableID) == 0;
+    if (line.strNickname.isEmpty())
+        return;
+    const QByteArray packets =
+        Payload::ToPackets(TableProtocol::GROUP, {TableProtocol::EncodeLine(TableProtocol::SAID, line)});
+    const QVector<CClientLink *> clients = m_clients; // sending may end one, which then leaves the member
+    for (CClientLink *listener : clients) {
+        if (listener->GetPlace(line.uiTableID) != 0)
+            listener->Send(packets);
+    }
 }
 
 void CGameServer::SendTime() const

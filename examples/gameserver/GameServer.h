@@ -3,6 +3,7 @@
 #include "Accounts.h"
 
 #include <common/LobbyProtocol.h>
+#include <common/TableProtocol.h>
 
 #include <QNetworkAccessManager>
 #include <QObject>
@@ -14,7 +15,7 @@
 class CClientLink;
 
 /// Serves the list of tables to clients on this machine, lets the players come and go and the jackpot grow, knows
-/// who may log in, and tells the time.
+/// who may log in and who sits where, passes on what they say, and tells the time.
 class CGameServer : public QObject
 {
     Q_OBJECT
@@ -42,7 +43,10 @@ private:
     void SendList(CClientLink *client) const;
     void LogIn(CClientLink *client, const AccountProtocol::SLogin &login) const;
     void GiveWebSession(CClientLink *client, const AccountProtocol::SWebRequest &request);
+    LobbyProtocol::STable *FindTable(quint32 tableID);
     void GiveSeat(CClientLink *client, quint32 tableID);
+    void TakeSeatBack(quint32 tableID);
+    void PassOn(CClientLink *client, TableProtocol::SLine line) const;
     void GrowJackpot();
     QByteArray JackpotPacket() const;
     void SendToSubscribers(const QByteArray &packets) const;

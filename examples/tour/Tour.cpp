@@ -97,12 +97,17 @@ int CTour::Run()
     ShowClock();
     ShowCancelledLogin();
     ShowLogin();
+    ShowTable();
     ShowRunningNumbers();
     ShowLanguages();
     ShowTimezones();
     ShowSettings();
     ShowSecondUser();
     ShowFirstUserAgain();
+    ShowPluginMenu();
+    ShowOptions();
+    ShowColumns();
+    ShowReopenedClient();
     ShowNotes();
     ShowLostServer();
     ShowBadServers();
@@ -129,6 +134,12 @@ void CTour::MakeInstallation(const QString &folder, quint16 webPort)
     const QString change =
         QStringLiteral("UPDATE tbl_config SET COV_cValue = replace(COV_cValue, ':17174/', ':%1/')");
     QProcess::execute(QStringLiteral("sqlite3"), {config, change.arg(webPort)});
+}
+
+void CTour::EnterInstallation(const QString &folder)
+{
+    QDir::setCurrent(GetClientFolder(folder));
+    qputenv("HOME", QFile::encodeName(folder));
 }
 
 QString CTour::GetClientFolder(const QString &folder)

@@ -49,6 +49,8 @@ public:
     /// Makes an installation in \a folder that shares all but what changes at run time with the one that the process
     /// runs in, and has none of that yet. Its web server is on \a webPort.
     static void MakeInstallation(const QString &folder, quint16 webPort);
+    /// Lets the process run in the installation in \a folder, and have its documents there too.
+    static void EnterInstallation(const QString &folder);
     /// Of an installation in \a folder.
     static QString GetClientFolder(const QString &folder);
     /// A port on loopback that nobody uses now.
@@ -72,9 +74,16 @@ private:
     void ShowLanguages();
     void ShowRunningNumbers();
     void ShowTimezones();
+    void ShowTable();
+    void ShowChat(const QWidget &table);
+    void ShowTopUp(const QWidget &table);
     void ShowSettings();
     void ShowSecondUser();
     void ShowFirstUserAgain();
+    void ShowPluginMenu();
+    void ShowOptions();
+    void ShowColumns();
+    void ShowReopenedClient();
     void ShowNotes();
     void ShowSecondMachine();
     void ShowLostWebServer();
@@ -107,6 +116,11 @@ private:
     QString SeeState(EConnectionState::type state) const;
     QString SeeFilledLobby() const;
     QString SaveScreenshot(QWidget &widget, const QString &name) const;
+
+    void OpenOptions() const;
+    void ChooseOptionsPage(int page) const;
+    QString DescribeColumns() const;
+    QString DescribePlace() const;
 
     void ChooseTable() const;
     void TypeFilter(const QString &text) const;

@@ -66,7 +66,8 @@ void CTour::ShowNotes()
     ShowReturningMachine();
     ShowFreshMachine();
     ShowWhatStays();
-    Find<QListWidget>("players")->window()->close();
+    if (auto *players = Find<QListWidget>("players"))
+        players->window()->close();
     Do({"The user goes back to English", "language", "", "English"});
     Do({"And to no filter", "filter", "", ""});
 }
@@ -143,13 +144,14 @@ void CTour::ShowWhatStays()
                                          "'winpos%' OR URS_cKey = 'lastusername' ORDER BY URS_cKey");
     const QString second =
         GetClientFolder(GetFolder(SECOND)) + QLatin1String("/../Tmp/") + QFileInfo(Pathes::SettingsDB()).fileName();
-    const QStringList own{QStringLiteral("|lastusername"), QStringLiteral("|winpos[client]")};
+    const QStringList other{QStringLiteral("|lastusername"), QStringLiteral("|winpos[client]")};
+    const QStringList own = other + QStringList{QStringLiteral("|winpos[table]")}; // here alone a table was closed
     Step(
         QStringLiteral("No window's place and no user's name has left its machine"), [] {},
         [&] {
             const QStringList server = QueryDatabase(GetFolder(SERVER_FILE), SERVER_ROWS);
             const bool isSeen = QueryDatabase(Pathes::SettingsDB(), query) == own &&
-                                QueryDatabase(second, query) == own && !server.isEmpty() &&
+                                QueryDatabase(second, query) == other && !server.isEmpty() &&
                                 server.filter(QStringLiteral("winpos")).isEmpty() &&
                                 server.filter(QStringLiteral("lastusername")).isEmpty();
             return isSeen ? own.join(QLatin1String(", ")) : QString();

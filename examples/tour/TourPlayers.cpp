@@ -67,6 +67,14 @@ void CTour::TakeStep(const QStringList &step)
         {"sounds",
          {[&] { Find<QAction>("sounds")->trigger(); },
           [&] { return SeeRows({row.arg(QLatin1String("soundsenabled"))}); }}},
+        {"see place", {nothing, [&] { return DescribePlace() == value ? value : QString(); }}},
+        {"see columns", {nothing, [&] { return DescribeColumns() == value ? value : QString(); }}},
+        {"see option",
+         {[&] { OpenOptions(); },
+          [&] {
+              const auto *box = m_window.findChild<QCheckBox *>(subject);
+              return box && box->isChecked() ? box->text() : QString();
+          }}},
         {"see language", {nothing, [&] { return SeeTexts(value); }}},
         {"language", {[&] { ChooseEntry("languages", value); }, [&] { return SeeTexts(value); }}},
         {"picture", {nothing, [&] { return SaveScreenshot(*Find<QListWidget>("players")->window(), value); }}},

@@ -1,7 +1,6 @@
 #include "Tour.h"
 
 #include <client/LoginDialog.h>
-#include <client/MainWindow.h>
 #include <common/Texts.h>
 #include <files/Pathes.h>
 #include <time/CasinoTime.h>
@@ -106,12 +105,6 @@ void CTour::ShowSettings()
             const bool isSeen = m_window.size() == QSize(1080, 720) &&
                                 !SeeRows({QLatin1String("|winpos[client]|") + place}).isEmpty();
             return isSeen ? QStringLiteral("1080 by 720 pixels") : QString();
-        });
-    Step(
-        QStringLiteral("Where the next window opens"), [] {},
-        [this] {
-            const CMainWindow window(m_host);
-            return window.size() == m_window.size() ? QStringLiteral("the same size") : QString();
         });
 }
 

@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QRegularExpression>
 #include <QStyleOptionComboBox>
@@ -50,8 +51,18 @@ void AddTabs(const QTabBar &tabs, QVector<SVisibleText> &texts)
 void AddMenus(const QMenuBar &bar, QVector<SVisibleText> &texts)
 {
     const QList<QAction *> menus = bar.actions();
-    for (QAction *menu : menus)
+    for (QAction *menu : menus) {
         texts.append({menu->text(), TextWidth(bar, menu->text()), bar.actionGeometry(menu).width()});
+        const QList<QAction *> entries = menu->menu()->actions();
+        for (const QAction *entry : entries)
+            texts.append({entry->text()});
+    }
+}
+
+void AddList(const QListWidget &list, QVector<SVisibleText> &texts)
+{
+    for (int row = 0; row < list.count(); ++row)
+        texts.append({list.item(row)->text(), list.sizeHintForColumn(0), list.viewport()->width(), true});
 }
 
 // The rows out of view too: they may be scrolled to.
@@ -84,6 +95,8 @@ void AddWidget(const QWidget &widget, QVector<SVisibleText> &texts)
         AddTabs(*tabs, texts);
     else if (const auto *bar = qobject_cast<const QMenuBar *>(&widget))
         AddMenus(*bar, texts);
+    else if (const auto *list = qobject_cast<const QListWidget *>(&widget))
+        AddList(*list, texts);
     else if (const auto *table = qobject_cast<const QTableView *>(&widget))
         AddTable(*table, texts);
     if (widget.isWindow())

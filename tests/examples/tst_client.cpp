@@ -1,11 +1,15 @@
 // The example client without its window: the bus, the loading of plugins and the link to the game server.
 
 #include <client/Host.h>
+#include <client/OptionsDialog.h>
+#include <client/SettingsPage.h>
 #include <tour/TourServers.h>
 
 #include <support/Singletons.h>
 #include <support/StubPlugin.h>
 
+#include <QAbstractButton>
+#include <QCheckBox>
 #include <QtTest>
 
 #include <list>
@@ -124,6 +128,24 @@ private Q_SLOTS:
         QCOMPARE(manager.GetPlugins().size(), 1);
         QVERIFY(!QFile::exists(directory.filePath(QStringLiteral("plugin-code-ran"))));
         QVERIFY(IsInMessage(0, "a_wrong.so is built for") && IsInMessage(1, "z_broken.so is no plugin"));
+    }
+
+    void OptionsAreAppliedWhenAsked()
+    {
+        const CSettings *settings = CSettings::GetInstance();
+        COptionsPage *page = CreateSoundsPage(nullptr);
+        COptionsDialogManager::GetInstance()->AddPage(page);
+        const QPointer<COptionsDialog> dialog = new COptionsDialog;
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        auto *box = dialog->findChild<QCheckBox *>(QStringLiteral("winningsounds"));
+        box->click();
+        QVERIFY(page->IsModified() && !settings->GetWinningSounds());
+        dialog->findChild<QAbstractButton *>(QStringLiteral("OPTIONS_APPLY"))->click();
+        QVERIFY(!page->IsModified() && settings->GetWinningSounds());
+        dialog->findChild<QAbstractButton *>(QStringLiteral("OPTIONS_DEFAULTS"))->click();
+        QVERIFY(!box->isChecked() && settings->GetWinningSounds());
+        delete page;
+        QTRY_VERIFY(!dialog);
     }
 
     void StreamIsCutBack()

@@ -205,6 +205,25 @@ private Q_SLOTS:
         QVERIFY(changed.isEmpty());
     }
 
+    void columnsAndOrderAreSettings()
+    {
+        CSettings *settings = CSettings::GetInstance();
+        m_pView->resize(1200, 600);
+        m_pView->grab(); // which puts all in its place
+        const int width = m_pTable->columnWidth(COL_TYPE);
+        m_pTable->setColumnWidth(COL_TYPE, width + 9); // as a drag does
+        m_pTable->sortByColumn(COL_STAKES, Qt::DescendingOrder);
+        const QString stored = settings->GetHeaderSizesByKey(QStringLiteral("lobby"));
+        settings->SetHeaderSizesByKey(QStringLiteral("lobby"), QStringLiteral("600,600"));
+        QCOMPARE(m_pTable->columnWidth(COL_TYPE), width);
+        settings->SetHeaderSizesByKey(QStringLiteral("lobby"), stored); // as of another user
+        settings->SetHeaderSortingOrderByKey(QStringLiteral("lobby"), false);
+        QCOMPARE(m_pTable->columnWidth(COL_TYPE), width + 9);
+        QCOMPARE(Column(COL_NAME), QStringLiteral("Aare,Cork,Bann"));
+        m_pTable->setColumnWidth(COL_TYPE, 10); // where its texts would be lost
+        QCOMPARE(m_pTable->columnWidth(COL_TYPE), width + 9);
+    }
+
 private:
     static QByteArray Table(quint32 id, const char *name, quint16 players, quint32 low = 50, quint32 start = 0)
     {

@@ -109,7 +109,7 @@ private Q_SLOTS:
         LogIn();
         m_pSession->SetConnectionState(EConnectionState::Connected); // so that answers are waited for
         const QByteArray jackpot = EncodeJackpot({GlobalDefines::MONEYTYPE_EURO, 4294967295u});
-        QSignalSpy jackpots(m_pSession.data(), &CSession::signal_JackpotChanged);
+        QSignalSpy jackpots(CCasinoInfo::GetInstance(), &CCasinoInfo::signal_BadBeatJackpotChanged);
         const QByteArray refused = EncodeRefused({QStringLiteral("Magnolia"), RF_WRONG_PASSWORD});
         for (const QByteArray &record : {Accepted(9), refused, EncodeTime(99), jackpot}) {
             for (int length = 4; length <= record.size(); ++length) {
@@ -122,7 +122,7 @@ private Q_SLOTS:
         QCOMPARE(CCasinoTime::GetInstance()->GetTimeUTCServer(), 0u);
         QVERIFY(jackpots.isEmpty());
         Receive(jackpot);
-        QCOMPARE(jackpots.value(0).value(1).toUInt(), 4294967295u);
+        QCOMPARE(jackpots.value(0).value(0).toUInt(), 4294967295u);
     }
 
     void webSessions()

@@ -2,9 +2,13 @@
 
 #include "LobbyView.h"
 
+#include <common/SeatEvent.h>
 #include <common/Texts.h>
 #include <files/Console.h>
 #include <models/UserInfo.h>
+#include <settings/Settings.h>
+#include <ui/Action.h>
+#include <ui/MenuManager.h>
 
 namespace {
 
@@ -44,6 +48,15 @@ void CLobbyPlugin::RegisterForEvents()
     RegisterForEvent(QString::fromLatin1(LobbyProtocol::GROUP), QString());
 }
 
+void CLobbyPlugin::Start()
+{
+    CSettings *settings = CSettings::GetInstance();
+    new CSwitchesPage("LOBBY_TITLE",
+                      {{"LOBBY_POPUP_OFF", false, [settings] { return settings->GetDisableTablePopup(); },
+                        [settings](bool off) { settings->SetDisableTablePopup(off); }}},
+                      this);
+}
+
 void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
 {
     m_pModel->SetStale();
@@ -61,7 +74,22 @@ QWidget *CLobbyPlugin::CreateView(QWidget *parent)
     auto *view = new CLobbyView(m_pModel, parent);
     connect(view, &CLobbyView::signal_TableChosen, this, &CLobbyPlugin::RequestSeat);
     connect(this, &CLobbyPlugin::signal_SeatAnswered, view, &CLobbyView::ShowSeatAnswer);
+    m_pView = view;
+    AddMenu(view);
     return view;
+}
+
+void CLobbyPlugin::AddMenu(CLobbyView *view)
+{
+    CMenuManager *manager = CMenuManager::GetInstance();
+    CMenu *menu = manager->GetMenu(SeatEvent::MENU, SeatEvent::MENU, Texts::Area());
+    auto *takeSeat = new CAction(QStringLiteral("ACTION_TAKE_SEAT"), Texts::Area());
+    connect(takeSeat, &CAction::signal_Update, view, [view](CAction *action) {
+        action->setEnabled(view->HasChosenTable() && CUserInfo::GetInstance()->IsLoggedIn());
+    });
+    connect(takeSeat, &QAction::triggered, view, &CLobbyView::ChooseTable);
+    menu->AddAction(takeSeat);
+    manager->AddToMenuBar(menu);
 }
 
 void CLobbyPlugin::RequestSeat(quint32 tableID)
@@ -129,7 +157,18 @@ bool CLobbyPlugin::HandleSeatAnswer(const QByteArray &payload)
         Texts::MakeItem(KeyOf(answer.eResult), {{"#nickname#", CUserInfo::GetInstance()->GetNickname()},
                                                 {"#place#", uint(answer.usPlace)},
                                                 {"#table#", table ? table->strName : QString()}}));
+    if (table && answer.eResult == LobbyProtocol::SR_TAKEN)
+        TellOfSeat(*table, answer.usPlace);
     return true;
+}
+
+void CLobbyPlugin::TellOfSeat(const LobbyProtocol::STable &table, quint16 place)
+{
+    CEvent event = CEvent::Create(QString::fromLatin1(SeatEvent::GROUP), QString::fromLatin1(SeatEvent::GIVEN));
+    event.targetID = place;
+    event.data = LobbyProtocol::EncodeTable(table);
+    event.widget = m_pView;
+    SendInternEvent(event, false);
 }
 
 void CLobbyPlugin::ForgetIncoming()

@@ -2,13 +2,17 @@
 
 #include "TableListModel.h"
 
+#include <common/SwitchesPage.h>
 #include <plugin/PluginInterface.h>
 #include <translation/TranslationItem.h>
 
 #include <QSet>
 
+class CLobbyView;
+
 /// Shows the tables of the game server, and asks for a seat at the one that the user chooses. It asks for the list
-/// each time the link stands, and keeps the old one on screen until the new one is complete.
+/// each time the link stands, and keeps the old one on screen until the new one is complete. Of a seat that is given
+/// it tells the other plugins, see SeatEvent. It adds the menu of the tables to the bar.
 class CLobbyPlugin : public CPluginInterface
 {
     Q_OBJECT
@@ -23,7 +27,7 @@ public:
     QString GetVersion() const override { return QStringLiteral("1.0"); }
     QStringList GetDependencies() const override { return QStringList(); }
     bool Initialize() override { return true; }
-    void Start() override {}
+    void Start() override;
     bool CanClose() override { return true; }
     void Shutdown() override {}
     QWidget *CreateView(QWidget *parent) override;
@@ -33,6 +37,7 @@ Q_SIGNALS:
     void signal_SeatAnswered(const CTranslationItem &answer);
 
 private:
+    void AddMenu(CLobbyView *view);
     void RequestSeat(quint32 tableID);
     bool HandleRecord(const CEvent &event);
     bool HandleTable(const QByteArray &payload);
@@ -40,8 +45,10 @@ private:
     bool HandlePlayerCounts(const QByteArray &payload);
     bool HandleSeatAnswer(const QByteArray &payload);
     void ForgetIncoming();
+    void TellOfSeat(const LobbyProtocol::STable &table, quint16 place);
 
     CTableListModel *m_pModel = new CTableListModel(this);
+    QPointer<QWidget> m_pView;                 // the host's
     QVector<LobbyProtocol::STable> m_incoming; // the list that isn't complete yet
     QSet<quint32> m_incomingIDs;
     bool m_bWarned = false; // on this connection

@@ -8,7 +8,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QScrollBar>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QSortFilterProxyModel>
@@ -18,9 +17,6 @@
 namespace {
 
 constexpr int ANY_TYPE = 0;
-constexpr int MINIMUM_ROWS = 8;
-const QLatin1String LONG_NAME("Silver Mountain Championship");
-const QLatin1String LONG_PLAYERS("1000/1000");
 
 } // namespace
 
@@ -86,8 +82,22 @@ CLobbyView::CLobbyView(CTableListModel *model, QWidget *parent)
     const CSettings *settings = CSettings::GetInstance();
     connect(settings, &CSettings::signal_RinggameFilterChanged, this, &CLobbyView::slot_FilterSettingChanged);
     connect(settings, &CSettings::signal_SelectedGametypeChanged, this, &CLobbyView::slot_FilterSettingChanged);
+    connect(settings, &CSettings::signal_HeaderSizesChanged, this, &CLobbyView::slot_TableSettingChanged);
+    connect(settings, &CSettings::signal_HeaderSortingColumnChanged, this, &CLobbyView::slot_TableSettingChanged);
+    connect(settings, &CSettings::signal_HeaderSortingOrderChanged, this, &CLobbyView::slot_TableSettingChanged);
     slot_FilterSettingChanged();
+    slot_TableSettingChanged();
     ShowState();
+}
+
+bool CLobbyView::HasChosenTable() const
+{
+    return m_pTable->selectionModel()->hasSelection();
+}
+
+void CLobbyView::ChooseTable()
+{
+    Q_EMIT m_pTable->activated(m_pTable->currentIndex());
 }
 
 void CLobbyView::ShowSeatAnswer(const CTranslationItem &answer)
@@ -130,52 +140,18 @@ void CLobbyView::CreateTable()
     m_pTable->setWordWrap(false);
     m_pTable->setTabKeyNavigation(false); // Tab leaves the table, the arrows move in it
     m_pTable->setSortingEnabled(true);
-    m_pTable->sortByColumn(CTableListModel::COL_NAME, Qt::AscendingOrder);
+    m_pTable->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // the columns are fitted in
+    m_pTable->viewport()->installEventFilter(this);
     connect(m_pTable, &QTableView::activated, this, [this](const QModelIndex &cell) {
         Q_EMIT signal_TableChosen(m_pModel->GetTable(m_pFilter->mapToSource(cell).row()).uiID);
     });
     m_pTable->verticalHeader()->hide();
     m_pTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    const QHeaderView *header = m_pTable->horizontalHeader();
     m_pTable->horizontalHeader()->setHighlightSections(false);
+    connect(header, &QHeaderView::sectionResized, this, &CLobbyView::slot_ColumnResized);
+    connect(header, &QHeaderView::sortIndicatorChanged, this, &CLobbyView::slot_OrderChanged);
     SetColumnWidths(false);
-}
-
-// The name takes what the others leave, which is never less than it needs. A column that the user has made wider
-// stays so until the language or the time zone changes.
-void CLobbyView::SetColumnWidths(bool onlyWiden)
-{
-    QHeaderView *header = m_pTable->horizontalHeader();
-    const int margins = fontMetrics().horizontalAdvance(QLatin1Char('M'));
-    const int mark = style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, header); // for any column to sort by
-    int sum = m_pTable->verticalScrollBar()->sizeHint().width() + margins;
-    for (int column = 0; column < CTableListModel::COL_COUNT; ++column) {
-        const int width = qMax(GetTextWidth(column) + margins, header->sectionSizeHint(column) + mark);
-        header->resizeSection(column, onlyWiden ? qMax(width, header->sectionSize(column)) : width);
-        sum += width;
-    }
-    header->setSectionResizeMode(CTableListModel::COL_NAME, QHeaderView::Stretch);
-    m_pTable->setMinimumSize(sum, m_pTable->verticalHeader()->defaultSectionSize() * (MINIMUM_ROWS + 1));
-}
-
-// The types and games there are; of the others about the widest that there may be, for names are the server's choice.
-int CLobbyView::GetTextWidth(int column) const
-{
-    QSet<QString> texts;
-    if (column == CTableListModel::COL_NAME)
-        texts.insert(LONG_NAME);
-    else if (column == CTableListModel::COL_STAKES)
-        texts.insert(m_pModel->GetTexts().GetLongStakes());
-    else if (column == CTableListModel::COL_PLAYERS)
-        texts.insert(LONG_PLAYERS);
-    else if (column == CTableListModel::COL_START)
-        texts.insert(m_pModel->GetTexts().GetLongestDate());
-    else
-        for (int row = 0; row < m_pModel->rowCount(); ++row)
-            texts.insert(m_pModel->index(row, column).data().toString());
-    int width = 0;
-    for (const QString &text : qAsConst(texts))
-        width = qMax(width, fontMetrics().horizontalAdvance(text));
-    return width;
 }
 
 void CLobbyView::Arrange()

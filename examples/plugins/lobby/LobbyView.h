@@ -13,7 +13,7 @@ class QLineEdit;
 class QTableView;
 
 /// The lobby as the player sees it: the tables, what narrows them down, and how many there are. What narrows them
-/// down is a setting, which the next user may have otherwise.
+/// down is a setting, which the next user may have otherwise, and so are the columns' widths and the rows' order.
 class CLobbyView : public QWidget
 {
     Q_OBJECT
@@ -24,6 +24,9 @@ public:
 
     /// Adds an answer of the game server to the status line, until the next one; an empty one takes it off.
     void ShowSeatAnswer(const CTranslationItem &answer);
+    bool HasChosenTable() const;
+    /// The same as choosing that table once more.
+    void ChooseTable();
 
 Q_SIGNALS:
     /// The user wants to play at this table.
@@ -34,12 +37,20 @@ private Q_SLOTS:
     void slot_ListChanged();
     void slot_TextsChanged();
     void slot_ClockChanged();
+    void slot_ColumnResized(int column);
+    void slot_OrderChanged(int column, Qt::SortOrder order);
+    void slot_TableSettingChanged();
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
     void CreateFilterLine();
     void CreateTable();
     void SetColumnWidths(bool onlyWiden);
     int GetTextWidth(int column) const;
+    QList<double> FitColumns(const QList<double> &widths, int column) const;
+    void ShowColumns(const QList<double> &widths);
     void Arrange();
     void ApplyFilter();
     void RememberFilter();
@@ -54,4 +65,7 @@ private:
     QTableView *m_pTable;
     QLabel *m_pStatus;
     CTranslationItem m_seatAnswer;
+    QList<double> m_neededWidths; // of the columns
+    QList<double> m_shownWidths;
+    bool m_bTableChanging = false; // by this view and not by the user
 };

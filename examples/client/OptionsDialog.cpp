@@ -1,0 +1,72 @@
+#include "OptionsDialog.h"
+
+#include <common/Texts.h>
+#include <ui/OptionsDialogManager.h>
+
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QListWidget>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QStyle>
+
+COptionsDialog::COptionsDialog(QWidget *parent)
+    : QDialog(parent)
+    , m_pList(new QListWidget(this))
+{
+    setObjectName(QStringLiteral("options"));
+    m_pList->setObjectName(QStringLiteral("optionsPages"));
+    m_pList->setIconSize(QSize(1, 1) * style()->pixelMetric(QStyle::PM_SmallIconSize));
+    Texts::Bind(this, &QWidget::setWindowTitle, "OPTIONS_TITLE");
+    auto *widgets = new QStackedWidget(this);
+    const QList<COptionsPage *> pages = COptionsDialogManager::GetInstance()->GetPages();
+    for (COptionsPage *page : pages) {
+        m_pages.append(page);
+        widgets->addWidget(page->CreateWidget(widgets));
+        page->Load();
+        const QIcon icon = page->GetIcon();
+        new QListWidgetItem(icon.isNull() ? style()->standardIcon(QStyle::SP_FileIcon) : icon, QString(), m_pList);
+        connect(page, &QObject::destroyed, this, &QWidget::close);
+    }
+    Texts::Follow(this, [this] {
+        for (int i = 0; i < m_pages.size(); ++i)
+            m_pList->item(i)->setText(m_pages.at(i) ? m_pages.at(i)->GetTitle() : QString());
+        m_pList->setFixedWidth(m_pList->sizeHintForColumn(0) + 3 * m_pList->frameWidth());
+    });
+    auto *layout = new QGridLayout(this);
+    layout->addWidget(m_pList, 0, 0);
+    layout->addWidget(widgets, 0, 1);
+    layout->addWidget(CreateButtons(), 1, 0, 1, 2);
+    connect(m_pList, &QListWidget::currentRowChanged, widgets, &QStackedWidget::setCurrentIndex);
+    m_pList->setCurrentRow(0);
+}
+
+QWidget *COptionsDialog::CreateButtons()
+{
+    auto *buttons = new QDialogButtonBox(this);
+    const auto add = [buttons](QDialogButtonBox::StandardButton role, const char *key) {
+        QPushButton *button = buttons->addButton(role);
+        button->setObjectName(QLatin1String(key));
+        Texts::Bind(button, &QPushButton::setText, key);
+        return button;
+    };
+    connect(add(QDialogButtonBox::Ok, "OPTIONS_OK"), &QPushButton::clicked, this, [this] {
+        Apply();
+        accept();
+    });
+    connect(add(QDialogButtonBox::Cancel, "LOGIN_CANCEL"), &QPushButton::clicked, this, &COptionsDialog::reject);
+    connect(add(QDialogButtonBox::Apply, "OPTIONS_APPLY"), &QPushButton::clicked, this, &COptionsDialog::Apply);
+    connect(add(QDialogButtonBox::RestoreDefaults, "OPTIONS_DEFAULTS"), &QPushButton::clicked, this, [this] {
+        if (COptionsPage *page = m_pages.value(m_pList->currentRow()))
+            page->RestoreDefaults();
+    });
+    return buttons;
+}
+
+void COptionsDialog::Apply()
+{
+    for (const QPointer<COptionsPage> &page : qAsConst(m_pages)) {
+        if (page && page->IsModified())
+            page->Apply();
+    }
+}

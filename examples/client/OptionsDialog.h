@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+#include <QVector>
+
+class COptionsPage;
+class QListWidget;
+
+/// The pages that are registered with COptionsDialogManager. It closes when one of them goes.
+class COptionsDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit COptionsDialog(QWidget *parent = nullptr);
+
+private:
+    QWidget *CreateButtons();
+    void Apply();
+
+    QListWidget *m_pList;                    // child
+    QVector<QPointer<COptionsPage>> m_pages; // in the order of the list
+};

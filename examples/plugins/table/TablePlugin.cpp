@@ -1,0 +1,163 @@
+#include "TablePlugin.h"
+
+#include "TableWindow.h"
+
+#include <common/SeatEvent.h>
+#include <common/SwitchesPage.h>
+#include <common/Texts.h>
+#include <files/Console.h>
+#include <files/Pathes.h>
+#include <models/AutoTopUpModel.h>
+#include <models/ChatModel.h>
+#include <models/UserInfo.h>
+#include <settings/Settings.h>
+#include <sound/SoundManager.h>
+#include <ui/Action.h>
+#include <ui/MenuManager.h>
+#include <ui/ScreenPlacement.h>
+
+namespace {
+
+constexpr int LEVEL_WITHOUT_OBSERVERS = 2;
+constexpr int LEVEL_WITH_OBSERVERS = 3;
+
+// Of somebody who isn't to be read.
+bool IsHidden(const TableProtocol::SLine &line)
+{
+    if (CPlayerModel::IsExisting(line.strNickname) && CPlayerModel::GetInstance(line.strNickname)->GetChatBlock())
+        return true;
+    return line.ucIsObserver != 0 && CChatModel::GetInstance()->GetSettings().iObserverLevel < LEVEL_WITH_OBSERVERS;
+}
+
+bool IsObserverChatOn()
+{
+    return CChatModel::GetInstance()->GetSettings().iObserverLevel == LEVEL_WITH_OBSERVERS;
+}
+
+void SetObserverChat(bool on)
+{
+    CChatModel::SSettings settings = CChatModel::GetInstance()->GetSettings();
+    settings.iObserverLevel = on ? LEVEL_WITH_OBSERVERS : LEVEL_WITHOUT_OBSERVERS;
+    CChatModel::GetInstance()->SetSettings(settings);
+}
+
+void SetNotification(bool on)
+{
+    CAutoTopUpModel::SAutoTopUp all = CAutoTopUpModel::GetInstance()->GetAutoTopUp();
+    all.bNotification = on;
+    CAutoTopUpModel::GetInstance()->SetAutoTopUp(all, true);
+}
+
+} // namespace
+
+void CTablePlugin::RegisterForEvents()
+{
+    RegisterForEvent(QString::fromLatin1(SeatEvent::GROUP), QString::fromLatin1(SeatEvent::GIVEN));
+    RegisterForEvent(QString::fromLatin1(TableProtocol::GROUP), QString());
+}
+
+void CTablePlugin::ReceiveEvent(CEvent e)
+{
+    LobbyProtocol::STable table;
+    TableProtocol::SLine line;
+    if (e.HasTags(SeatEvent::GROUP, SeatEvent::GIVEN)) {
+        if (e.widget && LobbyProtocol::DecodeTable(e.data, table))
+            OpenTable(table, static_cast<quint16>(e.targetID), e.widget);
+    } else if (e.HasTags(TableProtocol::GROUP, TableProtocol::SAID)) {
+        if (TableProtocol::DecodeLine(TableProtocol::SAID, e.data, line))
+            ShowLine(line);
+        else
+            CConsole::AddMessage(QStringLiteral("Table: the game server sent a malformed line, which was ignored"),
+                                 CConsole::MC_Network, CConsole::ML_Warning, QString(), e.data.size());
+    }
+}
+
+void CTablePlugin::ConnectionStateChanged(EConnectionState::type state)
+{
+    if (state == EConnectionState::Connected)
+        return;
+    for (CTableWindow *window : GetWindows())
+        window->SetPlace(0);
+}
+
+void CTablePlugin::Start()
+{
+    CChatModel::GetInstance()->LoadSmileyConfig(Pathes::ToCommonRes(QStringLiteral("smileys/smileys.xml"), false));
+    const auto notified = [] { return CAutoTopUpModel::GetInstance()->IsNotificationEnabled(); };
+    new CSwitchesPage("TABLE_TITLE",
+                      {{"TABLE_OBSERVERS", true, &IsObserverChatOn, &SetObserverChat},
+                       {"TOPUP_NOTIFICATION", true, notified, &SetNotification}},
+                      this);
+}
+
+QWidget *CTablePlugin::CreateView(QWidget *)
+{
+    AddEntry("ACTION_SHOW_TABLES", &Globals::PopupWidget);
+    AddEntry("ACTION_LEAVE_TABLES", &QWidget::close);
+    return nullptr;
+}
+
+// For all tables that are open.
+void CTablePlugin::AddEntry(const char *key, const std::function<void(CTableWindow *)> &action)
+{
+    auto *entry = new CAction(QString::fromLatin1(key), Texts::Area());
+    connect(entry, &CAction::signal_Update, this,
+            [this](CAction *updated) { updated->setEnabled(!GetWindows().isEmpty()); });
+    connect(entry, &QAction::triggered, this, [this, action] {
+        for (CTableWindow *window : GetWindows())
+            action(window);
+    });
+    CMenuManager::GetInstance()->GetMenu(SeatEvent::MENU, SeatEvent::MENU, Texts::Area())->AddAction(entry);
+}
+
+void CTablePlugin::OpenTable(const LobbyProtocol::STable &table, quint16 place, QWidget *lobby)
+{
+    CTableWindow *window = m_windows.value(table.uiID);
+    if (!window) {
+        window = new CTableWindow(table, lobby);
+        m_windows.insert(table.uiID, window);
+        connect(window, &CTableWindow::signal_Closed, this, &CTablePlugin::LeaveTable);
+        connect(window, &CTableWindow::signal_Said, this, [this](const TableProtocol::SLine &line) {
+            Send(TableProtocol::EncodeLine(TableProtocol::SAY, line));
+        });
+        window->Open(lobby);
+    } else if (!CSettings::GetInstance()->GetDisableTablePopup()) {
+        Globals::PopupWidget(window);
+    }
+    window->SetPlace(place);
+    CSoundManager::GetInstance()->PlayEffect(Pathes::ToCommonRes(QStringLiteral("sounds/seat.wav"), false), false);
+}
+
+void CTablePlugin::ShowLine(const TableProtocol::SLine &line)
+{
+    CTableWindow *window = m_windows.value(line.uiTableID);
+    if (!window || IsHidden(line))
+        return;
+    window->GetChat()->AddLine(line);
+    if (line.strNickname != CUserInfo::GetInstance()->GetNickname())
+        CSoundManager::GetInstance()->PlayWarning(Pathes::ToCommonRes(QStringLiteral("sounds/chat.wav"), false),
+                                                  false);
+}
+
+void CTablePlugin::Send(const QByteArray &payload)
+{
+    SendToServer(TableProtocol::GROUP, 0, 0, payload.constData(), payload.size(), false);
+}
+
+// The server takes the seat of who logs out, or is gone, by itself.
+void CTablePlugin::LeaveTable(quint32 tableID)
+{
+    const QPointer<CTableWindow> window = m_windows.take(tableID);
+    if (window && window->HasSeat() && CUserInfo::GetInstance()->IsLoggedIn())
+        Send(TableProtocol::EncodeLeave(tableID));
+}
+
+QList<CTableWindow *> CTablePlugin::GetWindows() const
+{
+    QList<CTableWindow *> windows;
+    for (const QPointer<CTableWindow> &window : m_windows) {
+        if (window)
+            windows.append(window);
+    }
+    return windows;
+}

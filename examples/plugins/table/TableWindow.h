@@ -1,0 +1,55 @@
+#pragma once
+
+#include "ChatView.h"
+
+#include <common/LobbyProtocol.h>
+#include <plugins/lobby/TableTexts.h>
+
+class QCheckBox;
+class QComboBox;
+class QFormLayout;
+class QLabel;
+class QLineEdit;
+class QSpinBox;
+
+/// A table at which the user has a seat: what is played, when chips are bought, and the chat. It closes when the user
+/// logs out, and deletes itself.
+class CTableWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// \a lobby is the widget beside whose window the first table ever opens, and whose window it belongs to.
+    CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby);
+
+    /// Shows the window where the last one was closed, or else beside the lobby.
+    void Open(QWidget *lobby);
+    /// 0 if the seat is lost. Nothing can be said then.
+    void SetPlace(quint16 place);
+    bool HasSeat() const { return m_usPlace != 0; }
+    CChatView *GetChat() const { return m_pChat; }
+
+Q_SIGNALS:
+    void signal_Said(const TableProtocol::SLine &line);
+    void signal_Closed(quint32 tableID);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void CreateTopUp(QFormLayout *form);
+    void StoreTopUp();
+    void ShowTopUp();
+    void ShowFacts();
+    QString MakeTopUpText() const;
+
+    LobbyProtocol::STable m_table;
+    quint16 m_usPlace = 0;
+    QLabel *m_pFacts; // this and those below are children
+    QCheckBox *m_pTopUp;
+    QSpinBox *m_pLowerLimit;
+    QComboBox *m_pTarget;
+    QLabel *m_pTopUpText;
+    CChatView *m_pChat;
+    QLineEdit *m_pLine;
+};

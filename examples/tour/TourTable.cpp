@@ -1,0 +1,142 @@
+#include "Tour.h"
+
+#include <common/SeatEvent.h>
+#include <common/Texts.h>
+#include <files/Pathes.h>
+#include <settings/Settings.h>
+#include <ui/MenuManager.h>
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSpinBox>
+#include <QTableView>
+#include <QTextBrowser>
+#include <QTextFragment>
+#include <QtTest>
+
+namespace {
+
+// A table with a fixed limit of €0.25/€0.50, where few play.
+const QString TABLE_NAME = QStringLiteral("Malmo");
+const QString TABLE_OBJECT = QStringLiteral("table1036");
+constexpr QSize SIZE(1000, 680); // of the lobby's window, but for when a table needs room
+
+// Chooses an entry of the plugins' menu, as far as it can be chosen.
+void ChooseTablesEntry(const char *key)
+{
+    CMenu *menu = CMenuManager::GetInstance()->GetMenu(SeatEvent::MENU);
+    menu->popup(QPoint());
+    const QList<QAction *> entries = menu->actions();
+    for (QAction *entry : entries) {
+        if (entry->text() == Texts::Get(key) && entry->isEnabled())
+            entry->trigger();
+    }
+    menu->close();
+}
+
+// How many pictures the document shows that are really there.
+int CountPictures(const QTextDocument &document)
+{
+    int pictures = 0;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        for (auto part = block.begin(); !part.atEnd(); ++part) {
+            const QTextImageFormat format = part.fragment().charFormat().toImageFormat();
+            const QUrl url(format.name());
+            pictures += format.isValid() && document.resource(QTextDocument::ImageResource, url).isValid() ? 1 : 0;
+        }
+    }
+    return pictures;
+}
+
+QString SeeTopUp(const QWidget &table)
+{
+    const QString text = table.findChild<QLabel *>(QStringLiteral("topUpText"))->text();
+    const QStringList stored =
+        QueryDatabase(Pathes::SettingsDB(), QStringLiteral("SELECT URS_cValue FROM tbl_settings WHERE URS_cKey = "
+                                                           "'autotopupsettings' AND URS_cUser = 'magnolia'"));
+    const QString setting = QString::fromLatin1(CSettings::GetInstance()->GetAutoTopUpSettings());
+    const bool isSeen = text == QStringLiteral("Below €20 the stack is topped up to €50.") && !setting.isEmpty() &&
+                        stored.contains(setting);
+    return isSeen ? text : QString();
+}
+
+} // namespace
+
+void CTour::ShowTable()
+{
+    QPointer<QWidget> table;
+    Step(
+        QStringLiteral("The lobby makes room and shows one table"),
+        [this] {
+            m_window.resize(0, SIZE.height()); // which makes it as narrow as can be
+            m_window.move(0, 0);
+            TypeFilter(TABLE_NAME);
+            Find<QTableView>("lobbyTable")->selectRow(0);
+        },
+        [this] {
+            const auto *list = Find<QTableView>("lobbyTable");
+            const bool isSeen = m_window.width() < SIZE.width() && list->model()->rowCount() == 1;
+            return isSeen ? list->model()->index(0, 0).data().toString() : QString();
+        });
+    Step(
+        QStringLiteral("A seat that is taken by the menu opens the table beside the lobby"),
+        [] { ChooseTablesEntry("ACTION_TAKE_SEAT"); },
+        [&] {
+            table = Find<QWidget>(TABLE_OBJECT.toLatin1());
+            // Their frames, which the window manager adds afterwards, may lie upon each other.
+            const bool isSeen =
+                table && table->isActiveWindow() && table->geometry().left() >= m_window.geometry().right();
+            return isSeen ? table->findChild<QLabel *>(QStringLiteral("tableFacts"))->text() : QString();
+        });
+    if (m_bFailed)
+        return;
+    ShowChat(*table);
+    ShowTopUp(*table);
+    Step(
+        QStringLiteral("A picture of the table"), [] {},
+        [&] { return SaveScreenshot(*table, QStringLiteral("table")); });
+    for (const char *language : {"Deutsch", "Français", "English"})
+        ChooseLanguage(QString::fromUtf8(language), {});
+    Step(
+        QStringLiteral("The user leaves all tables"), [] { ChooseTablesEntry("ACTION_LEAVE_TABLES"); },
+        [&] { return table ? QString() : QStringLiteral("the window is gone"); });
+    Step(
+        QStringLiteral("And sees the whole lobby again"),
+        [this] {
+            m_window.resize(SIZE);
+            TypeFilter(QString());
+        },
+        [this] { return m_window.size() == SIZE ? SeeFilledLobby() : QString(); });
+}
+
+void CTour::ShowChat(const QWidget &table)
+{
+    Step(
+        QStringLiteral("A line goes to the game server and comes back with a smiley, and no other markup"),
+        [&] {
+            auto *line = table.findChild<QLineEdit *>(QStringLiteral("chatLine"));
+            QTest::keyClicks(line, QStringLiteral("Good <b>luck</b> :-)"));
+            QTest::keyClick(line, Qt::Key_Return);
+        },
+        [&] {
+            const auto *chat = table.findChild<QTextBrowser *>(QStringLiteral("chat"));
+            const QString text = chat->toPlainText();
+            const bool isSeen = text.startsWith(FIRST_NICKNAME + QLatin1String(": Good <b>luck</b> ")) &&
+                                !text.contains(QLatin1String(":-)")) && CountPictures(*chat->document()) == 1;
+            return isSeen ? text.trimmed() : QString();
+        });
+}
+
+void CTour::ShowTopUp(const QWidget &table)
+{
+    Step(
+        QStringLiteral("The user lets chips be bought, which is stored, and what it comes to is shown"),
+        [&] {
+            QTest::keyClick(table.findChild<QCheckBox *>(QStringLiteral("topUp")), Qt::Key_Space);
+            auto *limit = table.findChild<QSpinBox *>(QStringLiteral("lowerLimit"));
+            limit->selectAll();
+            QTest::keyClicks(limit, QStringLiteral("4"));
+        },
+        [&] { return SeeTopUp(table); });
+}

@@ -1,0 +1,57 @@
+#include <common/LobbyProtocol.h>
+#include <common/TableProtocol.h>
+
+#include <support/Singletons.h>
+
+#include <QtTest>
+#include <QtWidgets>
+
+using namespace TableProtocol;
+
+// Drives the plugin's own file as a host does.
+class tst_table : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void linesThatAreShown()
+    {
+        QDir::setCurrent(QStringLiteral(CLIENT_FOLDER));
+        QPluginLoader loader(QStringLiteral(TABLE_PLUGIN_PATH));
+        auto *plugin = qobject_cast<CPluginInterface *>(loader.instance());
+        QVERIFY2(plugin, qPrintable(loader.errorString()));
+        plugin->Start();
+        const auto deliver = [plugin](const char *tags, const QByteArray &data, QWidget *lobby) {
+            CEvent event = CEvent::Create(QLatin1String(tags), QLatin1String(tags + 4));
+            event.targetID = 3;
+            event.data = data;
+            event.widget = lobby;
+            plugin->emit_ReceiveEvent(event);
+        };
+        QWidget lobby;
+        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Magnolia"));
+        CSettings::GetInstance()->SetDisableTablePopup(true); // the test has no front to bring a window to
+        QTest::ignoreMessage(QtWarningMsg, "This plugin does not support propagateSizeHints()");
+        for (QWidget *widget : {static_cast<QWidget *>(nullptr), &lobby, &lobby}) // null as of a game server
+            deliver("SEATGIVN", LobbyProtocol::EncodeTable({7, QStringLiteral("Aare")}), widget);
+        const auto chats = lobby.findChildren<QTextBrowser *>();
+        QCOMPARE(chats.size(), 1);
+
+        CPlayerModel::GetInstance(QStringLiteral("Robin"))->SetChatBlock(true);
+        CChatModel::GetInstance()->SetSettings({false, 2, 3}); // without observers
+        for (const SLine &line : {SLine{7, QStringLiteral("<i>a</i> &amp; :-):))"), QStringLiteral("<Fern>"), 0},
+                                  SLine{7, QStringLiteral("blocked"), QStringLiteral("Robin"), 0},
+                                  SLine{7, QStringLiteral("observes"), QStringLiteral("Tom"), 1},
+                                  SLine{8, QStringLiteral("elsewhere"), QStringLiteral("Tom"), 0}})
+            deliver("TABLSAID", EncodeLine(SAID, line), nullptr);
+        QCOMPARE(chats.constFirst()->toPlainText(), QStringLiteral("<Fern>: <i>a</i> &amp; \uFFFC\uFFFC)"));
+
+        QSignalSpy sent(plugin, &CPluginInterface::signal_SendEvent);
+        chats.constFirst()->window()->close();
+        QVERIFY(sent.value(0).value(0).value<CEvent>().data.endsWith(EncodeLeave(7)));
+        DestroySingletons();
+    }
+};
+
+QTEST_MAIN(tst_table)
+#include "tst_table.moc"
