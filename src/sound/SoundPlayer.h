@@ -13,9 +13,9 @@ class QMediaPlaylist;
 /// A channel on which one sound is heard at a time, with those that wait behind it. Channels sound independently of
 /// each other.
 ///
-/// Files lie on disk, not in a resource. One that isn't there, or that the system can't play, is passed over without
-/// a word. Volumes are 0 to 100; a channel begins with the user's. CSettings' databases have to be initialised. Main
-/// thread.
+/// Files lie on disk, not in a resource. One that isn't there is passed over without a word; of one that can't be
+/// played the system's own log tells, and what waits behind it may be lost with it. Volumes are 0 to 100; a channel
+/// begins with the user's. CSettings' databases have to be initialised. Main thread.
 class PLUGININTERFACE_EXPORT CSoundPlayer : public QObject
 {
     Q_OBJECT

@@ -99,6 +99,7 @@ void CMenuManager::CreateStandardMenus()
 CMenu *CMenuManager::Register(const QString &id, CMenu *menu)
 {
     connect(menu, &QObject::destroyed, this, &CMenuManager::slot_MenuDestroyed);
-    m_hMenus.insert(id, menu);
+    // A copy of the letters, as a plugin's literal goes with its file.
+    m_hMenus.insert(QString(id.constData(), id.size()), menu);
     return menu;
 }

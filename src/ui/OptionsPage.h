@@ -19,7 +19,6 @@ public:
     explicit COptionsPage(QObject *parent);
     ~COptionsPage() override;
 
-public Q_SLOTS:
     /// For the list of pages, in the user's language.
     virtual QString GetTitle() const = 0;
     /// For the list of pages; may be null.

@@ -10,6 +10,7 @@ namespace {
 // A few files, each of which includes the next one twice, would fill any memory and take any time.
 constexpr int MAX_LENGTH = 16 << 20;
 constexpr int MAX_FILES = 1000;
+constexpr int MAX_DEPTH = 64; // each level looks at all that it includes once more
 
 const QLatin1String INCLUDE("#include");
 const QLatin1String COMMENT_BEGIN("/*");
@@ -84,7 +85,7 @@ bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents)
     QFile file(path);
     const QString canonicalPath = QFileInfo(path).canonicalFilePath();
     if (progress.beingRead.contains(canonicalPath) || ++progress.iFiles > MAX_FILES ||
-        !file.open(QIODevice::ReadOnly))
+        progress.beingRead.size() >= MAX_DEPTH || !file.open(QIODevice::ReadOnly))
         return false;
     progress.beingRead.append(canonicalPath);
     const QString directory = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
@@ -92,7 +93,7 @@ bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents)
     stream.setCodec("UTF-8");
     QString text;
     QString line;
-    while (stream.readLineInto(&line)) {
+    while (stream.readLineInto(&line, MAX_LENGTH + 1)) {
         line = line.trimmed();
         if (line.startsWith(INCLUDE)) {
             QString included;

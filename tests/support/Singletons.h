@@ -70,7 +70,7 @@ inline QMap<QString, quint64> GetSharedAddresses()
     return addresses;
 }
 
-/// They end before it returns.
+/// They end before it returns, but for the menus, which end a turn of the event loop later.
 inline void DestroySingletons()
 {
 #define DESTROY(Class) Class::DestroyInstance();
