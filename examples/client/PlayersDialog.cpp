@@ -27,27 +27,19 @@ constexpr int BEST_RATING = 5;
 constexpr int LAST_AVATAR = 999999;
 constexpr int LOOK_MS = 500;
 
-template <typename Widget>
-Widget *Create(QWidget *parent, const char *name)
-{
-    auto *widget = new Widget(parent);
-    widget->setObjectName(QLatin1String(name));
-    return widget;
-}
-
 } // namespace
 
 CPlayersDialog::CPlayersDialog(QWidget *parent)
     : QDialog(parent)
-    , m_pPlayers(Create<QListWidget>(this, "players"))
-    , m_pNickname(Create<QLineEdit>(this, "newPlayer"))
+    , m_pPlayers(CreateField<QListWidget>(this, "players"))
+    , m_pNickname(CreateField<QLineEdit>(this, "newPlayer"))
     , m_pFields(new QWidget(this))
-    , m_pNote(Create<QPlainTextEdit>(m_pFields, "note"))
-    , m_pTag(Create<QComboBox>(m_pFields, "tag"))
-    , m_pBuddy(Create<QCheckBox>(m_pFields, "buddy"))
-    , m_pRating(Create<QSpinBox>(m_pFields, "rating"))
-    , m_pAvatar(Create<QSpinBox>(m_pFields, "avatar"))
-    , m_pPicture(Create<QLabel>(m_pFields, "picture"))
+    , m_pNote(CreateField<QPlainTextEdit>(m_pFields, "note"))
+    , m_pTag(CreateField<QComboBox>(m_pFields, "tag"))
+    , m_pBuddy(CreateField<QCheckBox>(m_pFields, "buddy"))
+    , m_pRating(CreateField<QSpinBox>(m_pFields, "rating"))
+    , m_pAvatar(CreateField<QSpinBox>(m_pFields, "avatar"))
+    , m_pPicture(CreateField<QLabel>(m_pFields, "picture"))
 {
     Texts::Bind(this, &QWidget::setWindowTitle, "PLAYERS_TITLE");
     CreateList();

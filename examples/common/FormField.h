@@ -5,6 +5,15 @@
 #include <QFormLayout>
 #include <QLabel>
 
+/// A widget by whose name tests and the tour find it.
+template <typename Widget>
+Widget *CreateField(QWidget *parent, const char *name)
+{
+    auto *widget = new Widget(parent);
+    widget->setObjectName(QLatin1String(name));
+    return widget;
+}
+
 /// Adds \a field behind a label with the text of \a key, whose mnemonic leads to it.
 inline void AddFormField(QFormLayout *form, const char *key, QWidget *field)
 {

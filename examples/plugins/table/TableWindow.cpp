@@ -36,26 +36,18 @@ const char *MoneyKey(GlobalDefines::MoneyType money)
     return money == GlobalDefines::MONEYTYPE_POINTS ? "TABLE_POINTS" : "TABLE_REAL_MONEY";
 }
 
-template <typename Widget>
-Widget *Create(QWidget *parent, const char *name)
-{
-    auto *widget = new Widget(parent);
-    widget->setObjectName(QLatin1String(name));
-    return widget;
-}
-
 } // namespace
 
 CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
     : QWidget(lobby->window(), Qt::Window)
     , m_table(table)
-    , m_pFacts(Create<QLabel>(this, "tableFacts"))
-    , m_pTopUp(Create<QCheckBox>(this, "topUp"))
-    , m_pLowerLimit(Create<QSpinBox>(this, "lowerLimit"))
-    , m_pTarget(Create<QComboBox>(this, "target"))
-    , m_pTopUpText(Create<QLabel>(this, "topUpText"))
-    , m_pChat(Create<CChatView>(this, "chat"))
-    , m_pLine(Create<QLineEdit>(this, "chatLine"))
+    , m_pFacts(CreateField<QLabel>(this, "tableFacts"))
+    , m_pTopUp(CreateField<QCheckBox>(this, "topUp"))
+    , m_pLowerLimit(CreateField<QSpinBox>(this, "lowerLimit"))
+    , m_pTarget(CreateField<QComboBox>(this, "target"))
+    , m_pTopUpText(CreateField<QLabel>(this, "topUpText"))
+    , m_pChat(CreateField<CChatView>(this, "chat"))
+    , m_pLine(CreateField<QLineEdit>(this, "chatLine"))
 {
     setObjectName(QStringLiteral("table%1").arg(table.uiID));
     setWindowTitle(table.strName);
