@@ -26,5 +26,5 @@ build_preset() {
 # Runs a command on a virtual display of its own with a window manager, as a desktop has.
 on_virtual_display() {
     # shellcheck disable=SC2016
-    xvfb-run -a --server-args='-screen 0 1280x900x24' bash -c 'openbox >/dev/null 2>&1 & "$@"; result=$?; kill %1; exit $result' _ "$@"
+    xvfb-run -a --server-args='-screen 0 2560x1800x24' bash -c 'openbox >/dev/null 2>&1 & "$@"; result=$?; kill %1; exit $result' _ "$@"
 }

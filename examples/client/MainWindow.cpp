@@ -4,13 +4,16 @@
 #include "JackpotView.h"
 #include "LoginDialog.h"
 #include "OptionsDialog.h"
+#include "OptionsPages.h"
 #include "PlayersDialog.h"
-#include "SettingsPage.h"
+#include "TransferView.h"
 
-#include <common/Texts.h>
+#include <common/FormField.h>
+#include <files/FileHelpers.h>
 #include <models/CasinoInfo.h>
 #include <models/UserInfo.h>
 #include <money/MoneyStrings.h>
+#include <network/Download.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
 #include <time/CasinoTime.h>
@@ -19,9 +22,13 @@
 #include <ui/OptionsDialogManager.h>
 
 #include <QCloseEvent>
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QTabWidget>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -49,6 +56,7 @@ CMainWindow::CMainWindow(CHost &host, QWidget *parent)
     : QMainWindow(parent)
     , m_host(host)
     , m_pViews(new QTabWidget(this))
+    , m_pProblems(CreateField<QLabel>(this, "problems"))
     , m_pCashierLabel(new QLabel(this))
     , m_pConnectionLabel(new QLabel(this))
     , m_pUserLabel(new QLabel(this))
@@ -61,10 +69,20 @@ CMainWindow::CMainWindow(CHost &host, QWidget *parent)
     m_geometryTimer.setInterval(GEOMETRY_REST_MS);
     m_pViews->setDocumentMode(true);
     m_pViews->setCornerWidget(m_pCashierLabel);
-    setCentralWidget(m_pViews);
+    m_pProblems->setTextFormat(Qt::PlainText);
+    m_pProblems->setWordWrap(true);
+    m_pProblems->hide();
+    auto *content = new QWidget(this);
+    auto *layout = new QVBoxLayout(content);
+    layout->setContentsMargins(QMargins());
+    layout->setSpacing(0);
+    layout->addWidget(m_pProblems);
+    layout->addWidget(m_pViews, 1);
+    setCentralWidget(content);
     setMenuBar(CMenuManager::GetInstance()->GetMenuBar());
     CreateAccountMenu();
     CreateOptionsMenu();
+    CreateRulesMenu();
     CreateStatusBar();
     Connect();
     ConnectUser();
@@ -100,10 +118,8 @@ void CMainWindow::CreateAccountMenu()
 
 void CMainWindow::CreateOptionsMenu()
 {
-    COptionsDialogManager *manager = COptionsDialogManager::GetInstance();
-    manager->AddPage(CreateGeneralPage(this));
-    manager->AddPage(CreateSoundsPage(this));
-    connect(manager, &COptionsDialogManager::signal_ShowDialog, this,
+    AddOptionsPages(this);
+    connect(COptionsDialogManager::GetInstance(), &COptionsDialogManager::signal_ShowDialog, this,
             [this](QWidget *parent) { OpenDialog(m_pOptionsDialog, Qt::WindowModal, parent ? parent : this); });
     const QString &id = CMenuManager::strOptions;
     AddEntry(id, "ACTION_OPTIONS", "openOptions", Qt::CTRL + Qt::Key_O,
@@ -114,6 +130,38 @@ void CMainWindow::CreateOptionsMenu()
     CMenu *menu = CMenuManager::GetInstance()->GetMenu(id);
     menu->addMenu(CreateLanguageMenu(this));
     menu->addMenu(CreateTimezoneMenu(this));
+}
+
+void CMainWindow::CreateRulesMenu()
+{
+    CMenuManager *manager = CMenuManager::GetInstance();
+    const QString &id = CMenuManager::strGameRules;
+    manager->AddToMenuBar(manager->GetMenu(id, id, Texts::Area()));
+    m_pRules = AddEntry(id, "ACTION_RULES", "rules", {}, [this] { DownloadRules(); });
+    m_pRules->setEnabled(!CConfig::GetInstance()->GetLinkGamerulesGeneral().isEmpty());
+}
+
+void CMainWindow::DownloadRules()
+{
+    m_pRules->setEnabled(false); // one at a time
+    auto *download = new CDownload(this, CConfig::GetInstance()->GetLinkGamerulesGeneral(), QByteArray(), false);
+    connect(download, &CDownload::signal_Finished, this, [this, download](bool status, const QByteArray &rules) {
+        const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
+        const QString file = folder.filePath(QFileInfo(download->GetName()).fileName());
+        const bool isSaved = status && Globals::WriteToFile(file, rules, -1, -1);
+        statusBar()->showMessage(
+            Texts::MakeItem(isSaved ? "RULES_SAVED" : "RULES_FAILED", {{"#file#", QDir::toNativeSeparators(file)}})
+                .GetTranslatedText());
+        m_pRules->setEnabled(true);
+        download->deleteLater();
+    });
+    download->Start();
+}
+
+void CMainWindow::ShowProblems(const QStringList &problems)
+{
+    m_pProblems->setText(problems.join(QLatin1Char('\n')));
+    m_pProblems->setVisible(!problems.isEmpty());
 }
 
 void CMainWindow::CreateStatusBar()
@@ -127,6 +175,7 @@ void CMainWindow::CreateStatusBar()
     m_pUserLabel->setContentsMargins(gap, 0, gap, 0);
     m_pClockLabel->setObjectName(QStringLiteral("clock"));
     statusBar()->addWidget(m_pConnectionLabel, 1);
+    statusBar()->addPermanentWidget(new CTransferView(this));
     if (CCasinoInfo::GetInstance()->UsesJackpot())
         statusBar()->addPermanentWidget(new CJackpotView(this));
     statusBar()->addPermanentWidget(m_pUserLabel);

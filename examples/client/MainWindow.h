@@ -28,6 +28,8 @@ public:
 
     /// Makes the views of the plugins that have started.
     void CreateViews();
+    /// Shows above all else what the installation lacks, a line each; nothing if that is empty.
+    void ShowProblems(const QStringList &problems);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -49,6 +51,8 @@ private:
                       const Action &action);
     void CreateAccountMenu();
     void CreateOptionsMenu();
+    void CreateRulesMenu();
+    void DownloadRules();
     void CreateStatusBar();
     void ConnectUser();
     void ShowMoney();
@@ -58,6 +62,7 @@ private:
 
     CHost &m_host;
     QTabWidget *m_pViews; // this, the labels and the actions are children
+    QLabel *m_pProblems;
     QLabel *m_pCashierLabel;
     QLabel *m_pConnectionLabel;
     QLabel *m_pUserLabel;
@@ -66,6 +71,7 @@ private:
     QAction *m_pLogOut = nullptr;
     QAction *m_pPlayers = nullptr;
     QAction *m_pSounds = nullptr;
+    QAction *m_pRules = nullptr;
     CTranslationObject m_connection;
     QString m_strRefusal;                  // key of the refusal that the status bar shows, or has shown
     QPointer<CLoginDialog> m_pLoginDialog; // this and the next ones delete themselves

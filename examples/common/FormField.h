@@ -2,6 +2,7 @@
 
 #include <common/Texts.h>
 
+#include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
 
@@ -21,4 +22,13 @@ inline void AddFormField(QFormLayout *form, const char *key, QWidget *field)
     label->setBuddy(field);
     Texts::Bind(label, &QLabel::setText, key);
     form->addRow(label, field);
+}
+
+/// Adds an entry with the text of \a key, and \a data.
+inline void AddTextItem(QComboBox *box, const char *key, const QVariant &data)
+{
+    const int item = box->count();
+    box->addItem(QString(), data);
+    Texts::Bind(
+        box, [item](QComboBox *changed, const QString &text) { changed->setItemText(item, text); }, key);
 }

@@ -1,5 +1,7 @@
 #include "Tour.h"
 
+#include "WatchedApplication.h"
+
 #include <database/ConfigDB.h>
 #include <database/TranslationDB.h>
 #include <files/Pathes.h>
@@ -21,6 +23,8 @@ constexpr int STEP_LIMIT_MS = 15000;
 constexpr int SYNC_PAUSE_MS = 1000;
 constexpr int SYNC_REGULAR_MS = 2000;
 constexpr int MIN_TABLES = 200;
+// Three frames of a screen: whoever waits longer sees it.
+constexpr double LONGEST_EVENT_MS = 50;
 
 // The front of a packet that says it has 300 bytes.
 const QByteArray HALF_PACKET("LOBB\x01\x00\x00\x00\x00\x2c\x01\x21\x01TB", 15);
@@ -46,6 +50,14 @@ QString SeeLanguages()
     for (const auto &language : qAsConst(languages))
         names.append(language.value(QStringLiteral("AVL_cLong")).toString());
     return names.join(QLatin1String(", "));
+}
+
+QString DescribeLongestEvent()
+{
+    const CWatchedApplication *application = CWatchedApplication::Get();
+    return QStringLiteral("at most %1 ms, with %2")
+        .arg(application->GetLongestMs(), 0, 'f', 1)
+        .arg(application->GetLongestName());
 }
 
 QString SeeUserDatabases()
@@ -90,6 +102,7 @@ int CTour::Run()
 {
     QDir().mkpath(m_options.strOutput);
     m_host.GetSynchronisation().SetIntervals(SYNC_PAUSE_MS, SYNC_REGULAR_MS);
+    CWatchedApplication::Get()->Forget(); // the start is behind it
     if (m_options.bSecondMachine)
         return RunSecondMachine();
     ShowStart();
@@ -109,9 +122,15 @@ int CTour::Run()
     ShowColumns();
     ShowReopenedClient();
     ShowNotes();
+    ShowTransfers();
+    ShowKeyboard();
+    ShowLooks();
     ShowLostServer();
     ShowBadServers();
     ShowReturn();
+    Step(
+        QStringLiteral("Nothing has held up the client for longer than %1 ms").arg(LONGEST_EVENT_MS), [] {},
+        [] { return DescribeLongestEvent(); });
     QTextStream(stdout) << (m_bFailed ? QStringLiteral("The tour failed.\n")
                                       : QStringLiteral("All %1 steps happened.\n").arg(m_iSteps));
     return m_bFailed ? 1 : 0;
@@ -162,6 +181,10 @@ void CTour::Step(const QString &text, const TAction &action, const TLook &look)
     action();
     QString seen;
     m_bFailed = !QTest::qWaitFor([&] { return !(seen = look()).isEmpty(); }, STEP_LIMIT_MS);
+    if (CWatchedApplication::Get()->GetLongestMs() > LONGEST_EVENT_MS) {
+        m_strFault = DescribeLongestEvent();
+        m_bFailed = true;
+    }
     QTextStream(stdout) << (m_bFailed ? "FAILED " : "ok     ") << ++m_iSteps << ". " << text << ": "
                         << (m_bFailed ? QLatin1String("not seen ") + m_strFault : seen) << Qt::endl;
 }

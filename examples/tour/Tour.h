@@ -35,6 +35,9 @@ struct STourOptions
 /// the client reads them, while the client may have the file open.
 QStringList QueryDatabase(const QString &file, const QString &sql);
 
+/// As a click does, from within the event loop, so that the time it takes is noted.
+void Trigger(QAction *entry);
+
 /// Shows the client by itself: starts and ends servers, uses the window, and prints for each step what was seen. A
 /// step that doesn't happen in time ends it.
 class CTour
@@ -84,6 +87,9 @@ private:
     void ShowOptions();
     void ShowColumns();
     void ShowReopenedClient();
+    void ShowTransfers();
+    void ShowKeyboard();
+    void ShowLooks();
     void ShowNotes();
     void ShowSecondMachine();
     void ShowLostWebServer();
@@ -96,6 +102,7 @@ private:
 
     void StartGameServer();
     void StartWebServer();
+    void MakeRules() const;
     QString GetFolder(const QString &name) const;
     QString SeeServerRows(TWords rows);
 
@@ -113,6 +120,7 @@ private:
     QString SeePlayer(const QString &nickname, const QString &value);
     QString SeeAvatar(const QString &nickname, const QString &number) const;
     static QString SeePlayerRow(const QString &nickname, const QString &value);
+    QString SeeColours(const QString &colours);
     QString SeeState(EConnectionState::type state) const;
     QString SeeFilledLobby() const;
     QString SaveScreenshot(QWidget &widget, const QString &name) const;

@@ -54,13 +54,18 @@ QModelIndex FindCountDown(const QTableView &table)
 
 } // namespace
 
+void Trigger(QAction *entry)
+{
+    QMetaObject::invokeMethod(entry, &QAction::trigger, Qt::QueuedConnection);
+}
+
 // A menu needs no mouse to be chosen from, but the entry has to be there.
 void CTour::ChooseEntry(const char *menu, const QString &text) const
 {
     const QList<QAction *> entries = Find<QMenu>(menu)->actions();
     for (QAction *entry : entries) {
         if (entry->text() == text)
-            entry->trigger();
+            Trigger(entry);
     }
 }
 

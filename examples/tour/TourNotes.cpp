@@ -13,6 +13,7 @@ namespace {
 
 // Who has changed something last is told by whole seconds.
 constexpr int ONE_SECOND_MS = 1100;
+constexpr int FILE_RATE = 1 << 20; // of the web server, bytes a second
 
 const QString SERVER_FOLDER = QStringLiteral("web");
 const QString SERVER_FILE = SERVER_FOLDER + QLatin1String("/web.sqlite");
@@ -52,6 +53,7 @@ void CTour::ShowNotes()
         Do({"All that fits in every language", "language", "", language});
     Do({"The user chooses a filter", "filter", "", "omaha"});
     Do({"And sounds", "sounds", "", "true"});
+    MakeRules();
     StartWebServer();
     Do({"The user chooses an own avatar", "choose avatar", OWN, OWN_AVATAR});
     Do({"A picture of the window of the players", "picture", "", "players"});
@@ -163,11 +165,12 @@ void CTour::StartWebServer()
     Step(
         QStringLiteral("The web server starts"),
         [this] {
-            m_strServerLine =
-                m_webServer.Start(m_options.strWebServer,
-                                  {QStringLiteral("--database"), GetFolder(SERVER_FILE), QStringLiteral("--pictures"),
-                                   m_options.strPictures, QStringLiteral("--port"),
-                                   QString::number(m_options.usWebPort), QStringLiteral("--key"), WEB_KEY});
+            m_strServerLine = m_webServer.Start(
+                m_options.strWebServer,
+                {QStringLiteral("--database"), GetFolder(SERVER_FILE), QStringLiteral("--pictures"),
+                 m_options.strPictures, QStringLiteral("--files"), GetFolder(QStringLiteral("files")),
+                 QStringLiteral("--rate"), QString::number(FILE_RATE), QStringLiteral("--port"),
+                 QString::number(m_options.usWebPort), QStringLiteral("--key"), WEB_KEY});
         },
         [this] { return m_strServerLine; });
 }

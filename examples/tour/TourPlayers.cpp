@@ -1,6 +1,7 @@
 #include "Tour.h"
 
 #include <files/Pathes.h>
+#include <settings/Settings.h>
 
 #include <QAction>
 #include <QCheckBox>
@@ -51,8 +52,7 @@ void CTour::TakeStep(const QStringList &step)
     const TAction nothing = [] {};
     const QHash<QByteArray, QPair<TAction, TLook>> verbs{
         {"connect", {nothing, [&] { return SeeState(EConnectionState::Connected); }}},
-        {"open players",
-         {[&] { Find<QAction>("openPlayers")->trigger(); }, [&] { return SeePlayer(subject, value); }}},
+        {"open players", {[&] { Trigger(Find<QAction>("openPlayers")); }, [&] { return SeePlayer(subject, value); }}},
         {"see player", {nothing, [&] { return SeePlayer(subject, value); }}},
         {"note", {[&] { ChangePlayer(subject, value); }, [&] { return SeePlayerRow(subject, value); }}},
         {"see avatar", {nothing, [&] { return SeeAvatar(subject, value); }}},
@@ -65,7 +65,7 @@ void CTour::TakeStep(const QStringList &step)
               return Find<QAction>("sounds")->isChecked() == (value == QLatin1String("true")) ? value : QString();
           }}},
         {"sounds",
-         {[&] { Find<QAction>("sounds")->trigger(); },
+         {[&] { Trigger(Find<QAction>("sounds")); },
           [&] { return SeeRows({row.arg(QLatin1String("soundsenabled"))}); }}},
         {"see place", {nothing, [&] { return DescribePlace() == value ? value : QString(); }}},
         {"see columns", {nothing, [&] { return DescribeColumns() == value ? value : QString(); }}},
@@ -77,6 +77,9 @@ void CTour::TakeStep(const QStringList &step)
           }}},
         {"see language", {nothing, [&] { return SeeTexts(value); }}},
         {"language", {[&] { ChooseEntry("languages", value); }, [&] { return SeeTexts(value); }}},
+        {"colours",
+         {[&] { CSettings::GetInstance()->SetThemeGeneral(value.toInt()); }, [&] { return SeeColours(value); }}},
+        {"window picture", {nothing, [&] { return SaveScreenshot(m_window, value); }}},
         {"picture", {nothing, [&] { return SaveScreenshot(*Find<QListWidget>("players")->window(), value); }}},
     };
     const QByteArray verb = step.value(1).toLatin1();
@@ -89,6 +92,8 @@ void CTour::TakeStep(const QStringList &step)
 bool CTour::ChoosePlayer(const QString &nickname) const
 {
     auto *players = Find<QListWidget>("players");
+    if (!players)
+        return false;
     const QList<QListWidgetItem *> items = players->findItems(nickname, Qt::MatchFixedString);
     if (!items.isEmpty())
         players->setCurrentItem(items.constFirst());

@@ -38,8 +38,7 @@ void CSecondMachine::Start(const QString &installation, quint16 gameServerPort)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(QCoreApplication::applicationFilePath(),
-                    {QStringLiteral("--tour"), installation, QStringLiteral("--second-machine"),
-                     QStringLiteral("--server"), QStringLiteral("127.0.0.1:%1").arg(gameServerPort)});
+                    {installation, QStringLiteral("--second-machine"), QString::number(gameServerPort)});
 }
 
 bool CSecondMachine::Do(const QString &step)

@@ -30,7 +30,7 @@ void ChooseTablesEntry(const char *key)
     const QList<QAction *> entries = menu->actions();
     for (QAction *entry : entries) {
         if (entry->text() == Texts::Get(key) && entry->isEnabled())
-            entry->trigger();
+            Trigger(entry);
     }
     menu->close();
 }

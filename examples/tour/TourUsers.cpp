@@ -50,7 +50,7 @@ void CTour::ShowClock()
 void CTour::ShowCancelledLogin()
 {
     Step(
-        QStringLiteral("The user is asked for a nickname"), [this] { Find<QAction>("logIn")->trigger(); },
+        QStringLiteral("The user is asked for a nickname"), [this] { Trigger(Find<QAction>("logIn")); },
         [this] { return SeeDialog(); });
     Step(
         QStringLiteral("The user gives it up"), [this] { QTest::keyClick(Find<CLoginDialog>(), Qt::Key_Escape); },
@@ -86,7 +86,7 @@ void CTour::ShowSettings()
         [this] {
             TypeFilter(QStringLiteral("omaha"));
             QTest::keyClick(Find<QComboBox>("lobbyType"), Qt::Key_Down);
-            Find<QAction>("sounds")->trigger();
+            Trigger(Find<QAction>("sounds"));
         },
         [this] {
             return SeeRows({QStringLiteral("magnolia|ringgamefilter|omaha"), QStringLiteral("|ringgamefilter|omaha"),
@@ -140,7 +140,7 @@ void CTour::ShowSecondUser()
                             QStringLiteral("magnolia|ringgamefilter|omaha")});
         });
     Step(
-        QStringLiteral("The sounds as well"), [this] { Find<QAction>("sounds")->trigger(); },
+        QStringLiteral("The sounds as well"), [this] { Trigger(Find<QAction>("sounds")); },
         [this] {
             return SeeRows(
                 {QStringLiteral("robin|soundsenabled|true"), QStringLiteral("magnolia|soundsenabled|false")});
@@ -190,7 +190,7 @@ void CTour::TypeFilter(const QString &text) const
 void CTour::LogIn(const QString &nickname, const QString &password, const QString &lastNickname)
 {
     Step(
-        QStringLiteral("The dialog knows who was here last"), [&] { Find<QAction>("logIn")->trigger(); },
+        QStringLiteral("The dialog knows who was here last"), [&] { Trigger(Find<QAction>("logIn")); },
         [&] {
             const bool isSeen = !SeeDialog().isEmpty() && Find<QLineEdit>("loginNickname")->text() == lastNickname;
             const QString seen = lastNickname.isEmpty() ? QStringLiteral("nobody") : lastNickname;
@@ -204,7 +204,7 @@ void CTour::LogIn(const QString &nickname, const QString &password, const QStrin
 void CTour::LogOut()
 {
     Step(
-        QStringLiteral("The user logs out"), [this] { Find<QAction>("logOut")->trigger(); },
+        QStringLiteral("The user logs out"), [this] { Trigger(Find<QAction>("logOut")); },
         [this] { return SeeUser(Texts::Get(NOBODY)); });
 }
 

@@ -10,6 +10,8 @@ namespace {
 constexpr int MAX_TEXT = 64;
 constexpr int THREADS = 16; // some may hang with a fault
 constexpr uint PICTURES_A_FOLDER = 1000;
+constexpr std::chrono::milliseconds PIECE_TIME(50);
+constexpr quint32 PIECES_A_SECOND = 20;
 const char JSON_TYPE[] = "application/json";
 const QByteArray SESSION("session=");
 const QByteArray JSON("&json=");
@@ -88,6 +90,8 @@ void CWebServer::AddHandlers()
     m_pServer->Post("/sessions", with(&CWebServer::GiveSession, "text/plain"));
     m_pServer->Get("/sync", with(&CWebServer::Fetch, JSON_TYPE));
     m_pServer->Get(R"(/pictures/(\d{1,9})/(\d{1,9})\.png)", with(&CWebServer::ReadPicture, "image/png"));
+    m_pServer->Get(R"(/files/(\w[\w.-]*))",
+                   [this](const auto &request, auto &response) { SendFile(request, response); });
     // Not as the form that it claims to be: the library would decode it, and takes no long ones.
     const auto merge = with(&CWebServer::Merge, JSON_TYPE);
     m_pServer->Post("/sync",
@@ -167,4 +171,21 @@ int CWebServer::ReadPicture(const httplib::Request &request, std::string &pictur
         return 404;
     picture = file.readAll().toStdString();
     return 200;
+}
+
+void CWebServer::SendFile(const httplib::Request &request, httplib::Response &response) const
+{
+    QFile file(m_options.strFiles + QLatin1Char('/') + QString::fromStdString(request.matches[1]));
+    if (!file.open(QIODevice::ReadOnly)) {
+        response.status = 404;
+        return;
+    }
+    const std::string body = file.readAll().toStdString();
+    const std::size_t piece = m_options.uiRate == 0 ? body.size() : 1 + m_options.uiRate / PIECES_A_SECOND;
+    const auto pause = m_options.uiRate == 0 ? PIECE_TIME.zero() : PIECE_TIME;
+    const auto give = [body, piece, pause](std::size_t offset, std::size_t length, httplib::DataSink &sink) {
+        std::this_thread::sleep_for(pause);
+        return sink.write(body.data() + offset, std::min(length, piece));
+    };
+    response.set_content_provider(body.size(), "application/octet-stream", give);
 }

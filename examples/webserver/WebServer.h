@@ -8,7 +8,7 @@
 #include <memory>
 #include <thread>
 
-/// Answers web requests on threads of its own: gives sessions, keeps lists in step, and serves pictures.
+/// Answers web requests on threads of its own: gives sessions, keeps lists in step, and serves pictures and files.
 ///
 /// The store belongs to the thread of this object, whose event loop has to run meanwhile. A program has one, to its
 /// end.
@@ -20,10 +20,12 @@ public:
     struct SOptions
     {
         QString strPictures;
+        QString strFiles;
         QString strKey; ///< Who knows it may ask for a session for any user.
         QString strCertificate;
         QString strPrivateKey; ///< Plain HTTP without both.
         quint32 uiBodyLimit = 0;
+        quint32 uiRate = 0;   ///< Bytes a second of a file; 0 for as many as it can.
         bool bFaults = false; ///< Whether anybody may order wrong answers.
     };
 
@@ -42,6 +44,8 @@ private:
     int Fetch(const httplib::Request &request, std::string &json);
     int Merge(const httplib::Request &request, std::string &json);
     int ReadPicture(const httplib::Request &request, std::string &picture);
+    // In the thread of the request.
+    void SendFile(const httplib::Request &request, httplib::Response &response) const;
     bool ReadBody(const TReader &reader, httplib::Response &response, std::string &body) const;
 
     CSyncStore &m_store;

@@ -26,6 +26,8 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
 {
     const auto file = Option("database", "SQLite file with sessions, settings and notes; required.", "file");
     const auto pictures = Option("pictures", "Folder with the players' pictures.", "folder");
+    const auto files = Option("files", "Folder with the files to download.", "folder");
+    const auto rate = Option("rate", "Bytes a second of such a file; 0, the default, is no limit.", "number", "0");
     const auto number = Option("port", "Port on 127.0.0.1; 0, the default, is any.", "number", "0");
     const auto key = Option("key", "Secret that it shares with the game server; required.", "text");
     const auto limit = Option("body-limit", "The longest request body; default 33554432.", "bytes", "33554432");
@@ -36,14 +38,20 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Gives the game server web sessions for its users, keeps their settings and notes in step over their\n"
-        "machines, and serves pictures, until a signal ends it.\n"
+        "machines, and serves pictures and files, until a signal ends it.\n"
         "Prints \"listening on PORT\" once clients can connect. Each request is a line on standard error. The exit\n"
         "code is 1 if the server cannot start."));
     parser.addHelpOption();
-    parser.addOptions({file, pictures, number, key, limit, certificate, privateKey, faults});
+    parser.addOptions({file, pictures, files, rate, number, key, limit, certificate, privateKey, faults});
     parser.process(application);
     database = parser.value(file);
-    options = {parser.value(pictures), parser.value(key), parser.value(certificate), parser.value(privateKey), 0,
+    options = {parser.value(pictures),
+               parser.value(files),
+               parser.value(key),
+               parser.value(certificate),
+               parser.value(privateKey),
+               0,
+               0,
                parser.isSet(faults)};
     if (database.isEmpty() || options.strKey.isEmpty())
         error = QStringLiteral("--database or --key is missing; see --help");
@@ -53,6 +61,7 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
         error = QStringLiteral("unknown argument \"%1\"; see --help").arg(parser.positionalArguments().constFirst());
     return error.isEmpty() &&
            Options::ReadNumber(parser, number, 0, std::numeric_limits<quint16>::max(), port, error) &&
+           Options::ReadNumber(parser, rate, 0, std::numeric_limits<qint32>::max(), options.uiRate, error) &&
            Options::ReadNumber(parser, limit, 1, std::numeric_limits<qint32>::max(), options.uiBodyLimit, error);
 }
 

@@ -2,7 +2,7 @@
 
 #include <client/Host.h>
 #include <client/OptionsDialog.h>
-#include <client/SettingsPage.h>
+#include <client/OptionsPages.h>
 #include <tour/TourServers.h>
 
 #include <support/Singletons.h>
@@ -133,8 +133,9 @@ private Q_SLOTS:
     void OptionsAreAppliedWhenAsked()
     {
         const CSettings *settings = CSettings::GetInstance();
-        COptionsPage *page = CreateSoundsPage(nullptr);
-        COptionsDialogManager::GetInstance()->AddPage(page);
+        QObject owner;
+        AddOptionsPages(&owner);
+        COptionsPage *page = COptionsDialogManager::GetInstance()->GetPages().constLast();
         const QPointer<COptionsDialog> dialog = new COptionsDialog;
         dialog->setAttribute(Qt::WA_DeleteOnClose);
         auto *box = dialog->findChild<QCheckBox *>(QStringLiteral("winningsounds"));

@@ -3,10 +3,10 @@
 #include "LobbyView.h"
 
 #include <common/SeatEvent.h>
+#include <common/SettingsPage.h>
 #include <common/Texts.h>
 #include <files/Console.h>
 #include <models/UserInfo.h>
-#include <settings/Settings.h>
 #include <ui/Action.h>
 #include <ui/MenuManager.h>
 
@@ -50,11 +50,8 @@ void CLobbyPlugin::RegisterForEvents()
 
 void CLobbyPlugin::Start()
 {
-    CSettings *settings = CSettings::GetInstance();
-    new CSwitchesPage("LOBBY_TITLE",
-                      {{"LOBBY_POPUP_OFF", false, [settings] { return settings->GetDisableTablePopup(); },
-                        [settings](bool off) { settings->SetDisableTablePopup(off); }}},
-                      this);
+    new CSettingsPage("LOBBY_TITLE", QStyle::SP_FileIcon,
+                      {CSettingsPage::Setting("LOBBY_POPUP_OFF", "disabletablepopup")}, this);
 }
 
 void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)

@@ -2,7 +2,6 @@
 
 #include "TableListModel.h"
 
-#include <common/SwitchesPage.h>
 #include <plugin/PluginInterface.h>
 #include <translation/TranslationItem.h>
 

@@ -1,11 +1,11 @@
 #include "LobbyView.h"
 
-#include <common/Texts.h>
+#include <common/FormField.h>
 #include <settings/Settings.h>
 #include <time/CasinoTime.h>
 
-#include <QComboBox>
 #include <QHeaderView>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QShortcut>
@@ -116,12 +116,8 @@ void CLobbyView::CreateFilterLine()
     for (const auto &[key, type] : {std::pair<const char *, int>{"LOBBY_ALL", ANY_TYPE},
                                     {"LOBBY_RING_GAMES", GlobalDefines::TT_NORMAL},
                                     {"LOBBY_SIT_AND_GOS", GlobalDefines::TT_SITANDGO},
-                                    {"LOBBY_TOURNAMENTS", GlobalDefines::TT_TOURNAMENT}}) {
-        const int item = m_pType->count();
-        m_pType->addItem(QString(), type);
-        Texts::Bind(
-            m_pType, [item](QComboBox *box, const QString &text) { box->setItemText(item, text); }, key);
-    }
+                                    {"LOBBY_TOURNAMENTS", GlobalDefines::TT_TOURNAMENT}})
+        AddTextItem(m_pType, key, type);
     const auto *find = new QShortcut(QKeySequence::Find, this);
     connect(find, &QShortcut::activated, m_pText, [this] { m_pText->setFocus(Qt::ShortcutFocusReason); });
     connect(m_pText, &QLineEdit::returnPressed, m_pTable, [this] { m_pTable->setFocus(Qt::OtherFocusReason); });

@@ -3,7 +3,7 @@
 #include "TableWindow.h"
 
 #include <common/SeatEvent.h>
-#include <common/SwitchesPage.h>
+#include <common/SettingsPage.h>
 #include <common/Texts.h>
 #include <files/Console.h>
 #include <files/Pathes.h>
@@ -29,22 +29,22 @@ bool IsHidden(const TableProtocol::SLine &line)
     return line.ucIsObserver != 0 && CChatModel::GetInstance()->GetSettings().iObserverLevel < LEVEL_WITH_OBSERVERS;
 }
 
-bool IsObserverChatOn()
+QVariant IsObserverChatOn()
 {
     return CChatModel::GetInstance()->GetSettings().iObserverLevel == LEVEL_WITH_OBSERVERS;
 }
 
-void SetObserverChat(bool on)
+void SetObserverChat(const QVariant &on)
 {
     CChatModel::SSettings settings = CChatModel::GetInstance()->GetSettings();
-    settings.iObserverLevel = on ? LEVEL_WITH_OBSERVERS : LEVEL_WITHOUT_OBSERVERS;
+    settings.iObserverLevel = on.toBool() ? LEVEL_WITH_OBSERVERS : LEVEL_WITHOUT_OBSERVERS;
     CChatModel::GetInstance()->SetSettings(settings);
 }
 
-void SetNotification(bool on)
+void SetNotification(const QVariant &on)
 {
     CAutoTopUpModel::SAutoTopUp all = CAutoTopUpModel::GetInstance()->GetAutoTopUp();
-    all.bNotification = on;
+    all.bNotification = on.toBool();
     CAutoTopUpModel::GetInstance()->SetAutoTopUp(all, true);
 }
 
@@ -82,12 +82,15 @@ void CTablePlugin::ConnectionStateChanged(EConnectionState::type state)
 
 void CTablePlugin::Start()
 {
+    // Loads the machine's sound system, which takes some frames: at the first seat they would be missed.
+    CSoundManager::GetInstance();
     CChatModel::GetInstance()->LoadSmileyConfig(Pathes::ToCommonRes(QStringLiteral("smileys/smileys.xml"), false));
-    const auto notified = [] { return CAutoTopUpModel::GetInstance()->IsNotificationEnabled(); };
-    new CSwitchesPage("TABLE_TITLE",
-                      {{"TABLE_OBSERVERS", true, &IsObserverChatOn, &SetObserverChat},
-                       {"TOPUP_NOTIFICATION", true, notified, &SetNotification}},
-                      this);
+    new CSettingsPage(
+        "TABLE_TITLE", QStyle::SP_FileIcon,
+        {{"TABLE_OBSERVERS", "observerChat", &IsObserverChatOn, &SetObserverChat, true},
+         {"TOPUP_NOTIFICATION", "topUpNotification",
+          [] { return CAutoTopUpModel::GetInstance()->IsNotificationEnabled(); }, &SetNotification, true}},
+        this);
 }
 
 QWidget *CTablePlugin::CreateView(QWidget *)

@@ -87,12 +87,8 @@ void CTableWindow::CreateTopUp(QFormLayout *form)
     m_pLowerLimit->setMaximum(TENTHS);
     AddFormField(form, "TOPUP_LOWER_LIMIT", m_pLowerLimit);
     m_pTarget->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    for (const char *key : {"TOPUP_LARGEST", "TOPUP_SMALLEST", "TOPUP_STAKES", "TOPUP_MIDDLE"}) {
-        const int mode = m_pTarget->count();
-        m_pTarget->addItem(QString());
-        Texts::Bind(
-            m_pTarget, [mode](QComboBox *box, const QString &text) { box->setItemText(mode, text); }, key);
-    }
+    for (const char *key : {"TOPUP_LARGEST", "TOPUP_SMALLEST", "TOPUP_STAKES", "TOPUP_MIDDLE"})
+        AddTextItem(m_pTarget, key, QVariant());
     AddFormField(form, "TOPUP_TARGET", m_pTarget);
     connect(m_pTopUp, &QCheckBox::toggled, this, &CTableWindow::StoreTopUp);
     connect(m_pTarget, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &CTableWindow::StoreTopUp);

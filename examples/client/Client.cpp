@@ -1,0 +1,143 @@
+#include "Client.h"
+
+#include <common/Texts.h>
+#include <database/ConfigDB.h>
+#include <database/HandHistoryDB.h>
+#include <database/LobbyListDB.h>
+#include <database/PlayerInfoDB.h>
+#include <database/SettingsDB.h>
+#include <database/TranslationDB.h>
+#include <files/Console.h>
+#include <files/Pathes.h>
+#include <models/AutoTopUpModel.h>
+#include <models/CasinoInfo.h>
+#include <models/ChatModel.h>
+#include <models/PlayerLists.h>
+#include <models/PlayerTaggingModel.h>
+#include <models/UserInfo.h>
+#include <network/NetworkAccessManager.h>
+#include <settings/Config.h>
+#include <settings/Settings.h>
+#include <settings/SettingsSync.h>
+#include <sound/SoundManager.h>
+#include <sound/SoundPlayer.h>
+#include <time/CasinoTime.h>
+#include <ui/MenuManager.h>
+#include <ui/OptionsDialogManager.h>
+
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QTextStream>
+
+namespace {
+
+void PrintMessage(const CConsole::SConsoleMessage &message)
+{
+    QTextStream(stderr) << message.dtTimestamp.toString(Qt::ISODateWithMs) << ' ' << message.strMessage << '\n';
+}
+
+} // namespace
+
+// The console is first, so that it hears of all that follows, and the configuration is before the settings.
+CClient::CShared::CShared()
+{
+    QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, &PrintMessage);
+    QDir().mkpath(Pathes::Tmp());
+    CConfigDB::GetInstance()->Init();
+    CTranslationDB::GetInstance()->Init();
+    CSettingsDB::GetInstance()->Init();
+    CPlayerInfoDB::GetInstance()->Init();
+    CLobbyListDB::GetInstance()->Init();
+    CHandHistoryDB::GetInstance()->Init();
+    CConfig::GetInstance();
+    CUserInfo::GetInstance();
+    CSettings::GetInstance();
+    CTranslation::GetInstance();
+    CCasinoTime::GetInstance();
+    CCasinoInfo::GetInstance()->InitCasinoInfo();
+}
+
+// When there is neither window nor plugin any more, and none before those that use it. The settings would take what
+// isn't written yet with them.
+CClient::CShared::~CShared()
+{
+    CSettings::GetInstance()->slot_SaveSettings(true);
+    COptionsDialogManager::DestroyInstance();
+    CMenuManager::DestroyInstance();
+    CSoundManager::DestroyInstance();
+    CSoundPlayer::DestroyInstances();
+    CChatModel::DestroyInstance();
+    CAutoTopUpModel::DestroyInstance();
+    CPlayerTaggingModel::DestroyInstance();
+    CCasinoInfo::DestroyInstance();
+    CSettingsSync::DestroyInstance();
+    CCasinoTime::DestroyInstance();
+    CTranslation::DestroyInstance();
+    CSettings::DestroyInstance();
+    CUserInfo::DestroyInstance();
+    CPlayerLists::DestroyInstance();
+    CPlayerModel::DestroyInstances();
+    CNetworkAccessManager::DestroyInstance();
+    CConfig::DestroyInstance();
+    CHandHistoryDB::DestroyInstance();
+    CLobbyListDB::DestroyInstance();
+    CPlayerInfoDB::DestroyInstance();
+    CSettingsDB::DestroyInstance();
+    CTranslationDB::DestroyInstance();
+    CConfigDB::DestroyInstance();
+    CConsole::DestroyInstance();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+// What a file that can't be opened is missed by. In plain English where there are no texts.
+QStringList CClient::FindProblems()
+{
+    struct SFile
+    {
+        CLocalDB *pDatabase;
+        QString strPath;
+        const char *strKey;
+        QString strEnglish;
+    };
+    const QString notStored = QStringLiteral("#file# can't be used: what you do now will be forgotten.");
+    const SFile files[] = {
+        {CConfigDB::GetInstance(), Pathes::ConfigDB(), "PROBLEM_CONFIG",
+         QStringLiteral("#file# is missing: the client works with its defaults.")},
+        {CTranslationDB::GetInstance(), Pathes::LanguageDB(), nullptr,
+         QStringLiteral("#file# is missing: texts are shown by their names.")},
+        {CSettingsDB::GetInstance(), Pathes::SettingsDB(), "PROBLEM_USER_FILE", notStored},
+        {CPlayerInfoDB::GetInstance(), Pathes::PlayerInfoDB(), "PROBLEM_USER_FILE", notStored},
+        {CLobbyListDB::GetInstance(), Pathes::LobbyListDB(), "PROBLEM_USER_FILE", notStored},
+        {CHandHistoryDB::GetInstance(), Pathes::HandHistoryDB(), "PROBLEM_USER_FILE", notStored},
+    };
+    QStringList problems;
+    for (const SFile &file : files) {
+        if (file.pDatabase->IsOpen())
+            continue;
+        QString text = CTranslationDB::GetInstance()->IsOpen() ? Texts::Get(file.strKey) : file.strEnglish;
+        problems.append(text.replace(QLatin1String("#file#"), QDir::toNativeSeparators(QDir::cleanPath(
+                                                                  QDir().absoluteFilePath(file.strPath)))));
+    }
+    return problems;
+}
+
+CClient::CClient(const QString &server, quint16 port)
+    : m_host(server, port)
+    , m_window(m_host)
+{
+    QObject::connect(&m_host, &CHost::signal_PageRequested, &QDesktopServices::openUrl);
+    m_host.StartPlugins(Pathes::Plugins());
+    m_window.CreateViews();
+    const QStringList problems = FindProblems();
+    for (const QString &problem : problems)
+        CConsole::AddMessage(problem, CConsole::MC_Database, CConsole::ML_Warning, QString(), 0);
+    m_window.ShowProblems(problems);
+    m_window.show();
+    m_host.OpenLink();
+}
+
+CClient::~CClient()
+{
+    m_host.Shutdown();
+}

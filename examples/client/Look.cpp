@@ -1,0 +1,62 @@
+#include "Look.h"
+
+#include <files/Console.h>
+#include <files/Pathes.h>
+#include <settings/Settings.h>
+#include <ui/StyleSheet.h>
+
+#include <QApplication>
+#include <QPalette>
+#include <QStyle>
+
+namespace {
+
+// Resources of the brand.
+const QString LIGHT_SHEET = QStringLiteral("client/client.css");
+const QString DARK_SHEET = QStringLiteral("client/client-dark.css");
+
+constexpr QRgb BRAND_GREEN = 0xff2f7a52; // of what is chosen
+constexpr QRgb DARK_BUTTON = 0xff363c40;
+constexpr QRgb DARK_WINDOW = 0xff24282b;
+constexpr QRgb DARK_BASE = 0xff1b1e20;
+constexpr QRgb DARK_TEXT = 0xffe4e6e8;
+constexpr QRgb DARK_DISABLED_TEXT = 0xff8b9196;
+constexpr QRgb DARK_LINK = 0xff7cc49d;
+
+QPalette MakeDarkPalette()
+{
+    QPalette palette{QColor(DARK_BUTTON), QColor(DARK_WINDOW)}; // shades and the like follow from these
+    palette.setColor(QPalette::Base, QColor(DARK_BASE));
+    palette.setColor(QPalette::AlternateBase, QColor(DARK_WINDOW));
+    palette.setColor(QPalette::ToolTipBase, QColor(DARK_BUTTON));
+    palette.setColor(QPalette::Link, QColor(DARK_LINK));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(role, QColor(DARK_TEXT));
+        palette.setColor(QPalette::Disabled, role, QColor(DARK_DISABLED_TEXT));
+    }
+    palette.setColor(QPalette::PlaceholderText, QColor(DARK_DISABLED_TEXT));
+    return palette;
+}
+
+} // namespace
+
+CLook::CLook()
+{
+    connect(CSettings::GetInstance(), &CSettings::signal_ThemeGeneralChanged, this, &CLook::Apply);
+    Apply();
+}
+
+void CLook::Apply()
+{
+    const bool isDark = CSettings::GetInstance()->GetThemeGeneral() == CO_DARK;
+    const QString file = isDark ? DARK_SHEET : LIGHT_SHEET;
+    QString styleSheet;
+    if (!Globals::GetCssContents(Pathes::ToCommonRes(file, false), styleSheet))
+        CConsole::AddMessage(QStringLiteral("The brand's style sheet %1 can't be read").arg(file),
+                             CConsole::MC_General, CConsole::ML_Warning, QString(), 0);
+    QPalette palette = isDark ? MakeDarkPalette() : QApplication::style()->standardPalette();
+    palette.setColor(QPalette::Highlight, QColor(BRAND_GREEN));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    QApplication::setPalette(palette);
+    qApp->setStyleSheet(styleSheet);
+}

@@ -1,0 +1,126 @@
+#include "TransferView.h"
+
+#include <common/FormField.h>
+#include <network/Download.h>
+#include <network/NetworkAccessManager.h>
+#include <settings/Config.h>
+
+#include <QChildEvent>
+#include <QHBoxLayout>
+#include <QPointer>
+#include <QProgressBar>
+#include <QToolButton>
+
+namespace {
+
+constexpr int LOOK_MS = 500;
+constexpr int SECOND_MS = 1000;
+constexpr int BAR_CHARACTERS = 12;
+
+} // namespace
+
+CTransferView::CTransferView(QWidget *parent)
+    : QWidget(parent)
+    , m_pText(CreateField<QLabel>(this, "transferText"))
+    , m_pBar(CreateField<QProgressBar>(this, "transferBar"))
+{
+    m_pText->setTextFormat(Qt::PlainText); // a file's name is the server's choice
+    m_pBar->setTextVisible(false);
+    m_pBar->setFixedWidth(fontMetrics().averageCharWidth() * BAR_CHARACTERS);
+    auto *cancel = CreateField<QToolButton>(this, "transferCancel");
+    Texts::Bind(cancel, &QToolButton::setText, "TRANSFER_CANCEL");
+    connect(cancel, &QToolButton::clicked, this, &CTransferView::Cancel);
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(QMargins());
+    for (QWidget *widget :
+         {static_cast<QWidget *>(m_pText), static_cast<QWidget *>(m_pBar), static_cast<QWidget *>(cancel)})
+        layout->addWidget(widget);
+    m_timer.setInterval(LOOK_MS);
+    connect(&m_timer, &QTimer::timeout, this, &CTransferView::ShowProgress);
+    CNetworkAccessManager::GetInstance()->installEventFilter(this);
+    hide();
+}
+
+// Each transfer begins as a child of the manager. It becomes a reply only when its constructors have run.
+bool CTransferView::eventFilter(QObject *object, QEvent *event)
+{
+    if (event->type() == QEvent::ChildAdded) {
+        const QPointer<QObject> child = static_cast<QChildEvent *>(event)->child();
+        const auto watch = [this, child] {
+            if (auto *reply = qobject_cast<QNetworkReply *>(child.data()))
+                Watch(reply);
+        };
+        QMetaObject::invokeMethod(this, watch, Qt::QueuedConnection);
+    }
+    return QWidget::eventFilter(object, event);
+}
+
+void CTransferView::Watch(QNetworkReply *reply)
+{
+    if (reply->isFinished() || m_transfers.contains(reply))
+        return;
+    m_transfers.insert(reply, {});
+    const auto advance = [this, reply](qint64 bytes, qint64 total) {
+        const auto progress = m_transfers.find(reply);
+        if (progress == m_transfers.end())
+            return;
+        m_iPassedBytes += qMax<qint64>(0, bytes - progress->iBytes);
+        *progress = {bytes, total};
+    };
+    connect(reply, &QNetworkReply::downloadProgress, this, advance);
+    connect(reply, &QNetworkReply::uploadProgress, this, advance);
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { Forget(reply); });
+    connect(reply, &QObject::destroyed, this, [this, reply] { Forget(reply); });
+    if (!m_timer.isActive()) {
+        m_iPassedBytes = 0;
+        m_timer.start();
+    }
+}
+
+void CTransferView::Forget(QNetworkReply *reply)
+{
+    m_transfers.remove(reply);
+    if (m_transfers.isEmpty()) {
+        m_timer.stop();
+        hide();
+    }
+}
+
+void CTransferView::ShowProgress()
+{
+    SProgress sum;
+    bool isKnown = true;
+    for (const SProgress &progress : qAsConst(m_transfers)) {
+        isKnown = isKnown && progress.iTotal > 0;
+        sum.iBytes += progress.iBytes;
+        sum.iTotal += progress.iTotal;
+    }
+    const QString speed = CDownload::FormatBytes(m_iPassedBytes * SECOND_MS / LOOK_MS);
+    m_iPassedBytes = 0;
+    m_pText->setText(
+        Texts::MakeItem("TRANSFER_PROGRESS",
+                        {{"#what#", GetTitle()}, {"#done#", CDownload::FormatBytes(sum.iBytes)}, {"#speed#", speed}})
+            .GetTranslatedText());
+    // In kilobytes, for it counts in 31 bits. A bar of no range runs to and fro.
+    m_pBar->setRange(0, isKnown ? int(sum.iTotal >> 10) : 0);
+    m_pBar->setValue(int(sum.iBytes >> 10));
+    show();
+}
+
+QString CTransferView::GetTitle() const
+{
+    if (m_transfers.size() > 1)
+        return Texts::MakeItem("TRANSFER_MANY", {{"#n#", m_transfers.size()}}).GetTranslatedText();
+    const QUrl url = m_transfers.constBegin().key()->url();
+    const QUrl sync(CConfig::GetInstance()->GetLinkSettingsSync(), QUrl::StrictMode);
+    return url.matches(sync, QUrl::RemoveQuery) ? Texts::Get("TRANSFER_SYNC") : url.fileName();
+}
+
+void CTransferView::Cancel()
+{
+    const QList<QNetworkReply *> replies = m_transfers.keys();
+    for (QNetworkReply *reply : replies) {
+        if (m_transfers.contains(reply)) // one's end may be another's too
+            reply->abort();
+    }
+}

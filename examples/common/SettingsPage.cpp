@@ -1,0 +1,118 @@
+#include "SettingsPage.h"
+
+#include "FormField.h"
+
+#include <settings/Settings.h>
+#include <ui/OptionsDialogManager.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QMetaProperty>
+
+namespace {
+
+/// All settings as they are before anybody has chosen.
+class CDefaultSettings : public CSettingsBase
+{
+    void Save(const QString &, const QString &, const QString &, const QVariant &, qint64) override {}
+};
+
+QVariant GetShown(const QWidget &field)
+{
+    const auto *box = qobject_cast<const QComboBox *>(&field);
+    return box ? box->currentData() : field.metaObject()->userProperty().read(&field);
+}
+
+void Show(QWidget &field, const QVariant &value)
+{
+    auto *box = qobject_cast<QComboBox *>(&field);
+    if (!box)
+        field.metaObject()->userProperty().write(&field, value);
+    else if (box->findData(value) >= 0)
+        box->setCurrentIndex(box->findData(value));
+}
+
+} // namespace
+
+CSettingsPage::SField CSettingsPage::Setting(const char *textKey, const char *setting,
+                                             QWidget *(*create)(QWidget *parent))
+{
+    return {textKey,
+            setting,
+            [setting] { return CSettings::GetInstance()->property(setting); },
+            [setting](const QVariant &value) { CSettings::GetInstance()->setProperty(setting, value); },
+            CDefaultSettings().property(setting),
+            create};
+}
+
+CSettingsPage::CSettingsPage(const char *titleKey, QStyle::StandardPixmap icon, const QVector<SField> &fields,
+                             QObject *parent)
+    : COptionsPage(parent)
+    , m_strTitleKey(titleKey)
+    , m_eIcon(icon)
+    , m_fields(fields)
+{
+    COptionsDialogManager::GetInstance()->AddPage(this);
+}
+
+QString CSettingsPage::GetTitle() const
+{
+    return Texts::Get(m_strTitleKey);
+}
+
+QIcon CSettingsPage::GetIcon() const
+{
+    return QApplication::style()->standardIcon(m_eIcon);
+}
+
+QWidget *CSettingsPage::CreateWidget(QWidget *parent)
+{
+    m_pWidget = new QWidget(parent);
+    auto *form = new QFormLayout(m_pWidget);
+    for (const SField &field : qAsConst(m_fields)) {
+        if (field.create) {
+            QWidget *widget = field.create(m_pWidget);
+            widget->setObjectName(QLatin1String(field.strName));
+            AddFormField(form, field.strKey, widget);
+        } else {
+            auto *box = CreateField<QCheckBox>(m_pWidget, field.strName);
+            Texts::Bind(box, &QCheckBox::setText, field.strKey);
+            form->addRow(box);
+        }
+    }
+    return m_pWidget;
+}
+
+void CSettingsPage::Load()
+{
+    ForAll([](QWidget &widget, const SField &field) { Show(widget, field.get()); });
+}
+
+void CSettingsPage::Apply()
+{
+    ForAll([](const QWidget &widget, const SField &field) {
+        if (GetShown(widget) != field.get())
+            field.set(GetShown(widget));
+    });
+}
+
+void CSettingsPage::RestoreDefaults()
+{
+    ForAll([](QWidget &widget, const SField &field) { Show(widget, field.vDefault); });
+}
+
+bool CSettingsPage::IsModified() const
+{
+    bool isModified = false;
+    ForAll([&](const QWidget &widget, const SField &field) { isModified |= GetShown(widget) != field.get(); });
+    return isModified;
+}
+
+void CSettingsPage::ForAll(const std::function<void(QWidget &, const SField &)> &action) const
+{
+    for (const SField &field : m_fields) {
+        if (m_pWidget)
+            action(*m_pWidget->findChild<QWidget *>(QLatin1String(field.strName)), field);
+    }
+}

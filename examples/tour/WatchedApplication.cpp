@@ -1,0 +1,65 @@
+#include "WatchedApplication.h"
+
+#include <QEvent>
+#include <QMetaEnum>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <ctime>
+
+namespace {
+
+constexpr double NANOSECONDS = 1e6; // in a millisecond
+
+// For how long this thread has waited for a processor, by the kernel's count; 0 where it keeps none.
+double ReadWaitingMs()
+{
+    static thread_local const int file = open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC);
+    char text[128] = "";
+    long long running = 0;
+    long long waiting = 0;
+    const auto size = pread(file, text, sizeof text - 1, 0);
+    return size > 0 && std::sscanf(text, "%lld %lld", &running, &waiting) == 2 ? double(waiting) / NANOSECONDS : 0;
+}
+
+double ReadClock(clockid_t clock)
+{
+    timespec now{};
+    clock_gettime(clock, &now);
+    return double(now.tv_sec) * 1000 + double(now.tv_nsec) / NANOSECONDS;
+}
+
+// What is painted waits for the display server.
+bool IsPainting(QEvent::Type type)
+{
+    return type == QEvent::UpdateRequest || type == QEvent::Expose || type == QEvent::Paint;
+}
+
+double NowMs(QEvent::Type type)
+{
+    return IsPainting(type) ? ReadClock(CLOCK_THREAD_CPUTIME_ID) : ReadClock(CLOCK_MONOTONIC) - ReadWaitingMs();
+}
+
+} // namespace
+
+bool CWatchedApplication::notify(QObject *receiver, QEvent *event)
+{
+    if (m_iDepth > 0)
+        return QApplication::notify(receiver, event);
+    const QEvent::Type type = event->type(); // neither may be there afterwards
+    const QString name =
+        QString::fromLatin1(receiver->metaObject()->className()) + QLatin1Char(' ') + receiver->objectName();
+    ++m_iDepth;
+    const double start = NowMs(type);
+    const bool result = QApplication::notify(receiver, event);
+    const double taken = NowMs(type) - start;
+    --m_iDepth;
+    if (taken > m_longestMs) {
+        m_longestMs = taken;
+        m_strLongest =
+            QStringLiteral("%1 to %2").arg(QLatin1String(QMetaEnum::fromType<QEvent::Type>().valueToKey(type)), name);
+    }
+    return result;
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QApplication>
+
+/// An application that measures how long it keeps the event loop from going on: the longest that any one event has
+/// taken, with all that happened on its way. It doesn't count for how long the thread was ready to run and the
+/// machine had no processor for it, nor for how long what is painted waited for the display server.
+class CWatchedApplication : public QApplication
+{
+    Q_OBJECT
+
+public:
+    using QApplication::QApplication;
+
+    /// The one of the process.
+    static CWatchedApplication *Get() { return static_cast<CWatchedApplication *>(qApp); }
+
+    bool notify(QObject *receiver, QEvent *event) override;
+
+    /// The longest event so far, in milliseconds, and who got it.
+    double GetLongestMs() const { return m_longestMs; }
+    QString GetLongestName() const { return m_strLongest; }
+    void Forget() { m_longestMs = 0; }
+
+private:
+    double m_longestMs = 0;
+    QString m_strLongest;
+    int m_iDepth = 0; // of events within events
+};
