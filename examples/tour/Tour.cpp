@@ -125,6 +125,7 @@ int CTour::Run()
     ShowTransfers();
     ShowKeyboard();
     ShowLooks();
+    ShowBareStart();
     ShowLostServer();
     ShowBadServers();
     ShowReturn();

@@ -90,6 +90,7 @@ private:
     void ShowTransfers();
     void ShowKeyboard();
     void ShowLooks();
+    void ShowBareStart();
     void ShowNotes();
     void ShowSecondMachine();
     void ShowLostWebServer();
@@ -120,6 +121,7 @@ private:
     QString SeePlayer(const QString &nickname, const QString &value);
     QString SeeAvatar(const QString &nickname, const QString &number) const;
     static QString SeePlayerRow(const QString &nickname, const QString &value);
+    QString SeeProblems() const;
     QString SeeColours(const QString &colours);
     QString SeeState(EConnectionState::type state) const;
     QString SeeFilledLobby() const;

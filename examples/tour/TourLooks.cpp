@@ -148,6 +148,35 @@ void CTour::ShowLooks()
     }
 }
 
+// A folder with nothing but the program in it, as it seems.
+void CTour::ShowBareStart()
+{
+    const QString folder = GetFolder(QStringLiteral("bare"));
+    QDir(folder).removeRecursively();
+    QDir().mkpath(GetClientFolder(folder));
+    if (!m_bFailed)
+        m_secondMachine.Start(folder, m_options.usPort);
+    DoThere({"A client without an installation connects", "connect"});
+    DoThere({"It says what is missing", "see problems"});
+    DoThere({"A picture", "window picture", "", "bare"});
+    EndSecondMachine();
+    Step(
+        QStringLiteral("It has made a folder of its user"), [] {},
+        [&] {
+            const QDir files(GetClientFolder(folder) + QLatin1String("/../Tmp"));
+            return files.entryList({QStringLiteral("*.sqlite")}).join(QLatin1String(", "));
+        });
+}
+
+QString CTour::SeeProblems() const
+{
+    const auto *problems = Find<QLabel>("problems");
+    const bool isSeen = problems->isVisible() &&
+                        problems->text().contains(QLatin1String("config.sqlite is missing")) &&
+                        problems->text().contains(QLatin1String("language.sqlite is missing"));
+    return isSeen ? QStringLiteral("%1 problems").arg(problems->text().count(QLatin1Char('\n')) + 1) : QString();
+}
+
 // Contrast of text to what is behind it, as a reader needs it at least.
 QString CTour::SeeColours(const QString &colours)
 {

@@ -79,6 +79,7 @@ void CTour::TakeStep(const QStringList &step)
         {"language", {[&] { ChooseEntry("languages", value); }, [&] { return SeeTexts(value); }}},
         {"colours",
          {[&] { CSettings::GetInstance()->SetThemeGeneral(value.toInt()); }, [&] { return SeeColours(value); }}},
+        {"see problems", {nothing, [&] { return SeeProblems(); }}},
         {"window picture", {nothing, [&] { return SaveScreenshot(m_window, value); }}},
         {"picture", {nothing, [&] { return SaveScreenshot(*Find<QListWidget>("players")->window(), value); }}},
     };

@@ -10,6 +10,7 @@
 
 #include <QAbstractButton>
 #include <QCheckBox>
+#include <QListWidget>
 #include <QtTest>
 
 #include <list>
@@ -138,6 +139,7 @@ private Q_SLOTS:
         COptionsPage *page = COptionsDialogManager::GetInstance()->GetPages().constLast();
         const QPointer<COptionsDialog> dialog = new COptionsDialog;
         dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->findChild<QListWidget *>(QStringLiteral("optionsPages"))->setCurrentRow(1);
         auto *box = dialog->findChild<QCheckBox *>(QStringLiteral("winningsounds"));
         box->click();
         QVERIFY(page->IsModified() && !settings->GetWinningSounds());
