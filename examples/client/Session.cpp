@@ -76,7 +76,7 @@ CSession::CSession(const TSend &send, QObject *parent)
     m_answerTimer.setInterval(ANSWER_LIMIT_MS);
     connect(&m_answerTimer, &QTimer::timeout, this, [this] {
         // An acceptance that is under way would make the link the user's.
-        m_send(AccountProtocol::ToPacket(AccountProtocol::EncodeLogout()));
+        m_send(Payload::ToPackets(AccountProtocol::GROUP, {AccountProtocol::LOGOUT}));
         Refuse("LOGIN_NO_ANSWER");
     });
 }
@@ -93,7 +93,7 @@ void CSession::LogIn(const QString &nickname, const QString &hash)
 void CSession::LogOut()
 {
     m_answerTimer.stop();
-    m_send(AccountProtocol::ToPacket(AccountProtocol::EncodeLogout()));
+    m_send(Payload::ToPackets(AccountProtocol::GROUP, {AccountProtocol::LOGOUT}));
     EndLogin();
 }
 
@@ -128,7 +128,7 @@ bool CSession::HandleRecord(const CEvent &record)
 void CSession::HandleAccepted(const QByteArray &payload)
 {
     AccountProtocol::SAccount account;
-    if (!AccountProtocol::DecodeAccepted(payload, account)) {
+    if (!Payload::Decode(payload, account)) {
         NoteMalformed(AccountProtocol::ACCEPTED);
         return;
     }
@@ -148,7 +148,7 @@ void CSession::HandleAccepted(const QByteArray &payload)
 void CSession::HandleRefused(const QByteArray &payload)
 {
     AccountProtocol::SRefusal refusal;
-    if (!AccountProtocol::DecodeRefused(payload, refusal))
+    if (!Payload::Decode(payload, refusal))
         NoteMalformed(AccountProtocol::REFUSED);
     else if (TakeAnswerTo(refusal.strNickname))
         Refuse(KeyOf(refusal.eReason));
@@ -156,9 +156,9 @@ void CSession::HandleRefused(const QByteArray &payload)
 
 void CSession::HandleTime(const QByteArray &payload)
 {
-    quint32 seconds = 0;
-    if (AccountProtocol::DecodeTime(payload, seconds))
-        CCasinoTime::GetInstance()->SetTimeUTCServer(seconds);
+    AccountProtocol::STime time;
+    if (Payload::Decode(payload, time))
+        CCasinoTime::GetInstance()->SetTimeUTCServer(time.uiSeconds);
     else
         NoteMalformed(AccountProtocol::TIME);
 }
@@ -166,7 +166,7 @@ void CSession::HandleTime(const QByteArray &payload)
 void CSession::HandleJackpot(const QByteArray &payload)
 {
     AccountProtocol::SJackpot jackpot;
-    if (AccountProtocol::DecodeJackpot(payload, jackpot))
+    if (Payload::Decode(payload, jackpot))
         CCasinoInfo::GetInstance()->SetBadBeatJackpot(static_cast<char>(jackpot.eCurrency), jackpot.mvAmount);
     else
         NoteMalformed(AccountProtocol::JACKPOT);
@@ -175,7 +175,7 @@ void CSession::HandleJackpot(const QByteArray &payload)
 void CSession::Ask(const QString &nickname, const QString &hash)
 {
     m_asked = {nickname, hash};
-    if (m_send(AccountProtocol::ToPacket(AccountProtocol::EncodeLogin(m_asked))))
+    if (m_send(Payload::ToPacket(m_asked)))
         m_answerTimer.start();
 }
 

@@ -56,7 +56,7 @@ bool CSynchronisation::HandleRecord(const CEvent &record)
     if (!record.HasTags(AccountProtocol::GROUP, AccountProtocol::WEB_SESSION))
         return false;
     AccountProtocol::SWebSession session;
-    if (AccountProtocol::DecodeWebSession(record.data, session))
+    if (Payload::Decode(record.data, session))
         UseSession(session);
     else
         CConsole::AddMessage(QStringLiteral("The game server sent a malformed web session"), CConsole::MC_Network,
@@ -87,7 +87,7 @@ void CSynchronisation::BeginSync()
 void CSynchronisation::RequestSession(WebLinks::id link)
 {
     m_eAsked = link;
-    m_send(AccountProtocol::ToPacket(AccountProtocol::EncodeWebRequest({static_cast<quint8>(link), ReadMachine()})));
+    m_send(Payload::ToPacket(AccountProtocol::SWebRequest{static_cast<quint8>(link), ReadMachine()}));
 }
 
 // The game server answers in the order of the packets, so a session that nobody waits for is that of a login that has

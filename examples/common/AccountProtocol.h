@@ -1,6 +1,8 @@
 #pragma once
 
+#include <common/Payload.h>
 #include <plugin/GlobalDefines.h>
+#include <plugin/WebLinks.h>
 
 #include <QByteArray>
 #include <QString>
@@ -14,23 +16,22 @@
 /// that it has grown. For a web page that wants to know its user, the client asks with WEB_REQUEST, and the server
 /// answers with WEB_SESSION once it has asked the web server.
 ///
-/// The fields of a payload stand in the order of the structures below, in the form of Payload.h. A decoder takes a
-/// payload with its tag. It answers false, and changes nothing, unless the fields fill the payload exactly.
+/// The records are those below, in the form of Payload.h.
 namespace AccountProtocol {
 
 inline constexpr char GROUP[] = "ACCT";
-inline constexpr char LOGIN[] = "LGIN";       // one SLogin
-inline constexpr char LOGOUT[] = "LGOT";      // no fields
-inline constexpr char ACCEPTED[] = "LGOK";    // one SAccount
-inline constexpr char REFUSED[] = "LGRF";     // one SRefusal
-inline constexpr char WEB_REQUEST[] = "WEBR"; // one SWebRequest
-inline constexpr char WEB_SESSION[] = "WEBS"; // one SWebSession
+inline constexpr char LOGIN[] = "LGIN";
+inline constexpr char LOGOUT[] = "LGOT"; // no fields: the tag is the whole payload
+inline constexpr char ACCEPTED[] = "LGOK";
+inline constexpr char REFUSED[] = "LGRF";
+inline constexpr char WEB_REQUEST[] = "WEBR";
+inline constexpr char WEB_SESSION[] = "WEBS";
 
 inline constexpr char TIME_GROUP[] = "TIME";
-inline constexpr char TIME[] = "SECS"; // seconds since 1970 UTC, 32 bits
+inline constexpr char TIME[] = "SECS";
 
 inline constexpr char CASINO_GROUP[] = "CASI";
-inline constexpr char JACKPOT[] = "JPOT"; // one SJackpot
+inline constexpr char JACKPOT[] = "JPOT";
 
 /// In UTF-16 code units. Encoding cuts a longer nickname, and a payload with one doesn't decode.
 inline constexpr int MAX_NICKNAME_LENGTH = 32;
@@ -41,16 +42,38 @@ inline constexpr int MAX_WEB_TEXT_LENGTH = 64;
 
 struct SLogin
 {
+    static constexpr auto GROUP = AccountProtocol::GROUP;
+    static constexpr auto TAG = LOGIN;
+
     QString strNickname;
     QString strHash;
+
+    template <typename Stream>
+    void Fields(Stream &stream)
+    {
+        stream.Text(strNickname, MAX_NICKNAME_LENGTH);
+        stream.Text(strHash, HASH_LENGTH);
+    }
 };
 
 struct SAccount
 {
+    static constexpr auto GROUP = AccountProtocol::GROUP;
+    static constexpr auto TAG = ACCEPTED;
+
     QString strNickname; ///< As the account spells it, which may differ in case from what was asked for.
     GlobalDefines::MoneyType eCurrency = GlobalDefines::MONEYTYPE_UNKNOWN; ///< Of the real money; one letter.
     GlobalDefines::MoneyValue mvReal = 0;
     GlobalDefines::MoneyValue mvPlay = 0;
+
+    template <typename Stream>
+    void Fields(Stream &stream)
+    {
+        stream.Text(strNickname, MAX_NICKNAME_LENGTH);
+        stream.Letter(eCurrency, &Globals::GetMoneyType);
+        stream.Number(mvReal);
+        stream.Number(mvPlay);
+    }
 };
 
 /// Why a login is refused; one letter.
@@ -61,30 +84,88 @@ enum ERefusal : char {
     RF_WRONG_PASSWORD = 'P',
 };
 
+ERefusal ToRefusal(char letter);
+
 struct SRefusal
 {
+    static constexpr auto GROUP = AccountProtocol::GROUP;
+    static constexpr auto TAG = REFUSED;
+
     QString strNickname; ///< As it was asked for.
     ERefusal eReason = RF_UNKNOWN;
+
+    template <typename Stream>
+    void Fields(Stream &stream)
+    {
+        stream.Text(strNickname, MAX_NICKNAME_LENGTH);
+        stream.Letter(eReason, &ToRefusal);
+    }
 };
 
 /// Asks for a session on the web server, in the name of the user whose link it is.
 struct SWebRequest
 {
+    static constexpr auto GROUP = AccountProtocol::GROUP;
+    static constexpr auto TAG = WEB_REQUEST;
+
     quint8 ucLink = 0;  ///< What for, of WebLinks::id: SettingsSyncFetch or SettingsSyncSend, or it doesn't decode.
     QString strMachine; ///< Tells the user's machines apart.
+
+    template <typename Stream>
+    void Fields(Stream &stream)
+    {
+        stream.Number(ucLink);
+        stream.Text(strMachine, MAX_WEB_TEXT_LENGTH);
+        stream.Require(ucLink == WebLinks::SettingsSyncFetch || ucLink == WebLinks::SettingsSyncSend);
+    }
 };
 
 struct SWebSession
 {
+    static constexpr auto GROUP = AccountProtocol::GROUP;
+    static constexpr auto TAG = WEB_SESSION;
+
     quint8 ucLink = 0;  ///< As it was asked for.
     QString strSession; ///< Empty if there is none: the web server is away or refuses, or nobody is logged in.
+
+    template <typename Stream>
+    void Fields(Stream &stream)
+    {
+        stream.Number(ucLink);
+        stream.Text(strSession, MAX_WEB_TEXT_LENGTH);
+    }
+};
+
+/// The server's clock.
+struct STime
+{
+    static constexpr auto GROUP = TIME_GROUP;
+    static constexpr auto TAG = TIME;
+
+    quint32 uiSeconds = 0; ///< Since 1970 UTC.
+
+    template <typename Stream>
+    void Fields(Stream &stream)
+    {
+        stream.Number(uiSeconds);
+    }
 };
 
 /// The bad beat jackpot.
 struct SJackpot
 {
+    static constexpr auto GROUP = CASINO_GROUP;
+    static constexpr auto TAG = JACKPOT;
+
     GlobalDefines::MoneyType eCurrency = GlobalDefines::MONEYTYPE_UNKNOWN; ///< One letter.
     GlobalDefines::MoneyValue mvAmount = 0;
+
+    template <typename Stream>
+    void Fields(Stream &stream)
+    {
+        stream.Letter(eCurrency, &Globals::GetMoneyType);
+        stream.Number(mvAmount);
+    }
 };
 
 /// Whether a user may be called so: 1 to 32 characters that print, with no space around them.
@@ -97,25 +178,5 @@ bool IsNickname(const QString &text);
 /// password itself. Nor is it salted or slow to compute, so that a password that can be guessed is found from it. A
 /// real server has an encrypted link and keeps a salted hash that is made for passwords.
 QString HashPassword(const QString &password);
-
-QByteArray EncodeLogin(const SLogin &login);
-QByteArray EncodeLogout();
-QByteArray EncodeAccepted(const SAccount &account);
-QByteArray EncodeRefused(const SRefusal &refusal);
-QByteArray EncodeWebRequest(const SWebRequest &request);
-QByteArray EncodeWebSession(const SWebSession &session);
-QByteArray EncodeTime(quint32 seconds);
-QByteArray EncodeJackpot(const SJackpot &jackpot);
-
-bool DecodeLogin(const QByteArray &payload, SLogin &login);
-bool DecodeAccepted(const QByteArray &payload, SAccount &account);
-bool DecodeRefused(const QByteArray &payload, SRefusal &refusal);
-bool DecodeWebRequest(const QByteArray &payload, SWebRequest &request);
-bool DecodeWebSession(const QByteArray &payload, SWebSession &session);
-bool DecodeTime(const QByteArray &payload, quint32 &seconds);
-bool DecodeJackpot(const QByteArray &payload, SJackpot &jackpot);
-
-/// A packet of the payload's group with this one record.
-QByteArray ToPacket(const QByteArray &payload);
 
 } // namespace AccountProtocol

@@ -33,6 +33,13 @@ public:
     }
     /// Cuts the text to \a most UTF-16 code units.
     void Text(const QString &text, int most);
+    template <typename Record>
+    void List(QVector<Record> &records)
+    {
+        for (Record &record : records)
+            record.Fields(*this);
+    }
+    void Require(bool) {}
 
 private:
     QByteArray m_payload;
@@ -47,7 +54,6 @@ public:
     CPayloadReader(const QByteArray &payload, const char *tag);
 
     bool IsAtEnd() const { return m_iPosition == m_payload.size(); }
-    bool IsGood() const { return m_bGood; }
     bool IsComplete() const { return m_bGood && IsAtEnd(); }
 
     void Bytes(QByteArray &bytes, int length);
@@ -66,6 +72,17 @@ public:
         value = decode(static_cast<char>(letter));
     }
     void Text(QString &text, int most);
+    /// One or more records, to the end.
+    template <typename Record>
+    void List(QVector<Record> &records)
+    {
+        do {
+            records.append(Record());
+            records.last().Fields(*this);
+        } while (m_bGood && !IsAtEnd());
+    }
+    /// For values that a field may not have.
+    void Require(bool condition) { m_bGood = m_bGood && condition; }
 
 private:
     const QByteArray m_payload;
@@ -73,24 +90,26 @@ private:
     bool m_bGood = true;
 };
 
+/// A record is a structure with its GROUP and TAG, and its fields as one list that serves both ways: a template
+/// `Fields` that takes a writer or reader.
 namespace Payload {
 
-/// Both ways of a record by one list of its fields, a function that takes a writer or reader and the record.
-template <typename Record, typename Fields>
-QByteArray Encode(const char *tag, Record record, const Fields &fields)
+/// With \a tag where several kinds of record have the same fields.
+template <typename Record>
+QByteArray Encode(Record record, const char *tag = Record::TAG)
 {
     CPayloadWriter writer(tag);
-    fields(writer, record);
+    record.Fields(writer);
     return writer.GetPayload();
 }
 
-/// False, with \a record unchanged, unless the fields fill the payload exactly.
-template <typename Record, typename Fields>
-bool Decode(const char *tag, const QByteArray &payload, Record &record, const Fields &fields)
+/// False, with \a record unchanged, unless the payload has that tag and the fields fill it exactly.
+template <typename Record>
+bool Decode(const QByteArray &payload, Record &record, const char *tag = Record::TAG)
 {
     CPayloadReader reader(payload, tag);
     Record read{};
-    fields(reader, read);
+    read.Fields(reader);
     if (reader.IsComplete())
         record = read;
     return reader.IsComplete();
@@ -98,5 +117,12 @@ bool Decode(const char *tag, const QByteArray &payload, Record &record, const Fi
 
 /// The payloads in as few packets of the group as hold them, back to back as they go over the wire.
 QByteArray ToPackets(const char *group, const QVector<QByteArray> &payloads);
+
+/// A packet with this one record.
+template <typename Record>
+QByteArray ToPacket(const Record &record)
+{
+    return ToPackets(Record::GROUP, {Encode(record)});
+}
 
 } // namespace Payload

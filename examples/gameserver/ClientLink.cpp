@@ -46,13 +46,13 @@ void CClientLink::Send(const QByteArray &packets)
 void CClientLink::Accept(const AccountProtocol::SAccount &account)
 {
     SetUser(account.strNickname);
-    Send(AccountProtocol::ToPacket(AccountProtocol::EncodeAccepted(account)));
+    Send(Payload::ToPacket(account));
 }
 
 void CClientLink::Refuse(const AccountProtocol::SRefusal &refusal)
 {
     SetUser(QString());
-    m_refusal = AccountProtocol::ToPacket(AccountProtocol::EncodeRefused(refusal));
+    m_refusal = Payload::ToPacket(refusal);
     m_refusalPause.start();
 }
 
@@ -121,10 +121,10 @@ QString CClientLink::HandleLobbyRecord(const QByteArray &payload)
         return QStringLiteral("a list request with a body");
     if (!payload.startsWith(LobbyProtocol::SEAT_REQUEST))
         return QStringLiteral("an unknown tag");
-    quint32 table = 0;
-    if (!LobbyProtocol::DecodeSeatRequest(payload, table))
+    LobbyProtocol::SSeatRequest seat;
+    if (!Payload::Decode(payload, seat))
         return QStringLiteral("a malformed seat request");
-    Q_EMIT signal_SeatRequested(table);
+    Q_EMIT signal_SeatRequested(seat.uiTableID);
     return QString();
 }
 
@@ -132,11 +132,11 @@ QString CClientLink::HandleAccountRecord(const QByteArray &payload)
 {
     AccountProtocol::SLogin login;
     AccountProtocol::SWebRequest request;
-    if (AccountProtocol::DecodeLogin(payload, login))
+    if (Payload::Decode(payload, login))
         Q_EMIT signal_LoginRequested(login);
     else if (payload == AccountProtocol::LOGOUT)
         SetUser(QString());
-    else if (AccountProtocol::DecodeWebRequest(payload, request))
+    else if (Payload::Decode(payload, request))
         Q_EMIT signal_WebSessionRequested(request);
     else
         return QStringLiteral("an unknown or malformed record on the account");
@@ -146,11 +146,11 @@ QString CClientLink::HandleAccountRecord(const QByteArray &payload)
 QString CClientLink::HandleTableRecord(const QByteArray &payload)
 {
     TableProtocol::SLine line;
-    quint32 table = 0;
-    if (TableProtocol::DecodeLine(TableProtocol::SAY, payload, line))
+    TableProtocol::SLeave leave;
+    if (Payload::Decode(payload, line, TableProtocol::SAY))
         Q_EMIT signal_LineSaid(line);
-    else if (TableProtocol::DecodeLeave(payload, table))
-        LeaveTable(table);
+    else if (Payload::Decode(payload, leave))
+        LeaveTable(leave.uiTableID);
     else
         return QStringLiteral("an unknown or malformed record of a table");
     return QString();

@@ -31,18 +31,19 @@ constexpr quint32 JACKPOT_STEP = 250;
 QByteArray TimePacket()
 {
     const auto now = static_cast<quint32>(QDateTime::currentSecsSinceEpoch());
-    return AccountProtocol::ToPacket(AccountProtocol::EncodeTime(now));
+    return Payload::ToPacket(AccountProtocol::STime{now});
 }
 
 QByteArray WebSessionPacket(quint8 link, const QByteArray &session)
 {
-    return AccountProtocol::ToPacket(AccountProtocol::EncodeWebSession({link, QString::fromUtf8(session)}));
+    return Payload::ToPacket(AccountProtocol::SWebSession{link, QString::fromUtf8(session)});
 }
 
 // Empty if nothing has changed.
 QByteArray CountPackets(const QVector<SPlayerCount> &changes)
 {
-    return changes.isEmpty() ? QByteArray() : LobbyProtocol::ToPackets(LobbyProtocol::EncodePlayerCounts(changes));
+    return changes.isEmpty() ? QByteArray()
+                             : Payload::ToPackets(LobbyProtocol::GROUP, LobbyProtocol::EncodePlayerCounts(changes));
 }
 
 // Takes a place, if the user may have one.
@@ -109,9 +110,9 @@ void CGameServer::SendList(CClientLink *client) const
 {
     QVector<QByteArray> payloads;
     for (const STable &table : m_tables)
-        payloads.append(LobbyProtocol::EncodeTable(table));
-    payloads.append(LobbyProtocol::EncodeListEnd(static_cast<quint32>(m_tables.size())));
-    client->Send(LobbyProtocol::ToPackets(payloads) + JackpotPacket());
+        payloads.append(Payload::Encode(table));
+    payloads.append(Payload::Encode(LobbyProtocol::SListEnd{static_cast<quint32>(m_tables.size())}));
+    client->Send(Payload::ToPackets(LobbyProtocol::GROUP, payloads) + JackpotPacket());
 }
 
 void CGameServer::LogIn(CClientLink *client, const AccountProtocol::SLogin &login) const
@@ -167,8 +168,7 @@ void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)
         result = TakeSeat(table, client->GetNickname());
     if (result == LobbyProtocol::SR_TAKEN && client->GetPlace(tableID) == 0)
         client->SetPlace(tableID, table->usPlayers);
-    client->Send(
-        LobbyProtocol::ToPackets({LobbyProtocol::EncodeSeatAnswer({tableID, result, client->GetPlace(tableID)})}));
+    client->Send(Payload::ToPacket(LobbyProtocol::SSeatAnswer{tableID, result, client->GetPlace(tableID)}));
     if (table)
         SendToSubscribers(CountPackets({{tableID, table->usPlayers}}));
 }
@@ -188,8 +188,7 @@ void CGameServer::PassOn(CClientLink *client, TableProtocol::SLine line) const
     line.ucIsObserver = client->GetPlace(line.uiTableID) == 0;
     if (line.strNickname.isEmpty())
         return;
-    const QByteArray packets =
-        Payload::ToPackets(TableProtocol::GROUP, {TableProtocol::EncodeLine(TableProtocol::SAID, line)});
+    const QByteArray packets = Payload::ToPackets(TableProtocol::GROUP, {Payload::Encode(line, TableProtocol::SAID)});
     const QVector<CClientLink *> clients = m_clients; // sending may end one, which then leaves the member
     for (CClientLink *listener : clients) {
         if (listener->GetPlace(line.uiTableID) != 0)
@@ -224,7 +223,7 @@ void CGameServer::GrowJackpot()
 
 QByteArray CGameServer::JackpotPacket() const
 {
-    return AccountProtocol::ToPacket(AccountProtocol::EncodeJackpot({GlobalDefines::MONEYTYPE_DOLLAR, m_uiJackpot}));
+    return Payload::ToPacket(AccountProtocol::SJackpot{GlobalDefines::MONEYTYPE_DOLLAR, m_uiJackpot});
 }
 
 void CGameServer::SendToSubscribers(const QByteArray &packets) const

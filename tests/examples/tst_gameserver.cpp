@@ -27,11 +27,11 @@ public:
         while (!m_packet.GetNext() && (m_stream.TakePacket(m_packet) || waitForReadyRead(limit)))
             m_stream.Append(readAll());
         const QByteArray record(m_packet.GetPayload(), m_packet.GetPayloadLength());
-        const bool passes = DecodeTime(record, m_uiTime) || DecodeJackpot(record, m_jackpot);
+        const bool passes = Payload::Decode(record, m_time) || Payload::Decode(record, m_jackpot);
         return passes ? ReadRecord(limit) : record;
     }
 
-    quint32 m_uiTime = 0; // as the server has told both last
+    STime m_time; // as the server has told both last
     SJackpot m_jackpot;
 
 private:
@@ -65,7 +65,8 @@ private Q_SLOTS:
     {
         CClient client(m_usPort);
         CClient silent(m_usPort);
-        for (const char &byte : ToPackets({EncodeGetList()})) // for the server to put together
+        for (const char &byte :
+             Payload::ToPackets(LobbyProtocol::GROUP, {GET_LIST})) // for the server to put together
             QVERIFY(client.write(&byte, 1) == 1 && client.waitForBytesWritten());
 
         QFile file(QStringLiteral(TABLES_PATH));
@@ -74,7 +75,7 @@ private Q_SLOTS:
         QHash<quint32, int> places;
         for (const QJsonValue &row : rows) {
             STable table;
-            QVERIFY(DecodeTable(client.ReadRecord(), table));
+            QVERIFY(Payload::Decode(client.ReadRecord(), table));
             places.insert(table.uiID, table.usPlaces);
 
             QVariantMap expected = row.toObject().toVariantMap();
@@ -89,17 +90,17 @@ private Q_SLOTS:
                              << QChar(table.eMoney) << table.strName << table.usPlaces << QChar(table.eType);
             QCOMPARE(got, expected.values()); // which are in the order of their keys
         }
-        QCOMPARE(client.ReadRecord(), EncodeListEnd(quint32(rows.size())));
+        QCOMPARE(client.ReadRecord(), Payload::Encode(SListEnd{quint32(rows.size())}));
 
-        QVector<SPlayerCount> counts;
-        QVERIFY(DecodePlayerCounts(client.ReadRecord(), counts));
-        for (const SPlayerCount &count : qAsConst(counts))
+        SPlayerCounts counts;
+        QVERIFY(Payload::Decode(client.ReadRecord(), counts));
+        for (const SPlayerCount &count : qAsConst(counts.counts))
             QVERIFY(count.usPlayers <= places.value(count.uiTableID, -1));
         const quint32 jackpot = client.m_jackpot.mvAmount;
         client.ReadRecord();
         QVERIFY(jackpot > 0 && client.m_jackpot.mvAmount > jackpot && client.m_jackpot.mvAmount <= jackpot + 250);
         QCOMPARE(silent.ReadRecord(0), QByteArray());
-        QVERIFY(qAbs(silent.m_uiTime - QDateTime::currentSecsSinceEpoch()) < 60);
+        QVERIFY(qAbs(silent.m_time.uiSeconds - QDateTime::currentSecsSinceEpoch()) < 60);
     }
 
     // A row's name is "nickname/password".
@@ -108,10 +109,10 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("answer");
         const auto accepted = [](const char *nickname, GlobalDefines::MoneyType currency, quint32 real,
                                  quint32 play) {
-            return EncodeAccepted({QString::fromUtf8(nickname), currency, real, play});
+            return Payload::Encode(SAccount{QString::fromUtf8(nickname), currency, real, play});
         };
         const auto refused = [](const char *login, ERefusal reason) {
-            return EncodeRefused({QString::fromUtf8(login).section(QLatin1Char('/'), 0, 0), reason});
+            return Payload::Encode(SRefusal{QString::fromUtf8(login).section(QLatin1Char('/'), 0, 0), reason});
         };
         QTest::newRow("Magnolia/river") << accepted("Magnolia", GlobalDefines::MONEYTYPE_EURO, 125050, 20000);
         QTest::newRow("MAGNOLIA/river") << accepted("Magnolia", GlobalDefines::MONEYTYPE_EURO, 125050, 20000);
@@ -126,16 +127,17 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, answer);
         const QStringList login = QString::fromUtf8(QTest::currentDataTag()).split(QLatin1Char('/'));
-        const QByteArray seat = ToPackets({EncodeSeatRequest(1002)});
+        const QByteArray seat = Payload::ToPackets(LobbyProtocol::GROUP, {Payload::Encode(SSeatRequest{1002})});
         CClient client(m_usPort);
         QElapsedTimer time;
         time.start();
-        client.write(Login(login.at(0), login.at(1)) + seat + ToPacket(EncodeLogout()) + seat);
+        client.write(Login(login.at(0), login.at(1)) + seat + Payload::ToPackets(AccountProtocol::GROUP, {LOGOUT}) +
+                     seat);
         const QByteArray record = client.ReadRecord();
         const bool accepted = record.startsWith(ACCEPTED);
         QCOMPARE(record, answer);
         QVERIFY(accepted || time.elapsed() >= 400);
-        const QByteArray noSeat = EncodeSeatAnswer({1002, SR_NOT_LOGGED_IN, 0});
+        const QByteArray noSeat = Payload::Encode(SSeatAnswer{1002, SR_NOT_LOGGED_IN, 0});
         QCOMPARE(client.ReadRecord() == noSeat, !accepted);
         QCOMPARE(client.ReadRecord(), noSeat);
     }
@@ -143,16 +145,16 @@ private Q_SLOTS:
     void webSessions()
     {
         const auto request = [](quint8 link, const char *machine) {
-            return ToPacket(EncodeWebRequest({link, QString::fromUtf8(machine)}));
+            return Payload::ToPacket((SWebRequest{link, QString::fromUtf8(machine)}));
         };
-        const QByteArray none = EncodeWebSession({38, QString()});
+        const QByteArray none = Payload::Encode(SWebSession{38, QString()});
         CClient client(m_usPort);
         client.write(request(38, "desk"));
         QCOMPARE(client.ReadRecord(), none);
         client.write(Login(QStringLiteral("Zoë"), QStringLiteral("guest")) + request(39, "d & sk"));
         QVERIFY(client.ReadRecord().startsWith(ACCEPTED));
         SWebSession session;
-        QVERIFY(DecodeWebSession(client.ReadRecord(), session));
+        QVERIFY(Payload::Decode(client.ReadRecord(), session));
         QCOMPARE(int(session.ucLink), 39);
         QTcpSocket web;
         web.connectToHost(QHostAddress::LocalHost, m_usWebPort);
@@ -163,7 +165,7 @@ private Q_SLOTS:
 
         client.write(request(38, "")); // which the web server refuses
         QCOMPARE(client.ReadRecord(), none);
-        client.write(request(38, "desk") + ToPacket(EncodeLogout()));
+        client.write(request(38, "desk") + Payload::ToPackets(AccountProtocol::GROUP, {LOGOUT}));
         QCOMPARE(client.ReadRecord(), none);
         m_webServer.close();
         client.write(Login(QStringLiteral("Zoë"), QStringLiteral("guest")) + request(38, "desk"));
@@ -174,16 +176,16 @@ private Q_SLOTS:
     // A row's name is the reason that the server tells.
     void nonsense_data()
     {
-        const QByteArray good = ToPackets({EncodeGetList()});
+        const QByteArray good = Payload::ToPackets(LobbyProtocol::GROUP, {GET_LIST});
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("a size that no packet has") << QByteArray(good).replace(ucPacketSizePos, 1, "\x0A");
         QTest::newRow("an unknown group") << QByteArray(good).replace("LOBB", "LOBX");
         QTest::newRow("an unknown tag") << QByteArray(good).replace("GLST", "TBLE");
-        QTest::newRow("a list request with a body") << ToPackets({"GLST1"});
-        QTest::newRow("a malformed seat request") << ToPackets({"SEAT"});
+        QTest::newRow("a list request with a body") << Payload::ToPackets(LobbyProtocol::GROUP, {"GLST1"});
+        QTest::newRow("a malformed seat request") << Payload::ToPackets(LobbyProtocol::GROUP, {"SEAT"});
         const QByteArray login = Login(QString(), QString());
         QTest::newRow("an unknown or malformed record") << QByteArray(login).replace("LGIN", "LGOK");
-        QTest::newRow("an unknown or malformed record on") << ToPacket(EncodeWebRequest({40, QString()}));
+        QTest::newRow("an unknown or malformed record on") << Payload::ToPacket((SWebRequest{40, QString()}));
         QTest::newRow("more than one record")
             << QByteArray(login + login.mid(11)).replace(9, 1, QByteArray(1, char(2 * login.size() - 11)));
         QTest::newRow("left a packet half-sent") << good + good.left(5);
@@ -199,7 +201,7 @@ private Q_SLOTS:
         QTRY_COMPARE(client.state(), QAbstractSocket::UnconnectedState);
         QByteArray log;
         QTRY_VERIFY2((log += m_server.readAllStandardError()).contains(QTest::currentDataTag()), log.constData());
-        other.write(ToPackets({EncodeGetList()}));
+        other.write(Payload::ToPackets(LobbyProtocol::GROUP, {GET_LIST}));
         QVERIFY(!other.ReadRecord().isEmpty());
     }
 
@@ -250,7 +252,7 @@ private Q_SLOTS:
 private:
     static QByteArray Login(const QString &nickname, const QString &password)
     {
-        return ToPacket(EncodeLogin({nickname, HashPassword(password)}));
+        return Payload::ToPacket((SLogin{nickname, HashPassword(password)}));
     }
 
     QTemporaryDir m_dir;

@@ -42,7 +42,8 @@ private Q_SLOTS:
     void init()
     {
         m_pPlugin->ConnectionStateChanged(EConnectionState::Connected);
-        Deliver({Table(1, "Aare", 9), Table(2, "Bann", 10, 4294967295u), Table(3, "Cork", 2, 900), EncodeListEnd(3)});
+        Deliver({Table(1, "Aare", 9), Table(2, "Bann", 10, 4294967295u), Table(3, "Cork", 2, 900),
+                 Payload::Encode(SListEnd{3})});
         m_pTable->sortByColumn(COL_NAME, Qt::AscendingOrder);
         CConsole::Clear();
     }
@@ -68,9 +69,9 @@ private Q_SLOTS:
 
     void malformedRecordsChangeNothing()
     {
-        const auto records =
-            QVector<QByteArray>{Table(9, "Ghent", 5), EncodeListEnd(0), EncodeSeatAnswer({1, SR_TAKEN, 2})} +
-            EncodePlayerCounts({{1, 3}});
+        const auto records = QVector<QByteArray>{Table(9, "Ghent", 5), Payload::Encode(SListEnd{0}),
+                                                 Payload::Encode(SSeatAnswer{1, SR_TAKEN, 2})} +
+                             EncodePlayerCounts({{1, 3}});
         for (const QByteArray &record : records) {
             for (int length = 4; length <= record.size(); ++length) {
                 const QByteArray wrong = length < record.size() ? record.left(length) : record + 'x';
@@ -78,7 +79,7 @@ private Q_SLOTS:
                 Deliver({wrong, wrong});
                 QCOMPARE(CConsole::GetMessages().size(), 1); // on a connection
                 QCOMPARE(Column(COL_PLAYERS), QStringLiteral("9/10,10/10,2/10"));
-                Deliver({Table(1, "Aare", 9), EncodeListEnd(1)});
+                Deliver({Table(1, "Aare", 9), Payload::Encode(SListEnd{1})});
                 QVERIFY2(Column(COL_NAME) == QLatin1String("Aare"), wrong.toHex());
             }
         }
@@ -92,11 +93,11 @@ private Q_SLOTS:
         m_pPlugin->ConnectionStateChanged(EConnectionState::Reconnecting);
         QVERIFY(sent.isEmpty());
         m_pPlugin->ConnectionStateChanged(EConnectionState::Connected);
-        QCOMPARE(sent.value(0).value(0).value<CEvent>().data, ToPackets({EncodeGetList()}));
+        QCOMPARE(sent.value(0).value(0).value<CEvent>().data, Payload::ToPackets(LobbyProtocol::GROUP, {GET_LIST}));
         QCOMPARE(Column(COL_NAME), QStringLiteral("Aare,Bann,Cork"));
         QVERIFY(Status().startsWith(QLatin1String("3 tables - may be out of date")));
 
-        Deliver({Table(4, "Adda", 1), Table(3, "Cork City", 2), EncodeListEnd(2)});
+        Deliver({Table(4, "Adda", 1), Table(3, "Cork City", 2), Payload::Encode(SListEnd{2})});
         QCOMPARE(Column(COL_NAME), QStringLiteral("Adda,Cork City"));
         QCOMPARE(Status(), QStringLiteral("2 tables"));
         QCOMPARE(m_pTable->selectionModel()->selectedRows().value(0).data().toString(), QStringLiteral("Cork City"));
@@ -138,12 +139,13 @@ private Q_SLOTS:
         QTest::keyClick(m_pTable, Qt::Key_Return);
         CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Magnolia"));
         QTRY_COMPARE(sent.size(), 2);
-        QCOMPARE(sent.at(1).at(0).value<CEvent>().data, ToPackets({EncodeSeatRequest(2)}));
+        QCOMPARE(sent.at(1).at(0).value<CEvent>().data,
+                 Payload::ToPackets(LobbyProtocol::GROUP, {Payload::Encode(SSeatRequest{2})}));
         CUserInfo::GetInstance()->SetLoggedIn(QString());
 
-        Deliver({EncodeSeatAnswer({2, SR_FULL, 0})});
+        Deliver({Payload::Encode(SSeatAnswer{2, SR_FULL, 0})});
         QCOMPARE(Status(), QStringLiteral("3 tables - Bann has no free seat."));
-        Deliver({EncodeSeatAnswer({2, ESeatResult('?'), 0})}); // of a newer server
+        Deliver({Payload::Encode(SSeatAnswer{2, ESeatResult('?'), 0})}); // of a newer server
         QCOMPARE(Status(), QStringLiteral("3 tables - The game server gives no seat."));
         m_pPlugin->ConnectionStateChanged(EConnectionState::Reconnecting);
         QVERIFY(!Status().contains(QLatin1String("seat")));
@@ -161,7 +163,7 @@ private Q_SLOTS:
                                   Column(COL_STAKES).left(8)};
             return all.join(QLatin1Char('|'));
         };
-        Deliver({EncodeSeatAnswer({2, SR_FULL, 0})});
+        Deliver({Payload::Encode(SSeatAnswer{2, SR_FULL, 0})});
         const QString english = texts();
         qRegisterMetaType<Qt::Orientation>();
         QSignalSpy titles(m_pTable->model(), &QAbstractItemModel::headerDataChanged);
@@ -183,7 +185,7 @@ private Q_SLOTS:
         QVector<QByteArray> list{Table(1, "A", 1, 1, NOW + 1), Table(2, "B", 1, 1, NOW + DAY), Table(3, "C", 1)};
         for (quint32 id = 4; id < 200; ++id)
             list.append(Table(id, "D", 1, 1, NOW + 1)); // most of them out of view
-        Deliver(list + QVector<QByteArray>{EncodeListEnd(199)});
+        Deliver(list + QVector<QByteArray>{Payload::Encode(SListEnd{199})});
         QTest::ignoreMessage(QtWarningMsg, "This plugin does not support propagateSizeHints()");
         m_pView->show();
         QSignalSpy changed(m_pTable->model(), &QAbstractItemModel::dataChanged);
@@ -228,8 +230,9 @@ private:
     static QByteArray Table(quint32 id, const char *name, quint16 players, quint32 low = 50, quint32 start = 0)
     {
         using TDefines = GlobalDefines;
-        return EncodeTable({id, QString::fromUtf8(name), TDefines::TT_NORMAL, TDefines::GT_HOLDEM,
-                            TDefines::LT_NO_LIMIT, TDefines::MONEYTYPE_DOLLAR, low, 100, 10, players, start});
+        return Payload::Encode(STable{id, QString::fromUtf8(name), TDefines::TT_NORMAL, TDefines::GT_HOLDEM,
+                                      TDefines::LT_NO_LIMIT, TDefines::MONEYTYPE_DOLLAR, low, 100, 10, players,
+                                      start});
     }
 
     void Deliver(const QVector<QByteArray> &records)

@@ -36,10 +36,10 @@ private Q_SLOTS:
             seenAtLogin = user->GetPasswordHashed() + QString::number(user->GetRealMoney());
             QCOMPARE(loggedIn, user->IsLoggedIn());
         });
-        Receive(EncodeTime(1700000000));
+        Receive(Payload::Encode(STime{1700000000}));
         m_pSession->LogIn(QStringLiteral("magnolia"), QStringLiteral("hash"));
-        QCOMPARE(m_sent, {ToPacket(EncodeLogin({QStringLiteral("magnolia"), QStringLiteral("hash")}))});
-        Receive(EncodeAccepted({QStringLiteral("Robin"), {}})); // who hasn't asked
+        QCOMPARE(m_sent, {Payload::ToPacket((SLogin{QStringLiteral("magnolia"), QStringLiteral("hash")}))});
+        Receive(Payload::Encode(SAccount{QStringLiteral("Robin"), {}})); // who hasn't asked
         QVERIFY(!user->IsLoggedIn());
         QCOMPARE(CConsole::GetMessages().size(), 1);
 
@@ -50,7 +50,7 @@ private Q_SLOTS:
         QVERIFY(user->GetAccountCurrency() == GlobalDefines::MONEYTYPE_EURO && user->GetPlayMoney() == 7);
 
         m_pSession->LogOut();
-        QCOMPARE(m_sent.last(), ToPacket(EncodeLogout()));
+        QCOMPARE(m_sent.last(), Payload::ToPackets(AccountProtocol::GROUP, {LOGOUT}));
         QCOMPARE(seenAtLogin, QStringLiteral("0"));
         Receive(Accepted(500)); // again, but nobody asked
         QVERIFY(!user->IsLoggedIn());
@@ -61,8 +61,9 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("record");
         QTest::addColumn<QString>("key");
         const QString magnolia = QStringLiteral("Magnolia");
-        QTest::newRow("refused") << EncodeRefused({magnolia, RF_NO_ACCOUNT}) << QStringLiteral("LOGIN_NO_ACCOUNT");
-        QTest::newRow("unknown reason") << EncodeRefused({magnolia, ERefusal('?')})
+        QTest::newRow("refused") << Payload::Encode(SRefusal{magnolia, RF_NO_ACCOUNT})
+                                 << QStringLiteral("LOGIN_NO_ACCOUNT");
+        QTest::newRow("unknown reason") << Payload::Encode(SRefusal{magnolia, ERefusal('?')})
                                         << QStringLiteral("LOGIN_REFUSED");
         QTest::newRow("link lost") << QByteArray() << QStringLiteral("LOGIN_LOST_LINK");
         QTest::newRow("no answer") << QByteArray() << QStringLiteral("LOGIN_NO_ANSWER");
@@ -84,7 +85,7 @@ private Q_SLOTS:
         QVERIFY(cancelled.isEmpty()); // the user may try again
         Receive(Accepted(500));       // too late
         QVERIFY(!CUserInfo::GetInstance()->IsLoggedIn());
-        QCOMPARE(m_sent.contains(ToPacket(EncodeLogout())), end == "no answer");
+        QCOMPARE(m_sent.contains(Payload::ToPackets(AccountProtocol::GROUP, {LOGOUT})), end == "no answer");
     }
 
     void linkComesBack()
@@ -93,11 +94,11 @@ private Q_SLOTS:
         LogIn();
         QSignalSpy states(user, &CUserInfo::signal_LoginStateChanged);
         for (const QByteArray &answer :
-             {Accepted(300), EncodeRefused({QStringLiteral("Magnolia"), RF_WRONG_PASSWORD})}) {
+             {Accepted(300), Payload::Encode(SRefusal{QStringLiteral("Magnolia"), RF_WRONG_PASSWORD})}) {
             m_pSession->SetConnectionState(EConnectionState::Reconnecting);
             QVERIFY(user->IsLoggedIn());
             m_pSession->SetConnectionState(EConnectionState::Connected);
-            QCOMPARE(m_sent.last(), ToPacket(EncodeLogin({QStringLiteral("Magnolia"), QStringLiteral("hash")})));
+            QCOMPARE(m_sent.last(), Payload::ToPacket((SLogin{QStringLiteral("Magnolia"), QStringLiteral("hash")})));
             QVERIFY(states.isEmpty());
             Receive(answer);
         }
@@ -108,10 +109,10 @@ private Q_SLOTS:
     {
         LogIn();
         m_pSession->SetConnectionState(EConnectionState::Connected); // so that answers are waited for
-        const QByteArray jackpot = EncodeJackpot({GlobalDefines::MONEYTYPE_EURO, 4294967295u});
+        const QByteArray jackpot = Payload::Encode(SJackpot{GlobalDefines::MONEYTYPE_EURO, 4294967295u});
         QSignalSpy jackpots(CCasinoInfo::GetInstance(), &CCasinoInfo::signal_BadBeatJackpotChanged);
-        const QByteArray refused = EncodeRefused({QStringLiteral("Magnolia"), RF_WRONG_PASSWORD});
-        for (const QByteArray &record : {Accepted(9), refused, EncodeTime(99), jackpot}) {
+        const QByteArray refused = Payload::Encode(SRefusal{QStringLiteral("Magnolia"), RF_WRONG_PASSWORD});
+        for (const QByteArray &record : {Accepted(9), refused, Payload::Encode(STime{99}), jackpot}) {
             for (int length = 4; length <= record.size(); ++length) {
                 CConsole::Clear();
                 Receive(length < record.size() ? record.left(length) : record + 'x');
@@ -131,7 +132,7 @@ private Q_SLOTS:
         tree.MakeDir(QStringLiteral("Tmp"));
         CSynchronisation synchronisation(*m_pSession, Sender());
         synchronisation.SetIntervals(1, 60000);
-        const QByteArray none = EncodeWebSession({WebLinks::SettingsSyncFetch, QString()});
+        const QByteArray none = Payload::Encode(SWebSession{WebLinks::SettingsSyncFetch, QString()});
         LogIn();
         QVERIFY(m_sent.size() == 2 && m_sent.last().contains(WEB_REQUEST));
         QVERIFY(synchronisation.HandleRecord(ToEvent(none)));
@@ -164,7 +165,7 @@ private Q_SLOTS:
 private:
     static QByteArray Accepted(GlobalDefines::MoneyValue realMoney)
     {
-        return EncodeAccepted({QStringLiteral("Magnolia"), GlobalDefines::MONEYTYPE_EURO, realMoney, 7});
+        return Payload::Encode(SAccount{QStringLiteral("Magnolia"), GlobalDefines::MONEYTYPE_EURO, realMoney, 7});
     }
 
     void LogIn()
@@ -183,7 +184,7 @@ private:
 
     static CEvent ToEvent(const QByteArray &record)
     {
-        const QByteArray group = ToPacket(record).left(4);
+        const char *group = record.startsWith(TIME) ? TIME_GROUP : record.startsWith(JACKPOT) ? CASINO_GROUP : GROUP;
         CEvent event = CEvent::Create(QLatin1String(group), QLatin1String(record.left(4)));
         event.data = record;
         return event;

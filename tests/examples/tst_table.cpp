@@ -33,7 +33,7 @@ private Q_SLOTS:
         CSettings::GetInstance()->SetDisableTablePopup(true); // the test has no front to bring a window to
         QTest::ignoreMessage(QtWarningMsg, "This plugin does not support propagateSizeHints()");
         for (QWidget *widget : {static_cast<QWidget *>(nullptr), &lobby, &lobby}) // null as of a game server
-            deliver("SEATGIVN", LobbyProtocol::EncodeTable({7, QStringLiteral("Aare")}), widget);
+            deliver("SEATGIVN", Payload::Encode(LobbyProtocol::STable{7, QStringLiteral("Aare")}), widget);
         const auto chats = lobby.findChildren<QTextBrowser *>();
         QCOMPARE(chats.size(), 1);
 
@@ -43,12 +43,12 @@ private Q_SLOTS:
                                   SLine{7, QStringLiteral("blocked"), QStringLiteral("Robin"), 0},
                                   SLine{7, QStringLiteral("observes"), QStringLiteral("Tom"), 1},
                                   SLine{8, QStringLiteral("elsewhere"), QStringLiteral("Tom"), 0}})
-            deliver("TABLSAID", EncodeLine(SAID, line), nullptr);
+            deliver("TABLSAID", Payload::Encode(line, SAID), nullptr);
         QCOMPARE(chats.constFirst()->toPlainText(), QStringLiteral("<Fern>: <i>a</i> &amp; \uFFFC\uFFFC)"));
 
         QSignalSpy sent(plugin, &CPluginInterface::signal_SendEvent);
         chats.constFirst()->window()->close();
-        QVERIFY(sent.value(0).value(0).value<CEvent>().data.endsWith(EncodeLeave(7)));
+        QVERIFY(sent.value(0).value(0).value<CEvent>().data.endsWith(Payload::Encode(SLeave{7})));
         DestroySingletons();
     }
 };

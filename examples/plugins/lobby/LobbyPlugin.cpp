@@ -62,7 +62,7 @@ void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
     m_bWarned = false;
     if (state != EConnectionState::Connected)
         return;
-    const QByteArray request = LobbyProtocol::EncodeGetList();
+    const QByteArray request = QByteArray(LobbyProtocol::GET_LIST);
     SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), request.size(), false);
 }
 
@@ -92,7 +92,7 @@ void CLobbyPlugin::AddMenu(CLobbyView *view)
 void CLobbyPlugin::RequestSeat(quint32 tableID)
 {
     Q_EMIT signal_SeatAnswered(CTranslationItem());
-    const QByteArray request = LobbyProtocol::EncodeSeatRequest(tableID);
+    const QByteArray request = Payload::Encode(LobbyProtocol::SSeatRequest{tableID});
     SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), request.size(), true);
 }
 
@@ -114,7 +114,7 @@ bool CLobbyPlugin::HandleRecord(const CEvent &event)
 bool CLobbyPlugin::HandleTable(const QByteArray &payload)
 {
     LobbyProtocol::STable table;
-    if (!LobbyProtocol::DecodeTable(payload, table) || m_incomingIDs.contains(table.uiID) ||
+    if (!Payload::Decode(payload, table) || m_incomingIDs.contains(table.uiID) ||
         m_incoming.size() >= LobbyProtocol::MAX_TABLES)
         return false;
     m_incoming.append(table);
@@ -124,22 +124,22 @@ bool CLobbyPlugin::HandleTable(const QByteArray &payload)
 
 bool CLobbyPlugin::HandleListEnd(const QByteArray &payload)
 {
-    quint32 count = 0;
-    if (!LobbyProtocol::DecodeListEnd(payload, count))
+    LobbyProtocol::SListEnd end;
+    if (!Payload::Decode(payload, end))
         return false;
     // A list that lacks what was malformed is still the best there is.
     m_pModel->SetTables(m_incoming);
-    const bool complete = quint32(m_incoming.size()) == count;
+    const bool complete = quint32(m_incoming.size()) == end.uiCount;
     ForgetIncoming();
     return complete;
 }
 
 bool CLobbyPlugin::HandlePlayerCounts(const QByteArray &payload)
 {
-    QVector<LobbyProtocol::SPlayerCount> counts;
-    if (!LobbyProtocol::DecodePlayerCounts(payload, counts))
+    LobbyProtocol::SPlayerCounts players;
+    if (!Payload::Decode(payload, players))
         return false;
-    for (const LobbyProtocol::SPlayerCount &count : qAsConst(counts))
+    for (const LobbyProtocol::SPlayerCount &count : qAsConst(players.counts))
         m_pModel->SetPlayers(count);
     return true;
 }
@@ -147,7 +147,7 @@ bool CLobbyPlugin::HandlePlayerCounts(const QByteArray &payload)
 bool CLobbyPlugin::HandleSeatAnswer(const QByteArray &payload)
 {
     LobbyProtocol::SSeatAnswer answer;
-    if (!LobbyProtocol::DecodeSeatAnswer(payload, answer))
+    if (!Payload::Decode(payload, answer))
         return false;
     const LobbyProtocol::STable *table = m_pModel->FindTable(answer.uiTableID);
     Q_EMIT signal_SeatAnswered(
@@ -163,7 +163,7 @@ void CLobbyPlugin::TellOfSeat(const LobbyProtocol::STable &table, quint16 place)
 {
     CEvent event = CEvent::Create(QString::fromLatin1(SeatEvent::GROUP), QString::fromLatin1(SeatEvent::GIVEN));
     event.targetID = place;
-    event.data = LobbyProtocol::EncodeTable(table);
+    event.data = Payload::Encode(table);
     event.widget = m_pView;
     SendInternEvent(event, false);
 }

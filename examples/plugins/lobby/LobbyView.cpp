@@ -4,8 +4,8 @@
 #include <settings/Settings.h>
 #include <time/CasinoTime.h>
 
-#include <QHeaderView>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QShortcut>

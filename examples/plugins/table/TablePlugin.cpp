@@ -61,10 +61,10 @@ void CTablePlugin::ReceiveEvent(CEvent e)
     LobbyProtocol::STable table;
     TableProtocol::SLine line;
     if (e.HasTags(SeatEvent::GROUP, SeatEvent::GIVEN)) {
-        if (e.widget && LobbyProtocol::DecodeTable(e.data, table))
+        if (e.widget && Payload::Decode(e.data, table))
             OpenTable(table, static_cast<quint16>(e.targetID), e.widget);
     } else if (e.HasTags(TableProtocol::GROUP, TableProtocol::SAID)) {
-        if (TableProtocol::DecodeLine(TableProtocol::SAID, e.data, line))
+        if (Payload::Decode(e.data, line, TableProtocol::SAID))
             ShowLine(line);
         else
             CConsole::AddMessage(QStringLiteral("Table: the game server sent a malformed line, which was ignored"),
@@ -120,9 +120,8 @@ void CTablePlugin::OpenTable(const LobbyProtocol::STable &table, quint16 place, 
         window = new CTableWindow(table, lobby);
         m_windows.insert(table.uiID, window);
         connect(window, &CTableWindow::signal_Closed, this, &CTablePlugin::LeaveTable);
-        connect(window, &CTableWindow::signal_Said, this, [this](const TableProtocol::SLine &line) {
-            Send(TableProtocol::EncodeLine(TableProtocol::SAY, line));
-        });
+        connect(window, &CTableWindow::signal_Said, this,
+                [this](const TableProtocol::SLine &line) { Send(Payload::Encode(line, TableProtocol::SAY)); });
         window->Open(lobby);
     } else if (!CSettings::GetInstance()->GetDisableTablePopup()) {
         Globals::PopupWidget(window);
@@ -152,7 +151,7 @@ void CTablePlugin::LeaveTable(quint32 tableID)
 {
     const QPointer<CTableWindow> window = m_windows.take(tableID);
     if (window && window->HasSeat() && CUserInfo::GetInstance()->IsLoggedIn())
-        Send(TableProtocol::EncodeLeave(tableID));
+        Send(Payload::Encode(TableProtocol::SLeave{tableID}));
 }
 
 QList<CTableWindow *> CTablePlugin::GetWindows() const
