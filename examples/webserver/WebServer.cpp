@@ -176,7 +176,7 @@ int CWebServer::ReadPicture(const httplib::Request &request, std::string &pictur
 void CWebServer::SendFile(const httplib::Request &request, httplib::Response &response) const
 {
     QFile file(m_options.strFiles + QLatin1Char('/') + QString::fromStdString(request.matches[1]));
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (m_options.strFiles.isEmpty() || !file.open(QIODevice::ReadOnly)) {
         response.status = 404;
         return;
     }

@@ -160,7 +160,10 @@ private Q_SLOTS:
         json(400, "\"playerinfos\":[", "\"playerinfos\":[7,");
         json(400, "}]}", "}]");
         json(413, "}]}", "}]}" + QByteArray(100000, ' '));
-        row(200, "GET /pictures/5/5001.png ");
+        for (const char *path : {"pictures/5/5001.png", "files/5001.png"})
+            row(200, "GET /" + QByteArray(path) + " ");
+        for (const char *path : {"../secret.png", "..%2F..%2Fsecret.png", ".", "", "5"})
+            row(404, "GET /files/" + QByteArray(path) + " ");
         for (const char *path : {"5/4999.png", "5/5002.png", "../secret.png", "5/..%2F..%2Fsecret.png", "", "5/5001"})
             row(404, "GET /pictures/" + QByteArray(path) + " ");
     }
@@ -246,10 +249,10 @@ private Q_SLOTS:
 private:
     void Start()
     {
-        const quint16 port =
-            StartServer(m_server, QStringLiteral(WEBSERVER_PATH),
-                        {"--database"_s, m_dir.filePath("db"_s), "--pictures"_s, m_dir.filePath("pictures"_s),
-                         "--key"_s, "k &"_s, "--body-limit"_s, "100000"_s});
+        const quint16 port = StartServer(m_server, QStringLiteral(WEBSERVER_PATH),
+                                         {"--database"_s, m_dir.filePath("db"_s), "--pictures"_s,
+                                          m_dir.filePath("pictures"_s), "--files"_s, m_dir.filePath("pictures/5"_s),
+                                          "--key"_s, "k &"_s, "--body-limit"_s, "100000"_s});
         QVERIFY(port != 0);
         m_pWeb = std::make_unique<httplib::Client>("127.0.0.1", port);
     }
