@@ -5,7 +5,6 @@
 #include "LoginDialog.h"
 #include "OptionsDialog.h"
 #include "OptionsPages.h"
-#include "PlayersDialog.h"
 #include "TransferView.h"
 
 #include <common/FormField.h>
@@ -39,12 +38,12 @@ const QString GEOMETRY_KEY = QStringLiteral("client");
 
 // One of its kind, which deletes itself when it is closed.
 template <typename Dialog, typename... Arguments>
-void OpenDialog(QPointer<Dialog> &dialog, Qt::WindowModality modality, Arguments &&...arguments)
+void OpenDialog(QPointer<Dialog> &dialog, Arguments &&...arguments)
 {
     if (!dialog || !dialog->isVisible()) {
         dialog = new Dialog(std::forward<Arguments>(arguments)...);
         dialog->setAttribute(Qt::WA_DeleteOnClose);
-        dialog->setWindowModality(modality);
+        dialog->setWindowModality(Qt::WindowModal);
         dialog->show();
     }
     dialog->activateWindow();
@@ -111,8 +110,6 @@ void CMainWindow::CreateAccountMenu()
     const QString &id = CMenuManager::strMyAccount;
     m_pLogIn = AddEntry(id, "ACTION_LOG_IN", "logIn", Qt::CTRL + Qt::Key_L, [this] { slot_LoginRequested(); });
     m_pLogOut = AddEntry(id, "ACTION_LOG_OUT", "logOut", {}, [this] { m_host.GetSession().LogOut(); });
-    m_pPlayers = AddEntry(id, "ACTION_PLAYERS", "openPlayers", Qt::CTRL + Qt::Key_P,
-                          [this] { OpenDialog(m_pPlayersDialog, Qt::NonModal, this); });
     AddEntry(id, "ACTION_QUIT", "quit", QKeySequence::Quit, [this] { close(); });
 }
 
@@ -120,7 +117,7 @@ void CMainWindow::CreateOptionsMenu()
 {
     AddOptionsPages(this);
     connect(COptionsDialogManager::GetInstance(), &COptionsDialogManager::signal_ShowDialog, this,
-            [this](QWidget *parent) { OpenDialog(m_pOptionsDialog, Qt::WindowModal, parent ? parent : this); });
+            [this](QWidget *parent) { OpenDialog(m_pOptionsDialog, parent ? parent : this); });
     const QString &id = CMenuManager::strOptions;
     AddEntry(id, "ACTION_OPTIONS", "openOptions", Qt::CTRL + Qt::Key_O,
              [this] { COptionsDialogManager::Show(this); });
@@ -260,7 +257,6 @@ void CMainWindow::slot_LoginStateChanged()
     m_pUserLabel->setText(user->IsLoggedIn() ? user->GetNickname() : Texts::Get("USER_NONE"));
     m_pLogIn->setEnabled(!user->IsLoggedIn());
     m_pLogOut->setEnabled(user->IsLoggedIn());
-    m_pPlayers->setEnabled(user->IsLoggedIn());
     ShowMoney();
 }
 
@@ -310,7 +306,7 @@ void CMainWindow::slot_LoginRefused(const QString &key)
 // It may come from within a plugin's call, so the dialog opens without waiting for its end.
 void CMainWindow::slot_LoginRequested()
 {
-    OpenDialog(m_pLoginDialog, Qt::WindowModal, m_host, this);
+    OpenDialog(m_pLoginDialog, m_host, this);
 }
 
 void CMainWindow::slot_ConnectionStateChanged(EConnectionState::type state)

@@ -10,7 +10,6 @@
 
 class CLoginDialog;
 class COptionsDialog;
-class CPlayersDialog;
 class QAction;
 class QLabel;
 class QTabWidget;
@@ -69,13 +68,11 @@ private:
     QLabel *m_pClockLabel;
     QAction *m_pLogIn = nullptr;
     QAction *m_pLogOut = nullptr;
-    QAction *m_pPlayers = nullptr;
     QAction *m_pSounds = nullptr;
     QAction *m_pRules = nullptr;
     CTranslationObject m_connection;
     QString m_strRefusal;                  // key of the refusal that the status bar shows, or has shown
     QPointer<CLoginDialog> m_pLoginDialog; // this and the next ones delete themselves
-    QPointer<CPlayersDialog> m_pPlayersDialog;
     QPointer<COptionsDialog> m_pOptionsDialog;
     QTimer m_geometryTimer; // runs while the window is being moved
 };

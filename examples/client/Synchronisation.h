@@ -7,7 +7,8 @@
 /// Keeps the user's notes and settings in step with the web server: loads notes and tags at each login, begins a
 /// synchronisation then and every now and then, and fetches the web sessions for it from the game server.
 ///
-/// At the end of a login the models of all players go, and the notes in them. Dialogs that show them go before.
+/// At the end of a login the models of all players go, and the notes in them, at the next turn of the event loop: a
+/// view has let go of them by then.
 class CSynchronisation : public QObject
 {
     Q_OBJECT

@@ -24,6 +24,15 @@ inline void AddFormField(QFormLayout *form, const char *key, QWidget *field)
     form->addRow(label, field);
 }
 
+/// The same with a new field of that name.
+template <typename Widget>
+Widget *AddFormField(QFormLayout *form, const char *key, const char *name)
+{
+    auto *field = CreateField<Widget>(form->parentWidget(), name);
+    AddFormField(form, key, field);
+    return field;
+}
+
 /// Adds an entry with the text of \a key, and \a data.
 inline void AddTextItem(QComboBox *box, const char *key, const QVariant &data)
 {

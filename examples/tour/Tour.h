@@ -115,6 +115,7 @@ private:
     void EndSecondMachine();
     int RunSecondMachine();
 
+    void ChooseNextTab() const;
     bool ChoosePlayer(const QString &nickname) const;
     void ChangePlayer(const QString &nickname, const QString &value) const;
     void ChooseAvatar(const QString &nickname, const QString &number) const;

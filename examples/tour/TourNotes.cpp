@@ -4,7 +4,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QListWidget>
 #include <QtTest>
 
 #include <algorithm>
@@ -47,7 +46,7 @@ void CTour::ShowNotes()
 {
     QDir(GetFolder(SERVER_FOLDER)).removeRecursively();
     QDir().mkpath(GetFolder(SERVER_FOLDER));
-    Do({"The user opens the window of the players", "open players", OWN, "|tag 0|"});
+    Do({"The user opens the tab of the players", "open players", OWN, "|tag 0|"});
     Do({"And notes something of another player", "note", OTHER, FIRST_NOTE});
     for (const char *language : {"Français", "English", "Deutsch"})
         Do({"All that fits in every language", "language", "", language});
@@ -56,7 +55,7 @@ void CTour::ShowNotes()
     MakeRules();
     StartWebServer();
     Do({"The user chooses an own avatar", "choose avatar", OWN, OWN_AVATAR});
-    Do({"A picture of the window of the players", "picture", "", "players"});
+    Do({"A picture of the tab of the players", "picture", "", "players"});
     Step(
         QStringLiteral("The web server has it all"), [] {},
         [this] {
@@ -68,8 +67,7 @@ void CTour::ShowNotes()
     ShowReturningMachine();
     ShowFreshMachine();
     ShowWhatStays();
-    if (auto *players = Find<QListWidget>("players"))
-        players->window()->close();
+    ChooseNextTab();
     Do({"The user goes back to English", "language", "", "English"});
     Do({"And to no filter", "filter", "", ""});
 }

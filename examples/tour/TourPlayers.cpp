@@ -13,6 +13,7 @@
 #include <QPlainTextEdit>
 #include <QSocketNotifier>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QTextStream>
 #include <QtTest>
 
@@ -52,7 +53,7 @@ void CTour::TakeStep(const QStringList &step)
     const TAction nothing = [] {};
     const QHash<QByteArray, QPair<TAction, TLook>> verbs{
         {"connect", {nothing, [&] { return SeeState(EConnectionState::Connected); }}},
-        {"open players", {[&] { Trigger(Find<QAction>("openPlayers")); }, [&] { return SeePlayer(subject, value); }}},
+        {"open players", {[&] { ChooseNextTab(); }, [&] { return SeePlayer(subject, value); }}},
         {"see player", {nothing, [&] { return SeePlayer(subject, value); }}},
         {"note", {[&] { ChangePlayer(subject, value); }, [&] { return SeePlayerRow(subject, value); }}},
         {"see avatar", {nothing, [&] { return SeeAvatar(subject, value); }}},
@@ -88,6 +89,11 @@ void CTour::TakeStep(const QStringList &step)
         LogIn(FIRST_NICKNAME, FIRST_PASSWORD, value);
     else
         Step(step.value(0), verbs[verb].first, verbs[verb].second);
+}
+
+void CTour::ChooseNextTab() const
+{
+    QTest::keyClick(Find<QTabWidget>(), Qt::Key_Tab, Qt::ControlModifier);
 }
 
 bool CTour::ChoosePlayer(const QString &nickname) const

@@ -1,0 +1,141 @@
+#include <common/AccountProtocol.h>
+#include <common/FormField.h>
+#include <common/TableProtocol.h>
+#include <files/Pathes.h>
+#include <models/PlayerLists.h>
+#include <models/PlayerTaggingModel.h>
+#include <models/UserInfo.h>
+#include <plugin/PluginInterface.h>
+#include <settings/PlayerInfo.h>
+
+#include <QtWidgets> //! [plugin]
+
+/// Notes on players: those whom the user has noted, and those who have said something at the user's table.
+class CNotesPlugin : public CPluginInterface
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID CPluginInterface_iid)
+
+public:
+    QString GetName() const override { return QStringLiteral("notes"); }
+    QString GetVersion() const override { return QStringLiteral("1.0"); }
+    QStringList GetDependencies() const override { return {}; }
+    bool Initialize() override { return true; }
+    void Start() override { m_look.start(1000); } // ms
+    bool CanClose() override { return true; }
+    void Shutdown() override {}
+
+    void RegisterForEvents() override { RegisterForEvent(QStringLiteral("TABL"), QStringLiteral("SAID")); }
+    void ReceiveEvent(CEvent e) override
+    {
+        TableProtocol::SLine line;
+        if (m_pPlayers && TableProtocol::DecodeLine(TableProtocol::SAID, e.data, line))
+            Add(line.strNickname);
+    }
+
+    //! [plugin] [view]
+    QWidget *CreateView(QWidget *parent) override
+    {
+        auto *view = new QWidget(parent);
+        Texts::Bind(view, &QWidget::setWindowTitle, "PLAYERS_TITLE");
+        m_pPlayers = CreateField<QListWidget>(view, "players");
+        m_pPlayers->setSortingEnabled(true);
+        auto *nickname = CreateField<QLineEdit>(view, "newPlayer");
+        Texts::Bind(nickname, &QLineEdit::setPlaceholderText, "PLAYERS_NICKNAME");
+        auto *layout = new QGridLayout(view);
+        layout->addWidget(m_pPlayers, 0, 0);
+        layout->addWidget(nickname, 1, 0);
+        const auto showChosen = [=] {
+            delete m_pForm;
+            layout->addWidget(m_pForm = new QWidget, 0, 1, 2, 1);
+            if (const QListWidgetItem *chosen = m_pPlayers->currentItem())
+                FillForm(new QFormLayout(m_pForm), CPlayerModel::GetInstance(chosen->text()));
+        };
+        connect(m_pPlayers, &QListWidget::currentItemChanged, view, showChosen);
+        connect(CPlayerTaggingModel::GetInstance(), &CPlayerTaggingModel::signal_PlayerTagsChanged, view, showChosen);
+        Texts::Follow(view, showChosen);
+        connect(nickname, &QLineEdit::returnPressed, view,
+                [=] { m_pPlayers->setCurrentItem(Add(nickname->text())); });
+        connect(nickname, &QLineEdit::returnPressed, nickname, &QLineEdit::clear);
+        connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, view, [=] { ListPlayers(); });
+        connect(&m_look, &QTimer::timeout, view, [=] { ListPlayers(); });
+        ListPlayers();
+        return view;
+    }
+
+private: //! [view] [list]
+    void ListPlayers()
+    {
+        const CUserInfo *user = CUserInfo::GetInstance();
+        m_pPlayers->parentWidget()->setEnabled(user->IsLoggedIn());
+        if (!user->IsLoggedIn()) {
+            m_items.clear();
+            m_pPlayers->clear(); // nobody is chosen any more, which empties the form
+        }
+        Add(user->GetNickname());
+        for (const auto &row : PlayerInfo::GetSyncList(user->GetNickname(), 0))
+            Add(row.strPlayer);
+    }
+
+    QListWidgetItem *Add(const QString &nickname)
+    {
+        if (!m_items.contains(nickname) && m_pPlayers->isEnabled() && AccountProtocol::IsNickname(nickname))
+            m_items.insert(nickname, new QListWidgetItem(nickname, m_pPlayers));
+        return m_items.value(nickname);
+    }
+
+    //! [list] [form]
+    static void FillForm(QFormLayout *form, CPlayerModel *player)
+    {
+        auto *note = AddFormField<QPlainTextEdit>(form, "PLAYERS_NOTE", "note");
+        note->setTabChangesFocus(true);
+        auto *tag = AddFormField<QComboBox>(form, "PLAYERS_TAG", "tag");
+        CPlayerTaggingModel *tags = CPlayerTaggingModel::GetInstance();
+        for (unsigned int id = 0; id < CPlayerTaggingModel::ulMaxPlayerTags; ++id)
+            tag->addItem(tags->GetIcon(id), tags->GetText(id));
+        auto *buddy = AddFormField<QCheckBox>(form, "PLAYERS_BUDDY", "buddy");
+        auto *rating = AddFormField<QSpinBox>(form, "PLAYERS_RATING", "rating");
+        rating->setMaximum(5);
+        auto *avatar = AddFormField<QSpinBox>(form, "PLAYERS_AVATAR", "avatar");
+        avatar->setMaximum(999999);
+        avatar->setKeyboardTracking(false); // each value is one picture to fetch
+        auto *picture = AddFormField<QLabel>(form, "PLAYERS_PICTURE", "picture");
+
+        //! [form] [bindings]
+        CPlayerLists *lists = CPlayerLists::GetInstance();
+        const auto show = [=] {
+            const QSignalBlocker blockers[] = {QSignalBlocker(note), QSignalBlocker(rating), QSignalBlocker(avatar)};
+            if (note->toPlainText() != player->GetNotes()) // else the cursor would leave its place
+                note->setPlainText(player->GetNotes());
+            tag->setCurrentIndex(static_cast<int>(player->GetTagID()));
+            buddy->setChecked(player->GetBuddy() || lists->GetBuddyList()->contains(player));
+            rating->setValue(player->GetRating());
+            avatar->setValue(static_cast<int>(player->GetCustomAvatar()));
+            picture->setPixmap(QPixmap(Pathes::CustomAvatar(player->GetCustomAvatar())));
+        };
+        show();
+        connect(player, &CPlayerModel::signal_NotesChanged, form, show);
+        connect(player, &CPlayerModel::signal_TagIDChanged, form, show);
+        connect(player, &CPlayerModel::signal_BuddyChanged, form, show);
+        connect(player, &CPlayerModel::signal_RatingChanged, form, show);
+        connect(player, &CPlayerModel::signal_CustomAvatarChanged, form, show);
+        connect(note, &QPlainTextEdit::textChanged, player, [=] { player->SetNotes(note->toPlainText()); });
+        connect(tag, qOverload<int>(&QComboBox::activated), player, [=](int id) { player->SetTagID(uint(id)); });
+        connect(rating, &QSpinBox::textChanged, player, [=] { player->SetRating(uchar(rating->value())); });
+        connect(avatar, &QSpinBox::textChanged, player, [=] { player->SetCustomAvatar(uint(avatar->value())); });
+        connect(buddy, &QCheckBox::clicked, player, [=](bool on) {
+            lists->GetBuddyList()->removeAll(player); // where it is once more with each load of the notes
+            lists->AddNewBuddy(player);
+            if (!on)
+                lists->RemoveFromBuddyList(player->GetNickname());
+        });
+    }
+
+    //! [bindings]
+    QPointer<QListWidget> m_pPlayers;          // the list of the view, which is the host's
+    QPointer<QWidget> m_pForm;                 // also of the view
+    QHash<QString, QListWidgetItem *> m_items; // of the list, by nickname
+    QTimer m_look;                             // for players from another machine, of whom nothing tells
+};
+
+#include "NotesPlugin.moc"
