@@ -1,4 +1,5 @@
 #include "Tour.h"
+#include "VisibleTexts.h"
 
 #include "WatchedApplication.h"
 
@@ -309,8 +310,7 @@ QString CTour::SeeFilledLobby() const
 
 QString CTour::SaveScreenshot(QWidget &widget, const QString &name) const
 {
-    QCoreApplication::processEvents(); // a changed text may still wait for its layout
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    FinishLayout();
     const QPixmap picture = widget.grab();
     const QString file = m_options.strOutput + QLatin1Char('/') + name + QLatin1String(".png");
     if (!picture.save(file))

@@ -55,7 +55,6 @@ void CTour::ShowNotes()
     MakeRules();
     StartWebServer();
     Do({"The user chooses an own avatar", "choose avatar", OWN, OWN_AVATAR});
-    Do({"A picture of the tab of the players", "picture", "", "players"});
     Step(
         QStringLiteral("The web server has it all"), [] {},
         [this] {
@@ -67,8 +66,10 @@ void CTour::ShowNotes()
     ShowReturningMachine();
     ShowFreshMachine();
     ShowWhatStays();
-    ChooseNextTab();
     Do({"The user goes back to English", "language", "", "English"});
+    Do({"And chooses a picture for another player", "choose avatar", OTHER, OTHER_AVATAR});
+    Do({"A picture of the tab of the players", "picture", "", "players"});
+    ChooseNextTab();
     Do({"And to no filter", "filter", "", ""});
 }
 

@@ -6,6 +6,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -124,8 +125,15 @@ QSet<QString> ReadForeignTexts()
 
 } // namespace
 
+void FinishLayout()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+}
+
 QVector<SVisibleText> CollectVisibleTexts(const QWidget &window)
 {
+    FinishLayout();
     QVector<SVisibleText> texts;
     AddWidget(window, texts);
     const auto widgets = window.findChildren<QWidget *>();

@@ -13,6 +13,9 @@ struct SVisibleText
     bool bIsContent = false; ///< A cell of a table, which may hold names.
 };
 
+/// What is new may still wait to be shown, and a changed text for its layout.
+void FinishLayout();
+
 /// What can be read in \a window and its open dialogs, the menus' entries included.
 QVector<SVisibleText> CollectVisibleTexts(const QWidget &window);
 

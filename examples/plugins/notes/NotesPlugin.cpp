@@ -131,11 +131,11 @@ private: //! [view] [list]
         });
     }
 
-    //! [bindings]
     QPointer<QListWidget> m_pPlayers;          // the list of the view, which is the host's
     QPointer<QWidget> m_pForm;                 // also of the view
     QHash<QString, QListWidgetItem *> m_items; // of the list, by nickname
     QTimer m_look;                             // for players from another machine, of whom nothing tells
+    //! [bindings]
 };
 
 #include "NotesPlugin.moc"
