@@ -52,7 +52,6 @@ public:
                 FillForm(new QFormLayout(m_pForm), CPlayerModel::GetInstance(chosen->text()));
         };
         connect(m_pPlayers, &QListWidget::currentItemChanged, view, showChosen);
-        connect(CPlayerTaggingModel::GetInstance(), &CPlayerTaggingModel::signal_PlayerTagsChanged, view, showChosen);
         Texts::Follow(view, showChosen);
         connect(nickname, &QLineEdit::returnPressed, view,
                 [=] { m_pPlayers->setCurrentItem(Add(nickname->text())); });
