@@ -39,6 +39,7 @@ private Q_SLOTS:
             QTest::keyClicks(nickname, QLatin1String(typed));
             QTest::keyClick(nickname, Qt::Key_Return);
         }
+        QVERIFY(players->currentItem() && players->currentItem()->text() == "Tom"_s);
         QVERIFY(PlayerInfo::InsertPlayerInfo({"Magnolia"_s, "Wren"_s, "from another machine"_s, 0, 0, 80}));
         QTRY_COMPARE(players->count(), 5);
         QTest::keyClicks(players, "Robin"_s);

@@ -80,7 +80,7 @@ private: //! [view] [list]
     {
         if (!m_items.contains(nickname) && m_pPlayers->isEnabled() && AccountProtocol::IsNickname(nickname))
             m_items.insert(nickname, new QListWidgetItem(nickname, m_pPlayers));
-        return m_items.value(nickname);
+        return m_items.value(nickname, m_pPlayers->currentItem());
     }
 
     //! [list] [form]
