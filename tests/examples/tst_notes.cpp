@@ -29,7 +29,7 @@ private Q_SLOTS:
         auto *players = view->findChild<QListWidget *>();
         auto *nickname = view->findChild<QLineEdit *>();
         CEvent said = CEvent::Create("TABL"_s, "SAID"_s);
-        said.data = TableProtocol::EncodeLine(TableProtocol::SAID, {7, "hello"_s, "Fern"_s, 0});
+        said.data = Payload::Encode(TableProtocol::SLine{7, "hello"_s, "Fern"_s, 0}, TableProtocol::SAID);
         plugin->SendInternEvent(said, false);
         QVERIFY(!view->isEnabled() && players->count() == 0 && !view->findChild<QPlainTextEdit *>());
 

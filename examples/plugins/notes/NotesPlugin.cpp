@@ -29,7 +29,7 @@ public:
     void ReceiveEvent(CEvent e) override
     {
         TableProtocol::SLine line;
-        if (m_pPlayers && TableProtocol::DecodeLine(TableProtocol::SAID, e.data, line))
+        if (m_pPlayers && Payload::Decode(e.data, line, TableProtocol::SAID))
             Add(line.strNickname);
     }
 
@@ -57,7 +57,7 @@ public:
                 [=] { m_pPlayers->setCurrentItem(Add(nickname->text())); });
         connect(nickname, &QLineEdit::returnPressed, nickname, &QLineEdit::clear);
         connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, view, [=] { ListPlayers(); });
-        connect(&m_look, &QTimer::timeout, view, [=] { ListPlayers(); });
+        connect(&m_look, &QTimer::timeout, view, [=] { view->isVisible() ? ListPlayers() : void(); });
         ListPlayers();
         return view;
     }
