@@ -124,7 +124,7 @@ void CHost::slot_SendEvent(CEvent e)
         Note(QStringLiteral("A plugin sent an event that no plugin may send, or that nobody knows"),
              CConsole::MC_Plugin, CConsole::ML_Warning);
     else
-        m_router.Deliver(e);
+        Deliver(e);
 }
 
 void CHost::slot_ConnectionStateChanged(EConnectionState::type state)
@@ -152,23 +152,31 @@ void CHost::slot_PacketReceived(CPacketLayerWrapper packet)
         event.targetID = packet.GetTargetID();
         event.data = QByteArray(packet.GetPayload(), packet.GetPayloadLength());
         if (!m_synchronisation.HandleRecord(event) && !m_session.HandleRecord(event))
-            m_router.Deliver(event);
+            Deliver(event);
     }
 }
 
 void CHost::ConnectPlugin(CPluginInterface *plugin)
 {
+    connect(plugin, &CPluginInterface::signal_SendEvent, this,
+            [this, plugin](const CEvent &event) { Q_EMIT signal_EventPassed(event, plugin); });
     connect(plugin, &CPluginInterface::signal_SendEvent, this, &CHost::slot_SendEvent);
     connect(plugin, &CPluginInterface::signal_RegisterForEvent, this,
             [this, plugin](const QString &tag1, const QString &tag2) { m_router.Register(plugin, tag1, tag2); });
     plugin->RegisterEvents();
 }
 
+void CHost::Deliver(const CEvent &event)
+{
+    Q_EMIT signal_EventPassed(event, nullptr);
+    m_router.Deliver(event);
+}
+
 void CHost::DeliverToPlugins(const QString &tag2, const QByteArray &data)
 {
     CEvent event = CEvent::Create(QStringLiteral("M2PE"), tag2);
     event.data = data;
-    m_router.Deliver(event);
+    Deliver(event);
 }
 
 void CHost::OpenLoginDialog()

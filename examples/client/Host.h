@@ -44,6 +44,8 @@ Q_SIGNALS:
     void signal_ShutDownRequested();
     /// A plugin wants a page to be shown; always http or https.
     void signal_PageRequested(const QUrl &url);
+    /// An event crosses the bus: \a sender has sent it, or, without one, it is about to be delivered to plugins.
+    void signal_EventPassed(const CEvent &event, const CPluginInterface *sender);
 
 private Q_SLOTS:
     void slot_SendEvent(CEvent e);
@@ -51,6 +53,7 @@ private Q_SLOTS:
     void slot_PacketReceived(CPacketLayerWrapper packet);
 
 private:
+    void Deliver(const CEvent &event);
     void DeliverToPlugins(const QString &tag2, const QByteArray &data);
 
     // What plugins ask for under "P2ME".

@@ -1,6 +1,7 @@
 #include "MainWindow.h"
 
 #include "ChoiceMenu.h"
+#include "ConsoleWindow.h"
 #include "JackpotView.h"
 #include "LoginDialog.h"
 #include "OptionsDialog.h"
@@ -124,6 +125,8 @@ void CMainWindow::CreateOptionsMenu()
     m_pSounds = AddEntry(id, "ACTION_SOUNDS", "sounds", {},
                          [this] { CSettings::GetInstance()->SetSoundsEnabled(m_pSounds->isChecked(), this); });
     m_pSounds->setCheckable(true);
+    AddEntry(id, "ACTION_CONSOLE", "openConsole", Qt::Key_F12,
+             [this] { OpenDialog(m_pConsole, Qt::NonModal, m_host, this); });
     CMenu *menu = CMenuManager::GetInstance()->GetMenu(id);
     menu->addMenu(CreateLanguageMenu(this));
     menu->addMenu(CreateTimezoneMenu(this));

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QTimer>
 
+class CConsoleWindow;
 class CLoginDialog;
 class COptionsDialog;
 class QAction;
@@ -74,5 +75,6 @@ private:
     QString m_strRefusal;                  // key of the refusal that the status bar shows, or has shown
     QPointer<CLoginDialog> m_pLoginDialog; // this and the next ones delete themselves
     QPointer<COptionsDialog> m_pOptionsDialog;
+    QPointer<CConsoleWindow> m_pConsole;
     QTimer m_geometryTimer; // runs while the window is being moved
 };

@@ -15,13 +15,18 @@ Widget *CreateField(QWidget *parent, const char *name)
     return widget;
 }
 
-/// Adds \a field behind a label with the text of \a key, whose mnemonic leads to it.
-inline void AddFormField(QFormLayout *form, const char *key, QWidget *field)
+/// A label with the text of \a key, whose mnemonic leads to \a field.
+inline QLabel *CreateLabel(const char *key, QWidget *field)
 {
     auto *label = new QLabel(field->parentWidget());
     label->setBuddy(field);
     Texts::Bind(label, &QLabel::setText, key);
-    form->addRow(label, field);
+    return label;
+}
+
+inline void AddFormField(QFormLayout *form, const char *key, QWidget *field)
+{
+    form->addRow(CreateLabel(key, field), field);
 }
 
 /// The same with a new field of that name.

@@ -108,6 +108,7 @@ int CTour::Run()
         return RunSecondMachine();
     ShowStart();
     ShowLobby();
+    ShowConsole();
     ShowClock();
     ShowCancelledLogin();
     ShowLogin();

@@ -70,6 +70,7 @@ private:
 
     void ShowStart();
     void ShowLobby();
+    void ShowConsole();
     void ShowClock();
     void ShowCancelledLogin();
     void ShowLogin();

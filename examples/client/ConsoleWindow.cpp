@@ -1,0 +1,82 @@
+#include "ConsoleWindow.h"
+
+#include "BusMonitor.h"
+
+#include <common/FormField.h>
+#include <files/Console.h>
+
+#include <QComboBox>
+
+namespace {
+
+// The first entry stands for all, the others for the numbers from 0 on.
+QComboBox *CreateChoice(const char *name, const QVector<const char *> &keys)
+{
+    auto *box = CreateField<QComboBox>(nullptr, name);
+    box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    for (int i = 0; i < keys.size(); ++i) {
+        box->addItem(QString(), i == 0 ? QVariant() : i - 1);
+        Texts::Follow(box, [=] { box->setItemText(i, Texts::Get(keys.at(i))); });
+    }
+    return box;
+}
+
+// What has no name is named by its number, and can be chosen from then on.
+QString NameOf(QComboBox *box, int value)
+{
+    if (box->findData(value) < 0)
+        box->addItem(QString::number(value), value);
+    return box->itemText(box->findData(value));
+}
+
+QWidget *CreateMessages()
+{
+    QComboBox *category = CreateChoice("category", {"CONSOLE_ALL", "CONSOLE_GENERAL", "CONSOLE_PLUGIN",
+                                                    "CONSOLE_NETWORK", "CONSOLE_DATABASE", "CONSOLE_UI"});
+    QComboBox *level =
+        CreateChoice("level", {"CONSOLE_ALL", "CONSOLE_DEBUG", "CONSOLE_INFO", "CONSOLE_WARNING", "CONSOLE_ERROR"});
+    auto *table = new CLogTable(
+        {"LOG_TIME", "CONSOLE_CATEGORY", "CONSOLE_LEVEL", "CONSOLE_TEXT", "CONSOLE_DETAIL"}, {28, 20, 16, 80, 30},
+        "CONSOLE_SEARCH", {{"CONSOLE_CATEGORY_FIELD", category}, {"CONSOLE_LEVEL_FIELD", level}},
+        [=](const QVariantList &values) {
+            return (category->currentIndex() == 0 || values.at(0) == category->currentData()) &&
+                   (level->currentIndex() == 0 || values.at(1).toInt() >= level->currentData().toInt());
+        });
+    for (const QComboBox *box : {category, level})
+        QObject::connect(box, QOverload<int>::of(&QComboBox::currentIndexChanged), table, &CLogTable::Refilter);
+    const auto add = [=](const CConsole::SConsoleMessage &message) {
+        const QString number = message.iDetail == 0 ? QString() : QStringLiteral(" (%1)").arg(message.iDetail);
+        const QString detail = message.strDetail + number;
+        table->AddRow(
+            message.dtTimestamp,
+            {NameOf(category, message.eCategory), NameOf(level, message.eLevel), message.strMessage, detail},
+            message.strMessage + u'\n' + detail, {int(message.eCategory), int(message.eLevel)});
+        // What the console has forgotten goes here too.
+        table->RemoveRows(table->GetRowCount() - CConsole::GetMessages().size());
+    };
+    QObject::connect(table, &CLogTable::signal_Cleared, &CConsole::Clear);
+    QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, table, add);
+    Texts::Follow(table, [=] {
+        table->RemoveRows(table->GetRowCount());
+        for (const CConsole::SConsoleMessage &message : CConsole::GetMessages())
+            add(message);
+    });
+    return table;
+}
+
+} // namespace
+
+CConsoleWindow::CConsoleWindow(CHost &host, QWidget *parent)
+    : QTabWidget(parent)
+{
+    setObjectName(QStringLiteral("console"));
+    setWindowFlags(Qt::Window);
+    resize(1040, 600);
+    addTab(CreateMessages(), QString());
+    addTab(new CBusMonitor(host), QString());
+    Texts::Follow(this, [this] {
+        setWindowTitle(Texts::Get("CONSOLE_TITLE"));
+        setTabText(0, Texts::Get("CONSOLE_MESSAGES"));
+        setTabText(1, Texts::Get("BUS_TITLE"));
+    });
+}

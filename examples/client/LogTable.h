@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QSortFilterProxyModel>
+#include <QStandardItemModel>
+#include <QTableView>
+
+#include <functional>
+
+/// Rows that come one after the other, the newest last, below fields that filter, copy and clear them. Who looks at
+/// the end keeps seeing it.
+class CLogTable : public QWidget
+{
+    Q_OBJECT
+
+public:
+    using TFields = QVector<QPair<const char *, QWidget *>>; ///< Behind a label, if there is a key for one.
+    using TChoice = std::function<bool(const QVariantList &values)>;
+
+    /// Widths are characters; the first column is the time. What \a isChosen refuses isn't shown.
+    CLogTable(const QVector<const char *> &titleKeys, const QVector<int> &widths, const char *searchKey,
+              const TFields &fields, const TChoice &isChosen = {});
+    /// The search looks into \a searched; \a values are the owner's.
+    void AddRow(const QDateTime &time, const QStringList &texts, const QString &searched, const QVariantList &values);
+    /// The oldest ones.
+    void RemoveRows(int count) { m_pRows->removeRows(0, count); }
+    int GetRowCount() const { return m_pRows->rowCount(); }
+    QVariantList GetValues(int row) const { return m_pRows->item(row)->data().toList(); }
+    void Refilter() { m_shown.invalidate(); }
+
+Q_SIGNALS:
+    void signal_Cleared();
+
+protected:
+    struct SShownRows : QSortFilterProxyModel
+    {
+        bool filterAcceptsRow(int row, const QModelIndex &parent) const override
+        {
+            const QVariantList values = sourceModel()->index(row, 0).data(Qt::UserRole + 1).toList();
+            return QSortFilterProxyModel::filterAcceptsRow(row, parent) && (!isChosen || isChosen(values));
+        }
+        TChoice isChosen;
+    } m_shown;
+    QStandardItemModel *m_pRows; // this and the next one are children
+    QTableView *m_pView;
+
+private:
+    void Copy() const;
+
+    bool m_bAtEnd = true;
+};
