@@ -36,7 +36,7 @@ QWidget *CreateMessages()
     QComboBox *level =
         CreateChoice("level", {"CONSOLE_ALL", "CONSOLE_DEBUG", "CONSOLE_INFO", "CONSOLE_WARNING", "CONSOLE_ERROR"});
     auto *table = new CLogTable(
-        {"LOG_TIME", "CONSOLE_CATEGORY", "CONSOLE_LEVEL", "CONSOLE_TEXT", "CONSOLE_DETAIL"}, {28, 20, 16, 80, 30},
+        {"LOG_TIME", "CONSOLE_CATEGORY", "CONSOLE_LEVEL", "CONSOLE_TEXT", "CONSOLE_DETAIL"}, {28, 20, 16, 56, 24},
         "CONSOLE_SEARCH", {{"CONSOLE_CATEGORY_FIELD", category}, {"CONSOLE_LEVEL_FIELD", level}},
         [=](const QVariantList &values) {
             return (category->currentIndex() == 0 || values.at(0) == category->currentData()) &&

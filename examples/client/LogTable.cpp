@@ -46,6 +46,7 @@ CLogTable::CLogTable(const QVector<const char *> &titleKeys, const QVector<int> 
     m_pView->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_pView->setTabKeyNavigation(false);
     m_pView->verticalHeader()->hide();
+    m_pView->horizontalHeader()->setHighlightSections(false); // bold titles might not fit
     m_pView->verticalHeader()->setDefaultSectionSize(m_pView->verticalHeader()->minimumSectionSize());
     for (int i = 0; i < widths.size(); ++i) {
         m_pView->setColumnWidth(i, widths.at(i) * fontMetrics().averageCharWidth());

@@ -6,14 +6,7 @@
 #include <support/Languages.h>
 #include <support/StubPlugin.h>
 
-#include <QAbstractButton>
-#include <QClipboard>
-#include <QComboBox>
-#include <QGuiApplication>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QScrollBar>
-#include <QTableView>
+#include <QtWidgets>
 
 class tst_console : public QObject
 {
@@ -23,117 +16,80 @@ class tst_console : public QObject
                                  "1|example|bus_pause|#count#;1|example|console_error|Error"_s};
     CHost m_host{"127.0.0.1"_s, 1};
     CStubPlugin m_plugin;
-    std::unique_ptr<CConsoleWindow> m_window;
+    CConsoleWindow m_window{m_host, nullptr};
 
-    template <typename Widget>
-    Widget *Find(const char *name) const
+    QWidget *Page() const { return m_window.currentWidget(); }
+    QAbstractItemModel *Rows() const { return Page()->findChild<QTableView *>()->model(); }
+    QString See(int column, QString texts = {}) const
     {
-        return m_window->currentWidget()->findChild<Widget *>(QLatin1String(name));
+        for (int row = 0; row < Rows()->rowCount(); ++row)
+            texts += Rows()->index(row, column).data().toString() + u' ';
+        return texts;
     }
-    QTableView *View() const { return Find<QTableView>("rows"); }
-    int CountRows() const { return View()->model()->rowCount(); }
-    // What a column shows.
-    QString See(int column) const
+    static void Add(const QString &text, int category, CConsole::EMessageLevel level)
     {
-        QStringList texts;
-        for (int row = 0; row < CountRows(); ++row)
-            texts.append(View()->model()->index(row, column).data().toString());
-        return texts.join(u' ');
+        CConsole::AddMessage(text, CConsole::EMessageCategory(category), level, "Some\nDetail"_s, 0);
     }
-    static void Add(const char *text, int category, int level, const char *detail = "")
+    void Send(const QByteArray &data, const QString &code, int times = 1)
     {
-        CConsole::AddMessage(QLatin1String(text), CConsole::EMessageCategory(category),
-                             CConsole::EMessageLevel(level), QLatin1String(detail), 0);
-    }
-    void Send(const QByteArray &data, const char *code = "CODE", int times = 1)
-    {
-        CEvent event = CEvent::Create("EVNT"_s, QString::fromLatin1(code, 4));
+        CEvent event = CEvent::Create("EVNT"_s, code);
         event.data = data;
         for (int i = 0; i < times; ++i)
             m_plugin.SendInternEvent(event, false);
     }
 
 private Q_SLOTS:
-    void initTestCase() { m_host.ConnectPlugin(&m_plugin); }
-    void init()
-    {
-        Add("early", CConsole::MC_Plugin, CConsole::ML_Info, "Some\nDetail");
-        m_window = std::make_unique<CConsoleWindow>(m_host, nullptr);
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    }
-    void cleanup() { CConsole::Clear(); }
-
     void MessagesAreFilteredAndCopied()
     {
-        Add("other", 77, CConsole::ML_Error);
-        Add("late", CConsole::MC_Plugin, CConsole::ML_Debug);
-        QCOMPARE(See(3), "early other late"_s);
-        auto *category = Find<QComboBox>("category");
-        category->setCurrentIndex(2); // of plugins
-        QCOMPARE(See(3), "early late"_s);
-        category->setCurrentIndex(6); // which came as a number
-        QCOMPARE(See(1) + See(2), "77Error"_s);
-        category->setCurrentIndex(0);
-        Find<QComboBox>("level")->setCurrentIndex(2);
-        QCOMPARE(See(3), "early other"_s);
-        const auto copied = [] { return QGuiApplication::clipboard()->text().section(u'\t', 3); };
-        View()->selectRow(1);
-        View()->setFocus();
-        QTest::keyClick(View(), Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(copied(), "other\t\n"_s);
-        View()->clearSelection();
-        QTest::keyClicks(Find<QLineEdit>("search"), "dETAIL"_s);
-        Find<QAbstractButton>("copy")->click();
-        QCOMPARE(copied(), "early\tSome Detail\n"_s);
-        Find<QAbstractButton>("clear")->click();
-        QVERIFY(CConsole::GetMessages().isEmpty() && CountRows() == 0);
-    }
-
-    void EndStaysInViewAndNothingElse()
-    {
-        const QScrollBar *bar = View()->verticalScrollBar();
+        m_window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&m_window));
+        Add("one"_s, CConsole::MC_Plugin, CConsole::ML_Info);
+        Add("two"_s, 77, CConsole::ML_Error);
+        Add("three"_s, CConsole::MC_Plugin, CConsole::ML_Debug);
+        Page()->findChild<QComboBox *>("level"_s)->setCurrentIndex(2);
+        QCOMPARE(See(3), "one two "_s);
+        Page()->findChild<QTableView *>()->selectRow(1);
+        QTest::keyClick(Page()->findChild<QTableView *>(), Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text().section(u'\t', 3), "two\tSome Detail\n"_s);
+        Page()->findChild<QTableView *>()->clearSelection();
+        QTest::keyClicks(Page()->findChild<QLineEdit *>(), "ONE"_s);
+        Page()->findChild<QAbstractButton *>("copy"_s)->click();
+        QCOMPARE(QGuiApplication::clipboard()->text().section(u'\t', 3), "one\tSome Detail\n"_s);
+        Page()->findChild<QLineEdit *>()->clear();
+        Page()->findChild<QComboBox *>("category"_s)->setCurrentIndex(6); // which came as a number
+        QCOMPARE(See(1) + See(2), "77 Error "_s);
+        Page()->findChild<QAbstractButton *>("clear"_s)->click();
+        QVERIFY(CConsole::GetMessages().isEmpty() && Rows()->rowCount() == 0);
+        const QScrollBar *bar = Page()->findChild<QTableView *>()->verticalScrollBar();
         for (int i = 0; i < 1100; ++i)
-            Add("text", 0, CConsole::ML_Error);
-        QTRY_VERIFY(bar->maximum() > 900 && bar->value() == bar->maximum());
-        QCOMPARE(CountRows(), 1000);
-        View()->scrollToTop();
-        Add("text", 0, CConsole::ML_Error);
-        QTest::qWait(50);
-        QCOMPARE(bar->value(), 0);
+            Add("text"_s, 77, CConsole::ML_Error);
+        QTRY_VERIFY(bar->maximum() > 900 && bar->value() == bar->maximum() && Rows()->rowCount() == 1000);
     }
 
     void EventsAreSeenBothWays()
     {
-        m_window->setCurrentIndex(1);
-        Send("0123456789abcdef\x01~\xff", "A\0\xff\\");
-        Send({});
-        QCOMPARE(See(1), "from stub to all from stub to all"_s);
-        QTest::keyClicks(Find<QLineEdit>("search"), "a\\X00"_s);
-        QCOMPARE(See(3) + See(6), "A\\x00\\xff\\ A\\x00\\xff\\19 19"_s);
-        View()->selectRow(0);
-        QCOMPARE(Find<QPlainTextEdit>("hex")->toPlainText(),
+        m_window.setCurrentIndex(1);
+        m_host.ConnectPlugin(&m_plugin);
+        Send("0123456789abcdef\x01~\xff", QString::fromLatin1("A\0\xff\\", 4));
+        Send({}, "CODE"_s);
+        QTest::keyClicks(Page()->findChild<QLineEdit *>(), "a\\X00"_s);
+        QCOMPARE(See(1) + See(3) + See(6), "from stub to all A\\x00\\xff\\ A\\x00\\xff\\ 19 19 "_s);
+        Page()->findChild<QTableView *>()->selectRow(0);
+        QCOMPARE(Page()->findChild<QPlainTextEdit *>("hex"_s)->toPlainText(),
                  "000000  30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66 0123456789abcdef\n"
                  "000010  01 7e ff                                        .~.\n"_s);
-        auto *pause = Find<QAbstractButton>("pause");
-        pause->click();
-        Send({}, "A\0\xff\\", 3);
-        pause->click();
-        QCOMPARE(pause->text() + QString::number(CountRows()), "62"_s);
-    }
-
-    void OldestEventsGo()
-    {
-        m_window->setCurrentIndex(1);
-        Send({}, "CODE", 2600);
-        QVERIFY(CountRows() > 4800 && CountRows() <= 5000);
-        View()->selectRow(0);
-        Send(QByteArray(32768, 'x'), "BULK", 100);
-        QVERIFY(CountRows() > 120 && CountRows() <= 128 && !See(3).contains("CODE"_s));
-        Send(QByteArray(5 << 20, 'x'), "HUGE");
-        QCOMPARE(See(3) + See(6), "HUGE5242880"_s);
-        View()->selectRow(0);
-        QCOMPARE(Find<QPlainTextEdit>("hex")->blockCount(), 4097);
+        Page()->findChild<QLineEdit *>()->clear();
+        Page()->findChild<QAbstractButton *>("pause"_s)->click();
+        Send({}, "CODE"_s, 3);
+        Page()->findChild<QAbstractButton *>("pause"_s)->click();
+        QCOMPARE(Page()->findChild<QAbstractButton *>("pause"_s)->text() + QString::number(Rows()->rowCount()),
+                 "64"_s);
+        Send({}, "CODE"_s, 2600);
+        QVERIFY(Rows()->rowCount() > 4800 && Rows()->rowCount() <= 5000);
+        Send(QByteArray(32768, 'x'), "BULK"_s, 100);
+        QVERIFY(Rows()->rowCount() > 120 && Rows()->rowCount() <= 128 && !See(3).contains("CODE"_s));
+        Send(QByteArray(5 << 20, 'x'), "HUGE"_s);
+        QCOMPARE(See(3) + See(6), "HUGE 5242880 "_s);
     }
 };
 
