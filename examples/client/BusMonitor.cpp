@@ -92,7 +92,7 @@ void CBusMonitor::Record(const CEvent &event, const CPluginInterface *sender)
            tags[0] + u'\n' + tags[1], {payload, plugin});
     m_iBytes += payload.size();
     while (GetRowCount() > MAX_EVENTS || m_iBytes > MAX_BYTES)
-        RemoveRows(1 + GetRowCount() / 50); // several, as each time costs the same
+        RemoveOldest(1 + GetRowCount() / 50); // several, as each time costs the same
 }
 
 void CBusMonitor::ShowPassed(int count)

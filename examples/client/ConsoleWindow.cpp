@@ -52,12 +52,12 @@ QWidget *CreateMessages()
             {NameOf(category, message.eCategory), NameOf(level, message.eLevel), message.strMessage, detail},
             message.strMessage + u'\n' + detail, {int(message.eCategory), int(message.eLevel)});
         // What the console has forgotten goes here too.
-        table->RemoveRows(table->GetRowCount() - CConsole::GetMessages().size());
+        table->RemoveOldest(table->GetRowCount() - CConsole::GetMessages().size());
     };
     QObject::connect(table, &CLogTable::signal_Cleared, &CConsole::Clear);
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, table, add);
     Texts::Follow(table, [=] {
-        table->RemoveRows(table->GetRowCount());
+        table->RemoveOldest(table->GetRowCount());
         for (const CConsole::SConsoleMessage &message : CConsole::GetMessages())
             add(message);
     });

@@ -30,7 +30,7 @@ CLogTable::CLogTable(const QVector<const char *> &titleKeys, const QVector<int> 
     connect(search, &QLineEdit::textChanged, &m_shown, &QSortFilterProxyModel::setFilterFixedString);
     connect(copy, &QPushButton::clicked, this, &CLogTable::Copy);
     connect(clear, &QPushButton::clicked, this, &CLogTable::signal_Cleared);
-    connect(this, &CLogTable::signal_Cleared, this, [=] { RemoveRows(GetRowCount()); });
+    connect(this, &CLogTable::signal_Cleared, this, [=] { RemoveOldest(GetRowCount()); });
     new QShortcut(QKeySequence::Copy, this, this, &CLogTable::Copy);
     auto *line = new QHBoxLayout;
     for (const auto &[key, field] : fields + TFields{{searchKey, search}, {nullptr, copy}, {nullptr, clear}}) {

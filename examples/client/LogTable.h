@@ -21,8 +21,7 @@ public:
               const TFields &fields, const TChoice &isChosen = {});
     /// The search looks into \a searched; \a values are the owner's.
     void AddRow(const QDateTime &time, const QStringList &texts, const QString &searched, const QVariantList &values);
-    /// The oldest ones.
-    void RemoveRows(int count) { m_pRows->removeRows(0, count); }
+    void RemoveOldest(int count) { m_pRows->removeRows(0, count); }
     int GetRowCount() const { return m_pRows->rowCount(); }
     QVariantList GetValues(int row) const { return m_pRows->item(row)->data().toList(); }
     void Refilter() { m_shown.invalidate(); }

@@ -53,13 +53,15 @@ bool CWatchedApplication::notify(QObject *receiver, QEvent *event)
         QString::fromLatin1(receiver->metaObject()->className()) + QLatin1Char(' ') + receiver->objectName();
     ++m_iDepth;
     const double start = NowMs(type);
+    const double busy = ReadClock(CLOCK_THREAD_CPUTIME_ID);
     const bool result = QApplication::notify(receiver, event);
     const double taken = NowMs(type) - start;
     --m_iDepth;
     if (taken > m_longestMs) {
         m_longestMs = taken;
-        m_strLongest =
-            QStringLiteral("%1 to %2").arg(QLatin1String(QMetaEnum::fromType<QEvent::Type>().valueToKey(type)), name);
+        m_strLongest = QStringLiteral("%1 to %2, %3 ms of them busy")
+                           .arg(QLatin1String(QMetaEnum::fromType<QEvent::Type>().valueToKey(type)), name)
+                           .arg(ReadClock(CLOCK_THREAD_CPUTIME_ID) - busy, 0, 'f', 1);
     }
     return result;
 }
