@@ -14,10 +14,8 @@ QComboBox *CreateChoice(const char *name, const QVector<const char *> &keys)
 {
     auto *box = CreateField<QComboBox>(nullptr, name);
     box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    for (int i = 0; i < keys.size(); ++i) {
-        box->addItem(QString(), i == 0 ? QVariant() : i - 1);
-        Texts::Follow(box, [=] { box->setItemText(i, Texts::Get(keys.at(i))); });
-    }
+    for (int i = 0; i < keys.size(); ++i)
+        AddTextItem(box, keys.at(i), i == 0 ? QVariant() : i - 1);
     return box;
 }
 

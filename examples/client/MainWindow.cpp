@@ -39,12 +39,12 @@ const QString GEOMETRY_KEY = QStringLiteral("client");
 
 // One of its kind, which deletes itself when it is closed.
 template <typename Dialog, typename... Arguments>
-void OpenDialog(QPointer<Dialog> &dialog, Arguments &&...arguments)
+void OpenDialog(QPointer<Dialog> &dialog, Qt::WindowModality modality, Arguments &&...arguments)
 {
     if (!dialog || !dialog->isVisible()) {
         dialog = new Dialog(std::forward<Arguments>(arguments)...);
         dialog->setAttribute(Qt::WA_DeleteOnClose);
-        dialog->setWindowModality(Qt::WindowModal);
+        dialog->setWindowModality(modality);
         dialog->show();
     }
     dialog->activateWindow();
@@ -118,7 +118,7 @@ void CMainWindow::CreateOptionsMenu()
 {
     AddOptionsPages(this);
     connect(COptionsDialogManager::GetInstance(), &COptionsDialogManager::signal_ShowDialog, this,
-            [this](QWidget *parent) { OpenDialog(m_pOptionsDialog, parent ? parent : this); });
+            [this](QWidget *parent) { OpenDialog(m_pOptionsDialog, Qt::WindowModal, parent ? parent : this); });
     const QString &id = CMenuManager::strOptions;
     AddEntry(id, "ACTION_OPTIONS", "openOptions", Qt::CTRL + Qt::Key_O,
              [this] { COptionsDialogManager::Show(this); });
@@ -309,7 +309,7 @@ void CMainWindow::slot_LoginRefused(const QString &key)
 // It may come from within a plugin's call, so the dialog opens without waiting for its end.
 void CMainWindow::slot_LoginRequested()
 {
-    OpenDialog(m_pLoginDialog, m_host, this);
+    OpenDialog(m_pLoginDialog, Qt::WindowModal, m_host, this);
 }
 
 void CMainWindow::slot_ConnectionStateChanged(EConnectionState::type state)

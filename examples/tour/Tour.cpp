@@ -103,7 +103,8 @@ int CTour::Run()
 {
     QDir().mkpath(m_options.strOutput);
     m_host.GetSynchronisation().SetIntervals(SYNC_PAUSE_MS, SYNC_REGULAR_MS);
-    CWatchedApplication::Get()->Forget(); // the start is behind it
+    m_bFailed = !QTest::qWaitForWindowExposed(&m_window);
+    CWatchedApplication::Get()->Forget(); // the start is over
     if (m_options.bSecondMachine)
         return RunSecondMachine();
     ShowStart();
