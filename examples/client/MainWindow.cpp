@@ -9,6 +9,7 @@
 #include "TransferView.h"
 
 #include <common/FormField.h>
+#include <common/QuickView.h>
 #include <files/FileHelpers.h>
 #include <models/CasinoInfo.h>
 #include <models/UserInfo.h>
@@ -24,6 +25,7 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QStandardPaths>
 #include <QStatusBar>
@@ -68,7 +70,6 @@ CMainWindow::CMainWindow(CHost &host, QWidget *parent)
     m_geometryTimer.setSingleShot(true);
     m_geometryTimer.setInterval(GEOMETRY_REST_MS);
     m_pViews->setDocumentMode(true);
-    m_pViews->setCornerWidget(m_pCashierLabel);
     m_pProblems->setTextFormat(Qt::PlainText);
     m_pProblems->setWordWrap(true);
     m_pProblems->hide();
@@ -172,14 +173,23 @@ void CMainWindow::CreateStatusBar()
     m_pConnectionLabel->setObjectName(QStringLiteral("connectionState"));
     m_pUserLabel->setObjectName(QStringLiteral("user"));
     m_pUserLabel->setTextFormat(Qt::PlainText); // a nickname is its user's choice
-    m_pUserLabel->setContentsMargins(gap, 0, gap, 0);
+    auto *account = new QWidget(this);
+    auto *layout = new QHBoxLayout(account);
+    layout->setContentsMargins(gap, 0, gap, 0);
+    if (CCasinoInfo::GetInstance()->UsesJackpot())
+        layout->addWidget(new CJackpotView(this));
+    layout->addWidget(m_pUserLabel);
     m_pClockLabel->setObjectName(QStringLiteral("clock"));
     statusBar()->addWidget(m_pConnectionLabel, 1);
     statusBar()->addPermanentWidget(new CTransferView(this));
-    if (CCasinoInfo::GetInstance()->UsesJackpot())
-        statusBar()->addPermanentWidget(new CJackpotView(this));
-    statusBar()->addPermanentWidget(m_pUserLabel);
+    statusBar()->addPermanentWidget(account);
     statusBar()->addPermanentWidget(m_pClockLabel);
+
+    Q_INIT_RESOURCE(client); // of a static library
+    auto *line = new CQuickView(m_pCashierLabel, QUrl(QStringLiteral("qrc:/client/AccountLine.qml")), {}, this);
+    m_pViews->setCornerWidget(line);
+    connect(line, &CQuickView::signal_QuickShown, account, &QWidget::setHidden);
+    account->setHidden(line->IsQuickShown());
 }
 
 void CMainWindow::Connect()

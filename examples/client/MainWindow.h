@@ -16,7 +16,8 @@ class QLabel;
 class QTabWidget;
 
 /// The client's window: a tab for each plugin that has a view, above it the user's money, and below it the state of
-/// the link, the jackpot, the user and the clock. It opens where it was closed. The menu bar is that of CMenuManager,
+/// the link, the jackpot, the user and the clock; in QML money, jackpot and user make one line. It opens where it was
+/// closed. The menu bar is that of CMenuManager,
 /// so that there is one window at a time.
 class CMainWindow : public QMainWindow
 {

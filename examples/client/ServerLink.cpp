@@ -1,5 +1,6 @@
 #include "ServerLink.h"
 
+#include <QElapsedTimer>
 #include <QtEndian>
 
 #include <algorithm>
@@ -8,6 +9,7 @@ namespace {
 
 constexpr int FIRST_RETRY_MS = 250;
 constexpr int LAST_RETRY_MS = 4000;
+constexpr int TURN_MS = 8;
 constexpr int PACKET_LIMIT_MS = 10000;
 
 bool IsOnePacket(const QByteArray &bytes)
@@ -86,11 +88,17 @@ void CServerLink::slot_ReadyRead()
 {
     m_stream.Append(m_socket.readAll());
     CPacketLayerWrapper packet;
+    QElapsedTimer turn;
+    turn.start();
     // Whoever takes a packet may close the link.
     while (m_eState == EConnectionState::Connected && m_stream.TakePacket(packet)) {
         m_iRetryMs = FIRST_RETRY_MS;
         m_packetTimer.stop();
         Q_EMIT signal_PacketReceived(packet);
+        if (turn.hasExpired(TURN_MS)) { // the user has a turn too
+            QTimer::singleShot(0, this, &CServerLink::slot_ReadyRead);
+            return;
+        }
     }
     if (m_stream.IsBroken())
         GiveUp(QStringLiteral("sends what is no packet"));

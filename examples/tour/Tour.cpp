@@ -123,6 +123,7 @@ int CTour::Run()
     ShowPluginMenu();
     ShowOptions();
     ShowColumns();
+    ShowQml();
     ShowReopenedClient();
     ShowNotes();
     ShowTransfers();

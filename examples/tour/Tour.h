@@ -78,6 +78,7 @@ private:
     void ShowLanguages();
     void ShowRunningNumbers();
     void ShowTimezones();
+    void ShowQml();
     void ShowTable();
     void ShowChat(const QWidget &table);
     void ShowTopUp(const QWidget &table);

@@ -152,8 +152,8 @@ void CTour::ShowRunningNumbers()
     QString after;
     QObject context;
     QObject::connect(table->model(), &QAbstractItemModel::dataChanged, &context, [&](const QModelIndex &changed) {
-        if (changed == cell)
-            after = changed.data().toString();
+        if (changed.column() == cell.column())
+            after = cell.data().toString();
     });
     Step(
         QStringLiteral("A countdown runs"), [] {},

@@ -26,6 +26,7 @@ private Q_SLOTS:
         CPluginInterface *plugin = host.GetPluginManager().GetPlugins().value(0);
         QVERIFY(plugin);
         QWidget *view = plugin->CreateView(&window);
+        window.show();
         auto *players = view->findChild<QListWidget *>();
         auto *nickname = view->findChild<QLineEdit *>();
         CEvent said = CEvent::Create("TABL"_s, "SAID"_s);

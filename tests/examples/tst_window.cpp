@@ -48,6 +48,7 @@ private Q_SLOTS:
     {
         m_tree.MakeDir("Tmp"_s);
         QVERIFY(CSettingsDB::GetInstance()->Init());
+        GlobalDefines::RegisterQML();
     }
     void cleanup() { DestroySingletons(); }
 

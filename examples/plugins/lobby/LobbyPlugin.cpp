@@ -2,11 +2,15 @@
 
 #include "LobbyView.h"
 
+#include <common/QuickView.h>
 #include <common/SeatEvent.h>
 #include <common/SettingsPage.h>
 #include <common/Texts.h>
 #include <files/Console.h>
+#include <models/CasinoInfo.h>
 #include <models/UserInfo.h>
+#include <settings/Config.h>
+#include <settings/Settings.h>
 #include <ui/Action.h>
 #include <ui/MenuManager.h>
 
@@ -14,6 +18,9 @@ namespace {
 
 const QLatin1String TEXT_MALFORMED("Lobby: the game server sent something malformed, which was ignored. Further "
                                    "cases on this connection are not reported.");
+
+const QString QUICK = QStringLiteral("qml"); // value of the setting pokerlobbytype
+const QString WIDGETS = QStringLiteral("widgets");
 
 const char *KeyOf(LobbyProtocol::ESeatResult result)
 {
@@ -34,6 +41,11 @@ const char *KeyOf(LobbyProtocol::ESeatResult result)
 
 } // namespace
 
+CLobbyPlugin::CLobbyPlugin()
+{
+    connect(m_pTables, &CLobbyTables::signal_SeatWanted, this, &CLobbyPlugin::RequestSeat);
+}
+
 void CLobbyPlugin::ReceiveEvent(CEvent e)
 {
     if (HandleRecord(e) || m_bWarned)
@@ -50,14 +62,19 @@ void CLobbyPlugin::RegisterForEvents()
 
 void CLobbyPlugin::Start()
 {
-    new CSettingsPage("LOBBY_TITLE", QStyle::SP_FileIcon,
-                      {CSettingsPage::Setting("LOBBY_POPUP_OFF", "disabletablepopup")}, this);
+    new CSettingsPage(
+        "LOBBY_TITLE", QStyle::SP_FileIcon,
+        {CSettingsPage::Setting("LOBBY_POPUP_OFF", "disabletablepopup"),
+         {"LOBBY_IN_QML", "lobbyInQml", &CQuickView::IsChosen,
+          [](const QVariant &on) { CSettings::GetInstance()->SetPokerLobbyType(on.toBool() ? QUICK : WIDGETS); },
+          CConfig::GetInstance()->GetPokerLobbyType() == QUICK}},
+        this);
 }
 
 void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
 {
     m_pModel->SetStale();
-    Q_EMIT signal_SeatAnswered(CTranslationItem());
+    m_pTables->SetSeatAnswer(CTranslationItem());
     ForgetIncoming();
     m_bWarned = false;
     if (state != EConnectionState::Connected)
@@ -68,30 +85,29 @@ void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
 
 QWidget *CLobbyPlugin::CreateView(QWidget *parent)
 {
-    auto *view = new CLobbyView(m_pModel, parent);
-    connect(view, &CLobbyView::signal_TableChosen, this, &CLobbyPlugin::RequestSeat);
-    connect(this, &CLobbyPlugin::signal_SeatAnswered, view, &CLobbyView::ShowSeatAnswer);
-    m_pView = view;
-    AddMenu(view);
-    return view;
+    m_pView = new CQuickView(new CLobbyView(m_pTables), QUrl(QStringLiteral("qrc:/lobby/Lobby.qml")),
+                             {{QStringLiteral("tables"), QVariant::fromValue<QObject *>(m_pTables)}}, parent);
+    Texts::Bind(m_pView.data(), &QWidget::setWindowTitle, "LOBBY_TITLE");
+    AddMenu();
+    return m_pView;
 }
 
-void CLobbyPlugin::AddMenu(CLobbyView *view)
+void CLobbyPlugin::AddMenu()
 {
     CMenuManager *manager = CMenuManager::GetInstance();
     CMenu *menu = manager->GetMenu(SeatEvent::MENU, SeatEvent::MENU, Texts::Area());
     auto *takeSeat = new CAction(QStringLiteral("ACTION_TAKE_SEAT"), Texts::Area());
-    connect(takeSeat, &CAction::signal_Update, view, [view](CAction *action) {
-        action->setEnabled(view->HasChosenTable() && CUserInfo::GetInstance()->IsLoggedIn());
+    connect(takeSeat, &CAction::signal_Update, m_pTables, [this](CAction *action) {
+        action->setEnabled(m_pTables->GetChosenRow() >= 0 && CUserInfo::GetInstance()->IsLoggedIn());
     });
-    connect(takeSeat, &QAction::triggered, view, &CLobbyView::ChooseTable);
+    connect(takeSeat, &QAction::triggered, m_pTables, &CLobbyTables::AskForSeat);
     menu->AddAction(takeSeat);
     manager->AddToMenuBar(menu);
 }
 
 void CLobbyPlugin::RequestSeat(quint32 tableID)
 {
-    Q_EMIT signal_SeatAnswered(CTranslationItem());
+    m_pTables->SetSeatAnswer(CTranslationItem());
     const QByteArray request = Payload::Encode(LobbyProtocol::SSeatRequest{tableID});
     SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), request.size(), true);
 }
@@ -129,6 +145,7 @@ bool CLobbyPlugin::HandleListEnd(const QByteArray &payload)
         return false;
     // A list that lacks what was malformed is still the best there is.
     m_pModel->SetTables(m_incoming);
+    TellCounts();
     const bool complete = quint32(m_incoming.size()) == end.uiCount;
     ForgetIncoming();
     return complete;
@@ -141,7 +158,18 @@ bool CLobbyPlugin::HandlePlayerCounts(const QByteArray &payload)
         return false;
     for (const LobbyProtocol::SPlayerCount &count : qAsConst(players.counts))
         m_pModel->SetPlayers(count);
+    TellCounts();
     return true;
+}
+
+// Of how much is going on the client knows what the lobby does.
+void CLobbyPlugin::TellCounts() const
+{
+    uint players = 0;
+    for (int row = 0; row < m_pModel->rowCount(); ++row)
+        players += m_pModel->GetTable(row).usPlayers;
+    CCasinoInfo::GetInstance()->SetPokerPlayerCount(players);
+    CCasinoInfo::GetInstance()->SetPokerTableCount(static_cast<unsigned short>(m_pModel->rowCount()));
 }
 
 bool CLobbyPlugin::HandleSeatAnswer(const QByteArray &payload)
@@ -150,7 +178,7 @@ bool CLobbyPlugin::HandleSeatAnswer(const QByteArray &payload)
     if (!Payload::Decode(payload, answer))
         return false;
     const LobbyProtocol::STable *table = m_pModel->FindTable(answer.uiTableID);
-    Q_EMIT signal_SeatAnswered(
+    m_pTables->SetSeatAnswer(
         Texts::MakeItem(KeyOf(answer.eResult), {{"#nickname#", CUserInfo::GetInstance()->GetNickname()},
                                                 {"#place#", uint(answer.usPlace)},
                                                 {"#table#", table ? table->strName : QString()}}));

@@ -1,23 +1,23 @@
 #pragma once
 
-#include "TableListModel.h"
+#include "LobbyTables.h"
 
 #include <plugin/PluginInterface.h>
-#include <translation/TranslationItem.h>
 
 #include <QSet>
 
-class CLobbyView;
-
 /// Shows the tables of the game server, and asks for a seat at the one that the user chooses. It asks for the list
 /// each time the link stands, and keeps the old one on screen until the new one is complete. Of a seat that is given
-/// it tells the other plugins, see SeatEvent. It adds the menu of the tables to the bar.
+/// it tells the other plugins, see SeatEvent. Its view is one of widgets or one of QML. It adds the menu of the
+/// tables to the bar.
 class CLobbyPlugin : public CPluginInterface
 {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID CPluginInterface_iid)
 
 public:
+    CLobbyPlugin();
+
     void ReceiveEvent(CEvent e) override;
     void RegisterForEvents() override;
     void ConnectionStateChanged(EConnectionState::type state) override;
@@ -31,22 +31,20 @@ public:
     void Shutdown() override {}
     QWidget *CreateView(QWidget *parent) override;
 
-Q_SIGNALS:
-    /// What the game server says to a request for a seat; empty when that isn't of interest any more.
-    void signal_SeatAnswered(const CTranslationItem &answer);
-
 private:
-    void AddMenu(CLobbyView *view);
+    void AddMenu();
     void RequestSeat(quint32 tableID);
     bool HandleRecord(const CEvent &event);
     bool HandleTable(const QByteArray &payload);
     bool HandleListEnd(const QByteArray &payload);
     bool HandlePlayerCounts(const QByteArray &payload);
     bool HandleSeatAnswer(const QByteArray &payload);
+    void TellCounts() const;
     void ForgetIncoming();
     void TellOfSeat(const LobbyProtocol::STable &table, quint16 place);
 
     CTableListModel *m_pModel = new CTableListModel(this);
+    CLobbyTables *m_pTables = new CLobbyTables(m_pModel, this);
     QPointer<QWidget> m_pView;                 // the host's
     QVector<LobbyProtocol::STable> m_incoming; // the list that isn't complete yet
     QSet<quint32> m_incomingIDs;

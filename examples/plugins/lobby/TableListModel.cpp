@@ -3,6 +3,9 @@
 #include <time/CasinoTime.h>
 #include <translation/Translation.h>
 
+#include <QSet>
+
+#include <algorithm>
 #include <limits>
 
 using LobbyProtocol::SPlayerCount;
@@ -51,6 +54,7 @@ CTableListModel::CTableListModel(QObject *parent)
             &CTableListModel::slot_TextsChanged);
     connect(CCasinoTime::GetInstance(), &CCasinoTime::signal_TimeZoneChanged, this,
             &CTableListModel::slot_TextsChanged);
+    connect(CCasinoTime::GetInstance(), &CCasinoTime::signal_TimeChanged, this, &CTableListModel::slot_ClockChanged);
 }
 
 const STable *CTableListModel::FindTable(quint32 id) const
@@ -68,7 +72,6 @@ void CTableListModel::SetStale()
 void CTableListModel::SetTables(const QVector<STable> &tables)
 {
     m_texts.Forget();
-    m_counting.clear();
     RemoveAllBut(tables);
 
     QVector<STable> added;
@@ -100,16 +103,13 @@ void CTableListModel::SetPlayers(const SPlayerCount &count)
     Q_EMIT dataChanged(index(row, COL_PLAYERS), index(row, COL_PLAYERS));
 }
 
-// A countdown that has ended makes room for a date.
-void CTableListModel::RefreshCountDown(int row)
+// One second less for those that count down, and the date for those that have just ended.
+void CTableListModel::slot_ClockChanged()
 {
-    const STable &table = m_tables.at(row);
-    const bool counts = CTableTexts::IsCountingDown(table);
-    if (!counts && !m_counting.remove(table.uiID))
-        return;
-    if (counts)
-        m_counting.insert(table.uiID);
-    Q_EMIT dataChanged(index(row, COL_START), index(row, COL_START), {Qt::DisplayRole});
+    const bool counted = m_bCounting;
+    m_bCounting = std::any_of(m_tables.begin(), m_tables.end(), &CTableTexts::IsCountingDown);
+    if ((counted || m_bCounting) && !m_tables.isEmpty())
+        Q_EMIT dataChanged(index(0, COL_START), index(m_tables.size() - 1, COL_START), {Qt::DisplayRole});
 }
 
 int CTableListModel::rowCount(const QModelIndex &parent) const
@@ -127,7 +127,9 @@ QVariant CTableListModel::data(const QModelIndex &index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return QVariant();
     const STable &table = m_tables.at(index.row());
-    if (role == Qt::DisplayRole)
+    if (role == WIDEST_ROLE && index.column() == COL_START)
+        return table.uiStart == 0 ? QString() : m_texts.GetDate(table.uiStart);
+    if (role == Qt::DisplayRole || role == WIDEST_ROLE)
         return CellText(table, index.column());
     if (role == SORT_ROLE) {
         const QVariant value = SortValue(table, index.column());

@@ -4,7 +4,6 @@
 
 #include <QAbstractTableModel>
 #include <QHash>
-#include <QSet>
 
 /// The tables of the game server, a row each, in no order of note.
 class CTableListModel : public QAbstractTableModel
@@ -15,13 +14,14 @@ public:
     enum EColumn { COL_NAME, COL_TYPE, COL_GAME, COL_STAKES, COL_PLAYERS, COL_START, COL_COUNT };
     /// What a column sorts by, where its text would sort wrongly.
     static constexpr int SORT_ROLE = Qt::UserRole;
+    /// The text, or of one that counts down the date, which is wider and takes its place.
+    static constexpr int WIDEST_ROLE = Qt::UserRole + 1;
 
     explicit CTableListModel(QObject *parent);
 
     const LobbyProtocol::STable &GetTable(int row) const { return m_tables.at(row); }
     /// Null if there is no such table; good until the next change.
     const LobbyProtocol::STable *FindTable(quint32 id) const;
-    CTableTexts &GetTexts() const { return m_texts; }
     /// Whether the tables are as the server last knew them, but may have changed since.
     bool IsStale() const { return m_bStale; }
     void SetStale();
@@ -30,9 +30,6 @@ public:
     void SetTables(const QVector<LobbyProtocol::STable> &tables);
     /// Does nothing if there is no such table.
     void SetPlayers(const LobbyProtocol::SPlayerCount &count);
-    /// Signals the start of a row whose countdown has moved on. To be called each second for the rows in view; the
-    /// others need it only when they come into view, and then are asked for anyway.
-    void RefreshCountDown(int row);
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
@@ -47,6 +44,7 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void slot_TextsChanged();
+    void slot_ClockChanged();
 
 private:
     void RemoveAllBut(const QVector<LobbyProtocol::STable> &tables);
@@ -55,7 +53,7 @@ private:
 
     QVector<LobbyProtocol::STable> m_tables;
     QHash<quint32, int> m_rows; // by table id
-    QSet<quint32> m_counting;   // ids of tables that were signalled as counting down
     mutable CTableTexts m_texts;
     bool m_bStale = true;
+    bool m_bCounting = false; // down to a start, as of the last second
 };

@@ -10,12 +10,6 @@ using LobbyProtocol::STable;
 namespace {
 
 constexpr quint32 DAY_SECONDS = 24 * 60 * 60;
-// With cents, which most amounts don't have.
-constexpr GlobalDefines::MoneyValue LONG_STAKES[] = {22250, 1850};
-// The middle of a January; from there each step of 30 days leads into the next month.
-constexpr quint32 MID_JANUARY = 14 * DAY_SECONDS;
-constexpr quint32 STEP_SECONDS = 30 * DAY_SECONDS;
-constexpr quint32 MONTHS = 12;
 
 const char *TypeKey(GlobalDefines::TableType type)
 {
@@ -86,22 +80,6 @@ bool CTableTexts::IsCountingDown(const STable &table)
 {
     const quint32 now = CCasinoTime::GetInstance()->GetTimeUTCClient();
     return table.uiStart >= now && table.uiStart - now < DAY_SECONDS;
-}
-
-QString CTableTexts::GetLongStakes()
-{
-    return GetAmount(GlobalDefines::MONEYTYPE_DOLLAR, LONG_STAKES[0]) + QLatin1String(" + ") +
-           GetAmount(GlobalDefines::MONEYTYPE_DOLLAR, LONG_STAKES[1]);
-}
-
-QString CTableTexts::GetLongestDate()
-{
-    QString longest;
-    for (quint32 month = 0; month < MONTHS; ++month) {
-        const QString date = GetDate(MID_JANUARY + month * STEP_SECONDS);
-        longest = date.size() > longest.size() ? date : longest;
-    }
-    return longest;
 }
 
 QString CTableTexts::GetAmount(GlobalDefines::MoneyType money, GlobalDefines::MoneyValue amount)

@@ -20,16 +20,12 @@ public:
     QString GetStakes(const LobbyProtocol::STable &table);
     /// A countdown, or the date and time of a start that is further away or has passed.
     QString GetStart(const LobbyProtocol::STable &table);
+    QString GetDate(quint32 time);
     /// Whether the start is within the next 24 hours, by the clock of the client.
     static bool IsCountingDown(const LobbyProtocol::STable &table);
 
-    /// About the widest texts, for the width of their columns.
-    QString GetLongStakes();
-    QString GetLongestDate();
-
 private:
     QString GetAmount(GlobalDefines::MoneyType money, GlobalDefines::MoneyValue amount);
-    QString GetDate(quint32 time);
 
     QHash<QString, QString> m_texts; // by key
     QHash<quint64, QString> m_amounts;

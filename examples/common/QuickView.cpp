@@ -1,0 +1,174 @@
+#include "QuickView.h"
+
+#include "Texts.h"
+
+#include <files/Console.h>
+#include <models/CasinoInfo.h>
+#include <models/UserInfo.h>
+#include <money/MoneyStrings.h>
+#include <settings/Config.h>
+#include <settings/Settings.h>
+
+#include <QEvent>
+#include <QQmlComponent>
+#include <QQmlContext>
+#include <QQmlError>
+#include <QQuickItem>
+#include <QQuickStyle>
+#include <QQuickWidget>
+#include <QQuickWindow>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <iterator>
+
+namespace {
+
+const QString BACKEND = QStringLiteral("software"); // needs no OpenGL, and lists need no more
+const QString STYLE = QStringLiteral("Fusion");     // the one that follows a palette
+const QByteArray IMPORTS("import QtQuick 2.15; import QtQuick.Layouts 1.15; import QtQuick.Controls 2.15; ");
+// What takes long to read of what the files are made of.
+constexpr const char *PIECES[] = {"Item {}", "Pane {}", "TextField {}", "ComboBox {}", "HorizontalHeaderView {}"};
+
+} // namespace
+
+/// As large as its content wants to be, and in the colours of the widgets around it.
+class CQuickWidget : public QQuickWidget
+{
+public:
+    using QQuickWidget::QQuickWidget;
+
+    void Load(const QUrl &file)
+    {
+        setResizeMode(SizeRootObjectToView);
+        setSource(file);
+        if (!rootObject())
+            return;
+        TakePalette();
+        for (const auto signal : {&QQuickItem::implicitWidthChanged, &QQuickItem::implicitHeightChanged})
+            connect(rootObject(), signal, this, &QWidget::updateGeometry);
+    }
+
+    QSize sizeHint() const override { return minimumSizeHint(); }
+    QSize minimumSizeHint() const override
+    {
+        const QQuickItem *root = rootObject();
+        return root ? QSizeF(root->implicitWidth(), root->implicitHeight()).toSize() : QSize();
+    }
+
+protected:
+    void changeEvent(QEvent *event) override
+    {
+        QQuickWidget::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange && rootObject())
+            TakePalette();
+    }
+
+private:
+    void TakePalette()
+    {
+        setClearColor(palette().color(QPalette::Window));
+        rootObject()->setProperty("palette", palette());
+    }
+};
+
+CQuickTexts::CQuickTexts(QObject *parent)
+    : QObject(parent)
+{
+    connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this,
+            &CQuickTexts::signal_LanguageChanged);
+}
+
+QString CQuickTexts::Get(const QString &key, const QVariantMap &values) const
+{
+    CTranslationItem item;
+    for (auto value = values.begin(); value != values.end(); ++value)
+        item.SetPlaceholder(value.key(), value.value());
+    item.SetTranslationKey(key, Texts::Area());
+    return item.GetTranslatedText();
+}
+
+QString CQuickTexts::Money(int type, uint amount) const
+{
+    return Globals::MoneyToString(static_cast<GlobalDefines::MoneyType>(type), amount, true);
+}
+
+CQuickView::CQuickView(QWidget *widgets, const QUrl &file, const QVariantMap &objects, QWidget *parent)
+    : QWidget(parent)
+    , m_pWidgets(widgets)
+    , m_file(file)
+    , m_objects(objects)
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(widgets);
+    connect(CSettings::GetInstance(), &CSettings::signal_PokerLobbyTypeChanged, this,
+            &CQuickView::slot_LobbyTypeChanged);
+    slot_LobbyTypeChanged();
+}
+
+bool CQuickView::IsChosen()
+{
+    const QString type = CSettings::GetInstance()->GetPokerLobbyType();
+    return (type.isEmpty() ? CConfig::GetInstance()->GetPokerLobbyType() : type) == QLatin1String("qml");
+}
+
+// The widgets stay until QML is there.
+void CQuickView::slot_LobbyTypeChanged()
+{
+    if (IsChosen() == (m_pQuick != nullptr))
+        return;
+    delete m_pQuick;
+    m_pQuick = IsChosen() ? CreateQuick() : nullptr;
+    SetQuickShown(false);
+    if (m_pQuick)
+        Read(0);
+}
+
+// All at once would hold the user up, so each piece is read in an event of its own. What is wrong with one shows when
+// the file itself is read.
+void CQuickView::Read(int piece)
+{
+    if (piece < int(std::size(PIECES))) {
+        QQmlComponent(m_pQuick->engine()).setData(IMPORTS + PIECES[piece], QUrl());
+        QTimer::singleShot(0, m_pQuick, [=] { Read(piece + 1); });
+        return;
+    }
+    m_pQuick->Load(m_file);
+    if (m_pQuick->status() == QQuickWidget::Ready)
+        QTimer::singleShot(0, m_pQuick, [=] { SetQuickShown(true); });
+    const QList<QQmlError> errors = m_pQuick->errors();
+    for (const QQmlError &error : errors)
+        CConsole::AddMessage(error.toString(), CConsole::MC_General, CConsole::ML_Error, QString(), 0);
+}
+
+void CQuickView::SetQuickShown(bool isShown)
+{
+    m_pWidgets->setHidden(isShown);
+    if (m_pQuick)
+        m_pQuick->setVisible(isShown);
+    m_bQuickShown = isShown;
+    Q_EMIT signal_QuickShown(isShown);
+}
+
+// Backend and style have to be chosen before the first one is made, by whichever module.
+CQuickWidget *CQuickView::CreateQuick()
+{
+    if (QQuickWindow::sceneGraphBackend() != BACKEND)
+        QQuickWindow::setSceneGraphBackend(BACKEND);
+    if (QQuickStyle::name() != STYLE)
+        QQuickStyle::setStyle(STYLE);
+    auto *view = new CQuickWidget(this);
+    view->hide();
+    layout()->addWidget(view);
+    QQmlContext *context = view->rootContext();
+    context->setContextProperty(QStringLiteral("CCasinoInfo"), CCasinoInfo::GetInstance());
+    context->setContextProperty(QStringLiteral("CConfig"), CConfig::GetInstance());
+    context->setContextProperty(QStringLiteral("CSettings"), CSettings::GetInstance());
+    context->setContextProperty(QStringLiteral("CUserInfo"), CUserInfo::GetInstance());
+    context->setContextProperty(QStringLiteral("texts"), new CQuickTexts(view));
+    context->setContextProperty(QStringLiteral("view"), view);
+    for (auto object = m_objects.begin(); object != m_objects.end(); ++object)
+        context->setContextProperty(object.key(), object.value());
+    return view;
+}

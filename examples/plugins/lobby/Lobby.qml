@@ -1,0 +1,149 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import QtQuick.Layouts 1.15
+
+// The lobby in QML. It binds to the settings and to the tables, which the widgets show as well.
+Pane {
+    id: root
+
+    readonly property real rowHeight: Math.ceil(metrics.height * 1.4)
+    readonly property var neededWidths: tables.textWidths.map(width => Math.ceil(width + 1.25 * metrics.height))
+    readonly property real neededWidth: neededWidths.reduce((sum, width) => sum + width, 0)
+    // What is to spare is shared out equally.
+    readonly property var widths: neededWidths.map(
+        width => width + Math.max(0, Math.floor((list.width - neededWidth) / neededWidths.length)))
+
+    function choose(row) {
+        tables.chosenRow = Math.max(0, Math.min(row, list.rows - 1))
+        const top = tables.chosenRow * rowHeight
+        list.contentY = Math.max(top + rowHeight - list.height, Math.min(list.contentY, top))
+    }
+
+    onWidthsChanged: list.forceLayout()
+
+    FontMetrics { id: metrics; font: root.font }
+    Shortcut { sequence: StandardKey.Find; onActivated: { view.setFocus(); filter.forceActiveFocus() } }
+    // These hold, whatever the user does to the fields.
+    Binding { target: filter; property: "text"; value: String(CSettings.ringgamefilter) }
+    Binding {
+        target: type
+        property: "currentIndex"
+        value: Math.max(0, type.model.findIndex(entry => entry.value === CSettings.selectedgametype))
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+
+        RowLayout {
+            TextField {
+                id: filter
+                objectName: "quickFilter"
+                placeholderText: texts.current.Get("LOBBY_FILTER")
+                selectByMouse: true
+                Layout.fillWidth: true
+                onTextEdited: CSettings.ringgamefilter = text
+                onAccepted: list.forceActiveFocus(Qt.TabFocusReason)
+            }
+            ComboBox {
+                id: type
+                objectName: "quickType"
+                model: tables.types
+                textRole: "text"
+                valueRole: "value"
+                Layout.preferredWidth: Math.max(...model.map(entry => metrics.advanceWidth(entry.text))) +
+                                       3 * metrics.height
+                onActivated: CSettings.selectedgametype = currentValue
+            }
+        }
+
+        HorizontalHeaderView {
+            syncView: list
+            clip: true
+            Layout.fillWidth: true
+            Layout.preferredWidth: 0 // or what the columns have to spare would widen the window, and so on
+            Layout.margins: frame.border.width
+            delegate: Button {
+                readonly property bool isOrder: column === tables.orderColumn
+                readonly property bool isAscending: tables.order === Qt.AscendingOrder
+                text: model.display + (!isOrder ? "" : isAscending ? " \u25b4" : " \u25be")
+                padding: metrics.height / 4
+                flat: true
+                contentItem: Label {
+                    text: parent.text
+                    horizontalAlignment: column < 3 ? Text.AlignLeft : Text.AlignRight
+                }
+                onClicked: tables.sort(column, isOrder && isAscending ? Qt.DescendingOrder : Qt.AscendingOrder)
+            }
+        }
+
+        Rectangle {
+            id: frame
+            color: root.palette.base
+            border.color: list.activeFocus ? root.palette.highlight : root.palette.mid
+            border.width: 2
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.minimumWidth: root.neededWidth + 2 * border.width
+            Layout.minimumHeight: 8 * root.rowHeight
+
+            TableView {
+                id: list
+                objectName: "quickTables"
+                anchors.fill: parent
+                anchors.margins: frame.border.width
+                model: tables
+                clip: true
+                opacity: tables.stale ? 0.5 : 1
+                boundsBehavior: Flickable.StopAtBounds
+                activeFocusOnTab: true
+                columnWidthProvider: column => root.widths[column]
+                rowHeightProvider: () => root.rowHeight
+                ScrollBar.vertical: ScrollBar {}
+                Keys.onPressed: {
+                    const page = Math.floor(height / root.rowHeight)
+                    const steps = {
+                        [Qt.Key_Up]: -1, [Qt.Key_Down]: 1, [Qt.Key_PageUp]: -page, [Qt.Key_PageDown]: page,
+                        [Qt.Key_Home]: -rows, [Qt.Key_End]: rows
+                    }
+                    if (event.accepted = event.key in steps)
+                        root.choose(tables.chosenRow + steps[event.key])
+                }
+                Keys.onReturnPressed: tables.AskForSeat()
+                Keys.onEnterPressed: tables.AskForSeat()
+                TapHandler {
+                    function rowAt(point) {
+                        return Math.floor(list.contentItem.mapFromItem(null, 0, point.scenePosition.y).y / root.rowHeight)
+                    }
+                    onTapped: { list.forceActiveFocus(); root.choose(rowAt(eventPoint)) }
+                    onDoubleTapped: if (rowAt(eventPoint) === tables.chosenRow) tables.AskForSeat()
+                }
+                delegate: Rectangle { // there are many, so each is little
+                    readonly property bool isChosen: row === tables.chosenRow
+                    color: isChosen ? root.palette.highlight
+                                    : row % 2 ? root.palette.alternateBase : root.palette.base
+                    Text {
+                        anchors.fill: parent
+                        anchors.leftMargin: metrics.height / 4
+                        anchors.rightMargin: anchors.leftMargin
+                        text: display
+                        textFormat: Text.PlainText
+                        elide: Text.ElideRight
+                        font: root.font
+                        color: isChosen ? root.palette.highlightedText : root.palette.text
+                        verticalAlignment: Text.AlignVCenter
+                        horizontalAlignment: column < 3 ? Text.AlignLeft : Text.AlignRight
+                    }
+                }
+            }
+        }
+
+        Label {
+            objectName: "quickStatus"
+            text: tables.status
+            textFormat: Text.PlainText
+            elide: Text.ElideRight
+            Layout.fillWidth: true
+            Layout.preferredWidth: 0
+        }
+    }
+}
