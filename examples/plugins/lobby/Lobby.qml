@@ -56,23 +56,26 @@ Pane {
             }
         }
 
-        HorizontalHeaderView {
-            syncView: list
-            clip: true
-            Layout.fillWidth: true
+        // Not a HorizontalHeaderView, which stays connected to the model beyond its own end.
+        Row {
+            Layout.leftMargin: frame.border.width
             Layout.preferredWidth: 0 // or what the columns have to spare would widen the window, and so on
-            Layout.margins: frame.border.width
-            delegate: Button {
-                readonly property bool isOrder: column === tables.orderColumn
-                readonly property bool isAscending: tables.order === Qt.AscendingOrder
-                text: model.display + (!isOrder ? "" : isAscending ? " \u25b4" : " \u25be")
-                padding: metrics.height / 4
-                flat: true
-                contentItem: Label {
-                    text: parent.text
-                    horizontalAlignment: column < 3 ? Text.AlignLeft : Text.AlignRight
+            Repeater {
+                model: root.neededWidths.length
+                Button {
+                    readonly property bool isOrder: index === tables.orderColumn
+                    readonly property bool isAscending: tables.order === Qt.AscendingOrder
+                    readonly property string title: texts.current ? tables.headerData(index, Qt.Horizontal) : ""
+                    text: title + (!isOrder ? "" : isAscending ? " \u25b4" : " \u25be")
+                    width: root.widths[index]
+                    padding: metrics.height / 4
+                    flat: true
+                    contentItem: Label {
+                        text: parent.text
+                        horizontalAlignment: index < 3 ? Text.AlignLeft : Text.AlignRight
+                    }
+                    onClicked: tables.sort(index, isOrder && isAscending ? Qt.DescendingOrder : Qt.AscendingOrder)
                 }
-                onClicked: tables.sort(column, isOrder && isAscending ? Qt.DescendingOrder : Qt.AscendingOrder)
             }
         }
 
