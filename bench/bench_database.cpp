@@ -1,159 +1,152 @@
-// What 10,000 rows cost through CLocalDB beside the plain SQLite C API, on one table of one file on disk: inserted in
-// one transaction, and read. The peers are a prepared statement, and sqlite3_exec() with the generated texts
-// ready-made, which leaves SQLite's own share of them. Only CLocalDB hands out rows to keep.
+// Rows read through CLocalDB, beside the same SQL text through QSqlQuery on the same connection.
+
+#include "support.h"
 
 #include <database/LocalDB.h>
 
-#include <benchmark/benchmark.h>
-#include <sqlite3.h>
-
 #include <QCoreApplication>
+#include <QSqlRecord>
 #include <QTemporaryDir>
-
-#include <vector>
 
 namespace {
 
-constexpr int ROWS = 10000;
-const QString NAME = QStringLiteral("tbl_rows");
+using Bench::CRow;
+using Bench::Require;
+using TRow = QHash<QString, QVariant>;
 
-void Require(bool done, const char *what)
-{
-    if (!done)
-        qFatal("%s failed", what);
-}
+constexpr int KEYS = 64; // that are asked for in turn
+const QString TABLE = QStringLiteral("tbl_rows");
 
-// The table that both sides work on, each through a connection of its own.
+// A file with so many rows.
 struct STable
 {
-    STable()
-        : path(dir.filePath(QStringLiteral("rows.sqlite")))
-        , database(path, false, true)
+    explicit STable(int rows)
+        : database(dir.filePath(QStringLiteral("rows.sqlite")), false, true)
     {
-        const QString sql = QStringLiteral("CREATE TABLE tbl_rows (user CHAR(32), name CHAR(128), value TEXT,"
-                                           " stamp INTEGER, PRIMARY KEY(user, name))");
-        Require(database.Init() && database.CreateTable(sql, NAME), "the table");
-        Require(sqlite3_open(qUtf8Printable(path), &plain) == SQLITE_OK, "the plain connection");
-        for (int i = 0; i < ROWS; ++i) {
-            names.push_back(QStringLiteral("settings.key[%1]").arg(i));
-            texts.push_back(QStringLiteral("INSERT INTO 'tbl_rows' ('user','name','value','stamp') VALUES "
-                                           "('alice','%1','true','%2')")
-                                .arg(names.back(), QString::number(i))
-                                .toUtf8());
-        }
+        Require(database.Init() &&
+                    database.Exec(QStringLiteral("CREATE TABLE tbl_rows (user CHAR(32), name CHAR(128),"
+                                                 " value TEXT, stamp INTEGER,"
+                                                 " PRIMARY KEY(user, name))")),
+                "the table");
+        Require(database.Exec(QStringLiteral("WITH RECURSIVE rows(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM rows"
+                                             " WHERE i < %1 - 1) INSERT INTO tbl_rows SELECT 'alice',"
+                                             " 'settings.key[' || i || ']', 'true', i FROM rows")
+                                  .arg(rows)),
+                "the filling");
+        connection = QSqlDatabase::database(dir.filePath(QStringLiteral("rows.sqlite")));
+        for (int i = 0; i < KEYS; ++i)
+            names.append(QStringLiteral("settings.key[%1]").arg(qint64(i) * rows / KEYS));
     }
-    ~STable() { sqlite3_close(plain); }
-
-    void Run(const char *sql) { Require(sqlite3_exec(plain, sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql); }
 
     QTemporaryDir dir;
-    QString path;
     CLocalDB database;
-    sqlite3 *plain = nullptr;
-    std::vector<QString> names;
-    std::vector<QByteArray> texts;
+    QSqlDatabase connection;
+    QStringList names;
 };
 
-void InsertThroughLocalDB(STable &table)
+// They stay until the program ends, so that no side fills one anew.
+STable &GetTable(int rows)
 {
-    const QString columns[] = {QStringLiteral("user"), QStringLiteral("name"), QStringLiteral("value"),
-                               QStringLiteral("stamp")};
-    const QString user = QStringLiteral("alice");
-    const QString value = QStringLiteral("true");
-    table.database.StartTransaction();
-    for (int i = 0; i < ROWS; ++i)
-        Require(table.database.Insert(
-                    NAME,
-                    {{columns[0], user}, {columns[1], table.names[size_t(i)]}, {columns[2], value}, {columns[3], i}}),
-                "CLocalDB::Insert");
-    table.database.EndTransaction(true);
+    static std::map<int, std::unique_ptr<STable>> tables;
+    auto &table = tables[rows];
+    if (!table)
+        table = std::make_unique<STable>(rows);
+    return *table;
 }
 
-void InsertPrepared(STable &table)
+QList<TRow> RunLiteral(const QSqlDatabase &connection, const QString &sql)
 {
-    table.Run("BEGIN");
-    sqlite3_stmt *statement = nullptr;
-    sqlite3_prepare_v2(table.plain, "INSERT INTO tbl_rows VALUES (?, ?, 'true', ?)", -1, &statement, nullptr);
-    for (int i = 0; i < ROWS; ++i) {
-        const QByteArray name = table.names[size_t(i)].toUtf8();
-        sqlite3_bind_text(statement, 1, "alice", -1, SQLITE_STATIC);
-        sqlite3_bind_text(statement, 2, name.constData(), name.size(), SQLITE_STATIC);
-        sqlite3_bind_int(statement, 3, i);
-        Require(sqlite3_step(statement) == SQLITE_DONE, "a prepared insert");
-        sqlite3_reset(statement);
+    QSqlQuery query(connection);
+    query.setForwardOnly(true);
+    Require(query.exec(sql), "the literal query");
+    const QSqlRecord record = query.record();
+    QStringList names;
+    for (int column = 0; column < record.count(); ++column)
+        names.append(record.fieldName(column));
+    QList<TRow> rows;
+    while (query.next()) {
+        TRow row;
+        row.reserve(names.size());
+        for (int column = 0; column < names.size(); ++column)
+            row.insert(names.at(column), query.value(column));
+        rows.append(row);
     }
-    sqlite3_finalize(statement);
-    table.Run("COMMIT");
-}
-
-void InsertExecuted(STable &table)
-{
-    table.Run("BEGIN");
-    for (const QByteArray &text : table.texts)
-        table.Run(text.constData());
-    table.Run("COMMIT");
-}
-
-int ReadThroughLocalDB(STable &table)
-{
-    QList<QHash<QString, QVariant>> rows;
-    table.database.SelectAll(rows, NAME, {}, {}, 0);
-    return rows.size();
-}
-
-int ReadPrepared(STable &table)
-{
-    int rows = 0;
-    sqlite3_stmt *statement = nullptr;
-    sqlite3_prepare_v2(table.plain, "SELECT * FROM tbl_rows", -1, &statement, nullptr);
-    for (; sqlite3_step(statement) == SQLITE_ROW; ++rows) {
-        for (int column = 0; column < 3; ++column)
-            benchmark::DoNotOptimize(sqlite3_column_text(statement, column));
-        benchmark::DoNotOptimize(sqlite3_column_int64(statement, 3));
-    }
-    sqlite3_finalize(statement);
     return rows;
 }
 
-int ReadExecuted(STable &table)
+// The keys one behind the other; answers all rows.
+template <typename Select>
+QList<TRow> SelectKeys(int rows, Select select)
 {
-    int rows = 0;
-    const auto count = [](void *number, int, char **, char **) { return ++*static_cast<int *>(number) < 0 ? 1 : 0; };
-    sqlite3_exec(table.plain, "SELECT * FROM 'tbl_rows'", count, &rows, nullptr);
-    return rows;
+    STable &table = GetTable(rows);
+    QList<TRow> found;
+    for (const QString &name : qAsConst(table.names))
+        found.append(select(table, name));
+    return found;
 }
 
-void Insert(benchmark::State &state, void (*insert)(STable &))
+TRow SelectThroughLocalDB(STable &table, const QString &name)
 {
-    STable table;
-    for (auto _ : state) {
-        insert(table);
-        state.PauseTiming();
-        table.Run("DELETE FROM tbl_rows");
-        state.ResumeTiming();
-    }
+    TRow row;
+    table.database.SelectOne(row, TABLE, {},
+                             {{QStringLiteral("user"), QStringLiteral("alice")}, {QStringLiteral("name"), name}});
+    return row;
 }
-BENCHMARK_CAPTURE(Insert, prepared, InsertPrepared)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Insert, exec, InsertExecuted)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Insert, CLocalDB, InsertThroughLocalDB)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-void Read(benchmark::State &state, int (*read)(STable &))
+TRow SelectLiteral(STable &table, const QString &name)
 {
-    STable table;
-    InsertExecuted(table);
-    for (auto _ : state)
-        Require(read(table) == ROWS, "the read of all rows");
+    return RunLiteral(table.connection,
+                      QStringLiteral("SELECT * FROM 'tbl_rows' WHERE user='alice' AND name='%1' LIMIT 1").arg(name))
+        .value(0);
 }
-BENCHMARK_CAPTURE(Read, prepared, ReadPrepared)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Read, exec, ReadExecuted)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(Read, CLocalDB, ReadThroughLocalDB)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+QList<TRow> SelectPrepared(int rows)
+{
+    QSqlQuery query(GetTable(rows).connection);
+    query.setForwardOnly(true);
+    query.prepare(QStringLiteral("SELECT user, name, value, stamp FROM tbl_rows WHERE user = ? AND name = ?"));
+    return SelectKeys(rows, [&query](STable &, const QString &name) {
+        query.bindValue(0, QStringLiteral("alice"));
+        query.bindValue(1, name);
+        Require(query.exec() && query.next(), "the prepared query");
+        const TRow row{{QStringLiteral("user"), query.value(0)},
+                       {QStringLiteral("name"), query.value(1)},
+                       {QStringLiteral("value"), query.value(2)},
+                       {QStringLiteral("stamp"), query.value(3)}};
+        query.finish();
+        return row;
+    });
+}
+
+QList<TRow> SelectAllThroughLocalDB(int rows)
+{
+    QList<TRow> found;
+    GetTable(rows).database.SelectAll(found, TABLE, {}, {}, 0);
+    return found;
+}
+
+void AddRows()
+{
+    const std::vector<int> sizes{100, 1000, 10000, 100000};
+    const auto makeTable = [](int rows) { GetTable(rows); };
+    CRow<QList<TRow>>("select_one", sizes)
+        .Setup(makeTable)
+        .Side("library", [](int rows) { return SelectKeys(rows, SelectThroughLocalDB); })
+        .Side("floor", [](int rows) { return SelectKeys(rows, SelectLiteral); })
+        .Side("prepared", SelectPrepared);
+    CRow<QList<TRow>>("select_all", sizes)
+        .Setup(makeTable)
+        .Side("library", SelectAllThroughLocalDB)
+        .Side("floor", [](int rows) {
+            return RunLiteral(GetTable(rows).connection, QStringLiteral("SELECT * FROM 'tbl_rows'"));
+        });
+}
 
 } // namespace
 
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv); // the SQL driver is a plugin of Qt
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    AddRows();
+    return Bench::RunRows(argc, argv);
 }

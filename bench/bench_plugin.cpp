@@ -1,34 +1,18 @@
-// What the bus and the packet layer cost beside a floor in the same run: a plain virtual call, and a copy of the same
-// bytes.
+// The bus beside bare Qt signals, and packets beside a buffer that a program manages by itself.
+
+#include "support.h"
 
 #include <plugin/PacketLayerWrapper.h>
-#include <plugin/PluginInterface.h>
+#include <support/StubPlugin.h>
 
-#include <benchmark/benchmark.h>
+#include <QtEndian>
 
-#include <QDataStream>
-
+#include <cstdlib>
 #include <cstring>
-#include <vector>
 
 namespace {
 
-class CCountingPlugin : public CPluginInterface
-{
-public:
-    void ReceiveEvent(CEvent) override { ++m_iEvents; }
-
-    QString GetName() const override { return QStringLiteral("counting"); }
-    QString GetVersion() const override { return QStringLiteral("1"); }
-    QStringList GetDependencies() const override { return {}; }
-    bool Initialize() override { return true; }
-    void Start() override {}
-    bool CanClose() override { return true; }
-    void Shutdown() override {}
-    QWidget *CreateView(QWidget *) override { return nullptr; }
-
-    int m_iEvents = 0;
-};
+using Bench::CRow;
 
 CEvent TableEvent()
 {
@@ -37,90 +21,161 @@ CEvent TableEvent()
     return event;
 }
 
-void VirtualCall(benchmark::State &state)
+class CCountingPlugin : public CStubPlugin
 {
+public:
+    void ReceiveEvent(CEvent e) override { iBytes = e.data.size(); }
+
+    int iBytes = 0;
+};
+
+// A plugin and a host of bare signals and slots.
+class CBarePlugin : public QObject
+{
+    Q_OBJECT
+
+public:
+    virtual void ReceiveEvent(CEvent e) { iBytes = e.data.size(); }
+
+    int iBytes = 0;
+
+Q_SIGNALS:
+    void signal_Send(CEvent e);
+    void signal_Receive(CEvent e);
+
+public Q_SLOTS:
+    void slot_Receive(CEvent e) { ReceiveEvent(e); }
+};
+
+class CHost : public QObject
+{
+    Q_OBJECT
+
+public:
+    CHost()
+    {
+        connect(&plugin, &CPluginInterfaceFunctions::signal_SendEvent, this, &CHost::slot_Event);
+        connect(&bare, &CBarePlugin::signal_Send, this, &CHost::slot_BareEvent);
+        connect(&bare, &CBarePlugin::signal_Receive, &bare, &CBarePlugin::slot_Receive);
+    }
+
     CCountingPlugin plugin;
-    CPluginInterfaceFunctions *bus = &plugin;
+    CBarePlugin bare;
+
+public Q_SLOTS:
+    void slot_Event(CEvent e) { plugin.emit_ReceiveEvent(e); }
+    void slot_BareEvent(CEvent e) { Q_EMIT bare.signal_Receive(e); }
+};
+
+void AddEventRow()
+{
+    const auto host = std::make_shared<CHost>();
     const CEvent event = TableEvent();
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(bus);
-        bus->ReceiveEvent(event);
-    }
-    benchmark::DoNotOptimize(plugin.m_iEvents);
+    CRow<int>("event", {1})
+        .Side("library",
+              [host, event](int) {
+                  host->plugin.SendInternEvent(event, false);
+                  return host->plugin.iBytes;
+              })
+        .Side("floor", [host, event](int) {
+            Q_EMIT host->bare.signal_Send(event);
+            return host->bare.iBytes;
+        });
 }
-BENCHMARK(VirtualCall);
 
-void BusDelivery(benchmark::State &state)
+constexpr unsigned short PAYLOAD_BYTES = 24;
+constexpr size_t RECORD_BYTES = PAYLOAD_BYTES + CPacketLayerWrapper::RECORD_LENGTH_SIZE;
+const char PAYLOAD[PAYLOAD_BYTES + 1] = "TBLEa record of a table.";
+
+CPacketLayerWrapper BuildPacket(int records)
 {
-    CCountingPlugin plugin;
-    const CEvent event = TableEvent();
-    for (auto _ : state)
-        plugin.emit_ReceiveEvent(event);
-    benchmark::DoNotOptimize(plugin.m_iEvents);
-}
-BENCHMARK(BusDelivery);
-
-constexpr int RECORD_BYTES = 60;
-
-void CopyRecords(benchmark::State &state)
-{
-    const std::vector<char> record(RECORD_BYTES, 'x');
-    for (auto _ : state) {
-        std::vector<char> packet;
-        for (int64_t i = 0; i < state.range(0); ++i)
-            packet.insert(packet.end(), record.begin(), record.end());
-        benchmark::DoNotOptimize(packet.data());
-    }
-    state.SetBytesProcessed(state.iterations() * state.range(0) * RECORD_BYTES);
-}
-BENCHMARK(CopyRecords)->Arg(1)->Arg(500);
-
-void StreamRecords(benchmark::State &state)
-{
-    const QByteArray record(RECORD_BYTES, 'x');
-    for (auto _ : state) {
-        QByteArray packet;
-        QDataStream stream(&packet, QIODevice::WriteOnly);
-        for (int64_t i = 0; i < state.range(0); ++i)
-            stream << record;
-        benchmark::DoNotOptimize(packet.constData());
-    }
-    state.SetBytesProcessed(state.iterations() * state.range(0) * RECORD_BYTES);
-}
-BENCHMARK(StreamRecords)->Arg(1)->Arg(500);
-
-CPacketLayerWrapper BuildPacket(int64_t records)
-{
-    const std::vector<char> record(RECORD_BYTES, 'x');
-    CPacketLayerWrapper packet("LOBB", 1, 0);
-    for (int64_t i = 0; i < records; ++i)
-        packet.AddPacket(record.data(), RECORD_BYTES);
+    CPacketLayerWrapper packet("LOBB", 1, 7);
+    for (int i = 0; i < records; ++i)
+        packet.AddPacket(PAYLOAD, PAYLOAD_BYTES);
     return packet;
 }
 
-void BuildRecords(benchmark::State &state)
+struct SFree
 {
-    for (auto _ : state) {
-        CPacketLayerWrapper packet = BuildPacket(state.range(0));
-        benchmark::DoNotOptimize(packet.GetPacket());
-    }
-    state.SetBytesProcessed(state.iterations() * state.range(0) * RECORD_BYTES);
-}
-BENCHMARK(BuildRecords)->Arg(1)->Arg(500);
+    void operator()(char *bytes) const { std::free(bytes); }
+};
 
-void WalkRecords(benchmark::State &state)
+struct SBuffer
 {
-    CPacketLayerWrapper packet = BuildPacket(state.range(0));
-    const std::vector<char> bytes(packet.GetPacket(), packet.GetPacket() + packet.GetPacketSize());
-    for (auto _ : state) {
-        CPacketLayerWrapper reader(bytes.data());
-        while (reader.GetNext())
-            benchmark::DoNotOptimize(reader.GetPayload());
-    }
-    state.SetBytesProcessed(state.iterations() * state.range(0) * RECORD_BYTES);
+    std::unique_ptr<char, SFree> bytes;
+    size_t uSize = 0;
+};
+
+// As exact as the library's buffer.
+void Grow(SBuffer &buffer, size_t size)
+{
+    char *bytes = static_cast<char *>(std::realloc(buffer.bytes.release(), size));
+    buffer.bytes.reset(bytes);
+    buffer.uSize = size;
 }
-BENCHMARK(WalkRecords)->Arg(1)->Arg(500);
+
+SBuffer BuildByHand(int records)
+{
+    SBuffer buffer;
+    Grow(buffer, CPacketLayerWrapper::HEADER_SIZE);
+    std::memcpy(buffer.bytes.get(), "LOBB\1", 5);
+    qToLittleEndian<quint32>(7, buffer.bytes.get() + 5);
+    for (int i = 0; i < records; ++i) {
+        const size_t end = buffer.uSize;
+        Grow(buffer, end + RECORD_BYTES);
+        qToLittleEndian<quint16>(RECORD_BYTES, buffer.bytes.get() + end);
+        std::memcpy(buffer.bytes.get() + end + CPacketLayerWrapper::RECORD_LENGTH_SIZE, PAYLOAD, PAYLOAD_BYTES);
+        qToLittleEndian(quint16(buffer.uSize), buffer.bytes.get() + 9);
+    }
+    return buffer;
+}
+
+quint32 WalkPacket(const char *bytes)
+{
+    quint32 sum = 0;
+    CPacketLayerWrapper packet(bytes);
+    while (packet.GetNext())
+        sum += qFromLittleEndian<quint32>(packet.GetPayload());
+    return sum;
+}
+
+quint32 WalkByHand(const char *bytes)
+{
+    SBuffer copy;
+    Grow(copy, qFromLittleEndian<quint16>(bytes + 9));
+    std::memcpy(copy.bytes.get(), bytes, copy.uSize);
+    const char *end = copy.bytes.get() + copy.uSize;
+    quint32 sum = 0;
+    for (const char *record = copy.bytes.get() + CPacketLayerWrapper::HEADER_SIZE; record < end;) {
+        const auto length = qFromLittleEndian<quint16>(record);
+        sum += qFromLittleEndian<quint32>(record + CPacketLayerWrapper::RECORD_LENGTH_SIZE);
+        record += length;
+    }
+    return sum;
+}
+
+void AddPacketRows()
+{
+    CRow<QByteArray>("packet_build", {10, 100, 1000})
+        .Side("library", BuildPacket,
+              [](CPacketLayerWrapper &packet) { return QByteArray(packet.GetPacket(), packet.GetPacketSize()); })
+        .Side("floor", BuildByHand,
+              [](SBuffer &buffer) { return QByteArray(buffer.bytes.get(), int(buffer.uSize)); });
+
+    const auto packet = std::make_shared<CPacketLayerWrapper>();
+    CRow<quint32>("packet_walk", {10, 100, 1000})
+        .Setup([packet](int records) { *packet = BuildPacket(records); })
+        .Side("library", [packet](int) { return WalkPacket(packet->GetPacket()); })
+        .Side("floor", [packet](int) { return WalkByHand(packet->GetPacket()); });
+}
 
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char **argv)
+{
+    AddEventRow();
+    AddPacketRows();
+    return Bench::RunRows(argc, argv);
+}
+
+#include "bench_plugin.moc"

@@ -1,0 +1,36 @@
+"""What is expected of each row of the benchmarks; the programs say what its sides do."""
+
+from dataclasses import dataclass, field
+from typing import Optional
+
+
+@dataclass
+class Row:
+    key: str  # the name's first part
+    title: str
+    floor: str  # what stands beside it
+    ratio: Optional[float] = None  # at most so many times the floor
+    extra_ns: Optional[float] = None  # or so many nanoseconds above it
+    per: str = ""  # what the time is that of one of
+    items: int = 0  # how many of those, where it isn't n
+    flat: bool = False  # the time doesn't grow with n
+    counters: dict = field(default_factory=dict)  # most of each, at n or at any: {"name": 16} or {"name@10000": 16}
+
+
+PROGRAMS = {
+    "bench_plugin": [
+        Row("event", "event from plugin to host and back", "bare Qt signals by value, slot, virtual call", 1.3),
+        Row("packet_build", "packet built", "realloc to the exact size", 1.2, per="record", flat=True),
+        Row("packet_walk", "packet walked, payloads read", "one private copy, then a pointer", 2, per="record",
+            flat=True),
+    ],
+    "bench_database": [
+        Row("select_one", "CLocalDB::SelectOne by key", "the same SQL text, row as hash", 1.15, per="call", items=64,
+            flat=True),
+        Row("select_all", "CLocalDB::SelectAll", "the same SQL text, row as hash", 1.15, per="row", flat=True),
+    ],
+}
+
+
+def items(row, n):
+    return row.items or (n if row.per else 1)

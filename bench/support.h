@@ -1,0 +1,154 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Pairs of ways to the same result, each measured by Google Benchmark under the name "row/side/n". The side
+/// "library" is judged beside the side "floor"; others are shown. What is expected of the rows stands in bench/run.
+namespace Bench {
+
+inline void Require(bool done, const char *what)
+{
+    if (!done)
+        qFatal("%s failed", what);
+}
+
+/// What the work under measurement tells besides its time; the largest value of a run counts.
+inline std::map<std::string, double> &Counters()
+{
+    static std::map<std::string, double> counters;
+    return counters;
+}
+inline void Count(const char *name, double value)
+{
+    const auto [place, first] = Counters().emplace(name, value);
+    place->second = std::max(place->second, value);
+}
+
+/// Seconds of the iteration under way that don't count, in a row with Prepare().
+inline double &IdleSeconds()
+{
+    static double seconds = 0;
+    return seconds;
+}
+
+/// One row: its sides do the same work for each n. A side whose result isn't the others' ends the program.
+template <typename Result>
+class CRow
+{
+public:
+    CRow(const char *name, std::vector<int> sizes)
+        : m_pShared(std::make_shared<SShared>())
+        , m_sizes(std::move(sizes))
+    {
+        m_pShared->strName = name;
+    }
+
+    /// Called before each run of a side, which may be many iterations.
+    CRow &Setup(std::function<void(int)> setup)
+    {
+        m_pShared->Setup = std::move(setup);
+        return *this;
+    }
+    /// Called before each iteration. Neither this nor the end of the work's result is timed, and the longest
+    /// iteration becomes the counter "longest_ms".
+    CRow &Prepare(std::function<void(int)> prepare)
+    {
+        m_pShared->Prepare = std::move(prepare);
+        return *this;
+    }
+    /// Instead of as many as fill the time of a run.
+    CRow &Iterations(int iterations)
+    {
+        m_iIterations = iterations;
+        return *this;
+    }
+
+    /// \a work takes n; \a tell makes the result of what it answers. A work without Prepare() can be repeated.
+    template <typename Work, typename Tell>
+    CRow &Side(const char *side, Work work, Tell tell)
+    {
+        for (const int n : m_sizes) {
+            const std::string name = m_pShared->strName + '/' + side + '/' + std::to_string(n);
+            auto *registered = benchmark::RegisterBenchmark(
+                name.c_str(), [shared = m_pShared, n, work, tell](benchmark::State &state) mutable {
+                    Run(state, *shared, n, work, tell);
+                });
+            if (m_pShared->Prepare)
+                registered->UseManualTime();
+            if (m_iIterations > 0)
+                registered->Iterations(m_iIterations);
+        }
+        return *this;
+    }
+    template <typename Work>
+    CRow &Side(const char *side, Work work)
+    {
+        return Side(side, work, [](Result &result) { return result; });
+    }
+
+private:
+    struct SShared
+    {
+        std::string strName;
+        std::function<void(int)> Setup;
+        std::function<void(int)> Prepare;
+        std::map<int, Result> results; // of the side that came first, by n
+    };
+
+    template <typename Work, typename Tell>
+    static void Run(benchmark::State &state, SShared &shared, int n, Work &work, Tell &tell)
+    {
+        if (shared.Setup)
+            shared.Setup(n);
+        Counters().clear();
+        std::optional<decltype(work(n))> done;
+        if (shared.Prepare) {
+            for (auto _ : state) {
+                done.reset();
+                shared.Prepare(n);
+                IdleSeconds() = 0;
+                QElapsedTimer clock;
+                clock.start();
+                done.emplace(work(n));
+                const double seconds = double(clock.nsecsElapsed()) / 1e9 - IdleSeconds();
+                state.SetIterationTime(seconds);
+                Count("longest_ms", seconds * 1e3);
+            }
+        } else {
+            for (auto _ : state)
+                benchmark::DoNotOptimize(work(n));
+            done.emplace(work(n));
+        }
+        const auto [place, first] = shared.results.emplace(n, tell(*done));
+        if (!first && !(place->second == tell(*done)))
+            qFatal("%s: the sides differ at %d", shared.strName.c_str(), n);
+        for (const auto &[name, value] : Counters())
+            state.counters[name] = value;
+    }
+
+    std::shared_ptr<SShared> m_pShared;
+    std::vector<int> m_sizes;
+    int m_iIterations = 0;
+};
+
+/// For main(), behind the making of the rows.
+inline int RunRows(int argc, char **argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
+
+} // namespace Bench
