@@ -29,6 +29,13 @@ PROGRAMS = {
             flat=True),
         Row("select_all", "CLocalDB::SelectAll", "the same SQL text, row as hash", 1.15, per="row", flat=True),
     ],
+    "bench_settings": [
+        Row("settings_changed", "flush of changed settings", "one transaction, SQL text: a select and a replace each",
+            1.2, counters={"longest_ms": 16}),
+        Row("settings_unchanged", "flush of unchanged settings", "one transaction, SQL text: a select each", 1.15,
+            counters={"writes": 0}),
+        Row("settings_login", "settings at login, with setters and signals", "SQL text, rows as hashes", 2),
+    ],
 }
 
 

@@ -53,17 +53,18 @@ public:
         m_pShared->strName = name;
     }
 
-    /// Called before each run of a side, which may be many iterations.
+    /// Called before each run of the sides that follow; a run may be many iterations.
     CRow &Setup(std::function<void(int)> setup)
     {
-        m_pShared->Setup = std::move(setup);
+        m_Setup = std::move(setup);
         return *this;
     }
-    /// Called before each iteration. Neither this nor the end of the work's result is timed, and the longest
-    /// iteration becomes the counter "longest_ms".
+    /// Called before each iteration of the sides that follow. Neither this nor the end of the work's result is timed,
+    /// and the longest iteration becomes the counter "longest_ms". The time is that of the clock then; without it,
+    /// the processor's.
     CRow &Prepare(std::function<void(int)> prepare)
     {
-        m_pShared->Prepare = std::move(prepare);
+        m_Prepare = std::move(prepare);
         return *this;
     }
     /// Instead of as many as fill the time of a run.
@@ -80,10 +81,9 @@ public:
         for (const int n : m_sizes) {
             const std::string name = m_pShared->strName + '/' + side + '/' + std::to_string(n);
             auto *registered = benchmark::RegisterBenchmark(
-                name.c_str(), [shared = m_pShared, n, work, tell](benchmark::State &state) mutable {
-                    Run(state, *shared, n, work, tell);
-                });
-            if (m_pShared->Prepare)
+                name.c_str(),
+                [row = *this, n, work, tell](benchmark::State &state) mutable { row.Run(state, n, work, tell); });
+            if (m_Prepare)
                 registered->UseManualTime();
             if (m_iIterations > 0)
                 registered->Iterations(m_iIterations);
@@ -100,22 +100,20 @@ private:
     struct SShared
     {
         std::string strName;
-        std::function<void(int)> Setup;
-        std::function<void(int)> Prepare;
         std::map<int, Result> results; // of the side that came first, by n
     };
 
     template <typename Work, typename Tell>
-    static void Run(benchmark::State &state, SShared &shared, int n, Work &work, Tell &tell)
+    void Run(benchmark::State &state, int n, Work &work, Tell &tell)
     {
-        if (shared.Setup)
-            shared.Setup(n);
+        if (m_Setup)
+            m_Setup(n);
         Counters().clear();
         std::optional<decltype(work(n))> done;
-        if (shared.Prepare) {
+        if (m_Prepare) {
             for (auto _ : state) {
                 done.reset();
-                shared.Prepare(n);
+                m_Prepare(n);
                 IdleSeconds() = 0;
                 QElapsedTimer clock;
                 clock.start();
@@ -129,15 +127,18 @@ private:
                 benchmark::DoNotOptimize(work(n));
             done.emplace(work(n));
         }
-        const auto [place, first] = shared.results.emplace(n, tell(*done));
-        if (!first && !(place->second == tell(*done)))
-            qFatal("%s: the sides differ at %d", shared.strName.c_str(), n);
+        const Result result = tell(*done);
+        const auto [place, first] = m_pShared->results.emplace(n, result);
+        if (!first && !(place->second == result))
+            qFatal("%s: the sides differ at %d", m_pShared->strName.c_str(), n);
         for (const auto &[name, value] : Counters())
             state.counters[name] = value;
     }
 
     std::shared_ptr<SShared> m_pShared;
     std::vector<int> m_sizes;
+    std::function<void(int)> m_Setup;
+    std::function<void(int)> m_Prepare;
     int m_iIterations = 0;
 };
 
