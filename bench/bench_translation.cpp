@@ -1,146 +1,198 @@
-// How long a switch of the language takes until the last of 620 texts on screen has its new one: 500 translation
-// objects, 100 actions and 20 menus, each with a text of its own. The peer is the least that a catalogue without a
-// cache needs: one look-up a text, by a prepared statement of the plain SQLite C API in the same file.
+// Texts of the catalogue and amounts of money, beside the same SQL text through QSqlQuery on the same connection.
+
+#include "support.h"
 
 #include <database/ConfigDB.h>
 #include <database/SettingsDB.h>
 #include <database/TranslationDB.h>
 #include <files/Pathes.h>
-#include <settings/Settings.h>
+#include <money/MoneySpinner.h>
+#include <money/MoneyStrings.h>
+#include <support/InstallationTree.h>
 #include <translation/Translation.h>
-#include <translation/TranslationObject.h>
 
-#include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
-#include <QApplication>
-#include <QDir>
-#include <QMenu>
-#include <QTemporaryDir>
-
-#include <memory>
-#include <vector>
+#include <QCoreApplication>
+#include <QLocale>
+#include <QSqlDriver>
 
 namespace {
 
-constexpr int OBJECTS = 500;
-constexpr int ACTIONS = 100;
-constexpr int MENUS = 20;
-constexpr int TEXTS = OBJECTS + ACTIONS + MENUS;
-constexpr int FILE_TEXTS = 3000; // of each of the two languages
+using Bench::CRow;
+using Bench::Require;
 
-void Require(bool done, const char *what)
+constexpr int KEYS = 64; // that are asked for in turn
+constexpr unsigned int AMOUNT = 123456789;
+constexpr unsigned int CHIPS = 1234567;
+constexpr int DIGITS = 16; // more than an amount has
+const QString AREA = QStringLiteral("bench");
+const QString CORE = QStringLiteral("core");
+
+void Run(const QString &sql)
 {
-    if (!done)
-        qFatal("%s failed", what);
+    Require(CTranslationDB::GetInstance()->Exec(sql), qUtf8Printable(sql));
 }
 
-// The text of each place in the file is the place itself in the first language, the place negated in the second.
-void MakeCatalogue(sqlite3 *file)
+void MakeCatalogue()
 {
-    const auto run = [file](const QByteArray &sql) {
-        Require(sqlite3_exec(file, sql.constData(), nullptr, nullptr, nullptr) == SQLITE_OK, sql.constData());
-    };
-    run("BEGIN");
-    run("CREATE TABLE tbl_availablelanguages (AVL_iID INTEGER PRIMARY KEY, AVL_cShort TEXT, AVL_cLong TEXT)");
-    run("INSERT INTO tbl_availablelanguages VALUES (1, 'en', 'English'), (2, 'de', 'Deutsch')");
-    run("CREATE TABLE tbl_translations (TRL_AVL_iID INTEGER, TRL_cArea TEXT, TRL_cKey TEXT, TRL_cTranslation TEXT)");
-    run("CREATE UNIQUE INDEX idx_translations ON tbl_translations (TRL_AVL_iID, TRL_cArea, TRL_cKey)");
-    for (int place = 0; place < FILE_TEXTS; ++place) {
-        const QByteArray number = QByteArray::number(place);
-        run("INSERT INTO tbl_translations VALUES (1, 'bench', 'text_" + number + "', '" + number + "'), " +
-            "(2, 'bench', 'text_" + number + "', '-" + number + "')");
-    }
-    run("COMMIT");
+    Run(QStringLiteral("CREATE TABLE tbl_availablelanguages (AVL_iID INTEGER PRIMARY KEY, AVL_cShort TEXT,"
+                       " AVL_cLong TEXT)"));
+    Run(QStringLiteral("INSERT INTO tbl_availablelanguages VALUES (1, 'en', 'English')"));
+    Run(QStringLiteral("CREATE TABLE tbl_translations (TRL_AVL_iID INTEGER, TRL_cArea TEXT, TRL_cKey TEXT,"
+                       " TRL_cTranslation TEXT)"));
+    Run(QStringLiteral(
+        "CREATE UNIQUE INDEX idx_translations ON tbl_translations (TRL_AVL_iID, TRL_cArea, TRL_cKey)"));
+    Run(QStringLiteral("INSERT INTO tbl_translations VALUES (1, 'core', 'currency', '$'),"
+                       " (1, 'core', 'money_decimalseperator', '.'), (1, 'core', 'money_thousandsseperator', ',')"));
 }
 
-// An installation and the texts on its screen. It is there once; the library's objects live as long.
-struct SScreen
+void Fill(int texts)
 {
-    SScreen()
+    static int present = 0;
+    if (texts == present)
+        return;
+    present = texts;
+    Run(QStringLiteral("DELETE FROM tbl_translations WHERE TRL_cArea = 'bench'"));
+    Run(QStringLiteral("WITH RECURSIVE texts(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM texts WHERE i < %1 - 1)"
+                       " INSERT INTO tbl_translations SELECT 1, 'bench', 'text_' || i, 'the text ' || i FROM texts")
+            .arg(texts));
+}
+
+QString LookUpLiteral(const QString &key, const QString &area)
+{
+    QSqlQuery query(QSqlDatabase::database(Pathes::LanguageDB()));
+    query.setForwardOnly(true);
+    Require(query.exec(QStringLiteral("SELECT TRL_cTranslation FROM 'tbl_translations' WHERE TRL_cArea='%1' AND"
+                                      " TRL_cKey='%2' AND TRL_AVL_iID='1' LIMIT 1")
+                           .arg(area, key)) &&
+                query.next(),
+            "the literal look-up");
+    return query.value(0).toString();
+}
+
+QString LookUp(const QString &key, const QString &area)
+{
+    return CTranslation::GetInstance()->GetTranslatedString(key, area, -1);
+}
+
+template <typename Find>
+QStringList LookUpKeys(int texts, Find find)
+{
+    QStringList found;
+    for (int i = 0; i < KEYS; ++i)
+        found.append(find(QStringLiteral("text_%1").arg(qint64(i) * texts / KEYS), AREA));
+    return found;
+}
+
+// Digits in a buffer, with signs that are known.
+QString FormatByHand(const QString &sign, const QString &separator, const QString &decimal, unsigned int cents)
+{
+    QChar buffer[DIGITS * 2];
+    QChar *begin = std::end(buffer);
+    const auto put = [&begin](unsigned int digit) { *--begin = QChar(ushort('0' + digit)); };
+    unsigned int whole = cents;
+    if (!decimal.isEmpty()) {
+        put(cents % 10);
+        put(cents / 10 % 10);
+        *--begin = decimal.at(0);
+        whole /= 100;
+    }
+    int digits = 0;
+    do {
+        if (digits > 0 && digits % 3 == 0 && !separator.isEmpty())
+            *--begin = separator.at(0);
+        put(whole % 10);
+        whole /= 10;
+        ++digits;
+    } while (whole > 0);
+    if (!sign.isEmpty())
+        *--begin = sign.at(0);
+    return QString(begin, int(std::end(buffer) - begin));
+}
+
+QString AmountByHand(int)
+{
+    const QString decimal = LookUp(QStringLiteral("MONEY_DECIMALSEPERATOR"), CORE);
+    LookUp(QStringLiteral("MONEY_THOUSANDSSEPERATOR"), CORE); // one for each of two groups, as the library does
+    const QString separator = LookUp(QStringLiteral("MONEY_THOUSANDSSEPERATOR"), CORE);
+    return FormatByHand(LookUp(QStringLiteral("CURRENCY"), CORE), separator, decimal, AMOUNT);
+}
+
+// Statements that SQLite begins on the catalogue's connection.
+class CStatementCount
+{
+public:
+    CStatementCount()
     {
-        const QString client = dir.filePath(QStringLiteral("Contents/Client"));
-        Require(QDir().mkpath(client) && QDir(client).mkpath(QStringLiteral("../Resources")) &&
-                    QDir(client).mkpath(QStringLiteral("../Tmp")) && QDir::setCurrent(client),
-                "the installation");
-        Require(sqlite3_open(qUtf8Printable(Pathes::LanguageDB()), &plain) == SQLITE_OK, "the catalogue's file");
-        MakeCatalogue(plain);
-        CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold
-        Require(CSettingsDB::GetInstance()->Init() && CTranslationDB::GetInstance()->Init(), "the databases");
-        for (int place = 0; place < TEXTS; ++place) {
-            objects.push_back(std::make_unique<CTranslationObject>());
-            Show(*objects.back(), place);
-            objects.back()->SetTranslationKey(QStringLiteral("TEXT_%1").arg(place), QStringLiteral("BENCH"));
-        }
+        const auto count = [](unsigned int, void *context, void *, void *) {
+            return ++*static_cast<int *>(context), 0;
+        };
+        sqlite3_trace_v2(Handle(), SQLITE_TRACE_STMT, count, &m_iStatements);
+    }
+    ~CStatementCount() { sqlite3_trace_v2(Handle(), 0, nullptr, nullptr); }
+    Q_DISABLE_COPY_MOVE(CStatementCount)
+    int Get() const { return m_iStatements; }
+
+private:
+    static sqlite3 *Handle()
+    {
+        const QVariant handle = QSqlDatabase::database(Pathes::LanguageDB()).driver()->handle();
+        return *static_cast<sqlite3 *const *>(handle.constData());
     }
 
-    void Show(CTranslationObject &text, int place)
-    {
-        if (place < OBJECTS)
-            return;
-        if (place < OBJECTS + ACTIONS) {
-            actions.push_back(std::make_unique<QAction>());
-            QObject::connect(&text, &CTranslationObject::signal_TextChanged, actions.back().get(),
-                             [action = actions.back().get(), &text] { action->setText(text.GetTranslatedText()); });
-        } else {
-            menus.push_back(std::make_unique<QMenu>());
-            QObject::connect(&text, &CTranslationObject::signal_TextChanged, menus.back().get(),
-                             [menu = menus.back().get(), &text] { menu->setTitle(text.GetTranslatedText()); });
-        }
-    }
-
-    QTemporaryDir dir;
-    sqlite3 *plain = nullptr;
-    std::vector<std::unique_ptr<CTranslationObject>> objects;
-    std::vector<std::unique_ptr<QAction>> actions;
-    std::vector<std::unique_ptr<QMenu>> menus;
+    int m_iStatements = 0;
 };
-SScreen *pScreen = nullptr;
 
-void Switch(benchmark::State &state)
+unsigned int Spin(int)
 {
-    int language = CTranslation::GetInstance()->GetLanguage().iID;
-    for (auto _ : state) {
-        language = 3 - language;
-        CSettings::GetInstance()->SetSelectedLanguage(language, nullptr, false);
-    }
-    const QString sign = language == 1 ? QString() : QStringLiteral("-");
-    Require(pScreen->actions.back()->text() == sign + QString::number(OBJECTS + ACTIONS - 1) &&
-                pScreen->menus.back()->title() == sign + QString::number(TEXTS - 1),
-            "the switch");
+    CMoneySpinner spinner(0, GlobalDefines::MONEYTYPE_DOLLAR);
+    const CStatementCount count;
+    int steps = 0;
+    QObject::connect(&spinner, &CMoneySpinnerDataModel::signal_D1Changed, &spinner, [&steps] { ++steps; });
+    spinner.slot_SetValue(AMOUNT / 100);
+    while (spinner.GetValue() != AMOUNT / 100)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    Require(steps > 2, "the run of the spinner");
+    Bench::Count("statements", count.Get());
+    return spinner.GetValue();
 }
-BENCHMARK(Switch)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-void PreparedLookups(benchmark::State &state)
+void AddRows()
 {
-    sqlite3_stmt *statement = nullptr;
-    sqlite3_prepare_v2(pScreen->plain,
-                       "SELECT TRL_cTranslation FROM tbl_translations WHERE TRL_cArea = 'bench' AND TRL_cKey = ? AND "
-                       "TRL_AVL_iID = 2",
-                       -1, &statement, nullptr);
-    for (auto _ : state) {
-        for (int place = 0; place < TEXTS; ++place) {
-            const QByteArray key = "text_" + QByteArray::number(place);
-            sqlite3_bind_text(statement, 1, key.constData(), key.size(), SQLITE_STATIC);
-            Require(sqlite3_step(statement) == SQLITE_ROW, "a prepared look-up");
-            benchmark::DoNotOptimize(sqlite3_column_text(statement, 0));
-            sqlite3_reset(statement);
-        }
-    }
-    sqlite3_finalize(statement);
+    CRow<QStringList>("text", {100, 1000, 10000, 100000})
+        .Setup(Fill)
+        .Side("library", [](int texts) { return LookUpKeys(texts, LookUp); })
+        .Side("floor", [](int texts) { return LookUpKeys(texts, LookUpLiteral); });
+    CRow<QString>("money_chips", {1})
+        .Side("library", [](int) { return Globals::MoneyToString(GlobalDefines::MONEYTYPE_TOURN, CHIPS, false); })
+        .Side("floor", [](int) { return FormatByHand(QString(), QString(), QString(), CHIPS); });
+    CRow<QString>("money_amount", {1})
+        .Setup([](int) { Fill(1000); })
+        .Side("library", [](int) { return Globals::MoneyToString(GlobalDefines::MONEYTYPE_DOLLAR, AMOUNT, true); })
+        .Side("floor", AmountByHand)
+        .Side("QLocale, which looks nothing up", [](int) {
+            static const QLocale locale(QLocale::English, QLocale::UnitedStates);
+            return QLatin1Char('$') + locale.toString(AMOUNT / 100.0, 'f', 2);
+        });
+    CRow<unsigned int>("money_spinner", {1}).Prepare([](int) {}).Iterations(1).Side("library", Spin);
 }
-BENCHMARK(PreparedLookups)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    SScreen screen;
-    pScreen = &screen;
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    sqlite3_close(screen.plain);
-    return 0;
+    const QCoreApplication application(argc, argv); // the SQL driver is a plugin of Qt
+    const CInstallationTree installation;
+    installation.WriteFile(QStringLiteral("Resources/language.sqlite"), QByteArray());
+    CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold
+    Require(CSettingsDB::GetInstance()->Init() && CTranslationDB::GetInstance()->Init(), "the databases");
+    MakeCatalogue();
+    {
+        const CStatementCount count;
+        LookUp(QStringLiteral("CURRENCY"), CORE);
+        Require(count.Get() > 0, "the count of statements");
+    }
+    AddRows();
+    return Bench::RunRows(argc, argv);
 }

@@ -36,6 +36,13 @@ PROGRAMS = {
             counters={"writes": 0}),
         Row("settings_login", "settings at login, with setters and signals", "SQL text, rows as hashes", 2),
     ],
+    "bench_translation": [
+        Row("text", "text looked up", "the same SQL text on an indexed table", 1.15, per="text", items=64, flat=True),
+        Row("money_chips", "MoneyToString without look-ups", "digits in a buffer", extra_ns=400),
+        Row("money_amount", "MoneyToString of $1,234,567.89", "its four look-ups, and digits in a buffer",
+            extra_ns=400),
+        Row("money_spinner", "money spinner's run", "", counters={"statements": 0}),
+    ],
 }
 
 
