@@ -14,6 +14,7 @@ class Row:
     per: str = ""  # what the time is that of one of
     items: int = 0  # how many of those, where it isn't n
     flat: bool = False  # the time doesn't grow with n
+    wall: bool = False  # the time is the clock's, not the processor's
     counters: dict = field(default_factory=dict)  # most of each, at n or at any: {"name": 16} or {"name@10000": 16}
 
 
@@ -31,7 +32,7 @@ PROGRAMS = {
     ],
     "bench_settings": [
         Row("settings_changed", "flush of changed settings", "one transaction, SQL text: a select and a replace each",
-            1.2, counters={"longest_ms": 16}),
+            1.2, wall=True, counters={"longest_ms": 16}),
         Row("settings_unchanged", "flush of unchanged settings", "one transaction, SQL text: a select each", 1.15,
             counters={"writes": 0}),
         Row("settings_login", "settings at login, with setters and signals", "SQL text, rows as hashes", 2),
@@ -42,6 +43,22 @@ PROGRAMS = {
         Row("money_amount", "MoneyToString of $1,234,567.89", "its four look-ups, and digits in a buffer",
             extra_ns=400),
         Row("money_spinner", "money spinner's run", "", counters={"statements": 0}),
+    ],
+    "bench_players": [
+        Row("find", "player found by nickname", "QHash of shared pointers", 1.3, per="player", flat=True),
+        Row("setter", "setter with one listener", "compare, store, emit", 1.3, per="change", items=1000),
+        Row("player", "player made", "QObject with the same 13 fields", per="player",
+            counters={"bytes_a_player": 1000}),
+        Row("restart", "change of a player who waits to be saved", "one shared queue, without the change itself",
+            per="player", flat=True),
+        Row("load", "notes loaded into players", "read, hash, set", 1.5, per="note", flat=True),
+        Row("save", "saves after such a load", "write-ahead log, a prepared upsert a row", 2, per="note",
+            wall=True, counters={"longest_turn_ms@10000": 16}),
+    ],
+    "bench_sync": [
+        Row("sync_build", "JSON for the web server", "QJsonDocument from a variant map", 1.2, per="note", flat=True),
+        Row("sync_take_in", "JSON from the web server taken in", "QJsonDocument to a variant map, and the upserts", 1.2,
+            per="note", flat=True),
     ],
 }
 

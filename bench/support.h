@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include <time.h>
+
 /// Pairs of ways to the same result, each measured by Google Benchmark under the name "row/side/n". The side
 /// "library" is judged beside the side "floor"; others are shown. What is expected of the rows stands in bench/run.
 namespace Bench {
@@ -32,6 +34,14 @@ inline void Count(const char *name, double value)
 {
     const auto [place, first] = Counters().emplace(name, value);
     place->second = std::max(place->second, value);
+}
+
+/// What the thread has had of the processor.
+inline double ProcessorNanoseconds()
+{
+    timespec time;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e9 + double(time.tv_nsec);
 }
 
 /// Seconds of the iteration under way that don't count, in a row with Prepare().
@@ -110,6 +120,7 @@ private:
             m_Setup(n);
         Counters().clear();
         std::optional<decltype(work(n))> done;
+        double processor = 0;
         if (m_Prepare) {
             for (auto _ : state) {
                 done.reset();
@@ -117,7 +128,9 @@ private:
                 IdleSeconds() = 0;
                 QElapsedTimer clock;
                 clock.start();
+                const double begin = ProcessorNanoseconds();
                 done.emplace(work(n));
+                processor += ProcessorNanoseconds() - begin;
                 const double seconds = double(clock.nsecsElapsed()) / 1e9 - IdleSeconds();
                 state.SetIterationTime(seconds);
                 Count("longest_ms", seconds * 1e3);
@@ -127,6 +140,7 @@ private:
                 benchmark::DoNotOptimize(work(n));
             done.emplace(work(n));
         }
+        state.counters["cpu_ns"] = benchmark::Counter(processor, benchmark::Counter::kAvgIterations);
         const Result result = tell(*done);
         const auto [place, first] = m_pShared->results.emplace(n, result);
         if (!first && !(place->second == result))

@@ -1,0 +1,296 @@
+// Live players: how they are found, changed, kept in memory, loaded with the user's notes, and saved.
+
+#include "Notes.h"
+
+#include <QThread>
+
+#include <list>
+
+namespace {
+
+using namespace Notes;
+using Bench::CRow;
+
+constexpr double IDLE_SECONDS = 5e-5; // a turn of the event loop that has written nothing
+constexpr int CHANGES = 1000;
+
+// A player as a program would write one by hand, with the same fields.
+class CBarePlayer : public QObject
+{
+    Q_OBJECT
+
+public:
+    void SetVipLevel(unsigned int level)
+    {
+        if (m_ulVipLevel == level)
+            return;
+        m_ulVipLevel = level;
+        Q_EMIT signal_VipLevelChanged(level);
+    }
+
+    QString m_strNickname;
+    QString m_strInfoText;
+    QString m_strNotes;
+    unsigned int m_ulVipLevel = 0;
+    unsigned int m_ulCustomAvatar = 0;
+    unsigned int m_ulTagID = 0;
+    unsigned short m_usCartoonAvatar = 0;
+    unsigned char m_ucSex = 0;
+    unsigned char m_ucRating = 0;
+    bool m_bBuddy = false;
+    bool m_bOnline = false;
+    bool m_bBuddyBlocked = false;
+    bool m_bChatBlock = false;
+
+Q_SIGNALS:
+    void signal_VipLevelChanged(quint32 level);
+};
+
+template <typename Player>
+using TPlayers = QHash<QString, QSharedPointer<Player>>;
+
+// Players whose nicknames are asked for in an order that isn't the one of their making.
+struct SFound
+{
+    QStringList names;
+    TPlayers<CPlayerModel> players; // not owned
+};
+
+void MakePlayers(SFound &found, int players)
+{
+    found = {};
+    ForgetPlayers();
+    for (int i = 0; i < players; ++i) {
+        found.names.append(Nickname(int(qint64(i) * 7919 % players)));
+        CPlayerModel *player = CPlayerModel::GetInstance(Nickname(i));
+        found.players.insert(Nickname(i), QSharedPointer<CPlayerModel>(player, [](CPlayerModel *) {}));
+    }
+}
+
+template <typename Find>
+bool FindAll(const QStringList &names, Find find)
+{
+    quintptr mixed = 0;
+    for (const QString &name : names)
+        mixed ^= quintptr(find(name));
+    return mixed != 0;
+}
+
+void AddFindRow()
+{
+    const auto found = std::make_shared<SFound>();
+    CRow<bool>("find", {100, 1000, 10000, 100000})
+        .Setup([found](int players) {
+            MakePlayers(*found, players);
+            for (const QString &name : qAsConst(found->names))
+                Require(CPlayerModel::GetInstance(name) == found->players.value(name).data(), "the same player");
+        })
+        .Side("library", [found](int) { return FindAll(found->names, CPlayerModel::GetInstance); })
+        .Side("floor", [found](int) {
+            return FindAll(found->names, [&](const QString &name) { return found->players.value(name).data(); });
+        });
+}
+
+template <typename Player>
+quint64 ChangeLevels(Player &player, quint64 &heard)
+{
+    heard = 0;
+    for (unsigned int i = 0; i < CHANGES; ++i)
+        player.SetVipLevel(i % 2 + 1);
+    return heard;
+}
+
+template <typename Player, typename Signal>
+void AddSetterSide(CRow<quint64> &row, const char *side, Signal signal)
+{
+    const auto player = std::make_shared<Player>();
+    const auto heard = std::make_shared<quint64>();
+    QObject::connect(player.get(), signal, player.get(), [heard](quint32 level) { *heard += level; });
+    row.Side(side, [player, heard](int) { return ChangeLevels(*player, *heard); });
+}
+
+double BytesInUse()
+{
+    const auto memory = mallinfo2();
+    return double(memory.uordblks + memory.hblkhd);
+}
+
+void AddMemoryRow()
+{
+    const auto before = std::make_shared<double>();
+    const auto bare = std::make_shared<TPlayers<CBarePlayer>>();
+    const auto tell = [before](int &players) {
+        Bench::Count("bytes_a_player", (BytesInUse() - *before) / players);
+        return players;
+    };
+    CRow<int>("player", {10000})
+        .Prepare([before, bare](int) {
+            bare->clear();
+            ForgetPlayers();
+            *before = BytesInUse();
+        })
+        .Side(
+            "library",
+            [](int players) {
+                for (int i = 0; i < players; ++i)
+                    CPlayerModel::GetInstance(Nickname(i));
+                return players;
+            },
+            tell)
+        .Side(
+            "floor",
+            [bare](int players) {
+                for (int i = 0; i < players; ++i) {
+                    const QSharedPointer<CBarePlayer> player(new CBarePlayer);
+                    player->m_strNickname = Nickname(i);
+                    bare->insert(player->m_strNickname, player);
+                }
+                return bare->size();
+            },
+            tell);
+}
+
+// What waits, in the order of its last change.
+struct SQueue
+{
+    struct SEntry
+    {
+        CPlayerModel *pModel;
+        qint64 iDue;
+    };
+    std::list<SEntry> waiting;
+    QHash<CPlayerModel *, std::list<SEntry>::iterator> places;
+    QElapsedTimer clock;
+};
+
+void RestartByHand(SQueue &queue, CPlayerModel *model)
+{
+    const qint64 due = queue.clock.elapsed() + 3000;
+    auto place = queue.places.find(model);
+    if (place == queue.places.end())
+        place = queue.places.insert(model, queue.waiting.insert(queue.waiting.end(), {model, due}));
+    queue.waiting.splice(queue.waiting.end(), queue.waiting, *place);
+    queue.waiting.back().iDue = due;
+}
+
+void AddRestartRow()
+{
+    const auto found = std::make_shared<SFound>();
+    const auto queue = std::make_shared<SQueue>();
+    const auto change = [found, rating = std::make_shared<unsigned char>()](int players) {
+        ++*rating;
+        for (const auto &player : qAsConst(found->players))
+            player->SetRating(*rating);
+        return players;
+    };
+    const auto restart = [found, queue](int) {
+        for (const auto &player : qAsConst(found->players))
+            RestartByHand(*queue, player.data());
+        return int(queue->waiting.size());
+    };
+    CRow<int>("restart", {100, 1000, 10000, 100000})
+        .Setup([=](int players) {
+            MakePlayers(*found, players);
+            *queue = {};
+            queue->clock.start();
+            change(players);
+            restart(players);
+        })
+        .Side("library", change)
+        .Side("floor", restart);
+}
+
+int LoadByHand(CFile &file, TPlayers<CPlayerDataModel> &players)
+{
+    sqlite3_stmt *select =
+        file.Prepare("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID FROM tbl_playerinfo WHERE PIN_cUser = 'alice'");
+    while (sqlite3_step(select) == SQLITE_ROW) {
+        const QSharedPointer<CPlayerDataModel> player(new CPlayerDataModel);
+        player->SetNickname(CFile::Text(select, 0));
+        player->SetNotes(CFile::Text(select, 1));
+        player->SetTagID(static_cast<unsigned int>(sqlite3_column_int(select, 2)));
+        players.insert(player->GetNickname(), player);
+    }
+    sqlite3_finalize(select);
+    return players.size();
+}
+
+void AddLoadRow(const std::shared_ptr<CFile> &file)
+{
+    const auto players = std::make_shared<TPlayers<CPlayerDataModel>>();
+    CRow<int>("load", {100, 1000, 10000, 100000})
+        .Prepare([file, players](int notes) {
+            players->clear();
+            file->Fill(notes);
+        })
+        .Side(
+            "library",
+            [](int notes) {
+                Require(PlayerInfo::LoadInfo(), "the load");
+                return notes;
+            },
+            [](int &notes) {
+                for (int i = 0; i < notes; ++i)
+                    Require(CPlayerModel::GetInstance(Nickname(i))->GetNotes() == Note(i), "a note");
+                return notes;
+            })
+        .Side("floor", [file, players](int) { return LoadByHand(*file, *players); });
+}
+
+// Turns the event loop until all is written; what counts are the turns that write.
+bool SaveThroughLibrary(CFile &file, int notes)
+{
+    for (bool done = false; !done;) {
+        QElapsedTimer clock;
+        clock.start();
+        QCoreApplication::processEvents();
+        const double turn = double(clock.nsecsElapsed()) / 1e9;
+        Bench::Count("longest_turn_ms", turn * 1e3);
+        if (turn >= IDLE_SECONDS)
+            continue;
+        done = file.Count(TIME_WRITTEN) == notes;
+        QThread::msleep(1);
+        Bench::IdleSeconds() += double(clock.nsecsElapsed()) / 1e9;
+    }
+    return true;
+}
+
+void AddSaveRow(const std::shared_ptr<CFile> &file)
+{
+    const auto check = [file](bool &) { return file->Count(TIME_WRITTEN); };
+    CRow<int>("save", {1000, 10000})
+        .Prepare([file](int notes) {
+            file->Fill(notes);
+            Require(PlayerInfo::LoadInfo(), "the load");
+        })
+        .Iterations(1)
+        .Side(
+            "library", [file](int notes) { return SaveThroughLibrary(*file, notes); }, check)
+        .Side(
+            "floor",
+            [file](int notes) {
+                file->Write(notes, TIME_WRITTEN);
+                return true;
+            },
+            check);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv); // the SQL driver is a plugin of Qt
+    const CInstallationTree installation;
+    const auto file = std::make_shared<CFile>();
+    AddFindRow();
+    CRow<quint64> setter("setter", {1});
+    AddSetterSide<CPlayerDataModel>(setter, "library", &CPlayerDataModel::signal_VipLevelChanged);
+    AddSetterSide<CBarePlayer>(setter, "floor", &CBarePlayer::signal_VipLevelChanged);
+    AddMemoryRow();
+    AddRestartRow();
+    AddLoadRow(file);
+    AddSaveRow(file);
+    return Bench::RunRows(argc, argv);
+}
+
+#include "bench_players.moc"

@@ -1,0 +1,140 @@
+// The exchange of notes with the web server: what the client sends and what it takes in, beside the same JSON by way
+// of variant maps.
+
+#include "Notes.h"
+
+#include <settings/SettingsSync.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+using namespace Notes;
+using Bench::CRow;
+
+const QString NICK = QStringLiteral("nick");
+const QString NOTE = QStringLiteral("note");
+const QString TAG = QStringLiteral("tag");
+const QString FLAGS = QStringLiteral("flags");
+const QString TIME = QStringLiteral("time");
+const QString INFOS = QStringLiteral("playerinfos");
+
+QByteArray MakeAnswer(int notes)
+{
+    QJsonArray infos;
+    for (int note = 0; note < notes; ++note)
+        infos.append(QJsonObject{
+            {NICK, Nickname(note)}, {NOTE, Note(note)}, {TAG, 3}, {FLAGS, Flags(note)}, {TIME, int(TIME_WRITTEN)}});
+    const QJsonObject answer{{QStringLiteral("usersettingstime"), 0},
+                             {QStringLiteral("playerinfostime"), int(TIME_WRITTEN)},
+                             {INFOS, infos}};
+    return QJsonDocument(answer).toJson();
+}
+
+QVariantMap MapOfNotes(const QVariantList &infos)
+{
+    return {{QStringLiteral("usersettingstime"), QStringLiteral("0")},
+            {QStringLiteral("playerinfostime"), QString::number(TIME_FOUND)},
+            {QStringLiteral("usersettings"), QVariantList()},
+            {INFOS, infos}};
+}
+
+QVariantMap ReadMap(CFile &file)
+{
+    QVariantList infos;
+    sqlite3_stmt *select = file.Prepare("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID, PIN_iPlayerFlags, PIN_iTimestamp"
+                                        " FROM tbl_playerinfo WHERE PIN_cUser = 'alice' AND PIN_iTimestamp > 0");
+    while (sqlite3_step(select) == SQLITE_ROW)
+        infos.append(QVariantMap{{NICK, CFile::Text(select, 0)},
+                                 {NOTE, CFile::Text(select, 1)},
+                                 {TAG, CFile::Text(select, 2)},
+                                 {FLAGS, CFile::Text(select, 3)},
+                                 {TIME, CFile::Text(select, 4)}});
+    sqlite3_finalize(select);
+    return MapOfNotes(infos);
+}
+
+QByteArray WriteMap(const QVariantMap &map)
+{
+    return QJsonDocument(QJsonObject::fromVariantMap(map)).toJson();
+}
+
+void AddBuildRow(const std::shared_ptr<CFile> &file)
+{
+    const auto map = std::make_shared<QVariantMap>();
+    CRow<QByteArray>("sync_build", {100, 1000, 10000, 100000})
+        .Setup([file, map](int notes) {
+            file->Fill(notes);
+            CSettingsSync::GetInstance()->ReadJSON("{}"); // a server that has nothing yet
+            CSettingsSync::GetInstance()->GetLocalTimestamps();
+            *map = ReadMap(*file);
+        })
+        .Side("library", [](int) { return CSettingsSync::GetInstance()->CreateJSONforSync(); })
+        .Side("floor", [map](int) { return WriteMap(*map); })
+        .Side("floor with the reading", [file](int) { return WriteMap(ReadMap(*file)); });
+}
+
+// Into variant maps, and the rows in one transaction.
+int TakeInByHand(CFile &file, const QByteArray &answer)
+{
+    const QVariantMap map = QJsonDocument::fromJson(answer).object().toVariantMap();
+    const int notes = map.value(INFOS).toList().size();
+    file.Run("BEGIN");
+    file.Write(notes, TIME_WRITTEN);
+    file.Run("COMMIT");
+    return notes;
+}
+
+// What only the library does, by itself: all into the players.
+void LoadByHand(int notes)
+{
+    QHash<QString, QSharedPointer<CPlayerDataModel>> players;
+    for (int note = 0; note < notes; ++note) {
+        const QSharedPointer<CPlayerDataModel> player(new CPlayerDataModel);
+        player->SetNickname(Nickname(note));
+        player->SetNotes(Note(note));
+        player->SetTagID(3);
+        players.insert(player->GetNickname(), player);
+    }
+    benchmark::DoNotOptimize(players);
+}
+
+void AddTakeInRow(const std::shared_ptr<CFile> &file)
+{
+    const auto answer = std::make_shared<QByteArray>();
+    const auto check = [file](int &) { return file->Count(TIME_WRITTEN); };
+    CRow<int>("sync_take_in", {100, 1000, 10000, 100000})
+        .Setup([answer](int notes) { *answer = MakeAnswer(notes); })
+        .Prepare([file](int) { file->Fill(0); })
+        .Side(
+            "library",
+            [answer](int notes) {
+                CSettingsSync::GetInstance()->ReadJSON(*answer);
+                return notes;
+            },
+            check)
+        .Side(
+            "floor", [file, answer](int) { return TakeInByHand(*file, *answer); }, check)
+        .Side(
+            "floor with players",
+            [file, answer](int) {
+                const int notes = TakeInByHand(*file, *answer);
+                LoadByHand(notes);
+                return notes;
+            },
+            check);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv); // the SQL driver is a plugin of Qt
+    const CInstallationTree installation;
+    const auto file = std::make_shared<CFile>();
+    AddBuildRow(file);
+    AddTakeInRow(file);
+    return Bench::RunRows(argc, argv);
+}
