@@ -123,7 +123,7 @@ void AddMemoryRow()
         Bench::Count("bytes_a_player", (BytesInUse() - *before) / players);
         return players;
     };
-    CRow<int>("player", {10000})
+    CRow<int>("player", {1000})
         .Prepare([before, bare](int) {
             bare->clear();
             ForgetPlayers();

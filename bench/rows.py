@@ -60,6 +60,17 @@ PROGRAMS = {
         Row("sync_take_in", "JSON from the web server taken in", "QJsonDocument to a variant map, and the upserts", 1.2,
             per="note", flat=True),
     ],
+    "bench_network": [
+        Row("download", "download from loopback", "bare QTcpSocket into a reserved array", 1.3, per="MiB", wall=True,
+            counters={"peak_memory_of_body@64": 1.6, "longest_gap_ms": 50}),
+    ],
+    "bench_ui": [
+        Row("sheet", "style sheet with includes", "a reader by indexOf", 3, per="kB", flat=True),
+        Row("sheet_broken", "style sheet with an open comment", "a reader by indexOf", 3, per="kB", flat=True),
+        Row("columns", "TableView::Recalculate", "the scaling pass", per="column", flat=True),
+        Row("columns_width", "the same with 100 columns, by width as power of two", "the scaling pass", per="column", items=100,
+            flat=True),
+    ],
 }
 
 

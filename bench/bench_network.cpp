@@ -1,0 +1,183 @@
+// A download from a web server on loopback, which is a process of its own, beside a bare socket.
+
+#include "support.h"
+
+#include <database/ConfigDB.h>
+#include <network/Download.h>
+#include <support/InstallationTree.h>
+
+#include <httplib.h>
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <csignal>
+#include <cstring>
+
+#include <malloc.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using Bench::CRow;
+using Bench::Require;
+
+constexpr int MEGA = 1 << 20;
+constexpr int BEAT_MS = 5;
+
+// Answers with so many MiB until its parent ends or kills it. It tells its port through the pipe.
+[[noreturn]] void Serve(int pipeEnd)
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    static const std::string block = [] {
+        std::string bytes(MEGA, 'x');
+        for (size_t i = 0; i < bytes.size(); ++i)
+            bytes[i] = static_cast<char>('a' + i * i / 7 % 26);
+        return bytes;
+    }();
+    httplib::Server server;
+    server.Get(R"(/(\d+))", [](const httplib::Request &request, httplib::Response &answer) {
+        const size_t bytes = std::stoul(request.matches[1]) * MEGA;
+        answer.set_content_provider(
+            bytes, "application/octet-stream", [](size_t offset, size_t length, httplib::DataSink &sink) {
+                const size_t begin = offset % block.size();
+                return sink.write(block.data() + begin, std::min(length, block.size() - begin));
+            });
+    });
+    const int port = server.bind_to_any_port("127.0.0.1");
+    if (write(pipeEnd, &port, sizeof port) == sizeof port)
+        server.listen_after_bind();
+    _exit(1);
+}
+
+class CServer
+{
+public:
+    CServer()
+    {
+        int ends[2];
+        Require(pipe(ends) == 0, "the pipe");
+        m_iProcess = fork();
+        Require(m_iProcess >= 0, "the server's process");
+        if (m_iProcess == 0)
+            Serve(ends[1]);
+        close(ends[1]);
+        Require(read(ends[0], &m_iPort, sizeof m_iPort) == sizeof m_iPort, "the server");
+        close(ends[0]);
+    }
+    ~CServer()
+    {
+        kill(m_iProcess, SIGKILL);
+        waitpid(m_iProcess, nullptr, 0);
+    }
+    Q_DISABLE_COPY_MOVE(CServer)
+    int GetPort() const { return m_iPort; }
+
+private:
+    pid_t m_iProcess = 0;
+    int m_iPort = 0;
+};
+
+// "VmRSS" or, since the last ResetPeak(), "VmHWM", in bytes.
+double Memory(const char *which)
+{
+    const QList<QByteArray> lines = ReadFile(QStringLiteral("/proc/self/status")).split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith(which))
+            return line.simplified().split(' ').at(1).toDouble() * 1024;
+    }
+    qFatal("the kernel tells no %s", which);
+}
+
+void ResetPeak()
+{
+    malloc_trim(0);
+    QFile file(QStringLiteral("/proc/self/clear_refs"));
+    Require(file.open(QIODevice::WriteOnly) && file.write("5") == 1, "the reset of the peak");
+}
+
+// Turns the event loop until it is ended, and watches how evenly it beats and what memory it takes.
+void RunLoop(QEventLoop &loop, int megabytes)
+{
+    const double before = Memory("VmRSS");
+    QElapsedTimer sinceBeat;
+    sinceBeat.start();
+    QTimer beat;
+    const auto count = [&sinceBeat] { Bench::Count("longest_gap_ms", double(sinceBeat.nsecsElapsed()) / 1e6); };
+    QObject::connect(&beat, &QTimer::timeout, [&] {
+        count();
+        sinceBeat.start();
+    });
+    beat.setTimerType(Qt::PreciseTimer);
+    beat.start(BEAT_MS);
+    loop.exec();
+    count();
+    Bench::Count("peak_memory_of_body", (Memory("VmHWM") - before) / (double(megabytes) * MEGA));
+}
+
+QByteArray Download(int port, int megabytes)
+{
+    CDownload download(nullptr, QStringLiteral("http://127.0.0.1:%1/%2").arg(port).arg(megabytes), QByteArray(),
+                       false);
+    QEventLoop loop;
+    QByteArray body;
+    QObject::connect(&download, &CDownload::signal_Finished, [&](bool status, const QByteArray &data) {
+        Require(status, "the download");
+        body = data;
+        loop.quit();
+    });
+    download.Start();
+    RunLoop(loop, megabytes);
+    return body;
+}
+
+// In place, but for the few bytes that come with the header.
+QByteArray ReadFromSocket(int port, int megabytes)
+{
+    QTcpSocket socket;
+    QEventLoop loop;
+    QByteArray body(megabytes * MEGA, Qt::Uninitialized);
+    qint64 received = 0;
+    bool headed = false;
+    QObject::connect(&socket, &QTcpSocket::connected, [&] {
+        socket.write("GET /" + QByteArray::number(megabytes) + " HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+    });
+    QObject::connect(&socket, &QTcpSocket::readyRead, [&] {
+        received += qMax<qint64>(0, socket.read(body.data() + received, body.size() - received));
+        const int end = headed ? -1 : QByteArray::fromRawData(body.constData(), int(received)).indexOf("\r\n\r\n");
+        if (end >= 0) {
+            headed = true;
+            received -= end + 4;
+            std::memmove(body.data(), body.constData() + end + 4, size_t(received));
+        }
+        if (received == body.size())
+            loop.quit();
+    });
+    socket.connectToHost(QStringLiteral("127.0.0.1"), quint16(port), QIODevice::ReadWrite | QIODevice::Unbuffered);
+    RunLoop(loop, megabytes);
+    return body;
+}
+
+void AddRows(int port)
+{
+    CRow<QByteArray>("download", {1, 8, 64})
+        .Prepare([](int) { ResetPeak(); })
+        .Side("library", [port](int megabytes) { return Download(port, megabytes); })
+        .Side("floor", [port](int megabytes) { return ReadFromSocket(port, megabytes); });
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const CServer server; // before Qt has threads, which a child wouldn't have
+    const QCoreApplication application(argc, argv);
+    const CInstallationTree installation;
+    CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold
+    AddRows(server.GetPort());
+    return Bench::RunRows(argc, argv);
+}

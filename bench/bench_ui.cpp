@@ -1,0 +1,160 @@
+// Style sheets beside a reader by indexOf(), and columns of tables beside the scaling pass alone.
+
+#include "support.h"
+
+#include <support/InstallationTree.h>
+#include <ui/StyleSheet.h>
+#include <ui/TableView.h>
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <cmath>
+
+namespace {
+
+using Bench::CRow;
+using Bench::Require;
+
+constexpr int KILO = 1024;
+constexpr int FILE_KILO = 20; // of each included file
+
+// A theme of so many kB, all of it in files that one sheet includes.
+QString WriteSheet(const CInstallationTree &tree, int kilobytes, bool broken)
+{
+    QByteArray file;
+    for (int rule = 0; file.size() < FILE_KILO * KILO; ++rule) {
+        const QByteArray number = QByteArray::number(rule);
+        file += "/* rule " + number + " */\nQLabel#LB_" + number + ", QFrame#F_" + number +
+                " {\n    color: #123456;\n    background-image: url(./pictures/" + number +
+                ".png); margin: 2px\n}\n\n";
+    }
+    const QString folder = QStringLiteral("Resources/theme%1/").arg(kilobytes);
+    tree.WriteFile(folder + QStringLiteral("common/part.css"), file);
+    QByteArray sheet;
+    for (int part = 0; part < kilobytes / FILE_KILO; ++part)
+        sheet += "#include \"common/part.css\";\n";
+    sheet += "QWidget { color: black }\n";
+    if (broken)
+        sheet += "/* QWidget { color: black }\n";
+    return tree.WriteFile(folder + (broken ? QStringLiteral("broken.css") : QStringLiteral("style.css")), sheet);
+}
+
+// False if a comment is left open.
+bool RemoveComments(const QString &text, QString &rest)
+{
+    int from = 0;
+    for (int begin = 0; (begin = text.indexOf(QLatin1String("/*"), from)) >= 0;) {
+        const int end = text.indexOf(QLatin1String("*/"), begin);
+        if (end < 0)
+            return false;
+        rest += text.midRef(from, begin - from);
+        from = end + 2;
+    }
+    rest += text.midRef(from);
+    return true;
+}
+
+// A reader that knows how these sheets are written.
+bool ReadByHand(const QString &path, QString &contents)
+{
+    QFile file(path);
+    Require(file.open(QIODevice::ReadOnly), "a sheet's file");
+    const QString text = QString::fromUtf8(file.readAll());
+    const QString folder = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
+    QString lines;
+    for (int from = 0, end = 0; (end = text.indexOf(QLatin1Char('\n'), from)) >= 0; from = end + 1) {
+        const QStringRef line = text.midRef(from, end - from).trimmed();
+        if (line.startsWith(QLatin1String("#include"))) {
+            const int quote = line.indexOf(QLatin1Char('"')) + 1;
+            const QStringRef name = line.mid(quote, line.indexOf(QLatin1Char('"'), quote) - quote);
+            if (!ReadByHand(folder + name, lines))
+                return false;
+        } else if (!line.isEmpty()) {
+            const int dots = line.indexOf(QLatin1String("./"));
+            if (dots >= 0) {
+                lines += line.left(dots);
+                lines += folder;
+            }
+            lines += line.mid(qMax(0, dots));
+            lines += QLatin1Char('\n');
+        }
+    }
+    return RemoveComments(lines, contents);
+}
+
+// What is read, or that it couldn't be.
+template <typename Read>
+QString ReadSheet(const QString &path, Read read)
+{
+    QString contents;
+    return read(path, contents) ? contents : QStringLiteral("broken");
+}
+
+void AddSheetRow(const CInstallationTree &tree, const char *name, bool broken, const std::vector<int> &sizes)
+{
+    const auto path = std::make_shared<QString>();
+    CRow<QString>(name, sizes)
+        .Setup([&tree, path, broken](int kilobytes) {
+            *path = WriteSheet(tree, kilobytes, broken);
+            Require((ReadSheet(*path, ReadByHand) == QLatin1String("broken")) == broken, "the sheet");
+        })
+        .Side("library", [path](int) { return ReadSheet(*path, Globals::GetCssContents); })
+        .Side("floor", [path](int) { return ReadSheet(*path, ReadByHand); });
+}
+
+// The scaling pass alone: what the fractions leave goes to the first columns.
+QList<double> ScaleByHand(double width, const QList<double> &sizes)
+{
+    double total = 0;
+    for (const double size : sizes)
+        total += size;
+    QList<double> widths;
+    widths.reserve(sizes.size());
+    double left = width;
+    for (const double size : sizes) {
+        widths.append(std::floor(size * width / total));
+        left -= widths.last();
+    }
+    for (double &size : widths) {
+        if (left < 1)
+            break;
+        size += 1;
+        left -= 1;
+    }
+    return widths;
+}
+
+QList<double> Sizes(int columns)
+{
+    QList<double> sizes;
+    for (int column = 0; column < columns; ++column)
+        sizes.append(64 * (1 + column % 4));
+    return sizes;
+}
+
+void AddColumnRows()
+{
+    const auto sizes = std::make_shared<QList<double>>();
+    CRow<QList<double>>("columns", {10, 100, 1000, 10000})
+        .Setup([sizes](int columns) { *sizes = Sizes(columns); })
+        .Side("library",
+              [sizes](int columns) { return TableView::Recalculate(columns * 120 + 7, *sizes, *sizes, -1); })
+        .Side("floor", [sizes](int columns) { return ScaleByHand(columns * 120 + 7, *sizes); });
+    CRow<QList<double>>("columns_width", {13, 17, 21, 25, 29}) // powers of two
+        .Setup([sizes](int) { *sizes = Sizes(100); })
+        .Side("library", [sizes](int bits) { return TableView::Recalculate(1 << bits, *sizes, *sizes, -1); })
+        .Side("floor", [sizes](int bits) { return ScaleByHand(1 << bits, *sizes); });
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    const CInstallationTree tree;
+    AddSheetRow(tree, "sheet", false, {20, 200, 1000, 5000});
+    AddSheetRow(tree, "sheet_broken", true, {200, 5000});
+    AddColumnRows();
+    return Bench::RunRows(argc, argv);
+}
