@@ -94,7 +94,7 @@ public:
     }
 
     // Each row is a transaction of its own unless one is under way.
-    void Write(int notes, unsigned int time)
+    int Write(int notes, unsigned int time)
     {
         sqlite3_stmt *insert = Prepare("INSERT INTO tbl_playerinfo (PIN_cUser, PIN_cPlayer, PIN_cNote, PIN_iTagID,"
                                        " PIN_iPlayerFlags, PIN_iTimestamp) VALUES ('alice', ?, ?, 3, ?, ?)"
@@ -109,6 +109,7 @@ public:
             sqlite3_reset(insert);
         }
         sqlite3_finalize(insert);
+        return notes;
     }
 
     int Count(unsigned int time)

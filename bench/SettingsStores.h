@@ -1,29 +1,35 @@
 #pragma once
 
-#include "support.h"
+#include "LiteralQuery.h"
 
 #include <database/SettingsDB.h>
 #include <files/Pathes.h>
 #include <models/UserInfo.h>
 #include <settings/Settings.h>
-#include <time/CasinoTime.h>
 
+#include <QDateTime>
+#include <QFile>
 #include <QMap>
-#include <QSet>
-#include <QSqlRecord>
+#include <QSettings>
+#include <QTemporaryDir>
 
-// The stores of all user settings in the library's file: the library's, and SQL text.
+#ifdef BENCH_KCONFIG
+#include <KConfig>
+#include <KConfigGroup>
+#endif
+
+#include <optional>
+
+// The stores of all user settings that are compared.
 
 namespace SettingsStores {
 
 using Bench::Require;
-using TRow = QHash<QString, QVariant>;
-using TValues = QMap<QString, QString>; // of the user's settings, by key
+using Bench::TRow;
+using TValues = QMap<QString, QString>; // by key
 
-// Server times of the rows that a case finds, and of those that it writes.
-constexpr unsigned int TIME_FOUND = 1000;
-constexpr unsigned int TIME_WRITTEN = 2000;
 inline const QString USER = QStringLiteral("alice");
+inline const QString SELECT_OF_USER = QStringLiteral("SELECT * FROM 'tbl_settings' WHERE URS_cUser='%1'");
 
 // Numbers in a row make values that differ. A blob is as long as a small one in Base64.
 template <typename Type>
@@ -45,7 +51,6 @@ struct SEntry
 {
     QString strArea;
     QString strKey;
-    QString strPath; // area and key
     EScope eScope;
     QVariant vDefault; // of the setting's type
     QVariant (*Value)(int number);
@@ -56,7 +61,7 @@ struct SEntry
 // clang-format off
 inline const std::vector<SEntry> ENTRIES{
 #define BENCH_ENTRY(Type, area, key, scope, setter) \
-    {QStringLiteral(#area), QStringLiteral(key), QStringLiteral(#area "/" key), scope, QVariant(Type()), \
+    {QStringLiteral(#area), QStringLiteral(key), scope, QVariant(Type()), \
      [](int number) { return QVariant(MakeValue<Type>(number)); }, \
      [](CSettings &settings, int number) { settings.setter; }},
 #define BENCH_PLAIN(Type, Name, key, area, scope, defaultValue) \
@@ -71,6 +76,15 @@ inline const std::vector<SEntry> ENTRIES{
 };
 // clang-format on
 
+inline TValues ToValues(const QList<TRow> &rows)
+{
+    TValues values;
+    for (const TRow &row : rows)
+        values.insert(row.value(QStringLiteral("URS_cKey")).toString(),
+                      row.value(QStringLiteral("URS_cValue")).toString());
+    return values;
+}
+
 // The library with a user logged in, or with nobody, so that all settings are the installation's.
 template <bool LOGGED_IN>
 class CLibrary
@@ -80,94 +94,67 @@ public:
     {
         LogOut();
         Require(CSettingsDB::GetInstance()->Delete(CSettingsDB::strTableName, {}), "the emptying");
-        CCasinoTime::GetInstance()->SetTimeUTCServer(TIME_FOUND);
         if (LOGGED_IN)
-            CUserInfo::GetInstance()->SetLoggedIn(USER);
+            LogIn();
         for (const SEntry &entry : ENTRIES)
-            entry.Set(*m_pSettings, 0);
+            entry.Set(*CSettings::GetInstance(), 0);
         Sync();
-        CCasinoTime::GetInstance()->SetTimeUTCServer(TIME_WRITTEN);
     }
 
-    void Set(size_t entry, int number) { ENTRIES[entry].Set(*m_pSettings, number); }
-    void Sync() { m_pSettings->slot_SaveSettings(true); }
+    void Set(const SEntry &entry, int number) { entry.Set(*CSettings::GetInstance(), number); }
+    void Sync() { CSettings::GetInstance()->slot_SaveSettings(true); }
+    TValues GetStored() { return ToValues(Bench::RunLiteral(m_connection, SELECT_OF_USER.arg(QString()))); }
+
     void LogIn() { CUserInfo::GetInstance()->SetLoggedIn(USER); }
     void LogOut()
     {
         CUserInfo::GetInstance()->SetLoggedIn(QString());
         Sync();
-        m_pSettings->Reset(); // a new process holds none of the stored values
+        CSettings::GetInstance()->Reset(); // a new process holds none of the stored values
     }
-
-    TValues GetValues() const
+    TValues GetUsers()
     {
         TValues values;
-        const auto settings = m_pSettings->GetSettings();
+        const TRow settings = CSettings::GetInstance()->GetSettings();
         for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
             values.insert(setting.key(), setting->toString());
         return values;
     }
 
-    // Whether the file has all rows and no others, with the time of the last change.
-    bool Holds(int number, bool changed) const
-    {
-        const QString time = QString::number(changed ? TIME_WRITTEN : TIME_FOUND);
-        QSet<QStringList> expected;
-        for (const SEntry &entry : ENTRIES) {
-            const QStringList rest{entry.strPath, entry.Value(number).toString(), time};
-            expected.insert(QStringList(QString()) + rest);
-            if (LOGGED_IN && entry.eScope == User)
-                expected.insert(QStringList(USER) + rest);
-        }
-        QSet<QStringList> found;
-        QSqlQuery rows = CSettingsDB::GetInstance()->GetQuery();
-        rows.exec(QStringLiteral("SELECT URS_cUser, URS_cArea || '/' || URS_cKey, URS_cValue, URS_iTimestamp"
-                                 " FROM tbl_settings"));
-        while (rows.next()) {
-            found.insert({rows.value(0).toString(), rows.value(1).toString(), rows.value(2).toString(),
-                          rows.value(3).toString()});
-        }
-        return found == expected;
-    }
-
-private:
-    CSettings *m_pSettings = CSettings::GetInstance();
+protected:
+    QSqlDatabase m_connection = QSqlDatabase::database(Pathes::SettingsDB());
 };
 using CUserSettings = CLibrary<true>;
 using CInstallationSettings = CLibrary<false>;
 
-// The library's rows through SQL text, which is made outside of Sync().
+// The installation's rows through SQL text, which is made outside of Sync().
 class CLiteral : public CInstallationSettings
 {
 public:
-    void Set(size_t entry, int number)
+    void Set(const SEntry &entry, int number)
     {
-        const SEntry &setting = ENTRIES[entry];
-        const QString value = setting.Value(number).toString();
+        const QString value = entry.Value(number).toString();
         m_lstSelects.append(QStringLiteral("SELECT * FROM 'tbl_settings' WHERE URS_cUser='' AND URS_cArea='%1' AND"
                                            " URS_cKey='%2' AND URS_cValue='%3' LIMIT 1")
-                                .arg(setting.strArea, setting.strKey, value));
+                                .arg(entry.strArea, entry.strKey, value));
         m_lstReplaces.append(
-            QStringLiteral("INSERT OR REPLACE INTO 'tbl_settings' ('URS_cUser','URS_cArea','URS_cKey','URS_cValue',"
-                           "'URS_iTimestamp') VALUES ('','%1','%2','%3','%4')")
-                .arg(setting.strArea, setting.strKey, value, QString::number(TIME_WRITTEN)));
+            QStringLiteral("INSERT OR REPLACE INTO 'tbl_settings' ('URS_cUser','URS_cArea','URS_cKey',"
+                           "'URS_cValue','URS_iTimestamp') VALUES ('','%1','%2','%3','0')")
+                .arg(entry.strArea, entry.strKey, value));
     }
     void Sync()
     {
-        m_file.transaction();
+        m_connection.transaction();
         for (int i = 0; i < m_lstSelects.size(); ++i) {
-            QSqlQuery query(m_file);
-            query.setForwardOnly(true);
-            if (!query.exec(m_lstSelects.at(i)) || !query.next())
-                query.exec(m_lstReplaces.at(i));
+            if (Bench::RunLiteral(m_connection, m_lstSelects.at(i)).isEmpty())
+                Bench::RunLiteral(m_connection, m_lstReplaces.at(i));
         }
-        m_file.commit();
+        m_connection.commit();
         m_lstSelects.clear();
         m_lstReplaces.clear();
     }
 
 private:
-    QSqlDatabase m_file = QSqlDatabase::database(Pathes::SettingsDB());
     QStringList m_lstSelects;
     QStringList m_lstReplaces;
 };
@@ -178,33 +165,101 @@ class CLiteralLogin : public CUserSettings
 public:
     void LogIn()
     {
-        m_lstRows.clear();
-        for (const QString &user : {QString(), USER}) {
-            QSqlQuery query(QSqlDatabase::database(Pathes::SettingsDB()));
-            query.setForwardOnly(true);
-            query.exec(QStringLiteral("SELECT * FROM 'tbl_settings' WHERE URS_cUser='%1'").arg(user));
-            const QSqlRecord record = query.record();
-            while (query.next()) {
-                TRow row;
-                for (int column = 0; column < record.count(); ++column)
-                    row.insert(record.fieldName(column), query.value(column));
-                m_lstRows.append(row);
-            }
-        }
+        m_lstRows = Bench::RunLiteral(m_connection, SELECT_OF_USER.arg(QString()));
+        m_lstRows = Bench::RunLiteral(m_connection, SELECT_OF_USER.arg(USER));
     }
-    TValues GetValues() const
+    TValues GetUsers() const { return ToValues(m_lstRows); }
+
+private:
+    QList<TRow> m_lstRows;
+};
+
+struct SIniFile : QSettings
+{
+    explicit SIniFile(const QString &path)
+        : QSettings(path, QSettings::IniFormat)
+    {
+    }
+    QVariant Read(const SEntry &entry)
+    {
+        QVariant read = value(entry.strArea + QLatin1Char('/') + entry.strKey);
+        read.convert(entry.vDefault.userType());
+        return read;
+    }
+    void Write(const SEntry &entry, const QVariant &written)
+    {
+        setValue(entry.strArea + QLatin1Char('/') + entry.strKey, written);
+    }
+};
+
+#ifdef BENCH_KCONFIG
+struct SKConfigFile : KConfig
+{
+    explicit SKConfigFile(const QString &path)
+        : KConfig(path, KConfig::SimpleConfig)
+    {
+    }
+    QVariant Read(const SEntry &entry) { return group(entry.strArea).readEntry(entry.strKey, entry.vDefault); }
+    void Write(const SEntry &entry, const QVariant &value) { group(entry.strArea).writeEntry(entry.strKey, value); }
+};
+#endif
+
+// A peer's file, which knows neither users nor times.
+template <typename File>
+class CPeer
+{
+public:
+    CPeer()
+    {
+        LogIn();
+        for (const SEntry &entry : ENTRIES)
+            Set(entry, 0);
+        Sync();
+    }
+
+    void Set(const SEntry &entry, int number) { m_File->Write(entry, entry.Value(number)); }
+    void Sync() { m_File->sync(); }
+    // A copy tells what has reached the file; nobody has read it yet.
+    TValues GetStored()
+    {
+        const QString path = m_dir.filePath(QStringLiteral("copy%1.conf").arg(++m_iTime));
+        Require(QFile::copy(m_file.fileName(), path), "the copy of the file");
+        File copy(path);
+        return Read(copy, false);
+    }
+
+    void LogIn()
+    {
+        m_File.emplace(m_file.fileName());
+        m_values = Read(*m_File, true);
+    }
+    // QSettings remembers the contents of a file that it has closed, until the file's time is another one.
+    void LogOut()
+    {
+        m_File.reset();
+        Require(m_file.open(QIODevice::ReadWrite) &&
+                    m_file.setFileTime(QDateTime::fromSecsSinceEpoch(++m_iTime), QFileDevice::FileModificationTime),
+                "the ageing of the file");
+        m_file.close();
+    }
+    TValues GetUsers() const { return m_values; }
+
+private:
+    static TValues Read(File &file, bool onlyUsers)
     {
         TValues values;
-        for (const TRow &row : m_lstRows) {
-            if (row.value(QStringLiteral("URS_cUser")) == USER)
-                values.insert(row.value(QStringLiteral("URS_cKey")).toString(),
-                              row.value(QStringLiteral("URS_cValue")).toString());
+        for (const SEntry &entry : ENTRIES) {
+            if (!onlyUsers || entry.eScope == User)
+                values.insert(entry.strKey, file.Read(entry).toString());
         }
         return values;
     }
 
-private:
-    QList<TRow> m_lstRows;
+    QTemporaryDir m_dir;
+    QFile m_file{m_dir.filePath(QStringLiteral("settings.conf"))};
+    std::optional<File> m_File;
+    TValues m_values;
+    qint64 m_iTime = 0;
 };
 
 } // namespace SettingsStores

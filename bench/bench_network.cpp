@@ -23,8 +23,8 @@
 
 namespace {
 
-using Bench::CRow;
 using Bench::Require;
+using Bench::SRow;
 
 constexpr int MEGA = 1 << 20;
 constexpr int BEAT_MS = 5;
@@ -33,20 +33,16 @@ constexpr int BEAT_MS = 5;
 [[noreturn]] void Serve(int pipeEnd)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    static const std::string block = [] {
-        std::string bytes(MEGA, 'x');
-        for (size_t i = 0; i < bytes.size(); ++i)
-            bytes[i] = static_cast<char>('a' + i * i / 7 % 26);
-        return bytes;
-    }();
+    static std::string block(MEGA, 'x');
+    for (size_t i = 0; i < block.size(); ++i)
+        block[i] = static_cast<char>('a' + i * i / 7 % 26);
     httplib::Server server;
     server.Get(R"(/(\d+))", [](const httplib::Request &request, httplib::Response &answer) {
-        const size_t bytes = std::stoul(request.matches[1]) * MEGA;
-        answer.set_content_provider(
-            bytes, "application/octet-stream", [](size_t offset, size_t length, httplib::DataSink &sink) {
-                const size_t begin = offset % block.size();
-                return sink.write(block.data() + begin, std::min(length, block.size() - begin));
-            });
+        const auto provide = [](size_t offset, size_t length, httplib::DataSink &sink) {
+            const size_t begin = offset % block.size();
+            return sink.write(block.data() + begin, std::min(length, block.size() - begin));
+        };
+        answer.set_content_provider(std::stoul(request.matches[1]) * MEGA, "application/octet-stream", provide);
     });
     const int port = server.bind_to_any_port("127.0.0.1");
     if (write(pipeEnd, &port, sizeof port) == sizeof port)
@@ -164,10 +160,10 @@ QByteArray ReadFromSocket(int port, int megabytes)
 
 void AddRows(int port)
 {
-    CRow<QByteArray>("download", {1, 8, 64})
-        .Prepare([](int) { ResetPeak(); })
-        .Side("library", [port](int megabytes) { return Download(port, megabytes); })
-        .Side("floor", [port](int megabytes) { return ReadFromSocket(port, megabytes); });
+    SRow<QByteArray> row{"download", {1, 8, 64}};
+    row.Prepare = [](int) { ResetPeak(); };
+    row.Side("library", [port](int megabytes) { return Download(port, megabytes); });
+    row.Side("floor", [port](int megabytes) { return ReadFromSocket(port, megabytes); });
 }
 
 } // namespace

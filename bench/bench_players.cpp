@@ -9,7 +9,7 @@
 namespace {
 
 using namespace Notes;
-using Bench::CRow;
+using Bench::SRow;
 
 constexpr double IDLE_SECONDS = 5e-5; // a turn of the event loop that has written nothing
 constexpr int CHANGES = 1000;
@@ -78,35 +78,31 @@ bool FindAll(const QStringList &names, Find find)
 
 void AddFindRow()
 {
-    const auto found = std::make_shared<SFound>();
-    CRow<bool>("find", {100, 1000, 10000, 100000})
-        .Setup([found](int players) {
-            MakePlayers(*found, players);
-            for (const QString &name : qAsConst(found->names))
-                Require(CPlayerModel::GetInstance(name) == found->players.value(name).data(), "the same player");
-        })
-        .Side("library", [found](int) { return FindAll(found->names, CPlayerModel::GetInstance); })
-        .Side("floor", [found](int) {
-            return FindAll(found->names, [&](const QString &name) { return found->players.value(name).data(); });
-        });
+    static SFound found;
+    SRow<bool> row{"find", {100, 1000, 10000, 100000}};
+    row.Setup = [](int players) {
+        MakePlayers(found, players);
+        for (const QString &name : qAsConst(found.names))
+            Require(CPlayerModel::GetInstance(name) == found.players.value(name).data(), "the same player");
+    };
+    const auto byHand = [](const QString &name) { return found.players.value(name).data(); };
+    row.Side("library", [](int) { return FindAll(found.names, CPlayerModel::GetInstance); });
+    row.Side("floor", [byHand](int) { return FindAll(found.names, byHand); });
 }
 
-template <typename Player>
-quint64 ChangeLevels(Player &player, quint64 &heard)
-{
-    heard = 0;
-    for (unsigned int i = 0; i < CHANGES; ++i)
-        player.SetVipLevel(i % 2 + 1);
-    return heard;
-}
-
+// The sum of what a listener hears.
 template <typename Player, typename Signal>
-void AddSetterSide(CRow<quint64> &row, const char *side, Signal signal)
+void AddSetterSide(SRow<quint64> &row, const char *side, Signal signal)
 {
-    const auto player = std::make_shared<Player>();
-    const auto heard = std::make_shared<quint64>();
-    QObject::connect(player.get(), signal, player.get(), [heard](quint32 level) { *heard += level; });
-    row.Side(side, [player, heard](int) { return ChangeLevels(*player, *heard); });
+    static Player player;
+    static quint64 heard;
+    QObject::connect(&player, signal, &player, [](quint32 level) { heard += level; });
+    row.Side(side, [](int) {
+        heard = 0;
+        for (unsigned int i = 0; i < CHANGES; ++i)
+            player.SetVipLevel(i % 2 + 1);
+        return heard;
+    });
 }
 
 double BytesInUse()
@@ -115,39 +111,40 @@ double BytesInUse()
     return double(memory.uordblks + memory.hblkhd);
 }
 
+int MakeBarePlayers(TPlayers<CBarePlayer> &bare, int players)
+{
+    for (int i = 0; i < players; ++i) {
+        const QSharedPointer<CBarePlayer> player(new CBarePlayer);
+        player->m_strNickname = Nickname(i);
+        bare.insert(player->m_strNickname, player);
+    }
+    return bare.size();
+}
+
+int MakeLivePlayers(int players)
+{
+    for (int i = 0; i < players; ++i)
+        CPlayerModel::GetInstance(Nickname(i));
+    return players;
+}
+
 void AddMemoryRow()
 {
-    const auto before = std::make_shared<double>();
-    const auto bare = std::make_shared<TPlayers<CBarePlayer>>();
-    const auto tell = [before](int &players) {
-        Bench::Count("bytes_a_player", (BytesInUse() - *before) / players);
+    static TPlayers<CBarePlayer> bare;
+    static double before;
+    SRow<int> row{"player", {1000}};
+    row.Prepare = [](int) {
+        bare.clear();
+        ForgetPlayers();
+        before = BytesInUse();
+    };
+    const auto tell = [](int players) {
+        Bench::Count("bytes_a_player", (BytesInUse() - before) / players);
         return players;
     };
-    CRow<int>("player", {1000})
-        .Prepare([before, bare](int) {
-            bare->clear();
-            ForgetPlayers();
-            *before = BytesInUse();
-        })
-        .Side(
-            "library",
-            [](int players) {
-                for (int i = 0; i < players; ++i)
-                    CPlayerModel::GetInstance(Nickname(i));
-                return players;
-            },
-            tell)
-        .Side(
-            "floor",
-            [bare](int players) {
-                for (int i = 0; i < players; ++i) {
-                    const QSharedPointer<CBarePlayer> player(new CBarePlayer);
-                    player->m_strNickname = Nickname(i);
-                    bare->insert(player->m_strNickname, player);
-                }
-                return bare->size();
-            },
-            tell);
+    row.Side("library", MakeLivePlayers, tell);
+    row.Side(
+        "floor", [](int players) { return MakeBarePlayers(bare, players); }, tell);
 }
 
 // What waits, in the order of its last change.
@@ -175,29 +172,29 @@ void RestartByHand(SQueue &queue, CPlayerModel *model)
 
 void AddRestartRow()
 {
-    const auto found = std::make_shared<SFound>();
-    const auto queue = std::make_shared<SQueue>();
-    const auto change = [found, rating = std::make_shared<unsigned char>()](int players) {
+    static SFound found;
+    static SQueue queue;
+    const auto change = [rating = std::make_shared<unsigned char>()](int players) {
         ++*rating;
-        for (const auto &player : qAsConst(found->players))
+        for (const auto &player : qAsConst(found.players))
             player->SetRating(*rating);
         return players;
     };
-    const auto restart = [found, queue](int) {
-        for (const auto &player : qAsConst(found->players))
-            RestartByHand(*queue, player.data());
-        return int(queue->waiting.size());
+    const auto restart = [](int) {
+        for (const auto &player : qAsConst(found.players))
+            RestartByHand(queue, player.data());
+        return int(queue.waiting.size());
     };
-    CRow<int>("restart", {100, 1000, 10000, 100000})
-        .Setup([=](int players) {
-            MakePlayers(*found, players);
-            *queue = {};
-            queue->clock.start();
-            change(players);
-            restart(players);
-        })
-        .Side("library", change)
-        .Side("floor", restart);
+    SRow<int> row{"restart", {100, 1000, 10000, 100000}};
+    row.Setup = [=](int players) {
+        MakePlayers(found, players);
+        queue = {};
+        queue.clock.start();
+        change(players);
+        restart(players);
+    };
+    row.Side("library", change);
+    row.Side("floor", restart);
 }
 
 int LoadByHand(CFile &file, TPlayers<CPlayerDataModel> &players)
@@ -215,30 +212,26 @@ int LoadByHand(CFile &file, TPlayers<CPlayerDataModel> &players)
     return players.size();
 }
 
-void AddLoadRow(const std::shared_ptr<CFile> &file)
+void AddLoadRow(CFile &file)
 {
-    const auto players = std::make_shared<TPlayers<CPlayerDataModel>>();
-    CRow<int>("load", {100, 1000, 10000, 100000})
-        .Prepare([file, players](int notes) {
-            players->clear();
-            file->Fill(notes);
-        })
-        .Side(
-            "library",
-            [](int notes) {
-                Require(PlayerInfo::LoadInfo(), "the load");
-                return notes;
-            },
-            [](int &notes) {
-                for (int i = 0; i < notes; ++i)
-                    Require(CPlayerModel::GetInstance(Nickname(i))->GetNotes() == Note(i), "a note");
-                return notes;
-            })
-        .Side("floor", [file, players](int) { return LoadByHand(*file, *players); });
+    static TPlayers<CPlayerDataModel> players;
+    SRow<int> row{"load", {100, 1000, 10000, 100000}};
+    row.Prepare = [&file](int notes) {
+        players.clear();
+        file.Fill(notes);
+    };
+    const auto check = [](int notes) {
+        for (int i = 0; i < notes; ++i)
+            Require(CPlayerModel::GetInstance(Nickname(i))->GetNotes() == Note(i), "a note");
+        return notes;
+    };
+    row.Side(
+        "library", [](int notes) { return PlayerInfo::LoadInfo() ? notes : 0; }, check);
+    row.Side("floor", [&file](int) { return LoadByHand(file, players); });
 }
 
 // Turns the event loop until all is written; what counts are the turns that write.
-bool SaveThroughLibrary(CFile &file, int notes)
+int SaveThroughLibrary(CFile &file, int notes)
 {
     for (bool done = false; !done;) {
         QElapsedTimer clock;
@@ -250,29 +243,24 @@ bool SaveThroughLibrary(CFile &file, int notes)
             continue;
         done = file.Count(TIME_WRITTEN) == notes;
         QThread::msleep(1);
-        Bench::IdleSeconds() += double(clock.nsecsElapsed()) / 1e9;
+        Bench::idleSeconds += double(clock.nsecsElapsed()) / 1e9;
     }
-    return true;
+    return notes;
 }
 
-void AddSaveRow(const std::shared_ptr<CFile> &file)
+void AddSaveRow(CFile &file)
 {
-    const auto check = [file](bool &) { return file->Count(TIME_WRITTEN); };
-    CRow<int>("save", {1000, 10000})
-        .Prepare([file](int notes) {
-            file->Fill(notes);
-            Require(PlayerInfo::LoadInfo(), "the load");
-        })
-        .Iterations(1)
-        .Side(
-            "library", [file](int notes) { return SaveThroughLibrary(*file, notes); }, check)
-        .Side(
-            "floor",
-            [file](int notes) {
-                file->Write(notes, TIME_WRITTEN);
-                return true;
-            },
-            check);
+    SRow<int> row{"save", {1000, 10000}};
+    row.Prepare = [&file](int notes) {
+        file.Fill(notes);
+        Require(PlayerInfo::LoadInfo(), "the load");
+    };
+    row.iIterations = 1;
+    const auto check = [&file](int) { return file.Count(TIME_WRITTEN); };
+    row.Side(
+        "library", [&file](int notes) { return SaveThroughLibrary(file, notes); }, check);
+    row.Side(
+        "floor", [&file](int notes) { return file.Write(notes, TIME_WRITTEN); }, check);
 }
 
 } // namespace
@@ -281,9 +269,9 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv); // the SQL driver is a plugin of Qt
     const CInstallationTree installation;
-    const auto file = std::make_shared<CFile>();
+    CFile file;
     AddFindRow();
-    CRow<quint64> setter("setter", {1});
+    SRow<quint64> setter{"setter", {1}};
     AddSetterSide<CPlayerDataModel>(setter, "library", &CPlayerDataModel::signal_VipLevelChanged);
     AddSetterSide<CBarePlayer>(setter, "floor", &CBarePlayer::signal_VipLevelChanged);
     AddMemoryRow();

@@ -12,31 +12,28 @@
 
 namespace {
 
-using Bench::CRow;
+using Bench::SRow;
 
-CEvent TableEvent()
-{
-    CEvent event = CEvent::Create(QStringLiteral("LOBB"), QStringLiteral("TBLE"));
-    event.data = QByteArray(64, 'x');
-    return event;
-}
+constexpr unsigned short PAYLOAD_BYTES = 24;
+constexpr int LENGTH_BYTES = CPacketLayerWrapper::RECORD_LENGTH_SIZE;
+constexpr int RECORD_BYTES = PAYLOAD_BYTES + LENGTH_BYTES;
+constexpr int SIZE_POS = 9;
+const char PAYLOAD[PAYLOAD_BYTES + 1] = "TBLEa record of a table.";
 
 class CCountingPlugin : public CStubPlugin
 {
 public:
     void ReceiveEvent(CEvent e) override { iBytes = e.data.size(); }
-
     int iBytes = 0;
 };
 
-// A plugin and a host of bare signals and slots.
+// A plugin of bare signals and slots.
 class CBarePlugin : public QObject
 {
     Q_OBJECT
 
 public:
     virtual void ReceiveEvent(CEvent e) { iBytes = e.data.size(); }
-
     int iBytes = 0;
 
 Q_SIGNALS:
@@ -52,13 +49,6 @@ class CHost : public QObject
     Q_OBJECT
 
 public:
-    CHost()
-    {
-        connect(&plugin, &CPluginInterfaceFunctions::signal_SendEvent, this, &CHost::slot_Event);
-        connect(&bare, &CBarePlugin::signal_Send, this, &CHost::slot_BareEvent);
-        connect(&bare, &CBarePlugin::signal_Receive, &bare, &CBarePlugin::slot_Receive);
-    }
-
     CCountingPlugin plugin;
     CBarePlugin bare;
 
@@ -67,25 +57,29 @@ public Q_SLOTS:
     void slot_BareEvent(CEvent e) { Q_EMIT bare.signal_Receive(e); }
 };
 
-void AddEventRow()
+int SendThroughBus(CHost &host, const CEvent &event)
 {
-    const auto host = std::make_shared<CHost>();
-    const CEvent event = TableEvent();
-    CRow<int>("event", {1})
-        .Side("library",
-              [host, event](int) {
-                  host->plugin.SendInternEvent(event, false);
-                  return host->plugin.iBytes;
-              })
-        .Side("floor", [host, event](int) {
-            Q_EMIT host->bare.signal_Send(event);
-            return host->bare.iBytes;
-        });
+    host.plugin.SendInternEvent(event, false);
+    return host.plugin.iBytes;
 }
 
-constexpr unsigned short PAYLOAD_BYTES = 24;
-constexpr size_t RECORD_BYTES = PAYLOAD_BYTES + CPacketLayerWrapper::RECORD_LENGTH_SIZE;
-const char PAYLOAD[PAYLOAD_BYTES + 1] = "TBLEa record of a table.";
+int SendBare(CHost &host, const CEvent &event)
+{
+    Q_EMIT host.bare.signal_Send(event);
+    return host.bare.iBytes;
+}
+
+void AddEventRow(CHost &host)
+{
+    QObject::connect(&host.plugin, &CPluginInterfaceFunctions::signal_SendEvent, &host, &CHost::slot_Event);
+    QObject::connect(&host.bare, &CBarePlugin::signal_Send, &host, &CHost::slot_BareEvent);
+    QObject::connect(&host.bare, &CBarePlugin::signal_Receive, &host.bare, &CBarePlugin::slot_Receive);
+    CEvent event = CEvent::Create(QStringLiteral("LOBB"), QStringLiteral("TBLE"));
+    event.data = QByteArray(64, 'x');
+    SRow<int> row{"event", {1}};
+    row.Side("library", [&host, event](int) { return SendThroughBus(host, event); });
+    row.Side("floor", [&host, event](int) { return SendBare(host, event); });
+}
 
 CPacketLayerWrapper BuildPacket(int records)
 {
@@ -95,37 +89,32 @@ CPacketLayerWrapper BuildPacket(int records)
     return packet;
 }
 
-struct SFree
-{
-    void operator()(char *bytes) const { std::free(bytes); }
-};
-
+// A buffer as exact as the library's.
 struct SBuffer
 {
-    std::unique_ptr<char, SFree> bytes;
-    size_t uSize = 0;
+    SBuffer() = default;
+    ~SBuffer() { std::free(pBytes); }
+    Q_DISABLE_COPY_MOVE(SBuffer)
+    char *Grow(int bytes)
+    {
+        pBytes = static_cast<char *>(std::realloc(pBytes, size_t(iSize + bytes)));
+        iSize += bytes;
+        return pBytes + iSize - bytes;
+    }
+
+    char *pBytes = nullptr;
+    int iSize = 0;
 };
 
-// As exact as the library's buffer.
-void Grow(SBuffer &buffer, size_t size)
+std::unique_ptr<SBuffer> BuildByHand(int records)
 {
-    char *bytes = static_cast<char *>(std::realloc(buffer.bytes.release(), size));
-    buffer.bytes.reset(bytes);
-    buffer.uSize = size;
-}
-
-SBuffer BuildByHand(int records)
-{
-    SBuffer buffer;
-    Grow(buffer, CPacketLayerWrapper::HEADER_SIZE);
-    std::memcpy(buffer.bytes.get(), "LOBB\1", 5);
-    qToLittleEndian<quint32>(7, buffer.bytes.get() + 5);
+    auto buffer = std::make_unique<SBuffer>();
+    std::memcpy(buffer->Grow(CPacketLayerWrapper::HEADER_SIZE), "LOBB\1\7\0\0\0", SIZE_POS);
     for (int i = 0; i < records; ++i) {
-        const size_t end = buffer.uSize;
-        Grow(buffer, end + RECORD_BYTES);
-        qToLittleEndian<quint16>(RECORD_BYTES, buffer.bytes.get() + end);
-        std::memcpy(buffer.bytes.get() + end + CPacketLayerWrapper::RECORD_LENGTH_SIZE, PAYLOAD, PAYLOAD_BYTES);
-        qToLittleEndian(quint16(buffer.uSize), buffer.bytes.get() + 9);
+        char *record = buffer->Grow(RECORD_BYTES);
+        qToLittleEndian<quint16>(RECORD_BYTES, record);
+        std::memcpy(record + LENGTH_BYTES, PAYLOAD, PAYLOAD_BYTES);
+        qToLittleEndian(quint16(buffer->iSize), buffer->pBytes + SIZE_POS);
     }
     return buffer;
 }
@@ -142,39 +131,35 @@ quint32 WalkPacket(const char *bytes)
 quint32 WalkByHand(const char *bytes)
 {
     SBuffer copy;
-    Grow(copy, qFromLittleEndian<quint16>(bytes + 9));
-    std::memcpy(copy.bytes.get(), bytes, copy.uSize);
-    const char *end = copy.bytes.get() + copy.uSize;
+    const auto size = qFromLittleEndian<quint16>(bytes + SIZE_POS);
+    std::memcpy(copy.Grow(size), bytes, size);
     quint32 sum = 0;
-    for (const char *record = copy.bytes.get() + CPacketLayerWrapper::HEADER_SIZE; record < end;) {
-        const auto length = qFromLittleEndian<quint16>(record);
-        sum += qFromLittleEndian<quint32>(record + CPacketLayerWrapper::RECORD_LENGTH_SIZE);
-        record += length;
-    }
+    for (int at = CPacketLayerWrapper::HEADER_SIZE; at < size; at += qFromLittleEndian<quint16>(copy.pBytes + at))
+        sum += qFromLittleEndian<quint32>(copy.pBytes + at + LENGTH_BYTES);
     return sum;
 }
 
-void AddPacketRows()
+void AddPacketRows(CPacketLayerWrapper &packet)
 {
-    CRow<QByteArray>("packet_build", {10, 100, 1000})
-        .Side("library", BuildPacket,
-              [](CPacketLayerWrapper &packet) { return QByteArray(packet.GetPacket(), packet.GetPacketSize()); })
-        .Side("floor", BuildByHand,
-              [](SBuffer &buffer) { return QByteArray(buffer.bytes.get(), int(buffer.uSize)); });
+    SRow<QByteArray> build{"packet_build", {10, 100, 1000}};
+    build.Side("library", BuildPacket,
+               [](CPacketLayerWrapper &built) { return QByteArray(built.GetPacket(), built.GetPacketSize()); });
+    build.Side("floor", BuildByHand, [](const auto &built) { return QByteArray(built->pBytes, built->iSize); });
 
-    const auto packet = std::make_shared<CPacketLayerWrapper>();
-    CRow<quint32>("packet_walk", {10, 100, 1000})
-        .Setup([packet](int records) { *packet = BuildPacket(records); })
-        .Side("library", [packet](int) { return WalkPacket(packet->GetPacket()); })
-        .Side("floor", [packet](int) { return WalkByHand(packet->GetPacket()); });
+    SRow<quint32> walk{"packet_walk", {10, 100, 1000}};
+    walk.Setup = [&packet](int records) { packet = BuildPacket(records); };
+    walk.Side("library", [&packet](int) { return WalkPacket(packet.GetPacket()); });
+    walk.Side("floor", [&packet](int) { return WalkByHand(packet.GetPacket()); });
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    AddEventRow();
-    AddPacketRows();
+    CHost host;
+    CPacketLayerWrapper packet;
+    AddEventRow(host);
+    AddPacketRows(packet);
     return Bench::RunRows(argc, argv);
 }
 

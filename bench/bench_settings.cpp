@@ -2,88 +2,71 @@
 // stored. The floor is SQL text on the same connection; QSettings with its INI format and KConfig keep the same
 // settings in files of their own. In the end each file has to hold what was set.
 
-#include "SettingsPeers.h"
+#include "SettingsStores.h"
 
 #include <database/ConfigDB.h>
 #include <support/InstallationTree.h>
+#include <time/CasinoTime.h>
 
 #include <QCoreApplication>
 
 namespace {
 
 using namespace SettingsStores;
-using Bench::CRow;
+using Bench::SRow;
 
 // Calls of the process by which it has written to any file.
 double CountWrites()
 {
-    const QList<QByteArray> lines = ReadFile(QStringLiteral("/proc/self/io")).split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith("syscw: "))
-            return line.mid(7).toDouble();
-    }
-    qFatal("the kernel counts no writes");
+    const QByteArray counts = ReadFile(QStringLiteral("/proc/self/io"));
+    return counts.mid(counts.indexOf("syscw: ") + 7).split('\n').first().toDouble();
 }
 
 template <typename Store>
-void AddFlush(CRow<bool> &row, const char *side, bool changed)
+void AddFlush(SRow<bool> row, const char *side, bool changed)
 {
-    struct SCase
-    {
-        std::optional<Store> store;
-        int iNumber = 0;
-        double dWrites = 0;
+    static std::optional<Store> store;
+    static int number;
+    static double writes;
+    row.Setup = [](int) {
+        store.emplace();
+        number = 0;
     };
-    const auto present = std::make_shared<SCase>();
-    row.Setup([present](int) {
-           present->store.reset();
-           present->store.emplace();
-           present->iNumber = 0;
-       })
-        .Prepare([present, changed](int) {
-            present->iNumber += changed ? 1 : 0;
-            for (size_t i = 0; i < ENTRIES.size(); ++i)
-                present->store->Set(i, present->iNumber);
-            present->dWrites = CountWrites();
-        })
-        .Side(
-            side,
-            [present](int) {
-                present->store->Sync();
-                return true;
-            },
-            [present, changed](bool &) {
-                Bench::Count("writes", CountWrites() - present->dWrites);
-                Require(present->store->Holds(present->iNumber, changed), "what the file has to hold");
-                present->store.reset();
-                return true;
-            });
+    row.Prepare = [changed](int) {
+        number += changed ? 1 : 0;
+        for (const SEntry &entry : ENTRIES)
+            store->Set(entry, number);
+        writes = CountWrites();
+    };
+    const auto check = [](bool) {
+        Bench::Count("writes", CountWrites() - writes);
+        TValues expected;
+        for (const SEntry &entry : ENTRIES)
+            expected.insert(entry.strKey, entry.Value(number).toString());
+        Require(store->GetStored() == expected, "what the file has to hold");
+        store.reset();
+        return true;
+    };
+    row.Side(
+        side, [](int) { return store->Sync(), true; }, check);
 }
 
 template <typename Store>
-void AddLogin(CRow<TValues> &row, const char *side)
+void AddLogin(SRow<TValues> row, const char *side)
 {
-    const auto store = std::make_shared<std::optional<Store>>();
-    row.Setup([store](int) {
-           store->reset();
-           store->emplace();
-       })
-        .Prepare([store](int) { (*store)->LogOut(); })
-        .Side(
-            side,
-            [store](int) {
-                (*store)->LogIn();
-                return true;
-            },
-            [store](bool &) { return (*store)->GetValues(); });
+    static std::optional<Store> store;
+    row.Setup = [](int) { store.emplace(); };
+    row.Prepare = [](int) { store->LogOut(); };
+    row.Side(
+        side, [](int) { return store->LogIn(), true; }, [](bool) { return store->GetUsers(); });
 }
 
 void AddRows()
 {
     const int settings = int(ENTRIES.size());
-    CRow<bool> changed("settings_changed", {settings});
-    CRow<bool> unchanged("settings_unchanged", {settings});
-    CRow<TValues> login("settings_login", {settings});
+    const SRow<bool> changed{"settings_changed", {settings}};
+    const SRow<bool> unchanged{"settings_unchanged", {settings}};
+    const SRow<TValues> login{"settings_login", {settings}};
     AddFlush<CInstallationSettings>(changed, "library", true);
     AddFlush<CLiteral>(changed, "floor", true);
     AddFlush<CUserSettings>(changed, "logged in", true);
@@ -106,6 +89,7 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv); // the SQL driver is a plugin of Qt
     const CInstallationTree installation;
     CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold
+    CCasinoTime::GetInstance()->SetTimeUTCServer(1000);
     Require(CSettingsDB::GetInstance()->Init(), "the settings' file");
     AddRows();
     return Bench::RunRows(argc, argv);

@@ -12,7 +12,7 @@
 namespace {
 
 using namespace Notes;
-using Bench::CRow;
+using Bench::SRow;
 
 const QString NICK = QStringLiteral("nick");
 const QString NOTE = QStringLiteral("note");
@@ -61,19 +61,19 @@ QByteArray WriteMap(const QVariantMap &map)
     return QJsonDocument(QJsonObject::fromVariantMap(map)).toJson();
 }
 
-void AddBuildRow(const std::shared_ptr<CFile> &file)
+void AddBuildRow(CFile &file)
 {
-    const auto map = std::make_shared<QVariantMap>();
-    CRow<QByteArray>("sync_build", {100, 1000, 10000, 100000})
-        .Setup([file, map](int notes) {
-            file->Fill(notes);
-            CSettingsSync::GetInstance()->ReadJSON("{}"); // a server that has nothing yet
-            CSettingsSync::GetInstance()->GetLocalTimestamps();
-            *map = ReadMap(*file);
-        })
-        .Side("library", [](int) { return CSettingsSync::GetInstance()->CreateJSONforSync(); })
-        .Side("floor", [map](int) { return WriteMap(*map); })
-        .Side("floor with the reading", [file](int) { return WriteMap(ReadMap(*file)); });
+    static QVariantMap map;
+    SRow<QByteArray> row{"sync_build", {100, 1000, 10000, 100000}};
+    row.Setup = [&file](int notes) {
+        file.Fill(notes);
+        CSettingsSync::GetInstance()->ReadJSON("{}"); // a server that has nothing yet
+        CSettingsSync::GetInstance()->GetLocalTimestamps();
+        map = ReadMap(file);
+    };
+    row.Side("library", [](int) { return CSettingsSync::GetInstance()->CreateJSONforSync(); });
+    row.Side("floor", [](int) { return WriteMap(map); });
+    row.Side("floor with the reading", [&file](int) { return WriteMap(ReadMap(file)); });
 }
 
 // Into variant maps, and the rows in one transaction.
@@ -88,7 +88,7 @@ int TakeInByHand(CFile &file, const QByteArray &answer)
 }
 
 // What only the library does, by itself: all into the players.
-void LoadByHand(int notes)
+int LoadByHand(int notes)
 {
     QHash<QString, QSharedPointer<CPlayerDataModel>> players;
     for (int note = 0; note < notes; ++note) {
@@ -98,33 +98,29 @@ void LoadByHand(int notes)
         player->SetTagID(3);
         players.insert(player->GetNickname(), player);
     }
-    benchmark::DoNotOptimize(players);
+    return players.size();
 }
 
-void AddTakeInRow(const std::shared_ptr<CFile> &file)
+void AddTakeInRow(CFile &file)
 {
-    const auto answer = std::make_shared<QByteArray>();
-    const auto check = [file](int &) { return file->Count(TIME_WRITTEN); };
-    CRow<int>("sync_take_in", {100, 1000, 10000, 100000})
-        .Setup([answer](int notes) { *answer = MakeAnswer(notes); })
-        .Prepare([file](int) { file->Fill(0); })
-        .Side(
-            "library",
-            [answer](int notes) {
-                CSettingsSync::GetInstance()->ReadJSON(*answer);
-                return notes;
-            },
-            check)
-        .Side(
-            "floor", [file, answer](int) { return TakeInByHand(*file, *answer); }, check)
-        .Side(
-            "floor with players",
-            [file, answer](int) {
-                const int notes = TakeInByHand(*file, *answer);
-                LoadByHand(notes);
-                return notes;
-            },
-            check);
+    static QByteArray answer;
+    SRow<int> row{"sync_take_in", {100, 1000, 10000, 100000}};
+    row.Setup = [](int notes) { answer = MakeAnswer(notes); };
+    row.Prepare = [&file](int) { file.Fill(0); };
+    const auto takeIn = [](int notes) {
+        CSettingsSync::GetInstance()->ReadJSON(answer);
+        return notes;
+    };
+    const auto byHand = [&file](int) { return TakeInByHand(file, answer); };
+    const auto withPlayers = [&file](int) { return LoadByHand(TakeInByHand(file, answer)); };
+    const auto check = [&file](int) { return file.Count(TIME_WRITTEN); };
+    row.Side("library", takeIn, [check](int notes) {
+        for (int i = 0; i < notes; ++i)
+            Require(CPlayerModel::GetInstance(Nickname(i))->GetNotes() == Note(i), "a note of a player");
+        return check(notes);
+    });
+    row.Side("floor", byHand, check);
+    row.Side("floor with players", withPlayers, check);
 }
 
 } // namespace
@@ -133,7 +129,7 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv); // the SQL driver is a plugin of Qt
     const CInstallationTree installation;
-    const auto file = std::make_shared<CFile>();
+    CFile file;
     AddBuildRow(file);
     AddTakeInRow(file);
     return Bench::RunRows(argc, argv);

@@ -1,6 +1,6 @@
 // Texts of the catalogue and amounts of money, beside the same SQL text through QSqlQuery on the same connection.
 
-#include "support.h"
+#include "LiteralQuery.h"
 
 #include <database/ConfigDB.h>
 #include <database/SettingsDB.h>
@@ -19,8 +19,8 @@
 
 namespace {
 
-using Bench::CRow;
 using Bench::Require;
+using Bench::SRow;
 
 constexpr int KEYS = 64; // that are asked for in turn
 constexpr unsigned int AMOUNT = 123456789;
@@ -29,46 +29,43 @@ constexpr int DIGITS = 16; // more than an amount has
 const QString AREA = QStringLiteral("bench");
 const QString CORE = QStringLiteral("core");
 
-void Run(const QString &sql)
+void Run(const char *sql)
 {
-    Require(CTranslationDB::GetInstance()->Exec(sql), qUtf8Printable(sql));
+    Require(CTranslationDB::GetInstance()->Exec(QString::fromUtf8(sql)), sql);
 }
 
 void MakeCatalogue()
 {
-    Run(QStringLiteral("CREATE TABLE tbl_availablelanguages (AVL_iID INTEGER PRIMARY KEY, AVL_cShort TEXT,"
-                       " AVL_cLong TEXT)"));
-    Run(QStringLiteral("INSERT INTO tbl_availablelanguages VALUES (1, 'en', 'English')"));
-    Run(QStringLiteral("CREATE TABLE tbl_translations (TRL_AVL_iID INTEGER, TRL_cArea TEXT, TRL_cKey TEXT,"
-                       " TRL_cTranslation TEXT)"));
-    Run(QStringLiteral(
-        "CREATE UNIQUE INDEX idx_translations ON tbl_translations (TRL_AVL_iID, TRL_cArea, TRL_cKey)"));
-    Run(QStringLiteral("INSERT INTO tbl_translations VALUES (1, 'core', 'currency', '$'),"
-                       " (1, 'core', 'money_decimalseperator', '.'), (1, 'core', 'money_thousandsseperator', ',')"));
+    Run("CREATE TABLE tbl_availablelanguages (AVL_iID INTEGER PRIMARY KEY, AVL_cShort TEXT, AVL_cLong TEXT)");
+    Run("INSERT INTO tbl_availablelanguages VALUES (1, 'en', 'English')");
+    Run("CREATE TABLE tbl_translations (TRL_AVL_iID INTEGER, TRL_cArea TEXT, TRL_cKey TEXT, TRL_cTranslation TEXT)");
+    Run("CREATE UNIQUE INDEX idx_translations ON tbl_translations (TRL_AVL_iID, TRL_cArea, TRL_cKey)");
+    Run("INSERT INTO tbl_translations VALUES (1, 'core', 'currency', '$'), (1, 'core', 'money_decimalseperator', "
+        "'.'),"
+        " (1, 'core', 'money_thousandsseperator', ',')");
 }
 
+// With so many texts.
 void Fill(int texts)
 {
     static int present = 0;
     if (texts == present)
         return;
     present = texts;
-    Run(QStringLiteral("DELETE FROM tbl_translations WHERE TRL_cArea = 'bench'"));
-    Run(QStringLiteral("WITH RECURSIVE texts(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM texts WHERE i < %1 - 1)"
-                       " INSERT INTO tbl_translations SELECT 1, 'bench', 'text_' || i, 'the text ' || i FROM texts")
-            .arg(texts));
+    Run("DELETE FROM tbl_translations WHERE TRL_cArea = 'bench'");
+    Run("WITH RECURSIVE texts(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM texts WHERE i < " +
+        QByteArray::number(texts) +
+        " - 1) INSERT INTO tbl_translations SELECT 1, 'bench', 'text_' || i, 'the text ' || i FROM texts");
 }
 
 QString LookUpLiteral(const QString &key, const QString &area)
 {
-    QSqlQuery query(QSqlDatabase::database(Pathes::LanguageDB()));
-    query.setForwardOnly(true);
-    Require(query.exec(QStringLiteral("SELECT TRL_cTranslation FROM 'tbl_translations' WHERE TRL_cArea='%1' AND"
-                                      " TRL_cKey='%2' AND TRL_AVL_iID='1' LIMIT 1")
-                           .arg(area, key)) &&
-                query.next(),
-            "the literal look-up");
-    return query.value(0).toString();
+    const auto sql = QStringLiteral("SELECT TRL_cTranslation FROM 'tbl_translations' WHERE TRL_cArea='%1' AND"
+                                    " TRL_cKey='%2' AND TRL_AVL_iID='1' LIMIT 1");
+    return Bench::RunLiteral(QSqlDatabase::database(Pathes::LanguageDB()), sql.arg(area, key))
+        .value(0)
+        .value(QStringLiteral("TRL_cTranslation"))
+        .toString();
 }
 
 QString LookUp(const QString &key, const QString &area)
@@ -76,36 +73,32 @@ QString LookUp(const QString &key, const QString &area)
     return CTranslation::GetInstance()->GetTranslatedString(key, area, -1);
 }
 
-template <typename Find>
-QStringList LookUpKeys(int texts, Find find)
+// All keys one behind the other.
+void AddTextSide(SRow<QStringList> &row, const char *side, QString (*find)(const QString &, const QString &))
 {
-    QStringList found;
-    for (int i = 0; i < KEYS; ++i)
-        found.append(find(QStringLiteral("text_%1").arg(qint64(i) * texts / KEYS), AREA));
-    return found;
+    row.Side(side, [find](int texts) {
+        QStringList found;
+        for (int i = 0; i < KEYS; ++i)
+            found.append(find(QStringLiteral("text_%1").arg(qint64(i) * texts / KEYS), AREA));
+        return found;
+    });
 }
 
-// Digits in a buffer, with signs that are known.
-QString FormatByHand(const QString &sign, const QString &separator, const QString &decimal, unsigned int cents)
+// Digits in a buffer, with signs that are known; chips without any.
+QString FormatByHand(const QString &sign, const QString &separator, const QString &decimal, unsigned int amount)
 {
     QChar buffer[DIGITS * 2];
     QChar *begin = std::end(buffer);
-    const auto put = [&begin](unsigned int digit) { *--begin = QChar(ushort('0' + digit)); };
-    unsigned int whole = cents;
-    if (!decimal.isEmpty()) {
-        put(cents % 10);
-        put(cents / 10 % 10);
-        *--begin = decimal.at(0);
-        whole /= 100;
-    }
-    int digits = 0;
+    int digits = decimal.isEmpty() ? 0 : -2;
     do {
-        if (digits > 0 && digits % 3 == 0 && !separator.isEmpty())
+        if (digits == 0 && !decimal.isEmpty())
+            *--begin = decimal.at(0);
+        else if (digits > 0 && digits % 3 == 0 && !separator.isEmpty())
             *--begin = separator.at(0);
-        put(whole % 10);
-        whole /= 10;
+        *--begin = QChar(ushort('0' + amount % 10));
+        amount /= 10;
         ++digits;
-    } while (whole > 0);
+    } while (amount > 0);
     if (!sign.isEmpty())
         *--begin = sign.at(0);
     return QString(begin, int(std::end(buffer) - begin));
@@ -158,24 +151,42 @@ unsigned int Spin(int)
     return spinner.GetValue();
 }
 
+QString Amount(int)
+{
+    return Globals::MoneyToString(GlobalDefines::MONEYTYPE_DOLLAR, AMOUNT, true);
+}
+
+QString Chips(int)
+{
+    return Globals::MoneyToString(GlobalDefines::MONEYTYPE_TOURN, CHIPS, false);
+}
+
+QString ChipsByHand(int)
+{
+    return FormatByHand(QString(), QString(), QString(), CHIPS);
+}
+
+QString AmountByLocale(int)
+{
+    static const QLocale locale(QLocale::English, QLocale::UnitedStates);
+    return QLatin1Char('$') + locale.toString(AMOUNT / 100.0, 'f', 2);
+}
+
 void AddRows()
 {
-    CRow<QStringList>("text", {100, 1000, 10000, 100000})
-        .Setup(Fill)
-        .Side("library", [](int texts) { return LookUpKeys(texts, LookUp); })
-        .Side("floor", [](int texts) { return LookUpKeys(texts, LookUpLiteral); });
-    CRow<QString>("money_chips", {1})
-        .Side("library", [](int) { return Globals::MoneyToString(GlobalDefines::MONEYTYPE_TOURN, CHIPS, false); })
-        .Side("floor", [](int) { return FormatByHand(QString(), QString(), QString(), CHIPS); });
-    CRow<QString>("money_amount", {1})
-        .Setup([](int) { Fill(1000); })
-        .Side("library", [](int) { return Globals::MoneyToString(GlobalDefines::MONEYTYPE_DOLLAR, AMOUNT, true); })
-        .Side("floor", AmountByHand)
-        .Side("QLocale, which looks nothing up", [](int) {
-            static const QLocale locale(QLocale::English, QLocale::UnitedStates);
-            return QLatin1Char('$') + locale.toString(AMOUNT / 100.0, 'f', 2);
-        });
-    CRow<unsigned int>("money_spinner", {1}).Prepare([](int) {}).Iterations(1).Side("library", Spin);
+    SRow<QStringList> text{"text", {100, 1000, 10000, 100000}, Fill};
+    AddTextSide(text, "library", LookUp);
+    AddTextSide(text, "floor", LookUpLiteral);
+    SRow<QString> chips{"money_chips", {1}};
+    chips.Side("library", Chips);
+    chips.Side("floor", ChipsByHand);
+    SRow<QString> amount{"money_amount", {1}};
+    amount.Side("library", Amount);
+    amount.Side("floor", AmountByHand);
+    amount.Side("QLocale, which looks nothing up", AmountByLocale);
+    SRow<unsigned int> spinner{"money_spinner", {1}};
+    spinner.iIterations = 1;
+    spinner.Side("library", Spin);
 }
 
 } // namespace

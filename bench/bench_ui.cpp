@@ -13,8 +13,8 @@
 
 namespace {
 
-using Bench::CRow;
 using Bench::Require;
+using Bench::SRow;
 
 constexpr int KILO = 1024;
 constexpr int FILE_KILO = 20; // of each included file
@@ -84,23 +84,25 @@ bool ReadByHand(const QString &path, QString &contents)
 }
 
 // What is read, or that it couldn't be.
-template <typename Read>
-QString ReadSheet(const QString &path, Read read)
+void AddSheetSide(SRow<QString> &row, const char *side, const QString &path, bool (*read)(const QString &, QString &))
 {
-    QString contents;
-    return read(path, contents) ? contents : QStringLiteral("broken");
+    row.Side(side, [&path, read](int) {
+        QString contents;
+        return read(path, contents) ? contents : QStringLiteral("broken");
+    });
 }
 
 void AddSheetRow(const CInstallationTree &tree, const char *name, bool broken, const std::vector<int> &sizes)
 {
-    const auto path = std::make_shared<QString>();
-    CRow<QString>(name, sizes)
-        .Setup([&tree, path, broken](int kilobytes) {
-            *path = WriteSheet(tree, kilobytes, broken);
-            Require((ReadSheet(*path, ReadByHand) == QLatin1String("broken")) == broken, "the sheet");
-        })
-        .Side("library", [path](int) { return ReadSheet(*path, Globals::GetCssContents); })
-        .Side("floor", [path](int) { return ReadSheet(*path, ReadByHand); });
+    static QString path;
+    const auto write = [&tree, broken](int kilobytes) {
+        path = WriteSheet(tree, kilobytes, broken);
+        QString contents;
+        Require(ReadByHand(path, contents) != broken, "the sheet");
+    };
+    SRow<QString> row{name, sizes, write};
+    AddSheetSide(row, "library", path, Globals::GetCssContents);
+    AddSheetSide(row, "floor", path, ReadByHand);
 }
 
 // The scaling pass alone: what the fractions leave goes to the first columns.
@@ -125,26 +127,17 @@ QList<double> ScaleByHand(double width, const QList<double> &sizes)
     return widths;
 }
 
-QList<double> Sizes(int columns)
+void AddColumnRow(const char *name, const std::vector<int> &ns, int (*columns)(int), double (*width)(int))
 {
-    QList<double> sizes;
-    for (int column = 0; column < columns; ++column)
-        sizes.append(64 * (1 + column % 4));
-    return sizes;
-}
-
-void AddColumnRows()
-{
-    const auto sizes = std::make_shared<QList<double>>();
-    CRow<QList<double>>("columns", {10, 100, 1000, 10000})
-        .Setup([sizes](int columns) { *sizes = Sizes(columns); })
-        .Side("library",
-              [sizes](int columns) { return TableView::Recalculate(columns * 120 + 7, *sizes, *sizes, -1); })
-        .Side("floor", [sizes](int columns) { return ScaleByHand(columns * 120 + 7, *sizes); });
-    CRow<QList<double>>("columns_width", {13, 17, 21, 25, 29}) // powers of two
-        .Setup([sizes](int) { *sizes = Sizes(100); })
-        .Side("library", [sizes](int bits) { return TableView::Recalculate(1 << bits, *sizes, *sizes, -1); })
-        .Side("floor", [sizes](int bits) { return ScaleByHand(1 << bits, *sizes); });
+    static QList<double> sizes;
+    const auto make = [columns](int n) {
+        sizes.clear();
+        for (int column = 0; column < columns(n); ++column)
+            sizes.append(64 * (1 + column % 4));
+    };
+    SRow<QList<double>> row{name, ns, make};
+    row.Side("library", [width](int n) { return TableView::Recalculate(width(n), sizes, sizes, -1); });
+    row.Side("floor", [width](int n) { return ScaleByHand(width(n), sizes); });
 }
 
 } // namespace
@@ -155,6 +148,9 @@ int main(int argc, char **argv)
     const CInstallationTree tree;
     AddSheetRow(tree, "sheet", false, {20, 200, 1000, 5000});
     AddSheetRow(tree, "sheet_broken", true, {200, 5000});
-    AddColumnRows();
+    AddColumnRow(
+        "columns", {10, 100, 1000, 10000}, [](int n) { return n; }, [](int n) { return n * 120.0 + 7; });
+    AddColumnRow(
+        "columns_width", {13, 17, 21, 25, 29}, [](int) { return 100; }, [](int n) { return std::exp2(n); });
     return Bench::RunRows(argc, argv);
 }

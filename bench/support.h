@@ -8,14 +8,13 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include <time.h>
 
-/// Pairs of ways to the same result, each measured by Google Benchmark under the name "row/side/n". The side
-/// "library" is judged beside the side "floor"; others are shown. What is expected of the rows stands in bench/run.
+/// Ways to the same result, each measured by Google Benchmark under the name "row/side/n". The side "library" is
+/// judged beside the side "floor"; others are shown. What is expected of the rows stands in rows.py.
 namespace Bench {
 
 inline void Require(bool done, const char *what)
@@ -25,16 +24,15 @@ inline void Require(bool done, const char *what)
 }
 
 /// What the work under measurement tells besides its time; the largest value of a run counts.
-inline std::map<std::string, double> &Counters()
-{
-    static std::map<std::string, double> counters;
-    return counters;
-}
+inline std::map<std::string, double> counters;
 inline void Count(const char *name, double value)
 {
-    const auto [place, first] = Counters().emplace(name, value);
-    place->second = std::max(place->second, value);
+    double &most = counters.emplace(name, value).first->second;
+    most = std::max(most, value);
 }
+
+/// Seconds of the iteration under way that don't count, in a row with Prepare.
+inline double idleSeconds = 0;
 
 /// What the thread has had of the processor.
 inline double ProcessorNanoseconds()
@@ -44,116 +42,77 @@ inline double ProcessorNanoseconds()
     return double(time.tv_sec) * 1e9 + double(time.tv_nsec);
 }
 
-/// Seconds of the iteration under way that don't count, in a row with Prepare().
-inline double &IdleSeconds()
-{
-    static double seconds = 0;
-    return seconds;
-}
-
 /// One row: its sides do the same work for each n. A side whose result isn't the others' ends the program.
 template <typename Result>
-class CRow
+struct SRow
 {
-public:
-    CRow(const char *name, std::vector<int> sizes)
-        : m_pShared(std::make_shared<SShared>())
-        , m_sizes(std::move(sizes))
-    {
-        m_pShared->strName = name;
-    }
+    std::string strName;
+    std::vector<int> sizes;
+    /// Called with n before each run of the sides that are added behind it; a run may be many iterations.
+    std::function<void(int)> Setup = nullptr;
+    /// The same before each iteration. Neither it nor the end of the work's result is timed. The time is that of the
+    /// clock then, the processor's is the counter "cpu_ns", and the longest iteration "longest_ms".
+    std::function<void(int)> Prepare = nullptr;
+    int iIterations = 0; ///< Instead of as many as fill the time of a run.
+    std::shared_ptr<std::map<int, Result>> results = std::make_shared<std::map<int, Result>>(); // of the first side
 
-    /// Called before each run of the sides that follow; a run may be many iterations.
-    CRow &Setup(std::function<void(int)> setup)
-    {
-        m_Setup = std::move(setup);
-        return *this;
-    }
-    /// Called before each iteration of the sides that follow. Neither this nor the end of the work's result is timed,
-    /// and the longest iteration becomes the counter "longest_ms". The time is that of the clock then; without it,
-    /// the processor's.
-    CRow &Prepare(std::function<void(int)> prepare)
-    {
-        m_Prepare = std::move(prepare);
-        return *this;
-    }
-    /// Instead of as many as fill the time of a run.
-    CRow &Iterations(int iterations)
-    {
-        m_iIterations = iterations;
-        return *this;
-    }
-
-    /// \a work takes n; \a tell makes the result of what it answers. A work without Prepare() can be repeated.
+    /// \a work takes n, and can be repeated unless there is Prepare; \a tell makes the result of what it answers.
     template <typename Work, typename Tell>
-    CRow &Side(const char *side, Work work, Tell tell)
+    void Side(const std::string &side, Work work, Tell tell)
     {
-        for (const int n : m_sizes) {
-            const std::string name = m_pShared->strName + '/' + side + '/' + std::to_string(n);
-            auto *registered = benchmark::RegisterBenchmark(
-                name.c_str(),
-                [row = *this, n, work, tell](benchmark::State &state) mutable { row.Run(state, n, work, tell); });
-            if (m_Prepare)
+        for (const int n : sizes) {
+            const std::string name = strName + '/' + side + '/' + std::to_string(n);
+            auto *registered =
+                benchmark::RegisterBenchmark(name.c_str(), [row = *this, n, work, tell](benchmark::State &state) {
+                    row.Run(state, n, work, tell);
+                });
+            if (Prepare)
                 registered->UseManualTime();
-            if (m_iIterations > 0)
-                registered->Iterations(m_iIterations);
+            if (iIterations > 0)
+                registered->Iterations(iIterations);
         }
-        return *this;
     }
     template <typename Work>
-    CRow &Side(const char *side, Work work)
+    void Side(const std::string &side, Work work)
     {
-        return Side(side, work, [](Result &result) { return result; });
+        Side(side, work, [](const auto &result) { return result; });
     }
 
 private:
-    struct SShared
-    {
-        std::string strName;
-        std::map<int, Result> results; // of the side that came first, by n
-    };
-
     template <typename Work, typename Tell>
-    void Run(benchmark::State &state, int n, Work &work, Tell &tell)
+    void Run(benchmark::State &state, int n, const Work &work, const Tell &tell) const
     {
-        if (m_Setup)
-            m_Setup(n);
-        Counters().clear();
-        std::optional<decltype(work(n))> done;
+        if (Setup)
+            Setup(n);
+        counters.clear();
+        std::unique_ptr<decltype(work(n))> done;
         double processor = 0;
-        if (m_Prepare) {
-            for (auto _ : state) {
-                done.reset();
-                m_Prepare(n);
-                IdleSeconds() = 0;
-                QElapsedTimer clock;
-                clock.start();
-                const double begin = ProcessorNanoseconds();
-                done.emplace(work(n));
-                processor += ProcessorNanoseconds() - begin;
-                const double seconds = double(clock.nsecsElapsed()) / 1e9 - IdleSeconds();
-                state.SetIterationTime(seconds);
-                Count("longest_ms", seconds * 1e3);
-            }
-        } else {
-            for (auto _ : state)
+        for (auto _ : state) {
+            if (!Prepare) {
                 benchmark::DoNotOptimize(work(n));
-            done.emplace(work(n));
+                continue;
+            }
+            done.reset();
+            Prepare(n);
+            idleSeconds = 0;
+            QElapsedTimer clock;
+            clock.start();
+            const double begin = ProcessorNanoseconds();
+            done = std::make_unique<decltype(work(n))>(work(n));
+            processor += ProcessorNanoseconds() - begin;
+            const double seconds = double(clock.nsecsElapsed()) / 1e9 - idleSeconds;
+            state.SetIterationTime(seconds);
+            Count("longest_ms", seconds * 1e3);
         }
+        if (!done)
+            done = std::make_unique<decltype(work(n))>(work(n));
         state.counters["cpu_ns"] = benchmark::Counter(processor, benchmark::Counter::kAvgIterations);
         const Result result = tell(*done);
-        const auto [place, first] = m_pShared->results.emplace(n, result);
-        if (!first && !(place->second == result))
-            qFatal("%s: the sides differ at %d", m_pShared->strName.c_str(), n);
-        for (const auto &[name, value] : Counters())
+        if (!(results->emplace(n, result).first->second == result))
+            qFatal("%s: the sides differ at %d", strName.c_str(), n);
+        for (const auto &[name, value] : counters)
             state.counters[name] = value;
     }
-
-    std::shared_ptr<SShared> m_pShared;
-    std::vector<int> m_sizes;
-    std::function<void(int)> m_Setup;
-    std::function<void(int)> m_Prepare;
-    int m_iIterations = 0;
 };
 
 /// For main(), behind the making of the rows.
