@@ -1,4 +1,4 @@
-// A download from a web server on loopback, which is a process of its own, beside a bare socket.
+// A download from a web server on loopback, which has a thread of its own, beside a bare socket.
 
 #include "support.h"
 
@@ -13,13 +13,10 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-#include <csignal>
 #include <cstring>
+#include <thread>
 
 #include <malloc.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -29,53 +26,38 @@ using Bench::SRow;
 constexpr int MEGA = 1 << 20;
 constexpr int BEAT_MS = 5;
 
-// Answers with so many MiB until its parent ends or kills it. It tells its port through the pipe.
-[[noreturn]] void Serve(int pipeEnd)
-{
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    static std::string block(MEGA, 'x');
-    for (size_t i = 0; i < block.size(); ++i)
-        block[i] = static_cast<char>('a' + i * i / 7 % 26);
-    httplib::Server server;
-    server.Get(R"(/(\d+))", [](const httplib::Request &request, httplib::Response &answer) {
-        const auto provide = [](size_t offset, size_t length, httplib::DataSink &sink) {
-            const size_t begin = offset % block.size();
-            return sink.write(block.data() + begin, std::min(length, block.size() - begin));
-        };
-        answer.set_content_provider(std::stoul(request.matches[1]) * MEGA, "application/octet-stream", provide);
-    });
-    const int port = server.bind_to_any_port("127.0.0.1");
-    if (write(pipeEnd, &port, sizeof port) == sizeof port)
-        server.listen_after_bind();
-    _exit(1);
-}
-
+// Answers "/64" with 64 MiB, in a thread of its own.
 class CServer
 {
 public:
     CServer()
+        : m_block(MEGA, 'x')
     {
-        int ends[2];
-        Require(pipe(ends) == 0, "the pipe");
-        m_iProcess = fork();
-        Require(m_iProcess >= 0, "the server's process");
-        if (m_iProcess == 0)
-            Serve(ends[1]);
-        close(ends[1]);
-        Require(read(ends[0], &m_iPort, sizeof m_iPort) == sizeof m_iPort, "the server");
-        close(ends[0]);
+        for (size_t i = 0; i < m_block.size(); ++i)
+            m_block[i] = static_cast<char>('a' + i * i / 7 % 26);
+        m_server.Get(R"(/(\d+))", [this](const httplib::Request &request, httplib::Response &answer) {
+            const auto provide = [this](size_t offset, size_t length, httplib::DataSink &sink) {
+                const size_t begin = offset % m_block.size();
+                return sink.write(m_block.data() + begin, std::min(length, m_block.size() - begin));
+            };
+            answer.set_content_provider(std::stoul(request.matches[1]) * MEGA, "application/octet-stream", provide);
+        });
+        m_iPort = m_server.bind_to_any_port("127.0.0.1");
+        m_thread = std::thread([this] { m_server.listen_after_bind(); });
     }
     ~CServer()
     {
-        kill(m_iProcess, SIGKILL);
-        waitpid(m_iProcess, nullptr, 0);
+        m_server.stop();
+        m_thread.join();
     }
     Q_DISABLE_COPY_MOVE(CServer)
     int GetPort() const { return m_iPort; }
 
 private:
-    pid_t m_iProcess = 0;
+    std::string m_block;
+    httplib::Server m_server;
     int m_iPort = 0;
+    std::thread m_thread;
 };
 
 // "VmRSS" or, since the last ResetPeak(), "VmHWM", in bytes.
@@ -170,7 +152,7 @@ void AddRows(int port)
 
 int main(int argc, char **argv)
 {
-    const CServer server; // before Qt has threads, which a child wouldn't have
+    const CServer server;
     const QCoreApplication application(argc, argv);
     const CInstallationTree installation;
     CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold

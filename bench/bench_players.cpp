@@ -28,19 +28,9 @@ public:
         Q_EMIT signal_VipLevelChanged(level);
     }
 
-    QString m_strNickname;
-    QString m_strInfoText;
-    QString m_strNotes;
-    unsigned int m_ulVipLevel = 0;
-    unsigned int m_ulCustomAvatar = 0;
-    unsigned int m_ulTagID = 0;
-    unsigned short m_usCartoonAvatar = 0;
-    unsigned char m_ucSex = 0;
-    unsigned char m_ucRating = 0;
-    bool m_bBuddy = false;
-    bool m_bOnline = false;
-    bool m_bBuddyBlocked = false;
-    bool m_bChatBlock = false;
+#define BENCH_MEMBER(Type, prefix, Name, SignalType, defaultValue) Type m_##prefix##Name = defaultValue;
+    PLAYER_DATA_TABLE(BENCH_MEMBER)
+#undef BENCH_MEMBER
 
 Q_SIGNALS:
     void signal_VipLevelChanged(quint32 level);

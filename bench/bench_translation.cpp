@@ -112,42 +112,28 @@ QString AmountByHand(int)
     return FormatByHand(LookUp(QStringLiteral("CURRENCY"), CORE), separator, decimal, AMOUNT);
 }
 
-// Statements that SQLite begins on the catalogue's connection.
-class CStatementCount
+// Counts what SQLite begins on the catalogue's connection, until it is told null.
+void CountStatements(int *number)
 {
-public:
-    CStatementCount()
-    {
-        const auto count = [](unsigned int, void *context, void *, void *) {
-            return ++*static_cast<int *>(context), 0;
-        };
-        sqlite3_trace_v2(Handle(), SQLITE_TRACE_STMT, count, &m_iStatements);
-    }
-    ~CStatementCount() { sqlite3_trace_v2(Handle(), 0, nullptr, nullptr); }
-    Q_DISABLE_COPY_MOVE(CStatementCount)
-    int Get() const { return m_iStatements; }
-
-private:
-    static sqlite3 *Handle()
-    {
-        const QVariant handle = QSqlDatabase::database(Pathes::LanguageDB()).driver()->handle();
-        return *static_cast<sqlite3 *const *>(handle.constData());
-    }
-
-    int m_iStatements = 0;
-};
+    const auto count = [](unsigned int, void *sum, void *, void *) { return ++*static_cast<int *>(sum), 0; };
+    const QVariant handle = QSqlDatabase::database(Pathes::LanguageDB()).driver()->handle();
+    sqlite3_trace_v2(*static_cast<sqlite3 *const *>(handle.constData()), number ? SQLITE_TRACE_STMT : 0, count,
+                     number);
+}
 
 unsigned int Spin(int)
 {
     CMoneySpinner spinner(0, GlobalDefines::MONEYTYPE_DOLLAR);
-    const CStatementCount count;
+    int statements = 0;
+    CountStatements(&statements);
     int steps = 0;
     QObject::connect(&spinner, &CMoneySpinnerDataModel::signal_D1Changed, &spinner, [&steps] { ++steps; });
     spinner.slot_SetValue(AMOUNT / 100);
     while (spinner.GetValue() != AMOUNT / 100)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     Require(steps > 2, "the run of the spinner");
-    Bench::Count("statements", count.Get());
+    CountStatements(nullptr);
+    Bench::Count("statements", statements);
     return spinner.GetValue();
 }
 
@@ -199,11 +185,11 @@ int main(int argc, char **argv)
     CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold
     Require(CSettingsDB::GetInstance()->Init() && CTranslationDB::GetInstance()->Init(), "the databases");
     MakeCatalogue();
-    {
-        const CStatementCount count;
-        LookUp(QStringLiteral("CURRENCY"), CORE);
-        Require(count.Get() > 0, "the count of statements");
-    }
+    int statements = 0;
+    CountStatements(&statements);
+    LookUp(QStringLiteral("CURRENCY"), CORE);
+    CountStatements(nullptr);
+    Require(statements > 0, "the count of statements");
     AddRows();
     return Bench::RunRows(argc, argv);
 }

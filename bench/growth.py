@@ -6,7 +6,7 @@ import statistics
 
 from rows import items
 
-COLUMNS, WIDTH, HEIGHT, MARGIN = 3, 300, 190, 46
+COLUMNS, WIDTH, HEIGHT, MARGIN = 3, 330, 190, 50
 SIDES = (("floor", "#9a9a9a", "4 3"), ("library", "#1f5fa8", ""))
 
 
