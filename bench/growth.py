@@ -6,7 +6,7 @@ import statistics
 
 from rows import items
 
-COLUMNS, WIDTH, HEIGHT, MARGIN = 3, 330, 190, 50
+COLUMNS, WIDTH, HEIGHT, MARGIN = 3, 330, 200, 50
 SIDES = (("floor", "#9a9a9a", "4 3"), ("library", "#1f5fa8", ""))
 
 
@@ -22,7 +22,7 @@ def panel(row, rounds, left, top):
     points = [point for side in curves.values() for point in side]
     lowest, highest = min(n for n, _ in points), max(n for n, _ in points)
     most = 1.15 * max(time for _, time in points)
-    right, bottom = left + WIDTH - MARGIN, top + HEIGHT - 40
+    right, bottom = left + WIDTH - MARGIN, top + HEIGHT - 50
 
     def place(n, time):
         share = math.log(n / lowest) / math.log(highest / lowest)
@@ -35,7 +35,8 @@ def panel(row, rounds, left, top):
     yield f'<text x="{left - 4}" y="{top + 22}" text-anchor="end">{unit}</text>'
     yield f'<text x="{left - 4}" y="{bottom}" text-anchor="end">0</text>'
     yield f'<text x="{left}" y="{bottom + 14}">{lowest:,}</text>'
-    yield f'<text x="{right}" y="{bottom + 14}" text-anchor="end">{highest:,} {"" if row.items or not row.per else row.per + "s"}</text>'
+    plural = "" if row.items or not row.per else row.per if row.per.endswith("B") else row.per + "s"
+    yield f'<text x="{right}" y="{bottom + 14}" text-anchor="end">{highest:,} {plural}</text>'
     for side, colour, dashes in SIDES:
         line = " ".join(place(n, time) for n, time in curves[side])
         yield f'<polyline points="{line}" fill="none" stroke="{colour}" stroke-width="2" stroke-dasharray="{dashes}"/>'
