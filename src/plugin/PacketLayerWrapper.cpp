@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace {
 
@@ -62,28 +63,20 @@ bool CPacketLayerWrapper::AddPacket(const char *data, unsigned short length)
     if (m_buffer.size() + recordLength > MAX_PACKET_SIZE)
         return false;
 
-    // The payload may lie in this object's own buffer, which growing would pull away from under it.
-    const std::vector<char> payload(data, data + length);
     const size_t oldSize = m_buffer.size();
+    const char *buffer = m_buffer.data();
+    if (std::less_equal<>()(buffer, data) && std::less<>()(data, buffer + oldSize)) {
+        // Growing would pull the buffer away from under its own bytes.
+        const std::vector<char> payload(data, data + length);
+        return AddPacket(payload.data(), length);
+    }
+
     m_buffer.resize(oldSize + recordLength);
-    qToLittleEndian(static_cast<quint16>(recordLength), m_buffer.data() + oldSize);
-    std::copy(payload.begin(), payload.end(),
-              m_buffer.begin() + static_cast<std::ptrdiff_t>(oldSize + RECORD_LENGTH_SIZE));
+    char *record = m_buffer.data() + oldSize;
+    qToLittleEndian(static_cast<quint16>(recordLength), record);
+    std::copy_n(data, length, record + RECORD_LENGTH_SIZE);
     qToLittleEndian(static_cast<quint16>(m_buffer.size()), m_buffer.data() + ucPacketSizePos);
     return true;
-}
-
-bool CPacketLayerWrapper::GetNext()
-{
-    if (m_usCursor == 0)
-        m_usCursor = HEADER_SIZE;
-    else if (IsOnRecord())
-        m_usCursor = static_cast<unsigned short>(m_usCursor + RECORD_LENGTH_SIZE + GetPayloadLength());
-
-    if (IsOnRecord())
-        return true;
-    m_usCursor = std::max(m_usCursor, static_cast<unsigned short>(m_buffer.size()));
-    return false;
 }
 
 char *CPacketLayerWrapper::GetPacket()
@@ -111,35 +104,10 @@ unsigned int CPacketLayerWrapper::GetTargetID() const
     return m_buffer.empty() ? 0 : qFromLittleEndian<quint32>(m_buffer.data() + TARGET_POS);
 }
 
-char *CPacketLayerWrapper::GetPayload()
-{
-    return IsOnRecord() ? m_buffer.data() + m_usCursor + RECORD_LENGTH_SIZE : nullptr;
-}
-
-unsigned short CPacketLayerWrapper::GetPayloadLength() const
-{
-    if (!IsOnRecord())
-        return 0;
-    const auto recordLength = qFromLittleEndian<quint16>(m_buffer.data() + m_usCursor);
-    return static_cast<unsigned short>(recordLength - RECORD_LENGTH_SIZE);
-}
-
 QString CPacketLayerWrapper::GetPayloadTag() const
 {
-    if (!IsOnRecord())
+    if (GetRecordLength() == 0)
         return QString();
     return TextUpToZero(m_buffer.data() + m_usCursor + RECORD_LENGTH_SIZE,
                         std::min<size_t>(GetPayloadLength(), TAG_SIZE));
-}
-
-// Whether a whole record lies at the cursor: nothing of the buffer is read before its length was checked here.
-bool CPacketLayerWrapper::IsOnRecord() const
-{
-    if (m_usCursor == 0 || m_usCursor >= m_buffer.size())
-        return false;
-    const size_t available = m_buffer.size() - m_usCursor;
-    if (available < RECORD_LENGTH_SIZE)
-        return false;
-    const auto recordLength = qFromLittleEndian<quint16>(m_buffer.data() + m_usCursor);
-    return recordLength >= RECORD_LENGTH_SIZE && recordLength <= available;
 }

@@ -4,7 +4,9 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QtEndian>
 
+#include <algorithm>
 #include <vector>
 
 /// Offset of the 16-bit packet size within a packet; whoever reads packets off a byte stream needs these two bytes.
@@ -73,10 +75,41 @@ public:
     QString GetPayloadTag() const;
 
 private:
-    bool IsOnRecord() const;
+    int GetRecordLength() const;
 
     std::vector<char> m_buffer;    // always exactly the packet
     unsigned short m_usCursor = 0; // offset of the current record; 0 is before the first
 };
+
+// A walk's steps are inline, calls would take several times as long.
+
+// The length of the whole record at the cursor, 0 if none lies there. Nothing of a record is read before this check.
+inline int CPacketLayerWrapper::GetRecordLength() const
+{
+    const int available = static_cast<int>(m_buffer.size()) - m_usCursor;
+    if (m_usCursor == 0 || available < RECORD_LENGTH_SIZE)
+        return 0;
+    const int length = qFromLittleEndian<quint16>(m_buffer.data() + m_usCursor);
+    return length >= RECORD_LENGTH_SIZE && length <= available ? length : 0;
+}
+
+inline bool CPacketLayerWrapper::GetNext()
+{
+    m_usCursor = m_usCursor == 0 ? HEADER_SIZE : static_cast<unsigned short>(m_usCursor + GetRecordLength());
+    if (GetRecordLength() > 0)
+        return true;
+    m_usCursor = std::max(m_usCursor, static_cast<unsigned short>(m_buffer.size()));
+    return false;
+}
+
+inline char *CPacketLayerWrapper::GetPayload()
+{
+    return GetRecordLength() > 0 ? m_buffer.data() + m_usCursor + RECORD_LENGTH_SIZE : nullptr;
+}
+
+inline unsigned short CPacketLayerWrapper::GetPayloadLength() const
+{
+    return static_cast<unsigned short>(std::max(0, GetRecordLength() - RECORD_LENGTH_SIZE));
+}
 
 Q_DECLARE_METATYPE(CPacketLayerWrapper)
