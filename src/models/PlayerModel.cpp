@@ -20,15 +20,13 @@ CPlayerModel::~CPlayerModel()
 
 CPlayerModel *CPlayerModel::GetInstance(QString nickname)
 {
-    QSharedPointer<CPlayerModel> model = m_Instances.value(nickname);
-    if (!model) {
-        // A copy of the letters: every later look-up compares them, even where a host has unmapped the plugin in
-        // whose file a literal stands.
-        const QString key(nickname.constData(), nickname.size());
-        model = Singleton::MakeShared(new CPlayerModel(key));
-        m_Instances.insert(key, model);
-    }
-    return model.data();
+    const auto found = m_Instances.constFind(nickname);
+    if (found != m_Instances.cend())
+        return found->data();
+    // A copy of the letters: every later look-up compares them, even where a host has unmapped the plugin in whose
+    // file a literal stands.
+    const QString key(nickname.constData(), nickname.size());
+    return m_Instances.insert(key, Singleton::MakeShared(new CPlayerModel(key)))->data();
 }
 
 bool CPlayerModel::IsExisting(QString nickname)
