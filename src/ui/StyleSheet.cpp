@@ -13,8 +13,22 @@ constexpr int MAX_FILES = 1000;
 constexpr int MAX_DEPTH = 64; // each level looks at all that it includes once more
 
 const QLatin1String INCLUDE("#include");
-const QLatin1String COMMENT_BEGIN("/*");
-const QLatin1String COMMENT_END("*/");
+constexpr char COMMENT_BEGIN[] = "/*";
+constexpr char COMMENT_END[] = "*/";
+constexpr char HERE[] = "./";
+constexpr int PAIR_SIZE = 2;
+
+// Where two characters stand next to each other, -1 if nowhere. Qt looks for a single character at many places at
+// once, but for a text at one after the other.
+int FindPair(const QString &text, const char (&pair)[PAIR_SIZE + 1], int from = 0)
+{
+    const QLatin1Char first(pair[0]);
+    const QLatin1Char second(pair[1]);
+    int at = text.indexOf(first, from);
+    while (at >= 0 && (at + 1 == text.size() || text.at(at + 1) != second))
+        at = text.indexOf(first, at + 1);
+    return at;
+}
 
 QString ToFileName(QString include)
 {
@@ -29,16 +43,16 @@ bool RemoveComments(QString &text)
     QString rest;
     int kept = 0;
     for (;;) {
-        const int begin = text.indexOf(COMMENT_BEGIN, kept);
-        const int end = begin < 0 ? -1 : text.indexOf(COMMENT_END, begin + COMMENT_BEGIN.size());
+        const int begin = FindPair(text, COMMENT_BEGIN, kept);
+        const int end = begin < 0 ? -1 : FindPair(text, COMMENT_END, begin + PAIR_SIZE);
         if (end < 0)
             break;
         rest += text.midRef(kept, begin - kept);
-        kept = end + COMMENT_END.size();
+        kept = end + PAIR_SIZE;
     }
     rest += text.midRef(kept);
     text = rest;
-    return !text.contains(COMMENT_BEGIN) && !text.contains(COMMENT_END);
+    return FindPair(text, COMMENT_BEGIN) < 0 && FindPair(text, COMMENT_END) < 0;
 }
 
 bool IsBlank(QChar character)
@@ -102,7 +116,8 @@ bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents)
                 return false;
             text += included;
         } else if (!line.isEmpty()) {
-            text += Globals::ReplaceStylePath(line, directory) + QLatin1Char('\n');
+            text += Globals::ReplaceStylePath(line, directory);
+            text += QLatin1Char('\n');
         }
         if (text.size() > MAX_LENGTH)
             return false;
@@ -126,13 +141,12 @@ QString Globals::ReplaceStylePath(QString line, const QString &directory)
 {
     QString replaced;
     int copied = 0;
-    for (int i = 0; i < line.size(); ++i) {
-        const QStringRef rest = line.midRef(i);
-        if (!rest.startsWith(QLatin1String("../")) && !rest.startsWith(QLatin1String("./")))
-            continue;
-        replaced += line.midRef(copied, i - copied);
+    for (int i = FindPair(line, HERE); i >= 0; i = FindPair(line, HERE, i)) {
+        const bool isParent = i > 0 && line.at(i - 1) == QLatin1Char('.'); // "../"
+        const int begin = isParent ? i - 1 : i;
+        replaced += line.midRef(copied, begin - copied);
         replaced += directory;
-        copied = i;
+        copied = begin;
         const int end = line.indexOf(QLatin1Char(';'), i);
         i = end < 0 ? line.size() : end;
     }
