@@ -42,11 +42,10 @@ bool RemoveComments(QString &text)
 {
     QString rest;
     int kept = 0;
-    for (;;) {
-        const int begin = FindPair(text, COMMENT_BEGIN, kept);
-        const int end = begin < 0 ? -1 : FindPair(text, COMMENT_END, begin + PAIR_SIZE);
+    for (int begin = 0; (begin = FindPair(text, COMMENT_BEGIN, kept)) >= 0;) {
+        const int end = FindPair(text, COMMENT_END, begin + PAIR_SIZE);
         if (end < 0)
-            break;
+            return false;
         rest += text.midRef(kept, begin - kept);
         kept = end + PAIR_SIZE;
     }
