@@ -9,6 +9,9 @@ namespace {
 
 constexpr double KILO = 1024.0;
 constexpr double MEGA = KILO * KILO;
+// How far Qt's thread may be ahead of the reading, in bytes. Without a bound it posts pieces for as long as it gets
+// them, faster than they are taken in, and no timer's turn comes.
+constexpr qint64 READ_AHEAD = 512 << 10;
 
 } // namespace
 
@@ -108,13 +111,18 @@ void CDownload::slot_DownloadReadyRead()
 {
     if (!m_pReply)
         return;
-    const qint64 room = qint64(MaxBytes) - m_data.size();
-    if (m_pReply->bytesAvailable() <= room) {
-        m_data.append(m_pReply->readAll());
+    const qint64 available = m_pReply->bytesAvailable();
+    const int size = m_data.size();
+    if (available > qint64(MaxBytes) - size) {
+        StopTimers();
+        Finish(false);
         return;
     }
-    StopTimers();
-    Finish(false);
+    if (m_data.isEmpty())
+        m_data.reserve(static_cast<int>(qMin(GetContentLength(), MaxBytes)));
+    // In place, without an array between.
+    m_data.resize(size + static_cast<int>(available));
+    m_data.resize(size + static_cast<int>(qMax(Q_INT64_C(0), m_pReply->read(m_data.data() + size, available))));
 }
 
 void CDownload::slot_Start()
@@ -146,6 +154,7 @@ void CDownload::Download()
     StopTimers();
     m_data.clear();
     m_pReply = Send();
+    m_pReply->setReadBufferSize(READ_AHEAD);
     connect(m_pReply, &QNetworkReply::downloadProgress, this, &CDownload::slot_DownloadProgress);
     connect(m_pReply, &QNetworkReply::finished, this, &CDownload::slot_DownloadFinished);
     connect(m_pReply, &QNetworkReply::readyRead, this, &CDownload::slot_DownloadReadyRead);

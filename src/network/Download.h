@@ -51,7 +51,7 @@ public:
 
 Q_SIGNALS:
     void signal_Started();
-    /// \a data is the body, or what of it had arrived.
+    /// \a data is the body, or what of it had been read: of a long one the rest may have been under way still.
     void signal_Finished(bool status, QByteArray data);
     /// Twice a second and at the end; \a speed is for people to read, such as "1.5 kB/s".
     void signal_Progress(qint64 bytesReceived, qint64 bytesTotal, QString speed);

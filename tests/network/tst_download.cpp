@@ -13,6 +13,18 @@
 
 namespace {
 
+// Longer than what is read in one turn, and no two parts of it alike.
+const QByteArray &LongBody()
+{
+    static const QByteArray body = [] {
+        QByteArray numbers;
+        while (numbers.size() < 3 << 20)
+            numbers += QByteArray::number(numbers.size());
+        return numbers;
+    }();
+    return body;
+}
+
 // A web server on loopback, in a thread of its own.
 class CWebServer
 {
@@ -55,6 +67,17 @@ public:
                                         [](std::size_t offset, std::size_t, httplib::DataSink &sink) {
                                             return offset == 0 && sink.write("half", 4);
                                         });
+        });
+        m_server.Get("/long", [](const httplib::Request &, httplib::Response &answer) {
+            answer.set_content(LongBody().toStdString(), "text/plain");
+        });
+        m_server.Get("/long/chunks", [](const httplib::Request &, httplib::Response &answer) {
+            answer.set_chunked_content_provider("text/plain", [](std::size_t offset, httplib::DataSink &sink) {
+                const std::string part = LongBody().mid(int(offset), 100000).toStdString();
+                if (part.empty())
+                    sink.done();
+                return part.empty() || sink.write(part.data(), part.size());
+            });
         });
         m_iPort = m_server.bind_to_any_port("127.0.0.1");
         redirect("/dir/3", "http://127.0.0.1:" + std::to_string(m_iPort) + "/echo");
@@ -101,6 +124,8 @@ private Q_SLOTS:
         QTest::newRow("500") << "/fault"_s << QByteArray() << false << QByteArray("sorry") << "/fault"_s;
         QTest::newRow("credentials") << "/credentials"_s << QByteArray() << false << QByteArray() << "/credentials"_s;
         QTest::newRow("cut off") << "/cut"_s << QByteArray() << false << QByteArray("half") << "/cut"_s;
+        for (const QString &path : {"/long"_s, "/long/chunks"_s})
+            QTest::newRow(qPrintable(path)) << path << QByteArray() << true << LongBody() << path;
     }
 
     void Transfers()
