@@ -159,15 +159,15 @@ QByteArray CSettingsSync::CreateJSONforSync()
     const QString nickname = GetUser();
     if (nickname.isEmpty())
         return QByteArray();
-    const QVariantList settings = GetSettingsToSend(nickname);
-    const QVariantList infos = GetPlayerInfosToSend(nickname);
+    const QJsonArray settings = GetSettingsToSend(nickname);
+    const QJsonArray infos = GetPlayerInfosToSend(nickname);
     if (settings.isEmpty() && infos.isEmpty())
         return QByteArray();
-    const QVariantMap root{{JSON_SETTINGS_TIME, QString::number(m_ulLocalSettingsTime)},
+    const QJsonObject root{{JSON_SETTINGS_TIME, QString::number(m_ulLocalSettingsTime)},
                            {JSON_PLAYER_INFOS_TIME, QString::number(m_ulLocalPlayerInfoTime)},
                            {JSON_SETTINGS, settings},
                            {JSON_PLAYER_INFOS, infos}};
-    return QJsonDocument(QJsonObject::fromVariantMap(root)).toJson();
+    return QJsonDocument(root).toJson();
 }
 
 void CSettingsSync::slot_IntialWebRequestFinished(bool status, QByteArray data)
@@ -276,14 +276,14 @@ void CSettingsSync::TakePlayerInfos(const QString &nickname, const QVariantList 
     settingsDB->EndTransaction(true);
 }
 
-QVariantList CSettingsSync::GetSettingsToSend(const QString &nickname) const
+QJsonArray CSettingsSync::GetSettingsToSend(const QString &nickname) const
 {
-    QVariantList list;
+    QJsonArray list;
     const QList<CSettings::SSetting> settings = CSettings::GetSettingList(nickname);
     for (const CSettings::SSetting &setting : settings) {
         if (setting.iTimestamp < static_cast<qint64>(m_ulServerSettingsTime))
             continue;
-        list.append(QVariantMap{{JSON_AREA, setting.strArea},
+        list.append(QJsonObject{{JSON_AREA, setting.strArea},
                                 {JSON_KEY, setting.strKey},
                                 {JSON_VALUE, setting.vValue.toString()},
                                 {JSON_TYPE, STRING_TYPE},
@@ -292,13 +292,13 @@ QVariantList CSettingsSync::GetSettingsToSend(const QString &nickname) const
     return list;
 }
 
-QVariantList CSettingsSync::GetPlayerInfosToSend(const QString &nickname) const
+QJsonArray CSettingsSync::GetPlayerInfosToSend(const QString &nickname) const
 {
-    QVariantList list;
+    QJsonArray list;
     const QList<PlayerInfo::SPlayerInfoSyncElement> infos =
         PlayerInfo::GetSyncList(nickname, m_ulServerPlayerInfoTime);
     for (const PlayerInfo::SPlayerInfoSyncElement &info : infos) {
-        list.append(QVariantMap{{JSON_NICK, info.strPlayer},
+        list.append(QJsonObject{{JSON_NICK, info.strPlayer},
                                 {JSON_NOTE, info.strNote},
                                 {JSON_TAG, QString::number(info.ulTagID)},
                                 {JSON_FLAGS, QString::number(info.ulPlayerFlags)},

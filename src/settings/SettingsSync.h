@@ -4,6 +4,7 @@
 #include <plugin/WebLinks.h>
 
 #include <QByteArray>
+#include <QJsonArray>
 #include <QObject>
 #include <QSharedPointer>
 #include <QString>
@@ -78,8 +79,8 @@ private:
     void RequestSessionIfBehind();
     static void TakeSettings(const QString &nickname, const QVariantList &settings);
     static void TakePlayerInfos(const QString &nickname, const QVariantList &infos);
-    QVariantList GetSettingsToSend(const QString &nickname) const;
-    QVariantList GetPlayerInfosToSend(const QString &nickname) const;
+    QJsonArray GetSettingsToSend(const QString &nickname) const;
+    QJsonArray GetPlayerInfosToSend(const QString &nickname) const;
 
     // Newest times, the server's as of its last answer.
     unsigned int m_ulServerSettingsTime = 0;
