@@ -16,6 +16,8 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QHash>
+#include <QSharedPointer>
 
 #include <malloc.h>
 
@@ -53,6 +55,9 @@ inline int Flags(int number)
 {
     return number % 10 == 0 ? 1 : 0;
 }
+
+template <typename Player>
+using TPlayers = QHash<QString, QSharedPointer<Player>>;
 
 /// The library's files in an installation, and the C API's connection to the notes.
 class CFile
@@ -135,5 +140,21 @@ private:
 
     sqlite3 *m_pFile = nullptr;
 };
+
+// All notes into new players.
+inline int LoadByHand(CFile &file, TPlayers<CPlayerDataModel> &players)
+{
+    sqlite3_stmt *select =
+        file.Prepare("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID FROM tbl_playerinfo WHERE PIN_cUser = 'alice'");
+    while (sqlite3_step(select) == SQLITE_ROW) {
+        const QSharedPointer<CPlayerDataModel> player(new CPlayerDataModel);
+        player->SetNickname(CFile::Text(select, 0));
+        player->SetNotes(CFile::Text(select, 1));
+        player->SetTagID(static_cast<unsigned int>(sqlite3_column_int(select, 2)));
+        players.insert(player->GetNickname(), player);
+    }
+    sqlite3_finalize(select);
+    return players.size();
+}
 
 } // namespace Notes

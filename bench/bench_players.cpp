@@ -36,9 +36,6 @@ Q_SIGNALS:
     void signal_VipLevelChanged(quint32 level);
 };
 
-template <typename Player>
-using TPlayers = QHash<QString, QSharedPointer<Player>>;
-
 // Players whose nicknames are asked for in an order that isn't the one of their making.
 struct SFound
 {
@@ -185,21 +182,6 @@ void AddRestartRow()
     };
     row.Side("library", change);
     row.Side("floor", restart);
-}
-
-int LoadByHand(CFile &file, TPlayers<CPlayerDataModel> &players)
-{
-    sqlite3_stmt *select =
-        file.Prepare("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID FROM tbl_playerinfo WHERE PIN_cUser = 'alice'");
-    while (sqlite3_step(select) == SQLITE_ROW) {
-        const QSharedPointer<CPlayerDataModel> player(new CPlayerDataModel);
-        player->SetNickname(CFile::Text(select, 0));
-        player->SetNotes(CFile::Text(select, 1));
-        player->SetTagID(static_cast<unsigned int>(sqlite3_column_int(select, 2)));
-        players.insert(player->GetNickname(), player);
-    }
-    sqlite3_finalize(select);
-    return players.size();
 }
 
 void AddLoadRow(CFile &file)

@@ -63,56 +63,44 @@ QByteArray WriteMap(const QVariantMap &map)
 
 void AddBuildRow(CFile &file)
 {
-    static QVariantMap map;
     SRow<QByteArray> row{"sync_build", {100, 1000, 10000, 100000}};
     row.Setup = [&file](int notes) {
         file.Fill(notes);
         CSettingsSync::GetInstance()->ReadJSON("{}"); // a server that has nothing yet
         CSettingsSync::GetInstance()->GetLocalTimestamps();
-        map = ReadMap(file);
     };
     row.Side("library", [](int) { return CSettingsSync::GetInstance()->CreateJSONforSync(); });
-    row.Side("floor", [](int) { return WriteMap(map); });
-    row.Side("floor with the reading", [&file](int) { return WriteMap(ReadMap(file)); });
+    row.Side("floor", [&file](int) { return WriteMap(ReadMap(file)); });
 }
 
 // Into variant maps, and the rows in one transaction.
-int TakeInByHand(CFile &file, const QByteArray &answer)
+void TakeInByHand(CFile &file, const QByteArray &answer)
 {
     const QVariantMap map = QJsonDocument::fromJson(answer).object().toVariantMap();
     const int notes = map.value(INFOS).toList().size();
     file.Run("BEGIN");
     file.Write(notes, TIME_WRITTEN);
     file.Run("COMMIT");
-    return notes;
-}
-
-// What only the library does, by itself: all into the players.
-int LoadByHand(int notes)
-{
-    QHash<QString, QSharedPointer<CPlayerDataModel>> players;
-    for (int note = 0; note < notes; ++note) {
-        const QSharedPointer<CPlayerDataModel> player(new CPlayerDataModel);
-        player->SetNickname(Nickname(note));
-        player->SetNotes(Note(note));
-        player->SetTagID(3);
-        players.insert(player->GetNickname(), player);
-    }
-    return players.size();
 }
 
 void AddTakeInRow(CFile &file)
 {
     static QByteArray answer;
+    static TPlayers<CPlayerDataModel> players;
     SRow<int> row{"sync_take_in", {100, 1000, 10000, 100000}};
     row.Setup = [](int notes) { answer = MakeAnswer(notes); };
-    row.Prepare = [&file](int) { file.Fill(0); };
+    row.Prepare = [&file](int) {
+        players.clear();
+        file.Fill(0);
+    };
     const auto takeIn = [](int notes) {
         CSettingsSync::GetInstance()->ReadJSON(answer);
         return notes;
     };
-    const auto byHand = [&file](int) { return TakeInByHand(file, answer); };
-    const auto withPlayers = [&file](int) { return LoadByHand(TakeInByHand(file, answer)); };
+    const auto byHand = [&file](int) {
+        TakeInByHand(file, answer);
+        return LoadByHand(file, players);
+    };
     const auto check = [&file](int) { return file.Count(TIME_WRITTEN); };
     row.Side("library", takeIn, [check](int notes) {
         for (int i = 0; i < notes; ++i)
@@ -120,7 +108,6 @@ void AddTakeInRow(CFile &file)
         return check(notes);
     });
     row.Side("floor", byHand, check);
-    row.Side("floor with players", withPlayers, check);
 }
 
 } // namespace

@@ -56,9 +56,11 @@ PROGRAMS = {
             wall=True, counters={"longest_turn_ms@10000": 16}),
     ],
     "bench_sync": [
-        Row("sync_build", "JSON for the web server", "QJsonDocument from a variant map", 1.2, per="note", flat=True),
-        Row("sync_take_in", "JSON from the web server taken in", "QJsonDocument to a variant map, and the upserts", 1.2,
-            per="note", flat=True),
+        Row("sync_build", "JSON for the web server", "a prepared select into a variant map, and QJsonDocument from it",
+            1.2, per="note", flat=True),
+        Row("sync_take_in", "JSON from the web server taken in",
+            "QJsonDocument to a variant map, the upserts, and the load's floor: read back, hash, set", 1.2, per="note",
+            flat=True),
     ],
     "bench_network": [
         Row("download", "download from loopback", "bare QTcpSocket into a reserved array", 1.3, per="MiB", wall=True,
