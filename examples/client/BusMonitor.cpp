@@ -1,5 +1,8 @@
 #include "BusMonitor.h"
 
+#include "Host.h"
+#include "LogTable.h"
+
 #include <common/FormField.h>
 
 #include <QCheckBox>
@@ -27,8 +30,7 @@ QString TagText(const char (&tag)[4])
 
 QString DirectionText(const QVariant &plugin)
 {
-    return Texts::MakeItem(plugin.isNull() ? "BUS_TO_PLUGINS" : "BUS_FROM", {{"#plugin#", plugin}})
-        .GetTranslatedText();
+    return Texts::Get(plugin.isNull() ? "BUS_TO_PLUGINS" : "BUS_FROM", {{"#plugin#", plugin}});
 }
 
 // A line for 16 bytes each: offset, bytes, and what of them is ASCII.
@@ -46,7 +48,19 @@ QString HexText(const QByteArray &data)
     return text;
 }
 
-} // namespace
+class CBusMonitor : public CLogTable
+{
+public:
+    explicit CBusMonitor(CHost &host);
+
+private:
+    void Record(const CEvent &event, const CPluginInterface *sender);
+    void ShowPassed(int count);
+
+    QCheckBox *m_pPause; // a child
+    int m_iPassed = 0;
+    int m_iBytes = 0;
+};
 
 CBusMonitor::CBusMonitor(CHost &host)
     : CLogTable({"LOG_TIME", "BUS_DIRECTION", "BUS_TAG1", "BUS_TAG2", "BUS_MODULE", "BUS_TARGET", "BUS_SIZE"},
@@ -98,5 +112,12 @@ void CBusMonitor::Record(const CEvent &event, const CPluginInterface *sender)
 void CBusMonitor::ShowPassed(int count)
 {
     m_iPassed = count;
-    m_pPause->setText(Texts::MakeItem("BUS_PAUSE", {{"#count#", count}}).GetTranslatedText());
+    m_pPause->setText(Texts::Get("BUS_PAUSE", {{"#count#", count}}));
+}
+
+} // namespace
+
+QWidget *CreateBusMonitor(CHost &host)
+{
+    return new CBusMonitor(host);
 }

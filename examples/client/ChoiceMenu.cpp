@@ -1,67 +1,57 @@
 #include "ChoiceMenu.h"
 
-#include <common/Texts.h>
+#include <common/FormField.h>
 #include <settings/Settings.h>
 #include <time/CasinoTime.h>
 
-CChoiceMenu::CChoiceMenu(QWidget *parent)
-    : QMenu(parent)
-    , m_group(this)
-{
-    connect(&m_group, &QActionGroup::triggered, this,
-            [this](const QAction *action) { Q_EMIT signal_Chosen(action->data().toInt()); });
-}
+#include <QActionGroup>
+#include <QMenu>
 
-QAction *CChoiceMenu::AddChoice(const QString &text, int value)
-{
-    QAction *action = addAction(text);
-    action->setCheckable(true);
-    action->setData(value);
-    return m_group.addAction(action);
-}
+namespace {
 
-void CChoiceMenu::SetChosen(int value)
+// Has \a choose called with the number of the entry that the user chooses.
+template <typename Choose>
+QMenu *CreateMenu(QWidget *parent, const char *name, const char *key, const QStringList &entries,
+                  const Choose &choose)
 {
-    const QList<QAction *> choices = m_group.actions();
-    for (QAction *choice : choices) {
-        if (choice->data() == value)
-            choice->setChecked(true);
-    }
-}
-
-CChoiceMenu *CreateLanguageMenu(QWidget *parent)
-{
-    auto *menu = new CChoiceMenu(parent);
-    menu->setObjectName(QStringLiteral("languages"));
-    const CTranslation *catalogue = CTranslation::GetInstance();
-    for (const CTranslation::SLang &language : catalogue->GetAvailableLanguages())
-        menu->AddChoice(language.strLong, language.iID);
-    Texts::Bind(menu, &QMenu::setTitle, "MENU_LANGUAGE");
-    Texts::Follow(menu, [menu, catalogue] { menu->SetChosen(catalogue->GetLanguage().iID); });
-    QObject::connect(menu, &CChoiceMenu::signal_Chosen, menu,
-                     [menu](int id) { CSettings::GetInstance()->SetSelectedLanguage(id, menu); });
+    auto *menu = CreateField<QMenu>(parent, name);
+    Texts::Bind(menu, &QMenu::setTitle, key);
+    auto *group = new QActionGroup(menu);
+    for (const QString &entry : entries)
+        group->addAction(menu->addAction(entry))->setCheckable(true);
+    QObject::connect(group, &QActionGroup::triggered, menu,
+                     [=](QAction *entry) { choose(group->actions().indexOf(entry)); });
     return menu;
 }
 
-CChoiceMenu *CreateTimezoneMenu(QWidget *parent)
+} // namespace
+
+QMenu *CreateLanguageMenu(QWidget *parent)
 {
-    auto *menu = new CChoiceMenu(parent);
-    menu->setObjectName(QStringLiteral("timezones"));
-    CSettings *settings = CSettings::GetInstance();
-    const CCasinoTime *clock = CCasinoTime::GetInstance();
-    const QStringList names = clock->GetTimezoneList();
-    for (int index = 0; index < names.size(); ++index)
-        menu->AddChoice(names.at(index), index);
-    menu->SetChosen(clock->GetTimezoneIndex());
-    Texts::Bind(menu, &QMenu::setTitle, "MENU_TIMEZONE");
-    // Of the entries only the last one is a word.
-    QObject::connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, menu,
-                     [menu, clock] { menu->actions().constLast()->setText(clock->GetTimezoneList().constLast()); });
-    QObject::connect(menu, &CChoiceMenu::signal_Chosen, menu,
-                     [menu, settings](int index) { settings->SetTimezoneIndex30(index, menu); });
-    QObject::connect(settings, &CSettings::signal_TimezoneIndex30Changed, menu, [menu, settings, clock] {
-        if (settings->GetCaller() != menu)
-            menu->SetChosen(clock->GetTimezoneIndex());
+    const CTranslation *catalogue = CTranslation::GetInstance();
+    const auto languages = catalogue->GetAvailableLanguages();
+    QStringList names;
+    for (const CTranslation::SLang &language : languages)
+        names.append(language.strLong);
+    auto *menu = CreateMenu(parent, "languages", "MENU_LANGUAGE", names, [=](int index) {
+        CSettings::GetInstance()->SetSelectedLanguage(languages.at(index).iID);
     });
+    Texts::Follow(menu, [=] {
+        for (int i = 0; i < languages.size(); ++i)
+            menu->actions().at(i)->setChecked(languages.at(i).iID == catalogue->GetLanguage().iID);
+    });
+    return menu;
+}
+
+QMenu *CreateTimezoneMenu(QWidget *parent)
+{
+    const CCasinoTime *clock = CCasinoTime::GetInstance();
+    auto *menu = CreateMenu(parent, "timezones", "MENU_TIMEZONE", clock->GetTimezoneList(),
+                            [](int index) { CSettings::GetInstance()->SetTimezoneIndex30(index); });
+    const auto show = [=] {
+        menu->actions().constLast()->setText(clock->GetTimezoneList().constLast()); // the only one that is a word
+        menu->actions().at(clock->GetTimezoneIndex())->setChecked(true);
+    };
+    Texts::Follow(menu, show, CSettings::GetInstance(), &CSettings::signal_TimezoneIndex30Changed);
     return menu;
 }

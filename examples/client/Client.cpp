@@ -1,5 +1,8 @@
 #include "Client.h"
 
+#include "Look.h"
+
+#include <common/Note.h>
 #include <common/Texts.h>
 #include <database/ConfigDB.h>
 #include <database/HandHistoryDB.h>
@@ -7,7 +10,6 @@
 #include <database/PlayerInfoDB.h>
 #include <database/SettingsDB.h>
 #include <database/TranslationDB.h>
-#include <files/Console.h>
 #include <files/Pathes.h>
 #include <models/AutoTopUpModel.h>
 #include <models/CasinoInfo.h>
@@ -35,6 +37,38 @@ namespace {
 void PrintMessage(const CConsole::SConsoleMessage &message)
 {
     QTextStream(stderr) << message.dtTimestamp.toString(Qt::ISODateWithMs) << ' ' << message.strMessage << '\n';
+}
+
+// What a file that can't be opened is missed by. In plain English where there are no texts.
+QStringList FindProblems()
+{
+    struct SFile
+    {
+        CLocalDB *pDatabase;
+        QString strPath;
+        const char *strKey;
+        QString strEnglish;
+    };
+    const QString notStored = QStringLiteral("#file# can't be used: what you do now will be forgotten.");
+    const SFile files[] = {
+        {CConfigDB::GetInstance(), Pathes::ConfigDB(), "PROBLEM_CONFIG",
+         QStringLiteral("#file# is missing: the client works with its defaults.")},
+        {CTranslationDB::GetInstance(), Pathes::LanguageDB(), nullptr,
+         QStringLiteral("#file# is missing: texts are shown by their names.")},
+        {CSettingsDB::GetInstance(), Pathes::SettingsDB(), "PROBLEM_USER_FILE", notStored},
+        {CPlayerInfoDB::GetInstance(), Pathes::PlayerInfoDB(), "PROBLEM_USER_FILE", notStored},
+        {CLobbyListDB::GetInstance(), Pathes::LobbyListDB(), "PROBLEM_USER_FILE", notStored},
+        {CHandHistoryDB::GetInstance(), Pathes::HandHistoryDB(), "PROBLEM_USER_FILE", notStored},
+    };
+    QStringList problems;
+    for (const SFile &file : files) {
+        if (file.pDatabase->IsOpen())
+            continue;
+        QString text = CTranslationDB::GetInstance()->IsOpen() ? Texts::Get(file.strKey) : file.strEnglish;
+        problems.append(text.replace(QLatin1String("#file#"), QDir::toNativeSeparators(QDir::cleanPath(
+                                                                  QDir().absoluteFilePath(file.strPath)))));
+    }
+    return problems;
 }
 
 } // namespace
@@ -90,48 +124,17 @@ CClient::CShared::~CShared()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-// What a file that can't be opened is missed by. In plain English where there are no texts.
-QStringList CClient::FindProblems()
-{
-    struct SFile
-    {
-        CLocalDB *pDatabase;
-        QString strPath;
-        const char *strKey;
-        QString strEnglish;
-    };
-    const QString notStored = QStringLiteral("#file# can't be used: what you do now will be forgotten.");
-    const SFile files[] = {
-        {CConfigDB::GetInstance(), Pathes::ConfigDB(), "PROBLEM_CONFIG",
-         QStringLiteral("#file# is missing: the client works with its defaults.")},
-        {CTranslationDB::GetInstance(), Pathes::LanguageDB(), nullptr,
-         QStringLiteral("#file# is missing: texts are shown by their names.")},
-        {CSettingsDB::GetInstance(), Pathes::SettingsDB(), "PROBLEM_USER_FILE", notStored},
-        {CPlayerInfoDB::GetInstance(), Pathes::PlayerInfoDB(), "PROBLEM_USER_FILE", notStored},
-        {CLobbyListDB::GetInstance(), Pathes::LobbyListDB(), "PROBLEM_USER_FILE", notStored},
-        {CHandHistoryDB::GetInstance(), Pathes::HandHistoryDB(), "PROBLEM_USER_FILE", notStored},
-    };
-    QStringList problems;
-    for (const SFile &file : files) {
-        if (file.pDatabase->IsOpen())
-            continue;
-        QString text = CTranslationDB::GetInstance()->IsOpen() ? Texts::Get(file.strKey) : file.strEnglish;
-        problems.append(text.replace(QLatin1String("#file#"), QDir::toNativeSeparators(QDir::cleanPath(
-                                                                  QDir().absoluteFilePath(file.strPath)))));
-    }
-    return problems;
-}
-
 CClient::CClient(const QString &server, quint16 port)
     : m_host(server, port)
     , m_window(m_host)
 {
     QObject::connect(&m_host, &CHost::signal_PageRequested, &QDesktopServices::openUrl);
+    Look::Follow(&m_window);
     m_host.StartPlugins(Pathes::Plugins());
     m_window.CreateViews();
     const QStringList problems = FindProblems();
     for (const QString &problem : problems)
-        CConsole::AddMessage(problem, CConsole::MC_Database, CConsole::ML_Warning, QString(), 0);
+        Note(problem, CConsole::MC_Database);
     m_window.ShowProblems(problems);
     m_window.show();
     m_host.OpenLink();

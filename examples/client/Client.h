@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Host.h"
-#include "Look.h"
 #include "MainWindow.h"
 
 /// The running client: the user's folder, the databases, all that the library shares, the host and its window, in the
@@ -28,10 +27,7 @@ private:
         ~CShared();
     };
 
-    static QStringList FindProblems();
-
     CShared m_shared;
-    CLook m_look;
     CHost m_host;
     CMainWindow m_window; // before the plugins, which may ask for something at once
 };

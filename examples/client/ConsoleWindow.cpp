@@ -1,6 +1,7 @@
 #include "ConsoleWindow.h"
 
 #include "BusMonitor.h"
+#include "LogTable.h"
 
 #include <common/FormField.h>
 #include <files/Console.h>
@@ -71,7 +72,7 @@ CConsoleWindow::CConsoleWindow(CHost &host, QWidget *parent)
     setWindowFlags(Qt::Window);
     resize(1040, 600);
     addTab(CreateMessages(), QString());
-    addTab(new CBusMonitor(host), QString());
+    addTab(CreateBusMonitor(host), QString());
     Texts::Follow(this, [this] {
         setWindowTitle(Texts::Get("CONSOLE_TITLE"));
         setTabText(0, Texts::Get("CONSOLE_MESSAGES"));

@@ -1,7 +1,7 @@
 #include "Host.h"
 
+#include <common/Note.h>
 #include <common/Texts.h>
-#include <files/Console.h>
 #include <models/UserInfo.h>
 
 #include <QDataStream>
@@ -10,11 +10,6 @@
 #include <algorithm>
 
 namespace {
-
-void Note(const QString &text, CConsole::EMessageCategory category, CConsole::EMessageLevel level)
-{
-    CConsole::AddMessage(text, category, level, QString(), 0);
-}
 
 bool IsHostGroup(const CEvent &event)
 {
@@ -42,16 +37,15 @@ QString ReadCountedText(QDataStream &stream)
 
 } // namespace
 
-CHost::CHost(const QString &server, quint16 port, QObject *parent)
-    : QObject(parent)
-    , m_link(server, port)
+CHost::CHost(const QString &server, quint16 port)
+    : m_link(server, port)
     , m_session([this](const QByteArray &packet) { return m_link.Send(packet); })
     , m_synchronisation(m_session, [this](const QByteArray &packet) { return m_link.Send(packet); })
 {
-    connect(&m_link, &CServerLink::signal_StateChanged, this, &CHost::slot_ConnectionStateChanged);
-    connect(&m_link, &CServerLink::signal_PacketReceived, this, &CHost::slot_PacketReceived);
+    connect(&m_link, &CServerLink::signal_StateChanged, this, &CHost::OnConnectionStateChanged);
+    connect(&m_link, &CServerLink::signal_PacketReceived, this, &CHost::OnPacketReceived);
     connect(&m_link, &CServerLink::signal_Problem, this,
-            [](const QString &text) { Note(text, CConsole::MC_Network, CConsole::ML_Warning); });
+            [](const QString &text) { Note(text, CConsole::MC_Network); });
     connect(&m_session, &CSession::signal_LoginRefused, this,
             [this](const QString &key) { DeliverToPlugins(QStringLiteral("LGNF"), Texts::Get(key).toUtf8()); });
     connect(&m_plugins, &CPluginManager::signal_PluginDropped, this,
@@ -100,7 +94,7 @@ void CHost::Shutdown()
     std::for_each(plugins.rbegin(), plugins.rend(), [](CPluginInterface *plugin) { plugin->Shutdown(); });
 }
 
-void CHost::slot_SendEvent(CEvent e)
+void CHost::OnSendEvent(CEvent e)
 {
     if (e.HasTags("P2ME", "LGND"))
         OpenLoginDialog();
@@ -112,8 +106,7 @@ void CHost::slot_SendEvent(CEvent e)
     else if (e.HasTags("P2ME", "RSRV"))
         SendToServer(e.data);
     else if (e.HasTags("P2ME", "RWEB"))
-        Note(QStringLiteral("A packet for the web server is lost: there is no link to it"), CConsole::MC_Network,
-             CConsole::ML_Warning);
+        Note(QStringLiteral("A packet for the web server is lost: there is no link to it"), CConsole::MC_Network);
     else if (e.HasTags("P2ME", "WLID"))
         OpenLinkID(e.data);
     else if (e.HasTags("P2ME", "WLNK"))
@@ -122,12 +115,12 @@ void CHost::slot_SendEvent(CEvent e)
         OpenAddressWithQuery(e.data);
     else if (IsHostGroup(e))
         Note(QStringLiteral("A plugin sent an event that no plugin may send, or that nobody knows"),
-             CConsole::MC_Plugin, CConsole::ML_Warning);
+             CConsole::MC_Plugin);
     else
         Deliver(e);
 }
 
-void CHost::slot_ConnectionStateChanged(EConnectionState::type state)
+void CHost::OnConnectionStateChanged(EConnectionState::type state)
 {
     // First, so that the server knows the user when a plugin asks for something.
     m_session.SetConnectionState(state);
@@ -138,14 +131,14 @@ void CHost::slot_ConnectionStateChanged(EConnectionState::type state)
     Q_EMIT signal_ConnectionStateChanged(state);
 }
 
-void CHost::slot_PacketReceived(CPacketLayerWrapper packet)
+void CHost::OnPacketReceived(CPacketLayerWrapper packet)
 {
     while (packet.GetNext()) {
         CEvent event = CEvent::Create(packet.GetGroup(), packet.GetPayloadTag());
         // A server must not speak in the host's or a plugin's name.
         if (IsHostGroup(event) || event.HasTag1("DESI")) {
             Note(QStringLiteral("The game server sent a packet of the client's own group %1").arg(packet.GetGroup()),
-                 CConsole::MC_Network, CConsole::ML_Warning);
+                 CConsole::MC_Network);
             return;
         }
         event.moduleID = packet.GetModuleID();
@@ -160,7 +153,7 @@ void CHost::ConnectPlugin(CPluginInterface *plugin)
 {
     connect(plugin, &CPluginInterface::signal_SendEvent, this,
             [this, plugin](const CEvent &event) { Q_EMIT signal_EventPassed(event, plugin); });
-    connect(plugin, &CPluginInterface::signal_SendEvent, this, &CHost::slot_SendEvent);
+    connect(plugin, &CPluginInterface::signal_SendEvent, this, &CHost::OnSendEvent);
     connect(plugin, &CPluginInterface::signal_RegisterForEvent, this,
             [this, plugin](const QString &tag1, const QString &tag2) { m_router.Register(plugin, tag1, tag2); });
     plugin->RegisterEvents();
@@ -190,13 +183,13 @@ void CHost::SendToServer(const QByteArray &packet)
     // Who logs in is the user's choice and not a plugin's.
     if (packet.startsWith(AccountProtocol::GROUP) || !m_link.Send(packet))
         Note(QStringLiteral("A packet of %1 bytes for the game server isn't sent").arg(packet.size()),
-             CConsole::MC_Network, CConsole::ML_Warning);
+             CConsole::MC_Network);
 }
 
 void CHost::OpenLinkID(const QByteArray &data)
 {
     const qint32 id = data.size() < int(sizeof(qint32)) ? 0 : qFromLittleEndian<qint32>(data.constData());
-    Note(QStringLiteral("Page %1 has no address").arg(id), CConsole::MC_General, CConsole::ML_Warning);
+    Note(QStringLiteral("Page %1 has no address").arg(id), CConsole::MC_General);
 }
 
 void CHost::OpenAddress(const QString &address)
@@ -206,7 +199,7 @@ void CHost::OpenAddress(const QString &address)
     if (url.isValid() && (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https")))
         Q_EMIT signal_PageRequested(url);
     else
-        Note(QStringLiteral("No web page: %1").arg(address), CConsole::MC_General, CConsole::ML_Warning);
+        Note(QStringLiteral("No web page: %1").arg(address), CConsole::MC_General);
 }
 
 // The plugins of this client pass a page's address first and its query second; the second one leads in the payload.

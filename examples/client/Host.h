@@ -17,7 +17,7 @@ class CHost : public QObject
     Q_OBJECT
 
 public:
-    CHost(const QString &server, quint16 port, QObject *parent = nullptr);
+    CHost(const QString &server, quint16 port);
 
     /// Loads the plugins of \a directory and starts them, each behind those it depends on.
     void StartPlugins(const QString &directory);
@@ -47,12 +47,10 @@ Q_SIGNALS:
     /// An event crosses the bus: \a sender has sent it, or, without one, it is about to be delivered to plugins.
     void signal_EventPassed(const CEvent &event, const CPluginInterface *sender);
 
-private Q_SLOTS:
-    void slot_SendEvent(CEvent e);
-    void slot_ConnectionStateChanged(EConnectionState::type state);
-    void slot_PacketReceived(CPacketLayerWrapper packet);
-
 private:
+    void OnSendEvent(CEvent e);
+    void OnConnectionStateChanged(EConnectionState::type state);
+    void OnPacketReceived(CPacketLayerWrapper packet);
     void Deliver(const CEvent &event);
     void DeliverToPlugins(const QString &tag2, const QByteArray &data);
 

@@ -20,30 +20,29 @@ constexpr int MESSAGE_LINES = 3;
 CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     : QDialog(parent)
     , m_host(host)
-    , m_pNickname(new QLineEdit(CSettings::GetInstance()->GetLastUserName(), this))
-    , m_pPassword(new QLineEdit(this))
-    , m_pMessage(new QLabel(this))
+    , m_pNickname(CreateField<QLineEdit>(this, "loginNickname"))
+    , m_pPassword(CreateField<QLineEdit>(this, "loginPassword"))
+    , m_pMessage(CreateField<QLabel>(this, "loginMessage"))
 {
-    Texts::Bind(this, &QWidget::setWindowTitle, "LOGIN_TITLE");
-    CreateFields();
-    Arrange();
-    connect(&m_message, &CTranslationObject::signal_TextChanged, m_pMessage,
-            [this] { m_pMessage->setText(m_message.GetTranslatedText()); });
-    connect(&host.GetSession(), &CSession::signal_LoggedIn, this, &CLoginDialog::OnLoggedIn);
-    connect(&host.GetSession(), &CSession::signal_LoginRefused, this, &CLoginDialog::ShowRefusal);
-    connect(&host, &CHost::signal_ConnectionStateChanged, this, &CLoginDialog::ShowLinkState);
-    ShowLinkState(host.GetServerLink().GetState());
-}
-
-void CLoginDialog::CreateFields()
-{
-    m_pNickname->setObjectName(QStringLiteral("loginNickname"));
+    m_pNickname->setText(CSettings::GetInstance()->GetLastUserName());
     m_pNickname->setMinimumWidth(fontMetrics().averageCharWidth() * FIELD_CHARACTERS);
-    m_pPassword->setObjectName(QStringLiteral("loginPassword"));
     m_pPassword->setEchoMode(QLineEdit::Password);
-    m_pMessage->setObjectName(QStringLiteral("loginMessage"));
     m_pMessage->setWordWrap(true);
     m_pMessage->setMinimumHeight(fontMetrics().lineSpacing() * MESSAGE_LINES);
+    Arrange();
+    Texts::Bind(this, &QWidget::setWindowTitle, "LOGIN_TITLE");
+    Texts::Follow(this, [this] { ShowMessage(m_strMessageKey); });
+    const auto showLink = [this] {
+        const bool stands = m_host.GetServerLink().GetState() == EConnectionState::Connected;
+        ShowMessage(stands ? QString() : QStringLiteral("LOGIN_NO_LINK"));
+    };
+    connect(&host, &CHost::signal_ConnectionStateChanged, this, showLink);
+    showLink();
+    connect(&host.GetSession(), &CSession::signal_LoginRefused, this, &CLoginDialog::ShowRefusal);
+    connect(&host.GetSession(), &CSession::signal_LoggedIn, this, [this] {
+        CSettings::GetInstance()->SetLastUserName(CUserInfo::GetInstance()->GetNickname());
+        QDialog::accept();
+    });
 }
 
 void CLoginDialog::Arrange()
@@ -64,10 +63,8 @@ void CLoginDialog::Arrange()
 
 void CLoginDialog::accept()
 {
-    if (!AccountProtocol::IsNickname(m_pNickname->text())) {
-        ShowRefusal(QStringLiteral("LOGIN_BAD_NICKNAME"));
-        return;
-    }
+    if (!AccountProtocol::IsNickname(m_pNickname->text()))
+        return ShowRefusal(QStringLiteral("LOGIN_BAD_NICKNAME"));
     ShowMessage(QStringLiteral("LOGIN_ASKING"));
     setEnabled(false);
     m_host.GetSession().LogIn(m_pNickname->text(), AccountProtocol::HashPassword(m_pPassword->text()));
@@ -83,7 +80,8 @@ void CLoginDialog::reject()
 
 void CLoginDialog::ShowMessage(const QString &key)
 {
-    m_message.SetTranslationKey(key, Texts::Area());
+    m_strMessageKey = key;
+    m_pMessage->setText(key.isEmpty() ? QString() : Texts::Get(key));
 }
 
 void CLoginDialog::ShowRefusal(const QString &key)
@@ -92,18 +90,4 @@ void CLoginDialog::ShowRefusal(const QString &key)
     ShowMessage(key);
     m_pPassword->selectAll();
     m_pPassword->setFocus();
-}
-
-void CLoginDialog::ShowLinkState(EConnectionState::type state)
-{
-    if (state == EConnectionState::Connected)
-        m_message.SetText(QString());
-    else
-        ShowMessage(QStringLiteral("LOGIN_NO_LINK"));
-}
-
-void CLoginDialog::OnLoggedIn()
-{
-    CSettings::GetInstance()->SetLastUserName(CUserInfo::GetInstance()->GetNickname(), this);
-    QDialog::accept();
 }

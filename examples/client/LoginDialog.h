@@ -1,9 +1,5 @@
 #pragma once
 
-#include <plugin/ConnectionState.h>
-
-#include <translation/TranslationObject.h>
-
 #include <QDialog>
 
 class CHost;
@@ -24,16 +20,13 @@ public:
     void reject() override;
 
 private:
-    void CreateFields();
     void Arrange();
     void ShowMessage(const QString &key);
     void ShowRefusal(const QString &key);
-    void ShowLinkState(EConnectionState::type state);
-    void OnLoggedIn();
 
     CHost &m_host;
-    QLineEdit *m_pNickname; // this and the widgets below are children
+    QLineEdit *m_pNickname; // this and the next ones are children
     QLineEdit *m_pPassword;
     QLabel *m_pMessage;
-    CTranslationObject m_message;
+    QString m_strMessageKey; // empty if there is none
 };

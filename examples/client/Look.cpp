@@ -1,6 +1,6 @@
 #include "Look.h"
 
-#include <files/Console.h>
+#include <common/Note.h>
 #include <files/Pathes.h>
 #include <settings/Settings.h>
 #include <ui/StyleSheet.h>
@@ -38,25 +38,24 @@ QPalette MakeDarkPalette()
     return palette;
 }
 
-} // namespace
-
-CLook::CLook()
+void Apply()
 {
-    connect(CSettings::GetInstance(), &CSettings::signal_ThemeGeneralChanged, this, &CLook::Apply);
-    Apply();
-}
-
-void CLook::Apply()
-{
-    const bool isDark = CSettings::GetInstance()->GetThemeGeneral() == CO_DARK;
+    const bool isDark = CSettings::GetInstance()->GetThemeGeneral() == Look::CO_DARK;
     const QString file = isDark ? DARK_SHEET : LIGHT_SHEET;
     QString styleSheet;
     if (!Globals::GetCssContents(Pathes::ToCommonRes(file, false), styleSheet))
-        CConsole::AddMessage(QStringLiteral("The brand's style sheet %1 can't be read").arg(file),
-                             CConsole::MC_General, CConsole::ML_Warning, QString(), 0);
+        Note(QStringLiteral("The brand's style sheet %1 can't be read").arg(file), CConsole::MC_General);
     QPalette palette = isDark ? MakeDarkPalette() : QApplication::style()->standardPalette();
     palette.setColor(QPalette::Highlight, QColor(BRAND_GREEN));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     QApplication::setPalette(palette);
     qApp->setStyleSheet(styleSheet);
+}
+
+} // namespace
+
+void Look::Follow(QObject *owner)
+{
+    QObject::connect(CSettings::GetInstance(), &CSettings::signal_ThemeGeneralChanged, owner, &Apply);
+    Apply();
 }

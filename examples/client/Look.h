@@ -1,19 +1,14 @@
 #pragma once
 
-#include <QObject>
+class QObject;
 
-/// The application's look: light or dark as the user's setting `themegeneral` says, now and whenever that changes,
-/// with the brand's style sheet of that kind on top.
-class CLook : public QObject
-{
-    Q_OBJECT
+namespace Look {
 
-public:
-    /// Values of the setting; others count as light.
-    enum EColours { CO_LIGHT, CO_DARK };
+/// Values of the setting `themegeneral`; others count as light.
+enum EColours { CO_LIGHT, CO_DARK };
 
-    CLook();
+/// Gives the application the look that the setting says, with the brand's style sheet of that kind on top, now and
+/// whenever the setting changes, as long as \a owner lives.
+void Follow(QObject *owner);
 
-private:
-    static void Apply();
-};
+} // namespace Look

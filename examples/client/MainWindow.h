@@ -2,11 +2,13 @@
 
 #include "Host.h"
 
-#include <translation/TranslationObject.h>
+#include <translation/TranslationItem.h>
 
 #include <QMainWindow>
 #include <QPointer>
 #include <QTimer>
+
+#include <functional>
 
 class CConsoleWindow;
 class CLoginDialog;
@@ -17,15 +19,14 @@ class QTabWidget;
 
 /// The client's window: a tab for each plugin that has a view, above it the user's money, and below it the state of
 /// the link, the jackpot, the user and the clock; in QML money, jackpot and user make one line. It opens where it was
-/// closed. The menu bar is that of CMenuManager,
-/// so that there is one window at a time.
+/// closed. The menu bar is that of CMenuManager, so that there is one window at a time.
 class CMainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
     /// \a host outlives the window.
-    explicit CMainWindow(CHost &host, QWidget *parent = nullptr);
+    explicit CMainWindow(CHost &host);
 
     /// Makes the views of the plugins that have started.
     void CreateViews();
@@ -33,47 +34,24 @@ public:
     void ShowProblems(const QStringList &problems);
 
 protected:
+    bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
-    void moveEvent(QMoveEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
-
-private Q_SLOTS:
-    void slot_ConnectionStateChanged(EConnectionState::type state);
-    void slot_LoginStateChanged();
-    void slot_SoundsEnabledChanged();
-    void slot_ClockChanged();
-    void slot_LoginRequested();
-    void slot_LoginRefused(const QString &key);
-    void slot_LanguageChanged();
 
 private:
-    template <typename Action>
     QAction *AddEntry(const QString &menu, const char *key, const char *name, const QKeySequence &shortcut,
-                      const Action &action);
+                      const std::function<void(QAction *)> &action);
     void CreateAccountMenu();
     void CreateOptionsMenu();
     void CreateRulesMenu();
-    void DownloadRules();
-    void CreateStatusBar();
-    void ConnectUser();
-    void ShowMoney();
-    void Connect();
-    void OnGeometryChanged();
+    void DownloadRules(QAction *entry);
+    void OpenLogin();
+    void ShowMessage(const CTranslationItem &message, int milliseconds);
     void RememberGeometry();
 
     CHost &m_host;
-    QTabWidget *m_pViews; // this, the labels and the actions are children
+    QTabWidget *m_pViews; // this and the next one are children
     QLabel *m_pProblems;
-    QLabel *m_pCashierLabel;
-    QLabel *m_pConnectionLabel;
-    QLabel *m_pUserLabel;
-    QLabel *m_pClockLabel;
-    QAction *m_pLogIn = nullptr;
-    QAction *m_pLogOut = nullptr;
-    QAction *m_pSounds = nullptr;
-    QAction *m_pRules = nullptr;
-    CTranslationObject m_connection;
-    QString m_strRefusal;                  // key of the refusal that the status bar shows, or has shown
+    CTranslationItem m_message;            // that the status bar shows, or has shown
     QPointer<CLoginDialog> m_pLoginDialog; // this and the next ones delete themselves
     QPointer<COptionsDialog> m_pOptionsDialog;
     QPointer<CConsoleWindow> m_pConsole;

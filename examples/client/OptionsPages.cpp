@@ -27,7 +27,7 @@ QWidget *CreateLanguages(QWidget *parent)
 QWidget *CreateColours(QWidget *parent)
 {
     auto *box = new QComboBox(parent);
-    for (const auto &[key, colours] : {std::pair{"LOOK_LIGHT", CLook::CO_LIGHT}, {"LOOK_DARK", CLook::CO_DARK}})
+    for (const auto &[key, colours] : {std::pair{"LOOK_LIGHT", Look::CO_LIGHT}, {"LOOK_DARK", Look::CO_DARK}})
         AddTextItem(box, key, colours);
     return box;
 }

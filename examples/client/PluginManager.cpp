@@ -1,6 +1,6 @@
 #include "PluginManager.h"
 
-#include <files/Console.h>
+#include <common/Note.h>
 
 #include <QDir>
 #include <QLibrary>
@@ -8,20 +8,16 @@
 #include <QSet>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
 void Complain(const QString &text)
 {
-    CConsole::AddMessage(text, CConsole::MC_Plugin, CConsole::ML_Error, QString(), 0);
+    Note(text, CConsole::MC_Plugin, CConsole::ML_Error);
 }
 
 } // namespace
-
-CPluginManager::CPluginManager(QObject *parent)
-    : QObject(parent)
-{
-}
 
 CPluginManager::~CPluginManager()
 {
@@ -94,23 +90,19 @@ QVector<CPluginInterface *> CPluginManager::SortByDependencies(const QVector<CPl
 
 CPluginInterface *CPluginManager::LoadFile(const QString &file)
 {
-    auto loader = new QPluginLoader(file, this);
+    auto loader = std::make_unique<QPluginLoader>(file);
     // The metadata is read off the file without loading it.
     const QString interface = loader->metaData().value(QLatin1String("IID")).toString();
-    if (interface != QLatin1String(CPluginInterface_iid)) {
-        Complain(interface.isEmpty() ? QStringLiteral("%1 is no plugin").arg(file)
-                                     : QStringLiteral("%1 is built for %2, this client for %3")
-                                           .arg(file, interface, QLatin1String(CPluginInterface_iid)));
-        delete loader;
-        return nullptr;
-    }
-    auto plugin = qobject_cast<CPluginInterface *>(loader->instance());
-    if (!plugin) {
+    CPluginInterface *plugin = nullptr;
+    if (interface.isEmpty())
+        Complain(QStringLiteral("%1 is no plugin").arg(file));
+    else if (interface != QLatin1String(CPluginInterface_iid))
+        Complain(QStringLiteral("%1 is built for %2, this client for %3")
+                     .arg(file, interface, QLatin1String(CPluginInterface_iid)));
+    else if (!(plugin = qobject_cast<CPluginInterface *>(loader->instance())))
         Complain(QStringLiteral("%1 can't be loaded: %2").arg(file, loader->errorString()));
-        delete loader;
-        return nullptr;
-    }
-    m_loaders.append(loader);
+    else
+        m_loaders.append(loader.release());
     return plugin;
 }
 

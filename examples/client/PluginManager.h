@@ -15,7 +15,6 @@ class CPluginManager : public QObject
     Q_OBJECT
 
 public:
-    explicit CPluginManager(QObject *parent = nullptr);
     /// Unloads the plugins, the last one first.
     ~CPluginManager() override;
 

@@ -20,9 +20,8 @@ bool IsOnePacket(const QByteArray &bytes)
 
 } // namespace
 
-CServerLink::CServerLink(const QString &server, quint16 port, QObject *parent)
-    : QObject(parent)
-    , m_strServer(server)
+CServerLink::CServerLink(const QString &server, quint16 port)
+    : m_strServer(server)
     , m_usPort(port)
     , m_iRetryMs(FIRST_RETRY_MS)
 {
@@ -31,8 +30,8 @@ CServerLink::CServerLink(const QString &server, quint16 port, QObject *parent)
     connect(&m_packetTimer, &QTimer::timeout, this, [this] { GiveUp(QStringLiteral("doesn't finish a packet")); });
     m_retryTimer.setSingleShot(true);
     connect(&m_retryTimer, &QTimer::timeout, this, &CServerLink::Connect);
-    connect(&m_socket, &QTcpSocket::stateChanged, this, &CServerLink::slot_SocketStateChanged);
-    connect(&m_socket, &QTcpSocket::readyRead, this, &CServerLink::slot_ReadyRead);
+    connect(&m_socket, &QTcpSocket::stateChanged, this, &CServerLink::OnSocketStateChanged);
+    connect(&m_socket, &QTcpSocket::readyRead, this, &CServerLink::OnReadyRead);
 }
 
 CServerLink::~CServerLink()
@@ -69,7 +68,7 @@ bool CServerLink::Send(const QByteArray &packet)
     return m_socket.write(packet) == packet.size();
 }
 
-void CServerLink::slot_SocketStateChanged(QAbstractSocket::SocketState state)
+void CServerLink::OnSocketStateChanged(QAbstractSocket::SocketState state)
 {
     if (m_eState == EConnectionState::Disconnected)
         return;
@@ -84,7 +83,7 @@ void CServerLink::slot_SocketStateChanged(QAbstractSocket::SocketState state)
     }
 }
 
-void CServerLink::slot_ReadyRead()
+void CServerLink::OnReadyRead()
 {
     m_stream.Append(m_socket.readAll());
     CPacketLayerWrapper packet;
@@ -96,7 +95,7 @@ void CServerLink::slot_ReadyRead()
         m_packetTimer.stop();
         Q_EMIT signal_PacketReceived(packet);
         if (turn.hasExpired(TURN_MS)) { // the user has a turn too
-            QTimer::singleShot(0, this, &CServerLink::slot_ReadyRead);
+            QTimer::singleShot(0, this, &CServerLink::OnReadyRead);
             return;
         }
     }

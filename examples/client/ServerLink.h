@@ -1,7 +1,7 @@
 #pragma once
 
-#include <common/PacketStream.h>
 #include <plugin/ConnectionState.h>
+#include <protocol/PacketStream.h>
 
 #include <QObject>
 #include <QTcpSocket>
@@ -14,7 +14,7 @@ class CServerLink : public QObject
     Q_OBJECT
 
 public:
-    CServerLink(const QString &server, quint16 port, QObject *parent = nullptr);
+    CServerLink(const QString &server, quint16 port);
     ~CServerLink() override;
 
     /// How long a packet may take from its first to its last byte, 10 s unless told otherwise.
@@ -37,11 +37,9 @@ Q_SIGNALS:
     /// For people to read: why the link was given up.
     void signal_Problem(const QString &text);
 
-private Q_SLOTS:
-    void slot_SocketStateChanged(QAbstractSocket::SocketState state);
-    void slot_ReadyRead();
-
 private:
+    void OnSocketStateChanged(QAbstractSocket::SocketState state);
+    void OnReadyRead();
     void Connect();
     void GiveUp(const QString &reason);
     void SetState(EConnectionState::type state);

@@ -1,6 +1,6 @@
 #include "Session.h"
 
-#include <files/Console.h>
+#include <common/Note.h>
 #include <models/CasinoInfo.h>
 #include <models/UserInfo.h>
 #include <time/CasinoTime.h>
@@ -8,16 +8,6 @@
 namespace {
 
 constexpr int ANSWER_LIMIT_MS = 10000;
-
-void Note(const QString &text)
-{
-    CConsole::AddMessage(text, CConsole::MC_Network, CConsole::ML_Warning, QString(), 0);
-}
-
-void NoteMalformed(const char *tag)
-{
-    Note(QStringLiteral("The game server sent a malformed %1").arg(QLatin1String(tag)));
-}
 
 const char *KeyOf(AccountProtocol::ERefusal reason)
 {
@@ -28,10 +18,9 @@ const char *KeyOf(AccountProtocol::ERefusal reason)
         return "LOGIN_NO_ACCOUNT";
     case AccountProtocol::RF_WRONG_PASSWORD:
         return "LOGIN_WRONG_PASSWORD";
-    case AccountProtocol::RF_UNKNOWN:
-        break;
+    default:
+        return "LOGIN_REFUSED";
     }
-    return "LOGIN_REFUSED";
 }
 
 void SetMoney(const AccountProtocol::SAccount &account)
@@ -68,9 +57,8 @@ void BeginLogin(const AccountProtocol::SAccount &account, const QString &hash)
 
 } // namespace
 
-CSession::CSession(const TSend &send, QObject *parent)
-    : QObject(parent)
-    , m_send(send)
+CSession::CSession(const TSend &send)
+    : m_send(send)
 {
     m_answerTimer.setSingleShot(true);
     m_answerTimer.setInterval(ANSWER_LIMIT_MS);
@@ -112,26 +100,30 @@ void CSession::SetConnectionState(EConnectionState::type state)
 
 bool CSession::HandleRecord(const CEvent &record)
 {
-    if (record.HasTags(AccountProtocol::GROUP, AccountProtocol::ACCEPTED))
-        HandleAccepted(record.data);
-    else if (record.HasTags(AccountProtocol::GROUP, AccountProtocol::REFUSED))
-        HandleRefused(record.data);
-    else if (record.HasTags(AccountProtocol::TIME_GROUP, AccountProtocol::TIME))
-        HandleTime(record.data);
-    else if (record.HasTags(AccountProtocol::CASINO_GROUP, AccountProtocol::JACKPOT))
-        HandleJackpot(record.data);
-    // Records that a newer server may send are nobody else's either.
-    return record.HasTag1(AccountProtocol::GROUP) || record.HasTag1(AccountProtocol::TIME_GROUP) ||
-           record.HasTag1(AccountProtocol::CASINO_GROUP);
+    using namespace AccountProtocol;
+    if (!record.HasTag1(GROUP) && !record.HasTag1(TIME_GROUP) && !record.HasTag1(CASINO_GROUP))
+        return false;
+    SAccount account;
+    SRefusal refusal;
+    STime time;
+    SJackpot jackpot;
+    if (Payload::Decode(record.data, account))
+        OnAccepted(account);
+    else if (Payload::Decode(record.data, refusal))
+        OnRefused(refusal);
+    else if (Payload::Decode(record.data, time))
+        CCasinoTime::GetInstance()->SetTimeUTCServer(time.uiSeconds);
+    else if (Payload::Decode(record.data, jackpot))
+        CCasinoInfo::GetInstance()->SetBadBeatJackpot(static_cast<char>(jackpot.eCurrency), jackpot.mvAmount);
+    else
+        Note(QStringLiteral("The game server sent a %1 that is malformed or unknown")
+                 .arg(QString::fromLatin1(record.tag2, sizeof record.tag2)),
+             CConsole::MC_Network);
+    return true;
 }
 
-void CSession::HandleAccepted(const QByteArray &payload)
+void CSession::OnAccepted(const AccountProtocol::SAccount &account)
 {
-    AccountProtocol::SAccount account;
-    if (!Payload::Decode(payload, account)) {
-        NoteMalformed(AccountProtocol::ACCEPTED);
-        return;
-    }
     if (!TakeAnswerTo(account.strNickname))
         return;
     CUserInfo *user = CUserInfo::GetInstance();
@@ -145,37 +137,16 @@ void CSession::HandleAccepted(const QByteArray &payload)
     Q_EMIT signal_LoggedIn();
 }
 
-void CSession::HandleRefused(const QByteArray &payload)
+void CSession::OnRefused(const AccountProtocol::SRefusal &refusal)
 {
-    AccountProtocol::SRefusal refusal;
-    if (!Payload::Decode(payload, refusal))
-        NoteMalformed(AccountProtocol::REFUSED);
-    else if (TakeAnswerTo(refusal.strNickname))
+    if (TakeAnswerTo(refusal.strNickname))
         Refuse(KeyOf(refusal.eReason));
-}
-
-void CSession::HandleTime(const QByteArray &payload)
-{
-    AccountProtocol::STime time;
-    if (Payload::Decode(payload, time))
-        CCasinoTime::GetInstance()->SetTimeUTCServer(time.uiSeconds);
-    else
-        NoteMalformed(AccountProtocol::TIME);
-}
-
-void CSession::HandleJackpot(const QByteArray &payload)
-{
-    AccountProtocol::SJackpot jackpot;
-    if (Payload::Decode(payload, jackpot))
-        CCasinoInfo::GetInstance()->SetBadBeatJackpot(static_cast<char>(jackpot.eCurrency), jackpot.mvAmount);
-    else
-        NoteMalformed(AccountProtocol::JACKPOT);
 }
 
 void CSession::Ask(const QString &nickname, const QString &hash)
 {
     m_asked = {nickname, hash};
-    if (m_send(Payload::ToPacket(m_asked)))
+    if (m_send(Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(m_asked)})))
         m_answerTimer.start();
 }
 
@@ -196,6 +167,7 @@ bool CSession::TakeAnswerTo(const QString &nickname)
         m_answerTimer.stop();
         return true;
     }
-    Note(QStringLiteral("The game server answered a login that nobody asked for: %1").arg(nickname));
+    Note(QStringLiteral("The game server answered a login that nobody asked for: %1").arg(nickname),
+         CConsole::MC_Network);
     return false;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <common/AccountProtocol.h>
 #include <plugin/ConnectionState.h>
 #include <plugin/Event.h>
+#include <protocol/AccountProtocol.h>
 
 #include <QObject>
 #include <QTimer>
@@ -22,7 +22,7 @@ public:
     /// Sends one packet, false if it can't be sent.
     using TSend = std::function<bool(const QByteArray &)>;
 
-    explicit CSession(const TSend &send, QObject *parent = nullptr);
+    explicit CSession(const TSend &send);
 
     /// How long the server may take to answer a login, 10 s unless told otherwise.
     void SetAnswerLimit(int milliseconds) { m_answerTimer.setInterval(milliseconds); }
@@ -45,10 +45,8 @@ Q_SIGNALS:
     void signal_LoginRefused(const QString &key);
 
 private:
-    void HandleAccepted(const QByteArray &payload);
-    void HandleRefused(const QByteArray &payload);
-    void HandleTime(const QByteArray &payload);
-    static void HandleJackpot(const QByteArray &payload);
+    void OnAccepted(const AccountProtocol::SAccount &account);
+    void OnRefused(const AccountProtocol::SRefusal &refusal);
     void Ask(const QString &nickname, const QString &hash);
     void Refuse(const char *key);
     bool TakeAnswerTo(const QString &nickname);

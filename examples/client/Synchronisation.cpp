@@ -1,6 +1,6 @@
 #include "Synchronisation.h"
 
-#include <files/Console.h>
+#include <common/Note.h>
 #include <files/Pathes.h>
 #include <models/PlayerLists.h>
 #include <models/PlayerTaggingModel.h>
@@ -31,9 +31,8 @@ QString ReadMachine()
 
 } // namespace
 
-CSynchronisation::CSynchronisation(CSession &session, const CSession::TSend &send, QObject *parent)
-    : QObject(parent)
-    , m_send(send)
+CSynchronisation::CSynchronisation(CSession &session, const CSession::TSend &send)
+    : m_send(send)
 {
     m_timer.setSingleShot(true);
     m_sendTimer.setSingleShot(true);
@@ -53,14 +52,13 @@ CSynchronisation::CSynchronisation(CSession &session, const CSession::TSend &sen
 
 bool CSynchronisation::HandleRecord(const CEvent &record)
 {
-    if (!record.HasTags(AccountProtocol::GROUP, AccountProtocol::WEB_SESSION))
+    if (!record.HasTags(AccountProtocol::GROUP, AccountProtocol::SWebSession::TAG))
         return false;
     AccountProtocol::SWebSession session;
     if (Payload::Decode(record.data, session))
         UseSession(session);
     else
-        CConsole::AddMessage(QStringLiteral("The game server sent a malformed web session"), CConsole::MC_Network,
-                             CConsole::ML_Warning, QString(), 0);
+        Note(QStringLiteral("The game server sent a malformed web session"), CConsole::MC_Network);
     return true;
 }
 
@@ -87,7 +85,8 @@ void CSynchronisation::BeginSync()
 void CSynchronisation::RequestSession(WebLinks::id link)
 {
     m_eAsked = link;
-    m_send(Payload::ToPacket(AccountProtocol::SWebRequest{static_cast<quint8>(link), ReadMachine()}));
+    const AccountProtocol::SWebRequest request{static_cast<quint8>(link), ReadMachine()};
+    m_send(Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(request)}));
 }
 
 // The game server answers in the order of the packets, so a session that nobody waits for is that of a login that has

@@ -15,7 +15,7 @@ class CSynchronisation : public QObject
 
 public:
     /// \a session outlives it.
-    CSynchronisation(CSession &session, const CSession::TSend &send, QObject *parent = nullptr);
+    CSynchronisation(CSession &session, const CSession::TSend &send);
 
     /// The time to the next synchronisation, in milliseconds: \a pause where the web server has not been reached, or
     /// may have more by then, and \a regular in all other cases. 10 s and 60 s unless told otherwise.

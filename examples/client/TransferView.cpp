@@ -7,8 +7,11 @@
 
 #include <QChildEvent>
 #include <QHBoxLayout>
+#include <QHash>
+#include <QNetworkReply>
 #include <QPointer>
 #include <QProgressBar>
+#include <QTimer>
 #include <QToolButton>
 
 namespace {
@@ -17,7 +20,33 @@ constexpr int LOOK_MS = 500;
 constexpr int SECOND_MS = 1000;
 constexpr int BAR_CHARACTERS = 12;
 
-} // namespace
+class CTransferView : public QWidget
+{
+public:
+    explicit CTransferView(QWidget *parent);
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    struct SProgress
+    {
+        qint64 iBytes = 0; // of both ways
+        qint64 iTotal = 0; // 0 if nobody knows
+    };
+
+    void Watch(QNetworkReply *reply);
+    void Forget(QNetworkReply *reply);
+    void ShowProgress();
+    void Cancel();
+    QString GetTitle() const;
+
+    QLabel *m_pText; // this and the next one are children
+    QProgressBar *m_pBar;
+    QHash<QNetworkReply *, SProgress> m_transfers;
+    qint64 m_iPassedBytes = 0; // since the last look
+    QTimer m_timer;            // runs while there are transfers
+};
 
 CTransferView::CTransferView(QWidget *parent)
     : QWidget(parent)
@@ -32,9 +61,9 @@ CTransferView::CTransferView(QWidget *parent)
     connect(cancel, &QToolButton::clicked, this, &CTransferView::Cancel);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(QMargins());
-    for (QWidget *widget :
-         {static_cast<QWidget *>(m_pText), static_cast<QWidget *>(m_pBar), static_cast<QWidget *>(cancel)})
-        layout->addWidget(widget);
+    layout->addWidget(m_pText);
+    layout->addWidget(m_pBar);
+    layout->addWidget(cancel);
     m_timer.setInterval(LOOK_MS);
     connect(&m_timer, &QTimer::timeout, this, &CTransferView::ShowProgress);
     CNetworkAccessManager::GetInstance()->installEventFilter(this);
@@ -98,9 +127,8 @@ void CTransferView::ShowProgress()
     const QString speed = CDownload::FormatBytes(m_iPassedBytes * SECOND_MS / LOOK_MS);
     m_iPassedBytes = 0;
     m_pText->setText(
-        Texts::MakeItem("TRANSFER_PROGRESS",
-                        {{"#what#", GetTitle()}, {"#done#", CDownload::FormatBytes(sum.iBytes)}, {"#speed#", speed}})
-            .GetTranslatedText());
+        Texts::Get("TRANSFER_PROGRESS",
+                   {{"#what#", GetTitle()}, {"#done#", CDownload::FormatBytes(sum.iBytes)}, {"#speed#", speed}}));
     // In kilobytes, for it counts in 31 bits. A bar of no range runs to and fro.
     m_pBar->setRange(0, isKnown ? int(sum.iTotal >> 10) : 0);
     m_pBar->setValue(int(sum.iBytes >> 10));
@@ -110,7 +138,7 @@ void CTransferView::ShowProgress()
 QString CTransferView::GetTitle() const
 {
     if (m_transfers.size() > 1)
-        return Texts::MakeItem("TRANSFER_MANY", {{"#n#", m_transfers.size()}}).GetTranslatedText();
+        return Texts::Get("TRANSFER_MANY", {{"#n#", m_transfers.size()}});
     const QUrl url = m_transfers.constBegin().key()->url();
     const QUrl sync(CConfig::GetInstance()->GetLinkSettingsSync(), QUrl::StrictMode);
     return url.matches(sync, QUrl::RemoveQuery) ? Texts::Get("TRANSFER_SYNC") : url.fileName();
@@ -123,4 +151,11 @@ void CTransferView::Cancel()
         if (m_transfers.contains(reply)) // one's end may be another's too
             reply->abort();
     }
+}
+
+} // namespace
+
+QWidget *CreateTransferView(QWidget *parent)
+{
+    return new CTransferView(parent);
 }

@@ -1,8 +1,8 @@
 #include "QuickView.h"
 
+#include "Note.h"
 #include "Texts.h"
 
-#include <files/Console.h>
 #include <models/CasinoInfo.h>
 #include <models/UserInfo.h>
 #include <money/MoneyStrings.h>
@@ -103,8 +103,8 @@ CQuickView::CQuickView(QWidget *widgets, const QUrl &file, const QVariantMap &ob
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(widgets);
     connect(CSettings::GetInstance(), &CSettings::signal_PokerLobbyTypeChanged, this,
-            &CQuickView::slot_LobbyTypeChanged);
-    slot_LobbyTypeChanged();
+            &CQuickView::OnLobbyTypeChanged);
+    OnLobbyTypeChanged();
 }
 
 bool CQuickView::IsChosen()
@@ -114,7 +114,7 @@ bool CQuickView::IsChosen()
 }
 
 // The widgets stay until QML is there.
-void CQuickView::slot_LobbyTypeChanged()
+void CQuickView::OnLobbyTypeChanged()
 {
     if (IsChosen() == (m_pQuick != nullptr))
         return;
@@ -139,7 +139,7 @@ void CQuickView::Read(int piece)
         QTimer::singleShot(0, m_pQuick, [=] { SetQuickShown(true); });
     const QList<QQmlError> errors = m_pQuick->errors();
     for (const QQmlError &error : errors)
-        CConsole::AddMessage(error.toString(), CConsole::MC_General, CConsole::ML_Error, QString(), 0);
+        Note(error.toString(), CConsole::MC_General, CConsole::ML_Error);
 }
 
 void CQuickView::SetQuickShown(bool isShown)

@@ -47,10 +47,8 @@ public:
 Q_SIGNALS:
     void signal_QuickShown(bool isShown);
 
-private Q_SLOTS:
-    void slot_LobbyTypeChanged();
-
 private:
+    void OnLobbyTypeChanged();
     CQuickWidget *CreateQuick();
     void Read(int piece);
     void SetQuickShown(bool isShown);

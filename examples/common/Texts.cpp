@@ -10,13 +10,13 @@ QString Texts::Get(const QString &key)
     return CTranslation::GetInstance()->GetTranslatedString(key, Area(), -1);
 }
 
-QString Texts::Get(const char *key)
+QString Texts::Get(const char *key, TValues values)
 {
-    return Get(QString::fromLatin1(key));
+    return values.size() == 0 ? Get(QString::fromLatin1(key)) : MakeItem(key, values).GetTranslatedText();
 }
 
 // The key comes last, so that it is looked up once and not for each value.
-CTranslationItem Texts::MakeItem(const char *key, std::initializer_list<QPair<const char *, QVariant>> values)
+CTranslationItem Texts::MakeItem(const char *key, TValues values)
 {
     CTranslationItem item;
     for (const auto &[marker, value] : values)

@@ -15,11 +15,14 @@ namespace Texts {
 /// The area of all of them.
 QString Area();
 
-QString Get(const QString &key);
-QString Get(const char *key);
+/// Values by the markers in whose place they stand.
+using TValues = std::initializer_list<QPair<const char *, QVariant>>;
 
-/// A text with values in place of its markers, which its owner translates again.
-CTranslationItem MakeItem(const char *key, std::initializer_list<QPair<const char *, QVariant>> values = {});
+QString Get(const QString &key);
+QString Get(const char *key, TValues values = {});
+
+/// The same for an owner who keeps the text and translates it again.
+CTranslationItem MakeItem(const char *key, TValues values = {});
 
 /// Calls \a action now and on each change of the language, as long as \a owner lives.
 template <typename Action>
@@ -27,6 +30,14 @@ void Follow(QObject *owner, const Action &action)
 {
     QObject::connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, owner, action);
     action();
+}
+
+/// The same, and also at each of the signals.
+template <typename Action, typename Sender, typename... Signals>
+void Follow(QObject *owner, const Action &action, const Sender *sender, Signals... signals)
+{
+    (QObject::connect(sender, signals, owner, action), ...);
+    Follow(owner, action);
 }
 
 /// Gives the text to \a object, now and on each change of the language. \a setter is a member of the object, or takes

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <common/AccountProtocol.h>
+#include <protocol/AccountProtocol.h>
 
 #include <QHash>
 

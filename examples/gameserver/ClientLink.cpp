@@ -1,6 +1,6 @@
 #include "ClientLink.h"
 
-#include <common/LobbyProtocol.h>
+#include <protocol/LobbyProtocol.h>
 
 #include <QHostAddress>
 
@@ -46,13 +46,13 @@ void CClientLink::Send(const QByteArray &packets)
 void CClientLink::Accept(const AccountProtocol::SAccount &account)
 {
     SetUser(account.strNickname);
-    Send(Payload::ToPacket(account));
+    Send(Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(account)}));
 }
 
 void CClientLink::Refuse(const AccountProtocol::SRefusal &refusal)
 {
     SetUser(QString());
-    m_refusal = Payload::ToPacket(refusal);
+    m_refusal = Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(refusal)});
     m_refusalPause.start();
 }
 
@@ -119,7 +119,7 @@ QString CClientLink::HandleLobbyRecord(const QByteArray &payload)
     }
     if (payload.startsWith(LobbyProtocol::GET_LIST))
         return QStringLiteral("a list request with a body");
-    if (!payload.startsWith(LobbyProtocol::SEAT_REQUEST))
+    if (!payload.startsWith(LobbyProtocol::SSeatRequest::TAG))
         return QStringLiteral("an unknown tag");
     LobbyProtocol::SSeatRequest seat;
     if (!Payload::Decode(payload, seat))
@@ -136,7 +136,8 @@ QString CClientLink::HandleAccountRecord(const QByteArray &payload)
         Q_EMIT signal_LoginRequested(login);
     else if (payload == AccountProtocol::LOGOUT)
         SetUser(QString());
-    else if (Payload::Decode(payload, request))
+    else if (Payload::Decode(payload, request) &&
+             (request.ucLink == WebLinks::SettingsSyncFetch || request.ucLink == WebLinks::SettingsSyncSend))
         Q_EMIT signal_WebSessionRequested(request);
     else
         return QStringLiteral("an unknown or malformed record on the account");

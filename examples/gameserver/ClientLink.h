@@ -1,8 +1,8 @@
 #pragma once
 
-#include <common/AccountProtocol.h>
-#include <common/PacketStream.h>
-#include <common/TableProtocol.h>
+#include <protocol/AccountProtocol.h>
+#include <protocol/PacketStream.h>
+#include <protocol/TableProtocol.h>
 
 #include <QHash>
 #include <QObject>

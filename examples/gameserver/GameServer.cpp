@@ -2,7 +2,7 @@
 
 #include "ClientLink.h"
 
-#include <common/Payload.h>
+#include <protocol/Payload.h>
 
 #include <QDateTime>
 #include <QNetworkReply>
@@ -31,12 +31,13 @@ constexpr quint32 JACKPOT_STEP = 250;
 QByteArray TimePacket()
 {
     const auto now = static_cast<quint32>(QDateTime::currentSecsSinceEpoch());
-    return Payload::ToPacket(AccountProtocol::STime{now});
+    return Payload::ToPackets(AccountProtocol::TIME_GROUP, {Payload::Encode(AccountProtocol::STime{now})});
 }
 
 QByteArray WebSessionPacket(quint8 link, const QByteArray &session)
 {
-    return Payload::ToPacket(AccountProtocol::SWebSession{link, QString::fromUtf8(session)});
+    return Payload::ToPackets(AccountProtocol::GROUP,
+                              {Payload::Encode(AccountProtocol::SWebSession{link, QString::fromUtf8(session)})});
 }
 
 // Empty if nothing has changed.
@@ -168,7 +169,8 @@ void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)
         result = TakeSeat(table, client->GetNickname());
     if (result == LobbyProtocol::SR_TAKEN && client->GetPlace(tableID) == 0)
         client->SetPlace(tableID, table->usPlayers);
-    client->Send(Payload::ToPacket(LobbyProtocol::SSeatAnswer{tableID, result, client->GetPlace(tableID)}));
+    client->Send(Payload::ToPackets(LobbyProtocol::GROUP, {Payload::Encode(LobbyProtocol::SSeatAnswer{
+                                                              tableID, result, client->GetPlace(tableID)})}));
     if (table)
         SendToSubscribers(CountPackets({{tableID, table->usPlayers}}));
 }
@@ -223,7 +225,9 @@ void CGameServer::GrowJackpot()
 
 QByteArray CGameServer::JackpotPacket() const
 {
-    return Payload::ToPacket(AccountProtocol::SJackpot{GlobalDefines::MONEYTYPE_DOLLAR, m_uiJackpot});
+    return Payload::ToPackets(
+        AccountProtocol::CASINO_GROUP,
+        {Payload::Encode(AccountProtocol::SJackpot{GlobalDefines::MONEYTYPE_DOLLAR, m_uiJackpot})});
 }
 
 void CGameServer::SendToSubscribers(const QByteArray &packets) const

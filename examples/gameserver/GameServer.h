@@ -2,8 +2,8 @@
 
 #include "Accounts.h"
 
-#include <common/LobbyProtocol.h>
-#include <common/TableProtocol.h>
+#include <protocol/LobbyProtocol.h>
+#include <protocol/TableProtocol.h>
 
 #include <QNetworkAccessManager>
 #include <QObject>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <common/LobbyProtocol.h>
+#include <protocol/LobbyProtocol.h>
 
 /// Reads the server's tables from a JSON file: an array of objects with the keys "id", "name", "type", "game",
 /// "limit", "money", "low", "high", "places" and "players", and, if the table has a start time, "starts_in": seconds

@@ -1,7 +1,7 @@
 #include "GameServer.h"
 #include "TableFile.h"
 
-#include <common/Options.h>
+#include <protocol/Options.h>
 
 #include <QCoreApplication>
 #include <QDateTime>

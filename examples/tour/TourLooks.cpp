@@ -198,7 +198,7 @@ QString CTour::SeeColours(const QString &colours)
         least = std::min(least, std::max(one / other, other / one));
     }
     const bool isDark = palette.color(QPalette::Window).lightness() < 128;
-    const bool isSeen = isDark == (colours.toInt() == CLook::CO_DARK) && least >= 4.5;
+    const bool isSeen = isDark == (colours.toInt() == Look::CO_DARK) && least >= 4.5;
     m_strFault = QStringLiteral("contrast at least %1").arg(least, 0, 'f', 1);
     return isSeen ? m_strFault : QString();
 }

@@ -1,6 +1,6 @@
 #include "WebServer.h"
 
-#include <common/Options.h>
+#include <protocol/Options.h>
 
 #include <QCoreApplication>
 

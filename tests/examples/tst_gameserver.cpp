@@ -1,8 +1,8 @@
 #include "ServerProcess.h"
 
-#include <common/AccountProtocol.h>
-#include <common/LobbyProtocol.h>
-#include <common/PacketStream.h>
+#include <protocol/AccountProtocol.h>
+#include <protocol/LobbyProtocol.h>
+#include <protocol/PacketStream.h>
 
 #include <QTcpSocket>
 #include <QtTest>
@@ -134,7 +134,7 @@ private Q_SLOTS:
         client.write(Login(login.at(0), login.at(1)) + seat + Payload::ToPackets(AccountProtocol::GROUP, {LOGOUT}) +
                      seat);
         const QByteArray record = client.ReadRecord();
-        const bool accepted = record.startsWith(ACCEPTED);
+        const bool accepted = record.startsWith(SAccount::TAG);
         QCOMPARE(record, answer);
         QVERIFY(accepted || time.elapsed() >= 400);
         const QByteArray noSeat = Payload::Encode(SSeatAnswer{1002, SR_NOT_LOGGED_IN, 0});
@@ -145,14 +145,15 @@ private Q_SLOTS:
     void webSessions()
     {
         const auto request = [](quint8 link, const char *machine) {
-            return Payload::ToPacket((SWebRequest{link, QString::fromUtf8(machine)}));
+            return Payload::ToPackets(AccountProtocol::GROUP,
+                                      {Payload::Encode(SWebRequest{link, QString::fromUtf8(machine)})});
         };
         const QByteArray none = Payload::Encode(SWebSession{38, QString()});
         CClient client(m_usPort);
         client.write(request(38, "desk"));
         QCOMPARE(client.ReadRecord(), none);
         client.write(Login(QStringLiteral("Zoë"), QStringLiteral("guest")) + request(39, "d & sk"));
-        QVERIFY(client.ReadRecord().startsWith(ACCEPTED));
+        QVERIFY(client.ReadRecord().startsWith(SAccount::TAG));
         SWebSession session;
         QVERIFY(Payload::Decode(client.ReadRecord(), session));
         QCOMPARE(int(session.ucLink), 39);
@@ -169,7 +170,7 @@ private Q_SLOTS:
         QCOMPARE(client.ReadRecord(), none);
         m_webServer.close();
         client.write(Login(QStringLiteral("Zoë"), QStringLiteral("guest")) + request(38, "desk"));
-        QVERIFY(client.ReadRecord().startsWith(ACCEPTED));
+        QVERIFY(client.ReadRecord().startsWith(SAccount::TAG));
         QCOMPARE(client.ReadRecord(), none);
     }
 
@@ -185,7 +186,8 @@ private Q_SLOTS:
         QTest::newRow("a malformed seat request") << Payload::ToPackets(LobbyProtocol::GROUP, {"SEAT"});
         const QByteArray login = Login(QString(), QString());
         QTest::newRow("an unknown or malformed record") << QByteArray(login).replace("LGIN", "LGOK");
-        QTest::newRow("an unknown or malformed record on") << Payload::ToPacket((SWebRequest{40, QString()}));
+        QTest::newRow("an unknown or malformed record on")
+            << Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(SWebRequest{40, QString()})});
         QTest::newRow("more than one record")
             << QByteArray(login + login.mid(11)).replace(9, 1, QByteArray(1, char(2 * login.size() - 11)));
         QTest::newRow("left a packet half-sent") << good + good.left(5);
@@ -252,7 +254,8 @@ private Q_SLOTS:
 private:
     static QByteArray Login(const QString &nickname, const QString &password)
     {
-        return Payload::ToPacket((SLogin{nickname, HashPassword(password)}));
+        return Payload::ToPackets(AccountProtocol::GROUP,
+                                  {Payload::Encode(SLogin{nickname, HashPassword(password)})});
     }
 
     QTemporaryDir m_dir;

@@ -1,4 +1,4 @@
-#include <common/LobbyProtocol.h>
+#include <protocol/LobbyProtocol.h>
 
 #include <support/Singletons.h>
 

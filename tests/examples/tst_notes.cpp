@@ -1,5 +1,5 @@
 #include <client/Host.h>
-#include <common/TableProtocol.h>
+#include <protocol/TableProtocol.h>
 #include <settings/PlayerInfo.h>
 
 #include <support/Languages.h>

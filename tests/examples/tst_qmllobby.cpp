@@ -1,5 +1,5 @@
-#include <common/LobbyProtocol.h>
 #include <common/QuickView.h>
+#include <protocol/LobbyProtocol.h>
 
 #include <support/Singletons.h>
 

@@ -38,7 +38,8 @@ private Q_SLOTS:
         });
         Receive(Payload::Encode(STime{1700000000}));
         m_pSession->LogIn(QStringLiteral("magnolia"), QStringLiteral("hash"));
-        QCOMPARE(m_sent, {Payload::ToPacket((SLogin{QStringLiteral("magnolia"), QStringLiteral("hash")}))});
+        QCOMPARE(m_sent, {Payload::ToPackets(
+                             GROUP, {Payload::Encode(SLogin{QStringLiteral("magnolia"), QStringLiteral("hash")})})});
         Receive(Payload::Encode(SAccount{QStringLiteral("Robin"), {}})); // who hasn't asked
         QVERIFY(!user->IsLoggedIn());
         QCOMPARE(CConsole::GetMessages().size(), 1);
@@ -98,7 +99,8 @@ private Q_SLOTS:
             m_pSession->SetConnectionState(EConnectionState::Reconnecting);
             QVERIFY(user->IsLoggedIn());
             m_pSession->SetConnectionState(EConnectionState::Connected);
-            QCOMPARE(m_sent.last(), Payload::ToPacket((SLogin{QStringLiteral("Magnolia"), QStringLiteral("hash")})));
+            QCOMPARE(m_sent.last(), Payload::ToPackets(GROUP, {Payload::Encode(SLogin{QStringLiteral("Magnolia"),
+                                                                                      QStringLiteral("hash")})}));
             QVERIFY(states.isEmpty());
             Receive(answer);
         }
@@ -134,7 +136,7 @@ private Q_SLOTS:
         synchronisation.SetIntervals(1, 60000);
         const QByteArray none = Payload::Encode(SWebSession{WebLinks::SettingsSyncFetch, QString()});
         LogIn();
-        QVERIFY(m_sent.size() == 2 && m_sent.last().contains(WEB_REQUEST));
+        QVERIFY(m_sent.size() == 2 && m_sent.last().contains(SWebRequest::TAG));
         QVERIFY(synchronisation.HandleRecord(ToEvent(none)));
         QTRY_COMPARE(m_sent.size(), 3); // there may be one by now
         m_pSession->LogOut();
@@ -184,7 +186,9 @@ private:
 
     static CEvent ToEvent(const QByteArray &record)
     {
-        const char *group = record.startsWith(TIME) ? TIME_GROUP : record.startsWith(JACKPOT) ? CASINO_GROUP : GROUP;
+        const char *group = record.startsWith(STime::TAG)      ? TIME_GROUP
+                            : record.startsWith(SJackpot::TAG) ? CASINO_GROUP
+                                                               : GROUP;
         CEvent event = CEvent::Create(QLatin1String(group), QLatin1String(record.left(4)));
         event.data = record;
         return event;

@@ -1,5 +1,5 @@
-#include <common/LobbyProtocol.h>
-#include <common/TableProtocol.h>
+#include <protocol/LobbyProtocol.h>
+#include <protocol/TableProtocol.h>
 
 #include <support/Singletons.h>
 

@@ -16,9 +16,6 @@
 
 namespace {
 
-const QLatin1String TEXT_MALFORMED("Lobby: the game server sent something malformed, which was ignored. Further "
-                                   "cases on this connection are not reported.");
-
 const QString QUICK = QStringLiteral("qml"); // value of the setting pokerlobbytype
 const QString WIDGETS = QStringLiteral("widgets");
 
@@ -33,10 +30,9 @@ const char *KeyOf(LobbyProtocol::ESeatResult result)
         return "SEAT_FULL";
     case LobbyProtocol::SR_NOT_LOGGED_IN:
         return "SEAT_NOT_LOGGED_IN";
-    case LobbyProtocol::SR_UNKNOWN:
-        break;
+    default:
+        return "SEAT_REFUSED";
     }
-    return "SEAT_REFUSED";
 }
 
 } // namespace
@@ -48,11 +44,28 @@ CLobbyPlugin::CLobbyPlugin()
 
 void CLobbyPlugin::ReceiveEvent(CEvent e)
 {
-    if (HandleRecord(e) || m_bWarned)
+    LobbyProtocol::STable table;
+    LobbyProtocol::SListEnd end;
+    LobbyProtocol::SPlayerCounts players;
+    LobbyProtocol::SSeatAnswer answer;
+    bool isGood = true;
+    if (Payload::Decode(e.data, table))
+        isGood = OnTable(table);
+    else if (Payload::Decode(e.data, end))
+        isGood = OnListEnd(end.uiCount);
+    else if (Payload::Decode(e.data, players))
+        OnPlayerCounts(players.counts);
+    else if (Payload::Decode(e.data, answer))
+        OnSeatAnswer(answer);
+    else
+        isGood = false;
+    if (isGood || m_bWarned)
         return;
     m_bWarned = true;
-    CConsole::AddMessage(TEXT_MALFORMED, CConsole::MC_Network, CConsole::ML_Warning,
-                         QString::fromLatin1(e.tag2, sizeof e.tag2), e.data.size());
+    CConsole::AddMessage(QStringLiteral("Lobby: the game server sent something malformed or unknown, which was "
+                                        "ignored. Further cases on this connection are not reported."),
+                         CConsole::MC_Network, CConsole::ML_Warning, QString::fromLatin1(e.tag2, sizeof e.tag2),
+                         e.data.size());
 }
 
 void CLobbyPlugin::RegisterForEvents()
@@ -75,12 +88,11 @@ void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
 {
     m_pModel->SetStale();
     m_pTables->SetSeatAnswer(CTranslationItem());
-    ForgetIncoming();
+    m_incoming.clear();
     m_bWarned = false;
     if (state != EConnectionState::Connected)
         return;
-    const QByteArray request = QByteArray(LobbyProtocol::GET_LIST);
-    SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), request.size(), false);
+    SendToServer(LobbyProtocol::GROUP, 0, 0, LobbyProtocol::GET_LIST, sizeof LobbyProtocol::GET_LIST - 1, false);
 }
 
 QWidget *CLobbyPlugin::CreateView(QWidget *parent)
@@ -112,54 +124,29 @@ void CLobbyPlugin::RequestSeat(quint32 tableID)
     SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), request.size(), true);
 }
 
-// False if the record is one of the lobby's, but malformed. Other events, and tags that a newer server may send, are
-// nobody's fault.
-bool CLobbyPlugin::HandleRecord(const CEvent &event)
+bool CLobbyPlugin::OnTable(const LobbyProtocol::STable &table)
 {
-    if (event.HasTags(LobbyProtocol::GROUP, LobbyProtocol::TABLE))
-        return HandleTable(event.data);
-    if (event.HasTags(LobbyProtocol::GROUP, LobbyProtocol::LIST_END))
-        return HandleListEnd(event.data);
-    if (event.HasTags(LobbyProtocol::GROUP, LobbyProtocol::PLAYER_COUNTS))
-        return HandlePlayerCounts(event.data);
-    if (event.HasTags(LobbyProtocol::GROUP, LobbyProtocol::SEAT_ANSWER))
-        return HandleSeatAnswer(event.data);
+    if (m_incoming.contains(table.uiID) || m_incoming.size() >= LobbyProtocol::MAX_TABLES)
+        return false;
+    m_incoming.insert(table.uiID, table);
     return true;
 }
 
-bool CLobbyPlugin::HandleTable(const QByteArray &payload)
+// A list that lacks what was malformed is still the best there is.
+bool CLobbyPlugin::OnListEnd(quint32 count)
 {
-    LobbyProtocol::STable table;
-    if (!Payload::Decode(payload, table) || m_incomingIDs.contains(table.uiID) ||
-        m_incoming.size() >= LobbyProtocol::MAX_TABLES)
-        return false;
-    m_incoming.append(table);
-    m_incomingIDs.insert(table.uiID);
-    return true;
-}
-
-bool CLobbyPlugin::HandleListEnd(const QByteArray &payload)
-{
-    LobbyProtocol::SListEnd end;
-    if (!Payload::Decode(payload, end))
-        return false;
-    // A list that lacks what was malformed is still the best there is.
     m_pModel->SetTables(m_incoming);
     TellCounts();
-    const bool complete = quint32(m_incoming.size()) == end.uiCount;
-    ForgetIncoming();
-    return complete;
+    const bool isComplete = quint32(m_incoming.size()) == count;
+    m_incoming.clear();
+    return isComplete;
 }
 
-bool CLobbyPlugin::HandlePlayerCounts(const QByteArray &payload)
+void CLobbyPlugin::OnPlayerCounts(const QVector<LobbyProtocol::SPlayerCount> &counts)
 {
-    LobbyProtocol::SPlayerCounts players;
-    if (!Payload::Decode(payload, players))
-        return false;
-    for (const LobbyProtocol::SPlayerCount &count : qAsConst(players.counts))
+    for (const LobbyProtocol::SPlayerCount &count : counts)
         m_pModel->SetPlayers(count);
     TellCounts();
-    return true;
 }
 
 // Of how much is going on the client knows what the lobby does.
@@ -172,32 +159,18 @@ void CLobbyPlugin::TellCounts() const
     CCasinoInfo::GetInstance()->SetPokerTableCount(static_cast<unsigned short>(m_pModel->rowCount()));
 }
 
-bool CLobbyPlugin::HandleSeatAnswer(const QByteArray &payload)
+void CLobbyPlugin::OnSeatAnswer(const LobbyProtocol::SSeatAnswer &answer)
 {
-    LobbyProtocol::SSeatAnswer answer;
-    if (!Payload::Decode(payload, answer))
-        return false;
     const LobbyProtocol::STable *table = m_pModel->FindTable(answer.uiTableID);
     m_pTables->SetSeatAnswer(
         Texts::MakeItem(KeyOf(answer.eResult), {{"#nickname#", CUserInfo::GetInstance()->GetNickname()},
                                                 {"#place#", uint(answer.usPlace)},
                                                 {"#table#", table ? table->strName : QString()}}));
-    if (table && answer.eResult == LobbyProtocol::SR_TAKEN)
-        TellOfSeat(*table, answer.usPlace);
-    return true;
-}
-
-void CLobbyPlugin::TellOfSeat(const LobbyProtocol::STable &table, quint16 place)
-{
+    if (!table || answer.eResult != LobbyProtocol::SR_TAKEN)
+        return;
     CEvent event = CEvent::Create(QString::fromLatin1(SeatEvent::GROUP), QString::fromLatin1(SeatEvent::GIVEN));
-    event.targetID = place;
-    event.data = Payload::Encode(table);
+    event.targetID = answer.usPlace;
+    event.data = Payload::Encode(*table);
     event.widget = m_pView;
     SendInternEvent(event, false);
-}
-
-void CLobbyPlugin::ForgetIncoming()
-{
-    m_incoming.clear();
-    m_incomingIDs.clear();
 }

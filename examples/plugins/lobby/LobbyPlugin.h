@@ -4,8 +4,6 @@
 
 #include <plugin/PluginInterface.h>
 
-#include <QSet>
-
 /// Shows the tables of the game server, and asks for a seat at the one that the user chooses. It asks for the list
 /// each time the link stands, and keeps the old one on screen until the new one is complete. Of a seat that is given
 /// it tells the other plugins, see SeatEvent. Its view is one of widgets or one of QML. It adds the menu of the
@@ -34,19 +32,16 @@ public:
 private:
     void AddMenu();
     void RequestSeat(quint32 tableID);
-    bool HandleRecord(const CEvent &event);
-    bool HandleTable(const QByteArray &payload);
-    bool HandleListEnd(const QByteArray &payload);
-    bool HandlePlayerCounts(const QByteArray &payload);
-    bool HandleSeatAnswer(const QByteArray &payload);
+    // False if it has to be ignored, or the list isn't what the server says that it is.
+    bool OnTable(const LobbyProtocol::STable &table);
+    bool OnListEnd(quint32 count);
+    void OnPlayerCounts(const QVector<LobbyProtocol::SPlayerCount> &counts);
+    void OnSeatAnswer(const LobbyProtocol::SSeatAnswer &answer);
     void TellCounts() const;
-    void ForgetIncoming();
-    void TellOfSeat(const LobbyProtocol::STable &table, quint16 place);
 
     CTableListModel *m_pModel = new CTableListModel(this);
     CLobbyTables *m_pTables = new CLobbyTables(m_pModel, this);
-    QPointer<QWidget> m_pView;                 // the host's
-    QVector<LobbyProtocol::STable> m_incoming; // the list that isn't complete yet
-    QSet<quint32> m_incomingIDs;
-    bool m_bWarned = false; // on this connection
+    QPointer<QWidget> m_pView;                       // the host's
+    QMap<quint32, LobbyProtocol::STable> m_incoming; // by id, the list that isn't complete yet
+    bool m_bWarned = false;                          // on this connection
 };

@@ -1,6 +1,5 @@
 #include "LobbyTables.h"
 
-#include <common/Texts.h>
 #include <settings/Settings.h>
 #include <ui/TableView.h>
 
@@ -13,11 +12,6 @@
 
 namespace {
 
-constexpr int ANY_TYPE = 0;
-constexpr std::pair<const char *, int> TYPES[] = {{"LOBBY_ALL", ANY_TYPE},
-                                                  {"LOBBY_RING_GAMES", GlobalDefines::TT_NORMAL},
-                                                  {"LOBBY_SIT_AND_GOS", GlobalDefines::TT_SITANDGO},
-                                                  {"LOBBY_TOURNAMENTS", GlobalDefines::TT_TOURNAMENT}};
 const QString TABLE_KEY = QStringLiteral("lobby");
 
 } // namespace
@@ -30,35 +24,35 @@ CLobbyTables::CLobbyTables(CTableListModel *model, QObject *parent)
     setSortRole(CTableListModel::SORT_ROLE);
     setSortCaseSensitivity(Qt::CaseInsensitive);
     setSortLocaleAware(true);
-    connect(model, &CTableListModel::signal_ListChanged, this, &CLobbyTables::slot_ListChanged);
-    connect(model, &CTableListModel::signal_TextsChanged, this, &CLobbyTables::slot_TextsChanged);
+    connect(model, &CTableListModel::signal_ListChanged, this, &CLobbyTables::OnListChanged);
+    connect(model, &CTableListModel::signal_TextsChanged, this, [this] {
+        m_seatAnswer.ReTranslate();
+        Q_EMIT signal_TextsChanged();
+        OnListChanged();
+    });
     for (const auto signal : {&CLobbyTables::rowsInserted, &CLobbyTables::rowsRemoved})
         connect(this, signal, this, &CLobbyTables::signal_ChosenRowChanged);
     connect(this, &CLobbyTables::layoutChanged, this, &CLobbyTables::signal_ChosenRowChanged);
     const CSettings *settings = CSettings::GetInstance();
-    connect(settings, &CSettings::signal_RinggameFilterChanged, this, &CLobbyTables::slot_FilterChanged);
-    connect(settings, &CSettings::signal_SelectedGametypeChanged, this, &CLobbyTables::slot_FilterChanged);
-    connect(settings, &CSettings::signal_HeaderSortingColumnChanged, this, &CLobbyTables::slot_OrderSettingChanged);
-    connect(settings, &CSettings::signal_HeaderSortingOrderChanged, this, &CLobbyTables::slot_OrderSettingChanged);
-    slot_FilterChanged();
-    slot_OrderSettingChanged();
-    slot_ListChanged();
+    connect(settings, &CSettings::signal_RinggameFilterChanged, this, &CLobbyTables::TakeFilter);
+    connect(settings, &CSettings::signal_SelectedGametypeChanged, this, &CLobbyTables::TakeFilter);
+    connect(settings, &CSettings::signal_HeaderSortingColumnChanged, this, &CLobbyTables::TakeOrder);
+    connect(settings, &CSettings::signal_HeaderSortingOrderChanged, this, &CLobbyTables::TakeOrder);
+    TakeFilter();
+    TakeOrder();
+    OnListChanged();
 }
 
 QString CLobbyTables::GetStatus() const
 {
     const int all = m_pModel->rowCount();
     const int shown = rowCount();
-    CTranslationItem status =
-        Texts::MakeItem(shown == all ? "LOBBY_TABLES" : "LOBBY_SOME_TABLES", {{"#n#", shown}, {"#all#", all}});
-    if (IsStale() && all == 0)
-        status = Texts::MakeItem("LOBBY_WAITING");
-    else if (IsStale())
-        status = Texts::MakeItem("LOBBY_STALE", {{"#tables#", status.GetTranslatedText()}});
-    if (!m_seatAnswer.GetTranslatedText().isEmpty())
-        status = Texts::MakeItem("LOBBY_ANSWER", {{"#status#", status.GetTranslatedText()},
-                                                  {"#answer#", m_seatAnswer.GetTranslatedText()}});
-    return status.GetTranslatedText();
+    QString status =
+        Texts::Get(shown == all ? "LOBBY_TABLES" : "LOBBY_SOME_TABLES", {{"#n#", shown}, {"#all#", all}});
+    if (IsStale())
+        status = all == 0 ? Texts::Get("LOBBY_WAITING") : Texts::Get("LOBBY_STALE", {{"#tables#", status}});
+    const QString answer = m_seatAnswer.GetTranslatedText();
+    return answer.isEmpty() ? status : Texts::Get("LOBBY_ANSWER", {{"#status#", status}, {"#answer#", answer}});
 }
 
 QVariantList CLobbyTables::GetTypes() const
@@ -102,24 +96,21 @@ void CLobbyTables::AskForSeat()
 
 bool CLobbyTables::filterAcceptsRow(int row, const QModelIndex &) const
 {
-    if (m_iType != ANY_TYPE && m_pModel->GetTable(row).eType != m_iType)
-        return false;
-    return Contains(row, CTableListModel::COL_NAME) || Contains(row, CTableListModel::COL_GAME);
+    const auto contains = [=](int column) {
+        return m_pModel->GetText(row, column).contains(m_strText, Qt::CaseInsensitive);
+    };
+    return (m_iType == ANY_TYPE || m_pModel->GetTable(row).eType == m_iType) &&
+           (contains(CTableListModel::COL_NAME) || contains(CTableListModel::COL_GAME));
 }
 
-bool CLobbyTables::Contains(int row, int column) const
-{
-    return m_pModel->index(row, column).data().toString().contains(m_strText, Qt::CaseInsensitive);
-}
-
-void CLobbyTables::slot_ListChanged()
+void CLobbyTables::OnListChanged()
 {
     const QFontMetricsF metrics(QGuiApplication::font());
     m_textWidths.clear();
     for (int column = 0; column < CTableListModel::COL_COUNT; ++column) {
         QSet<QString> texts{m_pModel->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString()};
         for (int row = 0; row < m_pModel->rowCount(); ++row)
-            texts.insert(m_pModel->index(row, column).data(CTableListModel::WIDEST_ROLE).toString());
+            texts.insert(m_pModel->GetText(row, column));
         qreal width = 0;
         for (const QString &text : qAsConst(texts))
             width = qMax(width, metrics.horizontalAdvance(text));
@@ -129,15 +120,8 @@ void CLobbyTables::slot_ListChanged()
     Q_EMIT signal_StatusChanged();
 }
 
-void CLobbyTables::slot_TextsChanged()
-{
-    m_seatAnswer.ReTranslate();
-    Q_EMIT signal_TextsChanged();
-    slot_ListChanged();
-}
-
 // A user without a choice sees all tables, and so does one with a choice that this version doesn't know.
-void CLobbyTables::slot_FilterChanged()
+void CLobbyTables::TakeFilter()
 {
     const CSettings *settings = CSettings::GetInstance();
     const int type = settings->GetSelectedGametype();
@@ -149,7 +133,7 @@ void CLobbyTables::slot_FilterChanged()
     Q_EMIT signal_StatusChanged();
 }
 
-void CLobbyTables::slot_OrderSettingChanged()
+void CLobbyTables::TakeOrder()
 {
     if (m_bStoring)
         return;

@@ -2,7 +2,7 @@
 
 #include "TableListModel.h"
 
-#include <translation/TranslationItem.h>
+#include <common/Texts.h>
 
 #include <QSortFilterProxyModel>
 #include <QVariantList>
@@ -15,7 +15,7 @@ class CLobbyTables : public QSortFilterProxyModel
     /// A line about the tables, with the last answer of the game server, if there is one.
     Q_PROPERTY(QString status READ GetStatus NOTIFY signal_StatusChanged)
     Q_PROPERTY(bool stale READ IsStale NOTIFY signal_StatusChanged)
-    /// The types to choose from, as objects with `text` and `value`, which the setting `selectedgametype` takes.
+    /// The same types as objects with `text` and `value`, which the setting `selectedgametype` takes.
     Q_PROPERTY(QVariantList types READ GetTypes NOTIFY signal_TextsChanged)
     /// Pixels that the texts of each column need in the font of the application.
     Q_PROPERTY(QList<qreal> textWidths READ GetTextWidths NOTIFY signal_TextWidthsChanged)
@@ -25,6 +25,13 @@ class CLobbyTables : public QSortFilterProxyModel
     Q_PROPERTY(int chosenRow READ GetChosenRow WRITE SetChosenRow NOTIFY signal_ChosenRowChanged)
 
 public:
+    static constexpr int ANY_TYPE = 0;
+    /// The types to choose from, each behind the key of its text.
+    static constexpr std::pair<const char *, int> TYPES[] = {{"LOBBY_ALL", ANY_TYPE},
+                                                             {"LOBBY_RING_GAMES", GlobalDefines::TT_NORMAL},
+                                                             {"LOBBY_SIT_AND_GOS", GlobalDefines::TT_SITANDGO},
+                                                             {"LOBBY_TOURNAMENTS", GlobalDefines::TT_TOURNAMENT}};
+
     /// The model stays the caller's.
     CLobbyTables(CTableListModel *model, QObject *parent);
 
@@ -53,18 +60,14 @@ Q_SIGNALS:
 protected:
     bool filterAcceptsRow(int row, const QModelIndex &parent) const override;
 
-private Q_SLOTS:
-    void slot_ListChanged();
-    void slot_TextsChanged();
-    void slot_FilterChanged();
-    void slot_OrderSettingChanged();
-
 private:
-    bool Contains(int row, int column) const;
+    void OnListChanged();
+    void TakeFilter();
+    void TakeOrder();
 
     CTableListModel *m_pModel;
     QString m_strText; // that is looked for
-    int m_iType = 0;   // or all
+    int m_iType = ANY_TYPE;
     QPersistentModelIndex m_chosen;
     QList<qreal> m_textWidths;
     CTranslationItem m_seatAnswer;

@@ -30,120 +30,89 @@ const QString TABLE_KEY = QStringLiteral("lobby");
 
 CLobbyView::CLobbyView(CLobbyTables *tables)
     : m_pTables(tables)
-    , m_pText(new QLineEdit(this))
-    , m_pType(new QComboBox(this))
-    , m_pTable(new QTableView(this))
-    , m_pStatus(new QLabel(this))
 {
-    m_pStatus->setObjectName(QStringLiteral("lobbyStatus"));
-    m_pStatus->setTextFormat(Qt::PlainText); // names in it are the server's
-    m_pStatus->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    CreateFilterLine();
-    CreateTable();
-    Arrange();
-    connect(tables, &CLobbyTables::signal_StatusChanged, this, &CLobbyView::ShowStatus);
-    connect(tables, &CLobbyTables::signal_TextsChanged, this, &CLobbyView::ShowTypes);
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(CreateFilterLine()); // first, so that Tab gets there first
+    m_pTable = CreateField<QTableView>(this, "lobbyTable");
+    layout->addWidget(m_pTable, 1);
+    auto *status = CreateField<QLabel>(this, "lobbyStatus");
+    status->setTextFormat(Qt::PlainText); // names in it are the server's
+    status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    layout->addWidget(status);
+    SetUpTable();
+    const auto showStatus = [=] {
+        status->setText(m_pTables->GetStatus());
+        QPalette colours;
+        if (m_pTables->IsStale())
+            colours.setColor(QPalette::Text, palette().color(QPalette::Disabled, QPalette::Text));
+        m_pTable->setPalette(colours);
+    };
+    connect(tables, &CLobbyTables::signal_StatusChanged, this, showStatus);
     connect(tables, &CLobbyTables::signal_TextWidthsChanged, this, &CLobbyView::MeasureColumns);
-    connect(tables, &CLobbyTables::signal_OrderChanged, this, &CLobbyView::ShowOrder);
-    const CSettings *settings = CSettings::GetInstance();
-    connect(settings, &CSettings::signal_RinggameFilterChanged, this, &CLobbyView::ShowFilter);
-    connect(settings, &CSettings::signal_SelectedGametypeChanged, this, &CLobbyView::ShowFilter);
-    connect(settings, &CSettings::signal_HeaderSizesChanged, this, &CLobbyView::FitStoredColumns);
-    ShowTypes();
+    connect(CSettings::GetInstance(), &CSettings::signal_HeaderSizesChanged, this, &CLobbyView::FitStoredColumns);
     MeasureColumns();
-    ShowStatus();
+    showStatus();
 }
 
-void CLobbyView::CreateFilterLine()
+QLayout *CLobbyView::CreateFilterLine()
 {
-    m_pText->setObjectName(QStringLiteral("lobbyFilter"));
-    Texts::Bind(m_pText, &QLineEdit::setPlaceholderText, "LOBBY_FILTER");
-    m_pText->setClearButtonEnabled(true);
-    m_pType->setObjectName(QStringLiteral("lobbyType"));
-    m_pType->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    const auto *find = new QShortcut(QKeySequence::Find, this);
-    connect(find, &QShortcut::activated, m_pText, [this] { m_pText->setFocus(Qt::ShortcutFocusReason); });
-    connect(m_pText, &QLineEdit::returnPressed, m_pTable, [this] { m_pTable->setFocus(Qt::OtherFocusReason); });
-    connect(m_pText, &QLineEdit::textChanged, this, &CLobbyView::RememberFilter);
-    connect(m_pType, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
-            [this] { CSettings::GetInstance()->SetSelectedGametype(m_pType->currentData().toInt()); });
+    auto *text = CreateField<QLineEdit>(this, "lobbyFilter");
+    Texts::Bind(text, &QLineEdit::setPlaceholderText, "LOBBY_FILTER");
+    text->setClearButtonEnabled(true);
+    auto *type = CreateField<QComboBox>(this, "lobbyType");
+    type->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    for (const auto &[key, value] : CLobbyTables::TYPES)
+        AddTextItem(type, key, value);
+
+    CSettings *settings = CSettings::GetInstance();
+    const auto show = [=] {
+        const QSignalBlocker blocker(type);
+        type->setCurrentIndex(qMax(0, type->findData(settings->GetSelectedGametype())));
+        const QString filter = QString::fromUtf8(settings->GetRinggameFilter());
+        if (text->text() != filter) // the cursor stays where the user is typing
+            text->setText(filter);
+    };
+    connect(settings, &CSettings::signal_RinggameFilterChanged, this, show);
+    connect(settings, &CSettings::signal_SelectedGametypeChanged, this, show);
+    show();
+    connect(text, &QLineEdit::textChanged, settings, [=] {
+        if (text->text().toUtf8() != settings->GetRinggameFilter()) // else it came from there
+            settings->SetRinggameFilter(text->text().toUtf8());
+    });
+    connect(type, QOverload<int>::of(&QComboBox::currentIndexChanged), settings,
+            [=] { settings->SetSelectedGametype(type->currentData().toInt()); });
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, text,
+            [=] { text->setFocus(Qt::ShortcutFocusReason); });
+    connect(text, &QLineEdit::returnPressed, this, [=] { m_pTable->setFocus(Qt::OtherFocusReason); });
+    auto *line = new QHBoxLayout;
+    line->addWidget(text, 1);
+    line->addWidget(type);
+    return line;
 }
 
-void CLobbyView::CreateTable()
+void CLobbyView::SetUpTable()
 {
-    m_pTable->setObjectName(QStringLiteral("lobbyTable"));
     m_pTable->setModel(m_pTables);
     m_pTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_pTable->setSelectionMode(QAbstractItemView::SingleSelection);
     m_pTable->setAlternatingRowColors(true);
     m_pTable->setShowGrid(false);
     m_pTable->setWordWrap(false);
-    m_pTable->setTabKeyNavigation(false); // Tab leaves the table, the arrows move in it
-    ShowOrder();                          // before sorting, which would change it
-    m_pTable->setSortingEnabled(true);
+    m_pTable->setTabKeyNavigation(false);                           // Tab leaves the table, the arrows move in it
     m_pTable->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // the columns are fitted in
     m_pTable->viewport()->installEventFilter(this);
     m_pTable->verticalHeader()->hide();
     m_pTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
-    m_pTable->horizontalHeader()->setHighlightSections(false);
-    connect(m_pTable->horizontalHeader(), &QHeaderView::sectionResized, this, &CLobbyView::slot_ColumnResized);
+    QHeaderView *header = m_pTable->horizontalHeader();
+    header->setHighlightSections(false);
+    const auto showOrder = [=] { header->setSortIndicator(m_pTables->sortColumn(), m_pTables->sortOrder()); };
+    connect(m_pTables, &CLobbyTables::signal_OrderChanged, header, showOrder);
+    showOrder(); // before sorting, which would change it
+    m_pTable->setSortingEnabled(true);
+    connect(header, &QHeaderView::sectionResized, this, &CLobbyView::OnColumnResized);
     connect(m_pTable->selectionModel(), &QItemSelectionModel::selectionChanged, m_pTables,
             [this] { m_pTables->SetChosenRow(m_pTable->selectionModel()->selectedRows().value(0).row()); });
     connect(m_pTable, &QTableView::activated, m_pTables, &CLobbyTables::AskForSeat);
-}
-
-void CLobbyView::Arrange()
-{
-    auto *filterLine = new QHBoxLayout;
-    filterLine->addWidget(m_pText, 1);
-    filterLine->addWidget(m_pType);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(filterLine);
-    layout->addWidget(m_pTable, 1);
-    layout->addWidget(m_pStatus);
-}
-
-// What the settings hold already came from there.
-void CLobbyView::RememberFilter()
-{
-    const QByteArray text = m_pText->text().toUtf8();
-    if (text != CSettings::GetInstance()->GetRinggameFilter())
-        CSettings::GetInstance()->SetRinggameFilter(text);
-}
-
-void CLobbyView::ShowTypes()
-{
-    const QSignalBlocker blocker(m_pType);
-    m_pType->clear();
-    const QVariantList types = m_pTables->GetTypes();
-    for (const QVariant &type : types)
-        m_pType->addItem(type.toMap().value(QStringLiteral("text")).toString(),
-                         type.toMap().value(QStringLiteral("value")));
-    ShowFilter();
-}
-
-void CLobbyView::ShowFilter()
-{
-    const CSettings *settings = CSettings::GetInstance();
-    const QSignalBlocker blocker(m_pType);
-    m_pType->setCurrentIndex(qMax(0, m_pType->findData(settings->GetSelectedGametype())));
-    const QString text = QString::fromUtf8(settings->GetRinggameFilter());
-    if (m_pText->text() != text) // the cursor stays where the user is typing
-        m_pText->setText(text);
-}
-
-void CLobbyView::ShowStatus()
-{
-    m_pStatus->setText(m_pTables->GetStatus());
-    QPalette palette;
-    if (m_pTables->IsStale())
-        palette.setColor(QPalette::Text, this->palette().color(QPalette::Disabled, QPalette::Text));
-    m_pTable->setPalette(palette);
-}
-
-void CLobbyView::ShowOrder()
-{
-    m_pTable->horizontalHeader()->setSortIndicator(m_pTables->sortColumn(), m_pTables->sortOrder());
 }
 
 // What the columns need at least, which the table always has room for.
@@ -185,7 +154,7 @@ void CLobbyView::FitStoredColumns()
 }
 
 // A drag takes from the next column what that can spare.
-void CLobbyView::slot_ColumnResized(int column)
+void CLobbyView::OnColumnResized(int column)
 {
     if (m_bFitting)
         return;

@@ -1,9 +1,9 @@
 #include "TableListModel.h"
 
+#include <common/TableTexts.h>
+#include <common/Texts.h>
 #include <time/CasinoTime.h>
-#include <translation/Translation.h>
-
-#include <QSet>
+#include <time/CountDown.h>
 
 #include <algorithm>
 #include <limits>
@@ -13,14 +13,20 @@ using LobbyProtocol::STable;
 
 namespace {
 
-const QString COLUMN_KEYS[] = {QStringLiteral("LOBBY_COLUMN_NAME"),    QStringLiteral("LOBBY_COLUMN_TYPE"),
-                               QStringLiteral("LOBBY_COLUMN_GAME"),    QStringLiteral("LOBBY_COLUMN_STAKES"),
-                               QStringLiteral("LOBBY_COLUMN_PLAYERS"), QStringLiteral("LOBBY_COLUMN_START")};
+constexpr quint32 DAY_SECONDS = 24 * 60 * 60;
+constexpr const char *COLUMN_KEYS[] = {"LOBBY_COLUMN_NAME",   "LOBBY_COLUMN_TYPE",    "LOBBY_COLUMN_GAME",
+                                       "LOBBY_COLUMN_STAKES", "LOBBY_COLUMN_PLAYERS", "LOBBY_COLUMN_START"};
 
-// Amounts of different money don't compare, so each kind stays together; a sum takes 33 bits.
-quint64 StakesSortValue(const STable &table)
+// Seconds to the start of a table that starts within the next 24 hours, by the clock of the client; else negative.
+qint64 CountDown(const STable &table)
 {
-    return (quint64(table.eMoney) << 33) + table.mvLow + quint64(table.mvHigh);
+    const qint64 left = qint64(table.uiStart) - CCasinoTime::GetInstance()->GetTimeUTCClient();
+    return left < DAY_SECONDS ? left : -1;
+}
+
+QString PlayersText(const STable &table)
+{
+    return QStringLiteral("%1/%2").arg(table.usPlayers).arg(table.usPlaces);
 }
 
 // Invalid for a column that sorts by its text.
@@ -28,7 +34,8 @@ QVariant SortValue(const STable &table, int column)
 {
     switch (column) {
     case CTableListModel::COL_STAKES:
-        return StakesSortValue(table);
+        // Amounts of different money don't compare, so each kind stays together; a sum takes 33 bits.
+        return (quint64(table.eMoney) << 33) + table.mvLow + quint64(table.mvHigh);
     case CTableListModel::COL_PLAYERS:
         return uint(table.usPlayers);
     case CTableListModel::COL_START:
@@ -50,17 +57,17 @@ QVariant Alignment(int column)
 CTableListModel::CTableListModel(QObject *parent)
     : QAbstractTableModel(parent)
 {
+    const CCasinoTime *clock = CCasinoTime::GetInstance();
     connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this,
-            &CTableListModel::slot_TextsChanged);
-    connect(CCasinoTime::GetInstance(), &CCasinoTime::signal_TimeZoneChanged, this,
-            &CTableListModel::slot_TextsChanged);
-    connect(CCasinoTime::GetInstance(), &CCasinoTime::signal_TimeChanged, this, &CTableListModel::slot_ClockChanged);
+            &CTableListModel::OnTextsChanged);
+    connect(clock, &CCasinoTime::signal_TimeZoneChanged, this, &CTableListModel::OnTextsChanged);
+    connect(clock, &CCasinoTime::signal_TimeChanged, this, &CTableListModel::OnClockChanged);
 }
 
 const STable *CTableListModel::FindTable(quint32 id) const
 {
-    const int row = m_rows.value(id, -1);
-    return row < 0 ? nullptr : &m_tables.at(row);
+    const int row = m_rowsByID.value(id, -1);
+    return row < 0 ? nullptr : &m_rows.at(row).table;
 }
 
 void CTableListModel::SetStale()
@@ -69,52 +76,46 @@ void CTableListModel::SetStale()
     Q_EMIT signal_ListChanged();
 }
 
-void CTableListModel::SetTables(const QVector<STable> &tables)
+void CTableListModel::SetTables(const QMap<quint32, STable> &tables)
 {
-    m_texts.Forget();
-    RemoveAllBut(tables);
-
-    QVector<STable> added;
-    for (const STable &table : tables) {
-        const int row = m_rows.value(table.uiID, -1);
-        if (row < 0) {
-            added.append(table);
+    QMap<quint32, STable> added = tables;
+    for (int row = m_rows.size() - 1; row >= 0; --row) {
+        const auto table = added.find(m_rows.at(row).table.uiID);
+        if (table == added.end()) {
+            beginRemoveRows(QModelIndex(), row, row);
+            m_rows.remove(row);
+            endRemoveRows();
         } else {
-            m_tables[row] = table;
+            m_rows[row] = MakeRow(*table);
+            added.erase(table);
             Q_EMIT dataChanged(index(row, 0), index(row, COL_COUNT - 1));
         }
     }
     if (!added.isEmpty()) {
-        beginInsertRows(QModelIndex(), m_tables.size(), m_tables.size() + added.size() - 1);
-        m_tables += added;
-        IndexRows();
+        beginInsertRows(QModelIndex(), m_rows.size(), m_rows.size() + added.size() - 1);
+        std::transform(added.begin(), added.end(), std::back_inserter(m_rows), &MakeRow);
         endInsertRows();
     }
+    m_rowsByID.clear();
+    for (int row = 0; row < m_rows.size(); ++row)
+        m_rowsByID.insert(GetTable(row).uiID, row);
     m_bStale = false;
     Q_EMIT signal_ListChanged();
 }
 
 void CTableListModel::SetPlayers(const SPlayerCount &count)
 {
-    const int row = m_rows.value(count.uiTableID, -1);
-    if (row < 0 || m_tables.at(row).usPlayers == count.usPlayers)
+    const int row = m_rowsByID.value(count.uiTableID, -1);
+    if (row < 0 || GetTable(row).usPlayers == count.usPlayers)
         return;
-    m_tables[row].usPlayers = count.usPlayers;
+    m_rows[row].table.usPlayers = count.usPlayers;
+    m_rows[row].texts[COL_PLAYERS] = PlayersText(GetTable(row));
     Q_EMIT dataChanged(index(row, COL_PLAYERS), index(row, COL_PLAYERS));
-}
-
-// One second less for those that count down, and the date for those that have just ended.
-void CTableListModel::slot_ClockChanged()
-{
-    const bool counted = m_bCounting;
-    m_bCounting = std::any_of(m_tables.begin(), m_tables.end(), &CTableTexts::IsCountingDown);
-    if ((counted || m_bCounting) && !m_tables.isEmpty())
-        Q_EMIT dataChanged(index(0, COL_START), index(m_tables.size() - 1, COL_START), {Qt::DisplayRole});
 }
 
 int CTableListModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : m_tables.size();
+    return parent.isValid() ? 0 : m_rows.size();
 }
 
 int CTableListModel::columnCount(const QModelIndex &parent) const
@@ -126,16 +127,15 @@ QVariant CTableListModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return QVariant();
-    const STable &table = m_tables.at(index.row());
-    if (role == WIDEST_ROLE && index.column() == COL_START)
-        return table.uiStart == 0 ? QString() : m_texts.GetDate(table.uiStart);
-    if (role == Qt::DisplayRole || role == WIDEST_ROLE)
-        return CellText(table, index.column());
-    if (role == SORT_ROLE) {
-        const QVariant value = SortValue(table, index.column());
-        return value.isValid() ? value : CellText(table, index.column());
-    }
-    return role == Qt::TextAlignmentRole ? Alignment(index.column()) : QVariant();
+    const STable &table = GetTable(index.row());
+    const QVariant sortValue = role == SORT_ROLE ? SortValue(table, index.column()) : QVariant();
+    if (sortValue.isValid() || role == Qt::TextAlignmentRole)
+        return role == SORT_ROLE ? sortValue : Alignment(index.column());
+    if (role != Qt::DisplayRole && role != SORT_ROLE)
+        return QVariant();
+    if (index.column() == COL_START && CountDown(table) >= 0)
+        return Globals::GetCountDownString(uint(CountDown(table)), GlobalDefines::CST_Normal).GetTranslatedText();
+    return GetText(index.row(), index.column());
 }
 
 QVariant CTableListModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -143,57 +143,35 @@ QVariant CTableListModel::headerData(int section, Qt::Orientation orientation, i
     if (orientation != Qt::Horizontal || section < 0 || section >= COL_COUNT)
         return QVariant();
     if (role == Qt::DisplayRole)
-        return m_texts.GetText(COLUMN_KEYS[section]);
+        return Texts::Get(COLUMN_KEYS[section]);
     return role == Qt::TextAlignmentRole ? Alignment(section) : QVariant();
 }
 
-QString CTableListModel::CellText(const STable &table, int column) const
+CTableListModel::SRow CTableListModel::MakeRow(const STable &table)
 {
-    switch (column) {
-    case COL_NAME:
-        return table.strName;
-    case COL_TYPE:
-        return m_texts.GetType(table.eType);
-    case COL_GAME:
-        return m_texts.GetGame(table);
-    case COL_STAKES:
-        return m_texts.GetStakes(table);
-    case COL_PLAYERS:
-        return QStringLiteral("%1/%2").arg(table.usPlayers).arg(table.usPlaces);
-    case COL_START:
-        return m_texts.GetStart(table);
-    default:
-        return QString();
-    }
+    const QString start = table.uiStart == 0
+                              ? QString()
+                              : CCasinoTime::GetInstance()->GetDateTimeString(table.uiStart).GetTranslatedText();
+    return {table,
+            {table.strName, TableTexts::GetType(table.eType), TableTexts::GetGame(table),
+             TableTexts::GetStakes(table), PlayersText(table), start}};
 }
 
-void CTableListModel::slot_TextsChanged()
+void CTableListModel::OnTextsChanged()
 {
-    m_texts.Forget();
+    std::transform(m_rows.begin(), m_rows.end(), m_rows.begin(), [](const SRow &row) { return MakeRow(row.table); });
     Q_EMIT headerDataChanged(Qt::Horizontal, 0, COL_COUNT - 1);
-    if (!m_tables.isEmpty())
-        Q_EMIT dataChanged(index(0, 0), index(m_tables.size() - 1, COL_COUNT - 1));
+    if (!m_rows.isEmpty())
+        Q_EMIT dataChanged(index(0, 0), index(m_rows.size() - 1, COL_COUNT - 1));
     Q_EMIT signal_TextsChanged();
 }
 
-void CTableListModel::RemoveAllBut(const QVector<STable> &tables)
+// One second less for those that count down, and the date for those that have just ended.
+void CTableListModel::OnClockChanged()
 {
-    QSet<quint32> staying;
-    for (const STable &table : tables)
-        staying.insert(table.uiID);
-    for (int row = m_tables.size() - 1; row >= 0; --row) {
-        if (staying.contains(m_tables.at(row).uiID))
-            continue;
-        beginRemoveRows(QModelIndex(), row, row);
-        m_tables.remove(row);
-        endRemoveRows();
-    }
-    IndexRows();
-}
-
-void CTableListModel::IndexRows()
-{
-    m_rows.clear();
-    for (int row = 0; row < m_tables.size(); ++row)
-        m_rows.insert(m_tables.at(row).uiID, row);
+    const bool counted = m_bCounting;
+    m_bCounting =
+        std::any_of(m_rows.begin(), m_rows.end(), [](const SRow &row) { return CountDown(row.table) >= 0; });
+    if ((counted || m_bCounting) && !m_rows.isEmpty())
+        Q_EMIT dataChanged(index(0, COL_START), index(m_rows.size() - 1, COL_START), {Qt::DisplayRole});
 }

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "TableTexts.h"
+#include <protocol/LobbyProtocol.h>
 
 #include <QAbstractTableModel>
 #include <QHash>
+#include <QMap>
+#include <QStringList>
 
 /// The tables of the game server, a row each, in no order of note.
 class CTableListModel : public QAbstractTableModel
@@ -14,20 +16,20 @@ public:
     enum EColumn { COL_NAME, COL_TYPE, COL_GAME, COL_STAKES, COL_PLAYERS, COL_START, COL_COUNT };
     /// What a column sorts by, where its text would sort wrongly.
     static constexpr int SORT_ROLE = Qt::UserRole;
-    /// The text, or of one that counts down the date, which is wider and takes its place.
-    static constexpr int WIDEST_ROLE = Qt::UserRole + 1;
 
     explicit CTableListModel(QObject *parent);
 
-    const LobbyProtocol::STable &GetTable(int row) const { return m_tables.at(row); }
+    const LobbyProtocol::STable &GetTable(int row) const { return m_rows.at(row).table; }
     /// Null if there is no such table; good until the next change.
     const LobbyProtocol::STable *FindTable(quint32 id) const;
+    /// What stands in a cell; where a countdown does, the date, which is wider and takes its place.
+    QString GetText(int row, int column) const { return m_rows.at(row).texts.at(column); }
     /// Whether the tables are as the server last knew them, but may have changed since.
     bool IsStale() const { return m_bStale; }
     void SetStale();
-    /// Takes over a complete list, in which no id is twice. Rows of tables that stay are the same rows afterwards, so
-    /// that what is selected stays selected.
-    void SetTables(const QVector<LobbyProtocol::STable> &tables);
+    /// Takes over a complete list, by their ids. Rows of tables that stay are the same rows afterwards, so that what
+    /// is selected stays selected.
+    void SetTables(const QMap<quint32, LobbyProtocol::STable> &tables);
     /// Does nothing if there is no such table.
     void SetPlayers(const LobbyProtocol::SPlayerCount &count);
 
@@ -42,18 +44,21 @@ Q_SIGNALS:
     /// All texts are others, in another language or time zone.
     void signal_TextsChanged();
 
-private Q_SLOTS:
-    void slot_TextsChanged();
-    void slot_ClockChanged();
-
 private:
-    void RemoveAllBut(const QVector<LobbyProtocol::STable> &tables);
-    void IndexRows();
-    QString CellText(const LobbyProtocol::STable &table, int column) const;
+    // The texts are kept, for there may be many rows, and all of them are looked at to sort, to filter and to
+    // measure.
+    struct SRow
+    {
+        LobbyProtocol::STable table;
+        QStringList texts; // by column
+    };
 
-    QVector<LobbyProtocol::STable> m_tables;
-    QHash<quint32, int> m_rows; // by table id
-    mutable CTableTexts m_texts;
+    static SRow MakeRow(const LobbyProtocol::STable &table);
+    void OnTextsChanged();
+    void OnClockChanged();
+
+    QVector<SRow> m_rows;
+    QHash<quint32, int> m_rowsByID;
     bool m_bStale = true;
     bool m_bCounting = false; // down to a start, as of the last second
 };

@@ -1,11 +1,11 @@
-#include <common/AccountProtocol.h>
 #include <common/FormField.h>
-#include <common/TableProtocol.h>
 #include <files/Pathes.h>
 #include <models/PlayerLists.h>
 #include <models/PlayerTaggingModel.h>
 #include <models/UserInfo.h>
 #include <plugin/PluginInterface.h>
+#include <protocol/AccountProtocol.h>
+#include <protocol/TableProtocol.h>
 #include <settings/PlayerInfo.h>
 
 #include <QtWidgets> //! [plugin]

@@ -135,7 +135,7 @@ void CTablePlugin::ShowLine(const TableProtocol::SLine &line)
     CTableWindow *window = m_windows.value(line.uiTableID);
     if (!window || IsHidden(line))
         return;
-    window->GetChat()->AddLine(line);
+    window->AddLine(line);
     if (line.strNickname != CUserInfo::GetInstance()->GetNickname())
         CSoundManager::GetInstance()->PlayWarning(Pathes::ToCommonRes(QStringLiteral("sounds/chat.wav"), false),
                                                   false);

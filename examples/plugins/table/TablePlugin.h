@@ -1,8 +1,8 @@
 #pragma once
 
-#include <common/LobbyProtocol.h>
-#include <common/TableProtocol.h>
 #include <plugin/PluginInterface.h>
+#include <protocol/LobbyProtocol.h>
+#include <protocol/TableProtocol.h>
 
 #include <QHash>
 #include <QList>

@@ -1,6 +1,9 @@
 #include "TableWindow.h"
 
+#include "ChatHtml.h"
+
 #include <common/FormField.h>
+#include <common/TableTexts.h>
 #include <models/AutoTopUpModel.h>
 #include <models/UserInfo.h>
 #include <money/MoneyStrings.h>
@@ -12,6 +15,7 @@
 #include <QLineEdit>
 #include <QSignalBlocker>
 #include <QSpinBox>
+#include <QTextBrowser>
 #include <QVBoxLayout>
 
 namespace {
@@ -19,15 +23,11 @@ namespace {
 const QString PLACE_KEY = QStringLiteral("table");
 constexpr QSize SIZE(340, 480);
 constexpr int TENTHS = 10;
+constexpr int MAX_CHAT_LINES = 500;
 // Buy-ins, in higher stakes.
 constexpr unsigned int SMALLEST_BUY_IN = 20;
 constexpr unsigned int MIDDLE_BUY_IN = 50;
 constexpr unsigned int LARGEST_BUY_IN = 100;
-
-bool IsTournament(const LobbyProtocol::STable &table)
-{
-    return table.eType == GlobalDefines::TT_TOURNAMENT || table.eType == GlobalDefines::TT_SITANDGO;
-}
 
 const char *MoneyKey(GlobalDefines::MoneyType money)
 {
@@ -46,7 +46,7 @@ CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
     , m_pLowerLimit(CreateField<QSpinBox>(this, "lowerLimit"))
     , m_pTarget(CreateField<QComboBox>(this, "target"))
     , m_pTopUpText(CreateField<QLabel>(this, "topUpText"))
-    , m_pChat(CreateField<CChatView>(this, "chat"))
+    , m_pChat(CreateField<QTextBrowser>(this, "chat"))
     , m_pLine(CreateField<QLineEdit>(this, "chatLine"))
 {
     setObjectName(QStringLiteral("table%1").arg(table.uiID));
@@ -55,6 +55,8 @@ CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
     resize(SIZE);
     m_pFacts->setWordWrap(true);
     m_pTopUpText->setWordWrap(true);
+    m_pChat->document()->setMaximumBlockCount(MAX_CHAT_LINES);
+    m_pChat->setFocusPolicy(Qt::ClickFocus); // the keyboard is for the line below
     m_pLine->setMaxLength(TableProtocol::MAX_LINE_LENGTH);
     Texts::Bind(m_pLine, &QLineEdit::setPlaceholderText, "TABLE_CHAT_LINE");
     auto *layout = new QVBoxLayout(this);
@@ -110,6 +112,11 @@ void CTableWindow::SetPlace(quint16 place)
     ShowFacts();
 }
 
+void CTableWindow::AddLine(const TableProtocol::SLine &line)
+{
+    m_pChat->append(QStringLiteral("<b>%1:</b> ").arg(line.strNickname.toHtmlEscaped()) + ToHtml(line.strText));
+}
+
 void CTableWindow::closeEvent(QCloseEvent *event)
 {
     QWidget::closeEvent(event);
@@ -143,25 +150,22 @@ void CTableWindow::ShowTopUp()
 QString CTableWindow::MakeTopUpText() const
 {
     const CAutoTopUpModel *model = CAutoTopUpModel::GetInstance();
-    const auto money = IsTournament(m_table) ? GlobalDefines::MONEYTYPE_TOURN : m_table.eMoney;
+    const auto money = TableTexts::IsTournament(m_table) ? GlobalDefines::MONEYTYPE_TOURN : m_table.eMoney;
     const unsigned int largest = LARGEST_BUY_IN * m_table.mvHigh;
     const unsigned int target = model->GetTargetChips(money, m_table.eLimit, SMALLEST_BUY_IN * m_table.mvHigh,
                                                       m_table.mvHigh, largest, MIDDLE_BUY_IN * m_table.mvHigh);
     if (target == 0)
         return Texts::Get("TOPUP_NONE");
     const unsigned int limit = model->GetLowerLimitChips(money, m_table.eLimit, largest);
-    return Texts::MakeItem("TOPUP_TEXT", {{"#limit#", Globals::MoneyToString(money, limit, true)},
-                                          {"#target#", Globals::MoneyToString(money, target, true)}})
-        .GetTranslatedText();
+    return Texts::Get("TOPUP_TEXT", {{"#limit#", Globals::MoneyToString(money, limit, true)},
+                                     {"#target#", Globals::MoneyToString(money, target, true)}});
 }
 
 void CTableWindow::ShowFacts()
 {
-    CTableTexts texts;
-    const QString place = HasSeat()
-                              ? Texts::MakeItem("TABLE_PLACE", {{"#place#", uint(m_usPlace)}}).GetTranslatedText()
-                              : Texts::Get("TABLE_NO_PLACE");
-    const QStringList facts{m_table.strName, Texts::Get(MoneyKey(m_table.eMoney)), texts.GetGame(m_table),
-                            texts.GetStakes(m_table), place};
+    const QString place =
+        HasSeat() ? Texts::Get("TABLE_PLACE", {{"#place#", uint(m_usPlace)}}) : Texts::Get("TABLE_NO_PLACE");
+    const QStringList facts{m_table.strName, Texts::Get(MoneyKey(m_table.eMoney)), TableTexts::GetGame(m_table),
+                            TableTexts::GetStakes(m_table), place};
     m_pFacts->setText(facts.join(QStringLiteral(" · ")));
 }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "ChatView.h"
+#include <protocol/LobbyProtocol.h>
+#include <protocol/TableProtocol.h>
 
-#include <common/LobbyProtocol.h>
-#include <plugins/lobby/TableTexts.h>
+#include <QWidget>
 
 class QCheckBox;
 class QComboBox;
@@ -11,6 +11,7 @@ class QFormLayout;
 class QLabel;
 class QLineEdit;
 class QSpinBox;
+class QTextBrowser;
 
 /// A table at which the user has a seat: what is played, when chips are bought, and the chat. It closes when the user
 /// logs out, and deletes itself.
@@ -27,7 +28,7 @@ public:
     /// 0 if the seat is lost. Nothing can be said then.
     void SetPlace(quint16 place);
     bool HasSeat() const { return m_usPlace != 0; }
-    CChatView *GetChat() const { return m_pChat; }
+    void AddLine(const TableProtocol::SLine &line);
 
 Q_SIGNALS:
     void signal_Said(const TableProtocol::SLine &line);
@@ -50,6 +51,6 @@ private:
     QSpinBox *m_pLowerLimit;
     QComboBox *m_pTarget;
     QLabel *m_pTopUpText;
-    CChatView *m_pChat;
+    QTextBrowser *m_pChat;
     QLineEdit *m_pLine;
 };

@@ -6,18 +6,6 @@
 
 namespace AccountProtocol {
 
-ERefusal ToRefusal(char letter)
-{
-    switch (letter) {
-    case RF_BAD_NICKNAME:
-    case RF_NO_ACCOUNT:
-    case RF_WRONG_PASSWORD:
-        return static_cast<ERefusal>(letter);
-    default:
-        return RF_UNKNOWN;
-    }
-}
-
 bool IsNickname(const QString &text)
 {
     return !text.isEmpty() && text.size() <= MAX_NICKNAME_LENGTH && text == text.trimmed() &&

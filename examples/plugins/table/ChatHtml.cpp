@@ -1,12 +1,10 @@
-#include "ChatView.h"
+#include "ChatHtml.h"
 
 #include <models/ChatModel.h>
 
 #include <QUrl>
 
 namespace {
-
-constexpr int MAX_LINES = 500;
 
 // The longest smiley that the text begins with; empty if there is none.
 QString FindSmiley(const QHash<QString, CChatModel::SSmiley> &smileys, const QStringRef &text)
@@ -18,6 +16,8 @@ QString FindSmiley(const QHash<QString, CChatModel::SSmiley> &smileys, const QSt
     }
     return longest;
 }
+
+} // namespace
 
 QString ToHtml(const QString &text)
 {
@@ -34,18 +34,4 @@ QString ToHtml(const QString &text)
         i += smiley.size();
     }
     return html;
-}
-
-} // namespace
-
-CChatView::CChatView(QWidget *parent)
-    : QTextBrowser(parent)
-{
-    document()->setMaximumBlockCount(MAX_LINES);
-    setFocusPolicy(Qt::ClickFocus); // the keyboard is for the line below
-}
-
-void CChatView::AddLine(const TableProtocol::SLine &line)
-{
-    append(QStringLiteral("<b>%1:</b> ").arg(line.strNickname.toHtmlEscaped()) + ToHtml(line.strText));
 }

@@ -1,0 +1,127 @@
+#include "StatusBar.h"
+
+#include "Host.h"
+#include "TransferView.h"
+
+#include <common/FormField.h>
+#include <common/QuickView.h>
+#include <models/CasinoInfo.h>
+#include <models/UserInfo.h>
+#include <money/MoneySpinnerWidget.h>
+#include <money/MoneyStrings.h>
+#include <time/CasinoTime.h>
+
+#include <QHBoxLayout>
+#include <QMainWindow>
+#include <QStatusBar>
+
+namespace {
+
+// The bad beat jackpot, hidden until the game server has told of it.
+QWidget *CreateJackpot(QWidget *parent)
+{
+    CCasinoInfo *info = CCasinoInfo::GetInstance();
+    auto *view = new QWidget(parent);
+    auto *title = new QLabel(view);
+    Texts::Bind(title, &QLabel::setText, "JACKPOT");
+    auto *digits = new CMoneySpinnerWidget(info->GetBadBeatJackpotSpinner(), view);
+    QFont bold = view->font();
+    bold.setBold(true);
+    digits->setFont(bold);
+    auto *layout = new QHBoxLayout(view);
+    layout->setContentsMargins(0, 0, view->fontMetrics().averageCharWidth(), 0);
+    layout->addWidget(title);
+    layout->addWidget(digits);
+    view->setVisible(info->GetBadBeatJackpotValue() > 0);
+    QObject::connect(info, &CCasinoInfo::signal_BadBeatJackpotChanged, view, &QWidget::show);
+    // The spinner's sign is that of the language in which it was set.
+    QObject::connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, view, [info] {
+        info->GetBadBeatJackpotSpinner()->slot_SetMoneyType(info->GetBadBeatJackpotMoneyType());
+    });
+    return view;
+}
+
+QString MoneyText()
+{
+    const CUserInfo *user = CUserInfo::GetInstance();
+    if (!user->IsLoggedIn())
+        return QString();
+    return Texts::Get(
+        "CASHIER", {{"#real#", Globals::MoneyToString(user->GetAccountCurrency(), user->GetRealMoney(), true)},
+                    {"#play#", Globals::MoneyToString(GlobalDefines::MONEYTYPE_PLAY, user->GetPlayMoney(), true)}});
+}
+
+// Before the first time of the server the clock only counts.
+QString ClockText()
+{
+    const CCasinoTime *clock = CCasinoTime::GetInstance();
+    const bool known = clock->GetTimeUTCServer() != 0;
+    return known ? clock->GetTimeString() + QLatin1Char(' ') + clock->GetTimezoneString() : QString();
+}
+
+const char *KeyOf(EConnectionState::type state)
+{
+    switch (state) {
+    case EConnectionState::Connecting:
+        return "CONNECTION_CONNECTING";
+    case EConnectionState::Connected:
+        return "CONNECTION_CONNECTED";
+    case EConnectionState::Reconnecting:
+        return "CONNECTION_RECONNECTING";
+    default:
+        return "CONNECTION_NONE";
+    }
+}
+
+// The user's money, and in QML what \a account shows as well, which isn't shown then.
+QWidget *CreateAccountLine(QWidget *parent, QWidget *account)
+{
+    auto *money = CreateField<QLabel>(parent, "cashier");
+    const int gap = parent->fontMetrics().averageCharWidth();
+    money->setContentsMargins(0, 0, gap, gap);
+    Texts::Follow(
+        money, [=] { money->setText(MoneyText()); }, CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged,
+        &CUserInfo::signal_RealMoneyChanged, &CUserInfo::signal_PlayMoneyChanged,
+        &CUserInfo::signal_AccountCurrencyChanged);
+    auto *line = new CQuickView(money, QUrl(QStringLiteral("qrc:/client/AccountLine.qml")), {}, parent);
+    QObject::connect(line, &CQuickView::signal_QuickShown, account, &QWidget::setHidden);
+    account->setHidden(line->IsQuickShown());
+    return line;
+}
+
+} // namespace
+
+QWidget *CreateStatus(QMainWindow *window, CHost &host)
+{
+    auto *connection = CreateField<QLabel>(window, "connectionState");
+    const auto showState = [=, &host] {
+        const CServerLink &link = host.GetServerLink();
+        connection->setText(Texts::Get(KeyOf(link.GetState()), {{"#address#", link.GetAddress()}}));
+    };
+    Texts::Follow(connection, showState, &host, &CHost::signal_ConnectionStateChanged);
+
+    auto *account = new QWidget(window);
+    auto *user = CreateField<QLabel>(account, "user");
+    user->setTextFormat(Qt::PlainText); // a nickname is its user's choice
+    const CUserInfo *info = CUserInfo::GetInstance();
+    const auto showUser = [=] { user->setText(info->IsLoggedIn() ? info->GetNickname() : Texts::Get("USER_NONE")); };
+    Texts::Follow(user, showUser, info, &CUserInfo::signal_LoginStateChanged);
+    auto *layout = new QHBoxLayout(account);
+    const int gap = window->fontMetrics().averageCharWidth();
+    layout->setContentsMargins(gap, 0, gap, 0);
+    if (CCasinoInfo::GetInstance()->UsesJackpot())
+        layout->addWidget(CreateJackpot(account));
+    layout->addWidget(user);
+
+    auto *clock = CreateField<QLabel>(window, "clock");
+    Texts::Follow(
+        clock, [=] { clock->setText(ClockText()); }, CCasinoTime::GetInstance(),
+        &CCasinoTime::signal_TimeStringChanged, &CCasinoTime::signal_ServerTimeChanged,
+        &CCasinoTime::signal_TimeZoneChanged);
+    window->statusBar()->addWidget(connection, 1);
+    window->statusBar()->addPermanentWidget(CreateTransferView(window));
+    window->statusBar()->addPermanentWidget(account);
+    window->statusBar()->addPermanentWidget(clock);
+    Q_INIT_RESOURCE(client); // of a static library
+    return CreateAccountLine(window, account);
+}

@@ -1,0 +1,55 @@
+#include "TableTexts.h"
+
+#include "Texts.h"
+
+#include <money/MoneyStrings.h>
+
+namespace TableTexts {
+
+namespace {
+
+QString AmountText(GlobalDefines::MoneyType money, GlobalDefines::MoneyValue amount)
+{
+    const QString text = Globals::MoneyToString(money, amount, true);
+    return money == GlobalDefines::MONEYTYPE_POINTS ? Texts::Get("LOBBY_POINTS", {{"#amount#", text}}) : text;
+}
+
+} // namespace
+
+QString GetType(GlobalDefines::TableType type)
+{
+    switch (type) {
+    case GlobalDefines::TT_PRIVATE:
+        return Texts::Get("LOBBY_TYPE_PRIVATE");
+    case GlobalDefines::TT_RESTRICTED:
+        return Texts::Get("LOBBY_TYPE_RESTRICTED");
+    case GlobalDefines::TT_SITANDGO:
+        return Texts::Get("LOBBY_TYPE_SIT_AND_GO");
+    case GlobalDefines::TT_TOURNAMENT:
+        return Texts::Get("LOBBY_TYPE_TOURNAMENT");
+    default:
+        return Texts::Get("LOBBY_TYPE_RING_GAME");
+    }
+}
+
+// An area has the texts of the core as well.
+QString GetGame(const LobbyProtocol::STable &table)
+{
+    return Texts::Get(Globals::GetLimitKey(table.eLimit, true)) + QLatin1Char(' ') +
+           Texts::Get(Globals::GetGameNameKey(table.eGame));
+}
+
+bool IsTournament(const LobbyProtocol::STable &table)
+{
+    return table.eType == GlobalDefines::TT_TOURNAMENT || table.eType == GlobalDefines::TT_SITANDGO;
+}
+
+QString GetStakes(const LobbyProtocol::STable &table)
+{
+    if (IsTournament(table) && table.mvLow == 0 && table.mvHigh == 0)
+        return Texts::Get("LOBBY_FREE");
+    const QString separator = IsTournament(table) ? QStringLiteral(" + ") : QStringLiteral("/");
+    return AmountText(table.eMoney, table.mvLow) + separator + AmountText(table.eMoney, table.mvHigh);
+}
+
+} // namespace TableTexts

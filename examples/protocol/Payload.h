@@ -1,0 +1,139 @@
+#pragma once
+
+#include <plugin/GlobalDefines.h>
+
+#include <QByteArray>
+#include <QString>
+#include <QVector>
+#include <QtEndian>
+
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+/// A record is a structure with a TAG, and with Fields() that lists its members for both ways. Its payload is the tag
+/// and the fields: numbers are little-endian, a text is a 16-bit count of bytes and UTF-8, an enumeration is one
+/// letter or, for a game, four; of the library's own, unknown letters decode as what Globals::GetTableType() and its
+/// like make of them. A vector is one or more records, to the payload's end.
+namespace Payload {
+
+/// Encoding cuts a text to so many UTF-16 code units; a payload with a longer or shorter one doesn't decode.
+struct SText
+{
+    QString &strText;
+    int iMost;
+    int iLeast = 0;
+};
+
+/// What Fields() answers.
+template <typename... TFields>
+std::tuple<TFields...> List(TFields &&...fields)
+{
+    return {std::forward<TFields>(fields)...};
+}
+
+class CWriter
+{
+public:
+    QByteArray m_payload;
+
+    template <typename Record>
+    void Add(Record &record)
+    {
+        std::apply([this](const auto &...field) { (Write(field), ...); }, record.Fields());
+    }
+
+private:
+    void Write(const SText &field);
+    void Write(GlobalDefines::GameType game);
+    template <typename Record>
+    void Write(const QVector<Record> &records)
+    {
+        for (Record record : records)
+            Add(record);
+    }
+    template <typename Number>
+    void Write(Number value)
+    {
+        if constexpr (std::is_enum_v<Number>) {
+            m_payload += static_cast<char>(value);
+        } else {
+            char bytes[sizeof value];
+            qToLittleEndian(value, bytes);
+            m_payload.append(bytes, sizeof bytes);
+        }
+    }
+};
+
+/// The one place where bytes of a payload are read. A read past the end gives zero or nothing, and so does each one
+/// after it or after a text that may not be; IsComplete() tells at the end whether all of them were good.
+class CReader
+{
+public:
+    CReader(const QByteArray &payload, const char *tag);
+
+    bool IsComplete() const { return m_bGood && m_iPosition == m_payload.size(); }
+
+    template <typename Record>
+    void Take(Record &record)
+    {
+        std::apply([this](auto &&...field) { (Read(field), ...); }, record.Fields());
+    }
+
+private:
+    QByteArray Bytes(int length);
+    char Letter() { return Bytes(1).isEmpty() ? '\0' : m_payload.at(m_iPosition - 1); }
+    void Read(SText &field);
+    void Read(GlobalDefines::TableType &type) { type = Globals::GetTableType(Letter()); }
+    void Read(GlobalDefines::LimitType &limit) { limit = Globals::GetLimitType(Letter()); }
+    void Read(GlobalDefines::MoneyType &money) { money = Globals::GetMoneyType(Letter()); }
+    void Read(GlobalDefines::GameType &game) { game = Globals::GetGameType(QString::fromLatin1(Bytes(4))); }
+    template <typename Record>
+    void Read(QVector<Record> &records)
+    {
+        do {
+            records.append(Record());
+            Take(records.last());
+        } while (m_bGood && m_iPosition < m_payload.size());
+    }
+    template <typename Number>
+    void Read(Number &value)
+    {
+        if constexpr (std::is_enum_v<Number>) {
+            value = static_cast<Number>(Letter());
+        } else {
+            const QByteArray bytes = Bytes(sizeof value);
+            value = m_bGood ? qFromLittleEndian<Number>(bytes.constData()) : Number();
+        }
+    }
+
+    const QByteArray m_payload;
+    int m_iPosition = 0;
+    bool m_bGood = true;
+};
+
+/// With \a tag where several kinds of record have the same fields.
+template <typename Record>
+QByteArray Encode(Record record, const char *tag = Record::TAG)
+{
+    CWriter writer{tag};
+    writer.Add(record);
+    return writer.m_payload;
+}
+
+/// False, with \a record unchanged, unless the payload has that tag and the fields fill it exactly.
+template <typename Record>
+bool Decode(const QByteArray &payload, Record &record, const char *tag = Record::TAG)
+{
+    CReader reader(payload, tag);
+    Record read{};
+    reader.Take(read);
+    if (reader.IsComplete())
+        record = read;
+    return reader.IsComplete();
+}
+
+/// The payloads in as few packets of the group as hold them, back to back as they go over the wire.
+QByteArray ToPackets(const char *group, const QVector<QByteArray> &payloads);
+
+} // namespace Payload
