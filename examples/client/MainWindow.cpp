@@ -84,7 +84,7 @@ CMainWindow::CMainWindow(CHost &host)
     connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this, [this] {
         m_message.ReTranslate();
         if (!statusBar()->currentMessage().isEmpty())
-            ShowMessage(m_message, MESSAGE_MS);
+            statusBar()->showMessage(m_message.GetTranslatedText(), MESSAGE_MS);
     });
 }
 

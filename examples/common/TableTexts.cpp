@@ -10,8 +10,10 @@ namespace {
 
 QString AmountText(GlobalDefines::MoneyType money, GlobalDefines::MoneyValue amount)
 {
-    const QString text = Globals::MoneyToString(money, amount, true);
-    return money == GlobalDefines::MONEYTYPE_POINTS ? Texts::Get("LOBBY_POINTS", {{"#amount#", text}}) : text;
+    return Texts::Once(QStringLiteral("%1 %2").arg(money).arg(amount), [=] {
+        const QString text = Globals::MoneyToString(money, amount, true);
+        return money == GlobalDefines::MONEYTYPE_POINTS ? Texts::Get("LOBBY_POINTS", {{"#amount#", text}}) : text;
+    });
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "Texts.h"
 
+#include <QHash>
+
 QString Texts::Area()
 {
     return QStringLiteral("EXAMPLE");
@@ -7,7 +9,18 @@ QString Texts::Area()
 
 QString Texts::Get(const QString &key)
 {
-    return CTranslation::GetInstance()->GetTranslatedString(key, Area(), -1);
+    return Once(key, [&] { return CTranslation::GetInstance()->GetTranslatedString(key, Area(), -1); });
+}
+
+QString Texts::Once(const QString &name, const std::function<QString()> &make)
+{
+    static QHash<QString, QString> texts;
+    static int language = -1;
+    if (language != CTranslation::GetInstance()->GetLanguage().iID)
+        texts.clear();
+    language = CTranslation::GetInstance()->GetLanguage().iID;
+    const auto known = texts.constFind(name);
+    return known != texts.constEnd() ? *known : *texts.insert(name, make());
 }
 
 QString Texts::Get(const char *key, TValues values)

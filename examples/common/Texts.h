@@ -20,6 +20,9 @@ using TValues = std::initializer_list<QPair<const char *, QVariant>>;
 
 QString Get(const QString &key);
 QString Get(const char *key, TValues values = {});
+/// A text of which \a name tells all but the language. It is made once in each language: a look into the catalogue
+/// takes long for what stands in many rows. Main thread.
+QString Once(const QString &name, const std::function<QString()> &make);
 
 /// The same for an owner who keeps the text and translates it again.
 CTranslationItem MakeItem(const char *key, TValues values = {});

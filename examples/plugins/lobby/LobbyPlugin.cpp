@@ -58,7 +58,7 @@ void CLobbyPlugin::ReceiveEvent(CEvent e)
     else if (Payload::Decode(e.data, answer))
         OnSeatAnswer(answer);
     else
-        isGood = false;
+        isGood = !e.HasTag1(LobbyProtocol::GROUP); // what else the host may have to say is no fault
     if (isGood || m_bWarned)
         return;
     m_bWarned = true;
