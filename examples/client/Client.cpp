@@ -42,32 +42,23 @@ void PrintMessage(const CConsole::SConsoleMessage &message)
 // What a file that can't be opened is missed by. In plain English where there are no texts.
 QStringList FindProblems()
 {
-    struct SFile
-    {
-        CLocalDB *pDatabase;
-        QString strPath;
-        const char *strKey;
-        QString strEnglish;
-    };
-    const QString notStored = QStringLiteral("#file# can't be used: what you do now will be forgotten.");
-    const SFile files[] = {
-        {CConfigDB::GetInstance(), Pathes::ConfigDB(), "PROBLEM_CONFIG",
-         QStringLiteral("#file# is missing: the client works with its defaults.")},
-        {CTranslationDB::GetInstance(), Pathes::LanguageDB(), nullptr,
-         QStringLiteral("#file# is missing: texts are shown by their names.")},
-        {CSettingsDB::GetInstance(), Pathes::SettingsDB(), "PROBLEM_USER_FILE", notStored},
-        {CPlayerInfoDB::GetInstance(), Pathes::PlayerInfoDB(), "PROBLEM_USER_FILE", notStored},
-        {CLobbyListDB::GetInstance(), Pathes::LobbyListDB(), "PROBLEM_USER_FILE", notStored},
-        {CHandHistoryDB::GetInstance(), Pathes::HandHistoryDB(), "PROBLEM_USER_FILE", notStored},
-    };
     QStringList problems;
-    for (const SFile &file : files) {
-        if (file.pDatabase->IsOpen())
-            continue;
-        QString text = CTranslationDB::GetInstance()->IsOpen() ? Texts::Get(file.strKey) : file.strEnglish;
-        problems.append(text.replace(QLatin1String("#file#"), QDir::toNativeSeparators(QDir::cleanPath(
-                                                                  QDir().absoluteFilePath(file.strPath)))));
-    }
+    const auto check = [&](CLocalDB *database, const QString &file, const char *key, const char *english) {
+        if (database->IsOpen())
+            return;
+        QString text = CTranslationDB::GetInstance()->IsOpen() ? Texts::Get(key) : QString::fromLatin1(english);
+        const QString path = QDir::cleanPath(QDir().absoluteFilePath(file));
+        problems.append(text.replace(QLatin1String("#file#"), QDir::toNativeSeparators(path)));
+    };
+    check(CConfigDB::GetInstance(), Pathes::ConfigDB(), "PROBLEM_CONFIG",
+          "#file# is missing: the client works with its defaults.");
+    check(CTranslationDB::GetInstance(), Pathes::LanguageDB(), "",
+          "#file# is missing: texts are shown by their names.");
+    const char *notStored = "#file# can't be used: what you do now will be forgotten.";
+    check(CSettingsDB::GetInstance(), Pathes::SettingsDB(), "PROBLEM_USER_FILE", notStored);
+    check(CPlayerInfoDB::GetInstance(), Pathes::PlayerInfoDB(), "PROBLEM_USER_FILE", notStored);
+    check(CLobbyListDB::GetInstance(), Pathes::LobbyListDB(), "PROBLEM_USER_FILE", notStored);
+    check(CHandHistoryDB::GetInstance(), Pathes::HandHistoryDB(), "PROBLEM_USER_FILE", notStored);
     return problems;
 }
 
