@@ -12,7 +12,6 @@
 #include <settings/Settings.h>
 
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QVariantMap>
 
 PLUGININTERFACE_DEFINE_SINGLETON(CSettingsSync);
@@ -53,10 +52,16 @@ bool IsSingleValue(const QVariant &value)
     return value.type() != QVariant::List && value.type() != QVariant::Map;
 }
 
-// A time that is none counts as 0: as a huge unsigned one it would be newer than all that is still to come.
-unsigned int ToTime(const QVariant &value)
+// Of a number or of its digits.
+int ToInt(const QJsonValue &value)
 {
-    return static_cast<unsigned int>(qMax(0, value.toInt()));
+    return value.toVariant().toInt();
+}
+
+// A time that is none counts as 0: as a huge unsigned one it would be newer than all that is still to come.
+unsigned int ToTime(const QJsonValue &value)
+{
+    return static_cast<unsigned int>(qMax(0, ToInt(value)));
 }
 
 } // namespace
@@ -140,14 +145,14 @@ void CSettingsSync::ReadJSON(QByteArray data)
     const QString nickname = GetUser();
     if (error.error != QJsonParseError::NoError || nickname.isEmpty())
         return;
-    const QVariantMap answer = document.object().toVariantMap();
+    const QJsonObject answer = document.object();
     SetServerTimes(answer);
     const auto settings = answer.constFind(JSON_SETTINGS);
     const auto infos = answer.constFind(JSON_PLAYER_INFOS);
     if (settings != answer.constEnd())
-        TakeSettings(nickname, settings->toList());
+        TakeSettings(nickname, settings->toArray());
     if (infos != answer.constEnd())
-        TakePlayerInfos(nickname, infos->toList());
+        TakePlayerInfos(nickname, infos->toArray());
     // Not for a user whom a listener has logged out on the way.
     if ((settings != answer.constEnd() || infos != answer.constEnd()) && GetUser() == nickname)
         CUserInfo::GetInstance()->SetLoggedIn(nickname);
@@ -188,7 +193,7 @@ void CSettingsSync::slot_SyncToServerFinished(bool status, QByteArray data)
     if (!TakeFinished() || !status)
         return;
     QJsonParseError error;
-    const QVariantMap answer = QJsonDocument::fromJson(data, &error).object().toVariantMap();
+    const QJsonObject answer = QJsonDocument::fromJson(data, &error).object();
     if (error.error == QJsonParseError::NoError && answer.contains(JSON_SETTINGS_TIME) &&
         answer.contains(JSON_PLAYER_INFOS_TIME))
         SetServerTimes(answer);
@@ -220,7 +225,7 @@ bool CSettingsSync::TakeFinished() const
     return !user.isEmpty() && request->property(USER_PROPERTY).toString() == user;
 }
 
-void CSettingsSync::SetServerTimes(const QVariantMap &answer)
+void CSettingsSync::SetServerTimes(const QJsonObject &answer)
 {
     m_strUser = GetUser();
     m_ulServerSettingsTime = ToTime(answer.value(JSON_SETTINGS_TIME));
@@ -233,12 +238,12 @@ void CSettingsSync::RequestSessionIfBehind()
         Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncSend);
 }
 
-void CSettingsSync::TakeSettings(const QString &nickname, const QVariantList &settings)
+void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &settings)
 {
     CSettings *store = CSettings::GetInstance();
     QHash<QString, QVariant> values;
-    for (const QVariant &element : settings) {
-        const QVariantMap setting = element.toMap();
+    for (const QJsonValue element : settings) {
+        const QVariantMap setting = element.toObject().toVariantMap();
         const QString key = setting.value(JSON_KEY).toString();
         const QVariant value = setting.value(JSON_VALUE);
         if (key.isEmpty() || !IsSingleValue(value) || CLocalChanges::HasSetting(key))
@@ -250,7 +255,7 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QVariantList &se
     store->SetSettings({}, values, false);
 }
 
-void CSettingsSync::TakePlayerInfos(const QString &nickname, const QVariantList &infos)
+void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &infos)
 {
     CSettingsDB *settingsDB = CSettingsDB::GetInstance();
     CPlayerInfoDB *playerInfoDB = CPlayerInfoDB::GetInstance();
@@ -258,14 +263,14 @@ void CSettingsSync::TakePlayerInfos(const QString &nickname, const QVariantList 
     playerInfoDB->StartTransaction();
     {
         PlayerInfo::CInserter inserter;
-        for (const QVariant &element : infos) {
-            const QVariantMap info = element.toMap();
-            const QString nick = info.value(JSON_NICK).toString();
+        for (const QJsonValue element : infos) {
+            const QJsonObject info = element.toObject();
+            const QString nick = info.value(JSON_NICK).toVariant().toString();
             if (nick.isEmpty() || CLocalChanges::HasPlayer(nick))
                 continue;
-            const bool written = inserter.Insert({nickname, nick, info.value(JSON_NOTE).toString(),
-                                                  static_cast<unsigned int>(info.value(JSON_TAG).toInt()),
-                                                  static_cast<unsigned int>(info.value(JSON_FLAGS).toInt()),
+            const bool written = inserter.Insert({nickname, nick, info.value(JSON_NOTE).toVariant().toString(),
+                                                  static_cast<unsigned int>(ToInt(info.value(JSON_TAG))),
+                                                  static_cast<unsigned int>(ToInt(info.value(JSON_FLAGS))),
                                                   ToTime(info.value(JSON_TIME))});
             if (!written)
                 break; // a file that is locked holds each attempt up for seconds

@@ -5,11 +5,11 @@
 
 #include <QByteArray>
 #include <QJsonArray>
+#include <QJsonObject>
 #include <QObject>
 #include <QSharedPointer>
 #include <QString>
 #include <QTimer>
-#include <QVariantList>
 
 class CDownload;
 
@@ -75,10 +75,10 @@ private:
 
     CDownload *CreateRequest(const QString &address, const QByteArray &body);
     bool TakeFinished() const;
-    void SetServerTimes(const QVariantMap &answer);
+    void SetServerTimes(const QJsonObject &answer);
     void RequestSessionIfBehind();
-    static void TakeSettings(const QString &nickname, const QVariantList &settings);
-    static void TakePlayerInfos(const QString &nickname, const QVariantList &infos);
+    static void TakeSettings(const QString &nickname, const QJsonArray &settings);
+    static void TakePlayerInfos(const QString &nickname, const QJsonArray &infos);
     QJsonArray GetSettingsToSend(const QString &nickname) const;
     QJsonArray GetPlayerInfosToSend(const QString &nickname) const;
 
