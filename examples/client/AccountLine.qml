@@ -41,7 +41,7 @@ Pane {
             })
         }
         Row {
-            visible: CCasinoInfo.usesJackpot && CCasinoInfo.jackpotValue > 0
+            visible: CConfig.displaybadbeatjackpot && CCasinoInfo.jackpotValue > 0
             Label { text: texts.current.Get("JACKPOT"); rightPadding: metrics.averageCharacterWidth }
             Repeater {
                 model: root.places

@@ -7,10 +7,12 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QHeaderView>
 #include <QLabel>
 #include <QProgressBar>
 #include <QSet>
 #include <QStandardPaths>
+#include <QTableView>
 #include <QToolButton>
 #include <QtTest>
 
@@ -123,6 +125,13 @@ void CTour::ShowKeyboard()
                 order.last() == QLatin1String("lobbyFilter") && order.contains(QLatin1String("lobbyType")) &&
                 order.indexOf(QLatin1String("lobbyType")) < order.indexOf(QLatin1String("lobbyTable"));
             return isSeen ? m_strFault : QString();
+        });
+    Step(
+        QStringLiteral("Keys order the tables"),
+        [this] { QTest::keyClick(&m_window, Qt::Key_2, Qt::ControlModifier); },
+        [this] {
+            const auto *header = Find<QTableView>("lobbyTable")->horizontalHeader();
+            return header->sortIndicatorSection() == 1 ? DescribeColumns() : QString();
         });
 }
 

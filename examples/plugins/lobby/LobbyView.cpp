@@ -110,6 +110,12 @@ void CLobbyView::SetUpTable()
     showOrder(); // before sorting, which would change it
     m_pTable->setSortingEnabled(true);
     connect(header, &QHeaderView::sectionResized, this, &CLobbyView::OnColumnResized);
+    for (int column = 0; column < header->count(); ++column) { // Ctrl+1 and so on, as a click on the title
+        connect(new QShortcut(Qt::CTRL + Qt::Key_1 + column, this), &QShortcut::activated, m_pTables, [=] {
+            const bool turns = m_pTables->sortColumn() == column && m_pTables->sortOrder() == Qt::AscendingOrder;
+            m_pTables->sort(column, turns ? Qt::DescendingOrder : Qt::AscendingOrder);
+        });
+    }
     connect(m_pTable->selectionModel(), &QItemSelectionModel::selectionChanged, m_pTables,
             [this] { m_pTables->SetChosenRow(m_pTable->selectionModel()->selectedRows().value(0).row()); });
     connect(m_pTable, &QTableView::activated, m_pTables, &CLobbyTables::AskForSeat);
