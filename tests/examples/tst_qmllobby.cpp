@@ -65,7 +65,11 @@ private Q_SLOTS:
         m_pView.reset();
     }
 
-    void cleanupTestCase() { DestroySingletons(); }
+    void cleanupTestCase()
+    {
+        QTest::qWait(100); // Qt's animation of a field's button ends by itself, a frame behind the field
+        DestroySingletons();
+    }
 };
 
 QTEST_MAIN(tst_qmllobby)
