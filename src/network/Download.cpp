@@ -114,8 +114,10 @@ void CDownload::slot_DownloadReadyRead()
     const qint64 available = m_pReply->bytesAvailable();
     const int size = m_data.size();
     if (available > qint64(MaxBytes) - size) {
+        UpdateDownload();
         StopTimers();
-        Finish(false);
+        if (m_pReply) // a listener may have stopped it
+            Finish(false);
         return;
     }
     if (m_data.isEmpty())

@@ -9,9 +9,12 @@
 
 #include <httplib.h>
 
+#include <chrono>
 #include <thread>
 
 namespace {
+
+using namespace std::chrono_literals;
 
 // Longer than what is read in one turn, and no two parts of it alike.
 const QByteArray &LongBody()
@@ -55,13 +58,18 @@ public:
             answer.status = 401;
             answer.set_header("WWW-Authenticate", "Basic realm=\"x\"");
         });
-        // So long as it is asked for, without a length.
-        m_server.Get("/endless", [](const httplib::Request &, httplib::Response &answer) {
-            answer.set_chunked_content_provider("text/plain", [](std::size_t, httplib::DataSink &sink) {
-                static const std::string chunk(1 << 20, 'x');
-                return sink.write(chunk.data(), chunk.size());
+        // So long as they are asked for, without a length.
+        const auto endless = [this](const char *path, std::size_t size, std::chrono::milliseconds pause) {
+            m_server.Get(path, [size, pause](const httplib::Request &, httplib::Response &answer) {
+                answer.set_chunked_content_provider("text/plain", [=](std::size_t, httplib::DataSink &sink) {
+                    std::this_thread::sleep_for(pause);
+                    const std::string chunk(size, 'x');
+                    return sink.write(chunk.data(), chunk.size());
+                });
             });
-        });
+        };
+        endless("/endless", 1 << 20, 0ms);
+        endless("/trickle", 100, 20ms);
         m_server.Get("/cut", [](const httplib::Request &, httplib::Response &answer) {
             answer.set_content_provider(1000, "text/plain",
                                         [](std::size_t offset, std::size_t, httplib::DataSink &sink) {
@@ -153,9 +161,11 @@ private Q_SLOTS:
     void TooLongABody()
     {
         CDownload download(nullptr, m_server.GetUrl("/endless"_s), QByteArray(), false);
+        QSignalSpy progress(&download, &CDownload::signal_Progress);
         QSignalSpy finished(&download, &CDownload::signal_Finished);
         download.Start();
         QVERIFY(finished.wait(120000));
+        QVERIFY(!progress.isEmpty());
         QCOMPARE(finished.at(0).at(0).toBool(), false);
         const int size = finished.at(0).at(1).toByteArray().size();
         QVERIFY(size > 0 && size <= int(CDownload::MaxBytes));
@@ -164,7 +174,7 @@ private Q_SLOTS:
 
     void Stopped()
     {
-        CDownload download(nullptr, m_server.GetUrl("/endless"_s), QByteArray(), false);
+        CDownload download(nullptr, m_server.GetUrl("/trickle"_s), QByteArray(), false);
         QSignalSpy progress(&download, &CDownload::signal_Progress);
         QSignalSpy finished(&download, &CDownload::signal_Finished);
         download.Start();
