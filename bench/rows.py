@@ -15,7 +15,8 @@ class Row:
     items: int = 0  # how many of those, where it isn't n
     flat: bool = False  # the time doesn't grow with n
     wall: bool = False  # the time is the clock's, not the processor's
-    counters: dict = field(default_factory=dict)  # most of each, at n or at any: {"name": 16} or {"name@10000": 16}
+    counters: dict = field(default_factory=dict)  # most of each, at n or at any: {"name": 16} or {"name@10000": 16};
+    # with None it's told, not judged
 
 
 PROGRAMS = {
@@ -65,6 +66,11 @@ PROGRAMS = {
     "bench_network": [
         Row("download", "download from loopback", "bare QTcpSocket into a reserved array", 1.3, per="MiB", wall=True,
             counters={"peak_memory_of_body@64": 1.6, "longest_gap_ms": 50}),
+    ],
+    "bench_start": [
+        Row("start", "start of a host, before its plugins", "QCoreApplication, the six files opened and read once each",
+            wall=True, counters={"statements": None, "statements_repeated": 0, "files_opened": None,
+                                 "data_files_opened_again": 0}),
     ],
     "bench_ui": [
         Row("sheet", "style sheet with includes", "a reader by indexOf", 3, per="kB", flat=True),

@@ -68,10 +68,11 @@ bool CLocalDB::Init()
         return true;
 
     unsigned int version = 0;
-    if (!GetDBVersion(version))
+    if (!GetDBVersion(version)) {
         CreateDBInfoTable();
-    if (!GetDBVersion(version))
-        return false;
+        if (!GetDBVersion(version))
+            return false;
+    }
     return version >= GetMaxVersion() || ClimbToMaxVersion(version);
 }
 
