@@ -6,7 +6,11 @@
 #include <QHash>
 #include <QSharedPointer>
 
+#include <list>
+#include <optional>
+
 class CDownload;
+struct SPlayerSave;
 
 /// A player, one live object for each nickname, the logged-in user included.
 ///
@@ -63,6 +67,7 @@ private Q_SLOTS:
 
 private:
     friend class CPlayerLists; // a change of the buddy list is one of the player's
+    friend class CPlayerSaves;
 
     void SaveLater();
     bool IsOwn() const;
@@ -72,6 +77,8 @@ private:
     bool m_bLoading = false;                  // what changes is the store's, not the user's
     CDownload *m_pDownload = nullptr;         // child, null when none runs
     unsigned int m_ulPendingCustomAvatar = 0; // the picture that it fetches, or has failed to fetch
+
+    std::optional<std::list<SPlayerSave>::iterator> m_save; // its place among those that wait to be stored
 
     static QHash<QString, QSharedPointer<CPlayerModel>> m_Instances;
 };

@@ -7,11 +7,8 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QHash>
 #include <QPointer>
 #include <QTimer>
-
-#include <list>
 
 namespace {
 
@@ -19,16 +16,9 @@ constexpr qint64 SAVE_DELAY_MS = 3000;
 // How long one turn of the event loop may write: well below a frame.
 constexpr qint64 SLICE_MS = 4;
 
-struct SWaiting
-{
-    CPlayerModel *pModel;
-    qint64 iDue; // by Now()
-    bool bByUser;
-};
-
-// The delay is the same for all, so that the order of their restarts is that in which they are due.
-std::list<SWaiting> waiting;
-QHash<const CPlayerModel *, std::list<SWaiting>::iterator> places;
+// The delay is the same for all, so that the order of their restarts is that in which they are due. Each player knows
+// its place.
+std::list<SPlayerSave> waiting;
 // A child of the application, which may end before the library does.
 QPointer<QTimer> timer;
 
@@ -55,31 +45,29 @@ bool IsStorable(const CPlayerModel *model)
 void CPlayerSaves::Restart(CPlayerModel *model, bool byUser)
 {
     const qint64 due = Now() + SAVE_DELAY_MS;
-    const auto place = places.constFind(model);
-    if (place != places.constEnd()) {
-        waiting.splice(waiting.end(), waiting, *place);
+    if (model->m_save) {
+        waiting.splice(waiting.end(), waiting, *model->m_save);
         waiting.back().iDue = due;
         waiting.back().bByUser |= byUser;
         return; // the timer runs for one that is due no later
     }
-    places.insert(model, waiting.insert(waiting.end(), {model, due, byUser}));
+    model->m_save = waiting.insert(waiting.end(), {model, due, byUser});
     if (!timer || !timer->isActive())
         RunTimer();
 }
 
 void CPlayerSaves::Forget(CPlayerModel *model)
 {
-    const auto place = places.constFind(model);
-    if (place == places.constEnd())
+    if (!model->m_save)
         return;
-    waiting.erase(*place);
-    places.erase(place);
+    waiting.erase(*model->m_save);
+    model->m_save.reset();
 }
 
 void CPlayerSaves::WriteAll()
 {
     QList<CPlayerModel *> models;
-    for (const SWaiting &entry : waiting)
+    for (const SPlayerSave &entry : waiting)
         models.append(entry.pModel);
     Write(models);
 }
@@ -87,7 +75,7 @@ void CPlayerSaves::WriteAll()
 void CPlayerSaves::WriteChanges()
 {
     QList<CPlayerModel *> models;
-    for (const SWaiting &entry : waiting) {
+    for (const SPlayerSave &entry : waiting) {
         if (entry.bByUser)
             models.append(entry.pModel);
     }
@@ -99,7 +87,7 @@ void CPlayerSaves::WriteDue()
     PlayerInfo::CSaver saver;
     const qint64 begin = Now();
     for (qint64 now = begin; !waiting.empty() && waiting.front().iDue <= now && now - begin < SLICE_MS; now = Now()) {
-        const SWaiting first = waiting.front();
+        const SPlayerSave first = waiting.front();
         Forget(first.pModel); // a change that comes on the way has to wait anew
         if (!saver.Save(first.pModel->GetNickname()) && IsStorable(first.pModel)) {
             // Another program holds the file, and each attempt up for seconds.

@@ -4,6 +4,14 @@
 
 class CPlayerModel;
 
+/// A player who waits to be stored.
+struct SPlayerSave
+{
+    CPlayerModel *pModel;
+    qint64 iDue; // milliseconds of CPlayerSaves' clock
+    bool bByUser;
+};
+
 /// The players whose changes wait to be stored, all behind one timer: thousands may wait at the same time, as after a
 /// load, and a timer each would cost more the more there are. What is due is written in slices, between which the
 /// event loop turns. Main thread.
