@@ -199,7 +199,8 @@ void AddLoadRow(CFile &file)
     };
     row.Side(
         "library", [](int notes) { return PlayerInfo::LoadInfo() ? notes : 0; }, check);
-    row.Side("floor", [&file](int) { return LoadByHand(file, players); });
+    row.Side("floor", [](int) { return LoadByHand(players); });
+    row.Side("C API of SQLite", [&file](int) { return LoadBySQLite(file, players); });
 }
 
 // Turns the event loop until all is written; what counts are the turns that write.

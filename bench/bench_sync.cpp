@@ -99,7 +99,7 @@ void AddTakeInRow(CFile &file)
     };
     const auto byHand = [&file](int) {
         TakeInByHand(file, answer);
-        return LoadByHand(file, players);
+        return LoadByHand(players);
     };
     const auto check = [&file](int) { return file.Count(TIME_WRITTEN); };
     row.Side("library", takeIn, [check](int notes) {

@@ -52,7 +52,7 @@ PROGRAMS = {
             counters={"bytes_a_player": 1000}),
         Row("restart", "change of a player who waits to be saved", "one shared queue, without the change itself",
             per="player", flat=True),
-        Row("load", "notes loaded into players", "read, hash, set", 1.5, per="note", flat=True),
+        Row("load", "notes loaded into players", "a query of Qt's, hash, set", 1.5, per="note", flat=True),
         Row("save", "saves after such a load", "write-ahead log, a prepared upsert a row", 2, per="note",
             wall=True, counters={"longest_turn_ms@10000": 16}),
     ],
