@@ -34,6 +34,8 @@ function(plugininterface_strict target)
     target_compile_options(${target} PRIVATE
         $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
         -Woverloaded-virtual -Wundef>
+        # Not part of g++'s -Wconversion, and moc's output has some.
+        $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-sign-conversion>
         $<$<CXX_COMPILER_ID:MSVC>:/W4>)
     if(PLUGININTERFACE_WERROR)
         set_target_properties(${target} PROPERTIES COMPILE_WARNING_AS_ERROR ON)
