@@ -19,7 +19,7 @@ namespace {
 
 constexpr int SAVE_DELAY_MS = 250;
 // A locked file holds each attempt up for as long as SQLite waits.
-constexpr int LOCKED_DELAY_MS = 5000;
+constexpr int HINDERED_DELAY_MS = 5000;
 
 const QString COLUMN_USER = QStringLiteral("URS_cUser");
 const QString COLUMN_AREA = QStringLiteral("URS_cArea");
@@ -123,7 +123,7 @@ void CSettings::slot_SaveSettings(bool force)
     if (now == 0 && !force)
         m_SaveTimer.start(SAVE_DELAY_MS);
     else if (!SettingsRows::Write(*CSettingsDB::GetInstance(), m_lstPending, now))
-        m_SaveTimer.start(LOCKED_DELAY_MS); // the rows stay, and those that follow join them
+        m_SaveTimer.start(HINDERED_DELAY_MS); // the rows stay, and those that follow join them
     else {
         m_lstPending.clear();
         CSettingsSync::GetInstance()->StartSyncTimer();
@@ -142,7 +142,7 @@ void CSettings::slot_LoginStateChanged()
     SetSettings(GetValues(QString()), nickname.isEmpty() ? QHash<QString, QVariant>() : GetValues(nickname), true);
 }
 
-// What is stored, and over it what a locked file has kept from being stored.
+// What is stored, and over it what a locked file or a full disk has kept from being stored.
 QHash<QString, QVariant> CSettings::GetValues(const QString &user) const
 {
     QHash<QString, QVariant> values;

@@ -11,8 +11,8 @@
 /// A change is queued and written 250 ms behind the last one of its burst, all in one transaction, stamped with the
 /// server's time; before that is known only a change of the login writes. A change of a logged-in user goes to the
 /// user's row and to the global one, which thus holds what was chosen last on this machine. A row that holds the
-/// value already stays as it is, its time too. While another program keeps the file locked the changes wait; if the
-/// file isn't open, they last as long as the process.
+/// value already stays as it is, its time too. While another program keeps the file locked, or the disk is full, the
+/// changes wait; if the file isn't open, they last as long as the process.
 ///
 /// At each change of the login state the pending changes are written and the global and the user's rows applied; a
 /// user's first login begins with the global rows. A setting without a row keeps its value.
@@ -61,7 +61,7 @@ public:
 
 public Q_SLOTS:
     /// Writes the queue. Unless forced it waits until the server's time is known; forced before that, it stamps with
-    /// 0. Where the file is locked the queue stays, to be tried again later.
+    /// 0. Where the file is locked, or its disk full, the queue stays, to be tried again later.
     void slot_SaveSettings(bool force = false);
 
 private Q_SLOTS:

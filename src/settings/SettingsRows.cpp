@@ -6,12 +6,16 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
 using BoundText::NeverNull;
 
-// What SQLite answers while another connection keeps the file from being read or written.
-constexpr int BUSY_CODE = 5;
+// What SQLite answers where a file can't be used for now: locked by another connection, on a disk that is full, can't
+// be written or fails, or with a log that can't be opened.
+constexpr std::array PASSING_CODES{5, 8, 10, 13, 14};
 
 // User, area and key in lower case.
 using TRowKey = QStringList;
@@ -30,9 +34,10 @@ TRowKey KeyOf(const CSettings::SSetting &setting)
             NeverNull(setting.strKey.toLower())};
 }
 
-bool IsLocked(const QSqlQuery &query)
+bool IsHindered(const QSqlQuery &query)
 {
-    return (query.lastError().nativeErrorCode().toInt() & 0xff) == BUSY_CODE;
+    const int code = query.lastError().nativeErrorCode().toInt() & 0xff;
+    return std::find(PASSING_CODES.begin(), PASSING_CODES.end(), code) != PASSING_CODES.end();
 }
 
 void Bind(QSqlQuery &query, const TRowKey &key)
@@ -54,14 +59,14 @@ SRow ReadRow(QSqlQuery &select, const TRowKey &key)
     return row;
 }
 
-// The rows as they are to be, read from the file where they are first met. False if the file is locked.
+// The rows as they are to be, read from the file where they are first met. False if it is hindered.
 bool Merge(QHash<TRowKey, SRow> &merged, CSettingsDB &database, const QList<CSettings::SSetting> &rows, qint64 now)
 {
     QSqlQuery select = database.GetQuery();
     select.prepare(QLatin1String("SELECT URS_cValue FROM ") + CSettingsDB::strTableName +
                    QLatin1String(" WHERE URS_cUser = ? AND URS_cArea = ? AND URS_cKey = ?"));
     for (const CSettings::SSetting &setting : rows) {
-        if (IsLocked(select))
+        if (IsHindered(select))
             return false;
         const TRowKey key = KeyOf(setting);
         auto row = merged.find(key);
@@ -71,17 +76,17 @@ bool Merge(QHash<TRowKey, SRow> &merged, CSettingsDB &database, const QList<CSet
         if (!row->bExists || row->strValue != value)
             *row = {true, true, value, setting.iTimestamp < 0 ? now : setting.iTimestamp};
     }
-    return !IsLocked(select);
+    return !IsHindered(select);
 }
 
-// False if the file is locked.
+// False if it is hindered.
 bool WriteChanged(CSettingsDB &database, const QHash<TRowKey, SRow> &merged)
 {
     QSqlQuery replace = database.GetQuery();
     replace.prepare(QLatin1String("INSERT OR REPLACE INTO ") + CSettingsDB::strTableName +
                     QLatin1String(" (URS_cUser, URS_cArea, URS_cKey, URS_cValue, URS_iTimestamp)"
                                   " VALUES (?, ?, ?, ?, ?)"));
-    for (auto row = merged.cbegin(); row != merged.cend() && !IsLocked(replace); ++row) {
+    for (auto row = merged.cbegin(); row != merged.cend() && !IsHindered(replace); ++row) {
         if (!row->bChanged)
             continue;
         Bind(replace, row.key());
@@ -89,15 +94,15 @@ bool WriteChanged(CSettingsDB &database, const QHash<TRowKey, SRow> &merged)
         replace.bindValue(4, row->iTimestamp);
         replace.exec();
     }
-    return !IsLocked(replace);
+    return !IsHindered(replace);
 }
 
-// False if the file is locked, be it only by a reader.
+// False if it is hindered, be it by a reader's lock.
 bool Commit(CSettingsDB &database)
 {
     QSqlQuery commit = database.GetQuery();
     commit.exec(QStringLiteral("COMMIT"));
-    return !IsLocked(commit);
+    return !IsHindered(commit);
 }
 
 } // namespace
