@@ -1,0 +1,73 @@
+// A client to be killed: killed notes|avatars NUMBER [ADDRESS], in the client folder of an installation.
+//
+// Over and over, from NUMBER on, it prints a number behind what that stands for is stored:
+// notes: the user notes the number on each of the players, and logs out, which writes them all at once;
+// avatars: a player gets the custom avatar of that number, whose picture is fetched from the server at ADDRESS.
+
+#include <database/PlayerInfoDB.h>
+#include <database/SettingsDB.h>
+#include <models/PlayerLists.h>
+#include <models/UserInfo.h>
+#include <settings/Config.h>
+#include <time/CasinoTime.h>
+
+#include <QApplication>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int PLAYERS = 50;
+
+void Tell(int number)
+{
+    std::printf("%d\n", number);
+    std::fflush(stdout);
+}
+
+void StoreNotes(int number)
+{
+    CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Ann"));
+    for (int player = 0; player < PLAYERS; ++player)
+        CPlayerLists::GetInstance()
+            ->GetPlayerModel(QStringLiteral("player%1").arg(player))
+            ->SetNotes(QString::number(number));
+    CUserInfo::GetInstance()->SetLoggedIn(QString());
+    Tell(number);
+}
+
+void FetchAvatars(unsigned int number)
+{
+    CPlayerModel *player = CPlayerLists::GetInstance()->GetPlayerModel(QStringLiteral("Bob"));
+    QObject::connect(player, &CPlayerModel::signal_CustomAvatarChanged, player, [player](unsigned int there) {
+        static unsigned int last = 0;
+        if (there == last)
+            return; // each comes twice
+        last = there;
+        Tell(int(there));
+        QTimer::singleShot(0, player, [player, there] { player->SetNewCustomAvatar(there + 1); });
+    });
+    player->SetNewCustomAvatar(number);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() < 3 || !CSettingsDB::GetInstance()->Init() || !CPlayerInfoDB::GetInstance()->Init())
+        return 1;
+    CCasinoTime::GetInstance()->SetTimeUTCServer(1700000000);
+    int number = arguments.at(2).toInt();
+    QTimer timer;
+    if (arguments.at(1) == QLatin1String("avatars")) {
+        CConfig::GetInstance()->SetConfigs({{QStringLiteral("playerpicture_link"), arguments.value(3)}});
+        FetchAvatars(static_cast<unsigned int>(number));
+    } else {
+        QObject::connect(&timer, &QTimer::timeout, [&number] { StoreNotes(number++); });
+        timer.start(0);
+    }
+    return QApplication::exec();
+}
