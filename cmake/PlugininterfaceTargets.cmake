@@ -130,7 +130,7 @@ function(plugininterface_test name)
     target_link_libraries(${name} PRIVATE plugininterface::plugininterface Qt5::Test ${ARG_LIBRARIES})
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp"
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
         FAIL_REGULAR_EXPRESSION "QWARN  :|QCRITICAL:|QSYSTEM:"
         RUN_SERIAL ${ARG_SERIAL})
 endfunction()
