@@ -29,6 +29,7 @@ struct STourOptions
     /// A client that another one's tour has started, in an installation of its own in \a strOutput, for the steps
     /// that its standard input names.
     bool bSecondMachine = false;
+    int iSoakMinutes = 0; ///< Instead of the tour, if there are any.
 };
 
 /// The rows that \a sql selects from the SQLite file, columns separated by "|". A program that has nothing to do with
@@ -48,6 +49,9 @@ public:
 
     /// Exit code for the process: 0 if every step happened.
     int Run();
+    /// Instead: the client under 1000 events a second, with a login each ten seconds. Prints each minute what there
+    /// is of it; 1 if that is more than after the first minute.
+    int Soak(int minutes);
 
     /// Makes an installation in \a folder that shares all but what changes at run time with the one that the process
     /// runs in, and has none of that yet. Its web server is on \a webPort.
@@ -116,6 +120,9 @@ private:
     void StartSecondMachine(const QString &name, bool isNew);
     void EndSecondMachine();
     int RunSecondMachine();
+    // Instead of the tour: the client under 1000 events a second, with a login each ten seconds. Prints each minute
+    // what there is of it, and fails if that is more than after the first one.
+    int RunSoak();
 
     void ChooseNextTab() const;
     bool ChoosePlayer(const QString &nickname) const;

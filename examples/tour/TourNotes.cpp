@@ -45,7 +45,6 @@ QStringList ToStrings(std::initializer_list<const char *> words)
 void CTour::ShowNotes()
 {
     QDir(GetFolder(SERVER_FOLDER)).removeRecursively();
-    QDir().mkpath(GetFolder(SERVER_FOLDER));
     Do({"The user opens the tab of the players", "open players", OWN, "|tag 0|"});
     Do({"And notes something of another player", "note", OTHER, FIRST_NOTE});
     for (const char *language : {"Français", "English", "Deutsch"})
@@ -164,6 +163,7 @@ void CTour::StartWebServer()
     Step(
         QStringLiteral("The web server starts"),
         [this] {
+            QDir().mkpath(GetFolder(SERVER_FOLDER));
             m_strServerLine = m_webServer.Start(
                 m_options.strWebServer,
                 {QStringLiteral("--database"), GetFolder(SERVER_FILE), QStringLiteral("--pictures"),

@@ -3,17 +3,16 @@
 //
 // PLUGININTERFACE_KILLS=200 kills it so often in each way, instead of a few times.
 
+#include "Reader.h"
+
 #include <files/Pathes.h>
 #include <support/InstallationTree.h>
-#include <support/Literal.h>
 
 #include <QBuffer>
 #include <QDirIterator>
 #include <QImage>
 #include <QProcess>
 #include <QRandomGenerator>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QtTest>
 
 #include <httplib.h>
@@ -63,23 +62,6 @@ private:
     std::thread m_thread;
 };
 
-// The rows of a statement, first column, by a connection that is closed again.
-QStringList Select(const QString &file, const QString &sql)
-{
-    QStringList rows;
-    {
-        QSqlDatabase reader = QSqlDatabase::addDatabase("QSQLITE"_s, "reader"_s);
-        reader.setDatabaseName(file);
-        if (reader.open()) {
-            QSqlQuery query(sql, reader);
-            while (query.next())
-                rows.append(query.value(0).toString());
-        }
-    }
-    QSqlDatabase::removeDatabase("reader"_s);
-    return rows;
-}
-
 } // namespace
 
 class tst_kill : public QObject
@@ -124,9 +106,10 @@ private:
         QDirIterator files(m_installation.GetPath(QString()), {"*.sqlite"_s}, QDir::Files,
                            QDirIterator::Subdirectories);
         while (files.hasNext())
-            QCOMPARE(Select(files.next(), "PRAGMA integrity_check"_s), QStringList{"ok"_s});
+            QCOMPARE(ReadFirstColumn(files.next(), "PRAGMA integrity_check"_s), QStringList{"ok"_s});
         if (work == "notes"_s) {
-            const QStringList notes = Select(Pathes::PlayerInfoDB(), "SELECT PIN_cNote FROM tbl_playerinfo"_s);
+            const QStringList notes =
+                ReadFirstColumn(Pathes::PlayerInfoDB(), "SELECT PIN_cNote FROM tbl_playerinfo"_s);
             QCOMPARE(notes.size(), PLAYERS);
             QCOMPARE(notes.count(notes.first()), PLAYERS); // written together
             QVERIFY2(notes.first().toInt() >= last && notes.first().toInt() <= last + 1, qPrintable(notes.first()));

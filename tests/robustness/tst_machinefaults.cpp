@@ -2,6 +2,8 @@
 // program, a current directory that has gone. Nothing that was committed is lost, the client goes on, and what
 // couldn't be written is written once it can be.
 
+#include "Reader.h"
+
 #include <database/PlayerInfoDB.h>
 #include <database/SettingsDB.h>
 #include <files/Pathes.h>
@@ -9,7 +11,6 @@
 #include <models/UserInfo.h>
 #include <settings/Settings.h>
 #include <support/InstallationTree.h>
-#include <support/Literal.h>
 #include <support/Singletons.h>
 #include <time/CasinoTime.h>
 
@@ -59,24 +60,6 @@ private:
     CInstallationTree m_installation;
     bool m_bMounted = false;
 };
-
-// As another program sees it.
-QString ReadStored(const QString &file, const QString &sql)
-{
-    QString value;
-    {
-        QSqlDatabase reader = QSqlDatabase::addDatabase("QSQLITE"_s, "reader"_s);
-        reader.setDatabaseName(file);
-        reader.setConnectOptions("QSQLITE_OPEN_READONLY"_s);
-        if (reader.open()) {
-            QSqlQuery query(reader);
-            if (query.exec(sql) && query.next())
-                value = query.value(0).toString();
-        }
-    }
-    QSqlDatabase::removeDatabase("reader"_s);
-    return value;
-}
 
 } // namespace
 
@@ -159,9 +142,11 @@ private:
 
     QString Stored() const
     {
-        return ReadStored(m_strSettings, "SELECT URS_cValue FROM tbl_settings WHERE URS_cKey = 'designertab'"_s) +
+        return ReadFirstColumn(m_strSettings, "SELECT URS_cValue FROM tbl_settings WHERE URS_cKey = 'designertab'"_s)
+                   .value(0) +
                QLatin1Char('|') +
-               ReadStored(m_strNotes, "SELECT PIN_cNote FROM tbl_playerinfo WHERE PIN_cPlayer = 'Bob'"_s);
+               ReadFirstColumn(m_strNotes, "SELECT PIN_cNote FROM tbl_playerinfo WHERE PIN_cPlayer = 'Bob'"_s)
+                   .value(0);
     }
 
     static QSqlDatabase Lock(const QString &name, const QString &file, bool lock)

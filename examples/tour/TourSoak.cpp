@@ -1,0 +1,107 @@
+#include "Tour.h"
+
+#include "WatchedApplication.h"
+
+#include <common/Texts.h>
+#include <plugin/PluginInterface.h>
+
+#include <QApplication>
+#include <QTextStream>
+#include <QTimer>
+#include <QtTest>
+
+#include <malloc.h>
+
+// A long evening in a short time: events without a pause, and a user who comes and goes.
+
+namespace {
+
+constexpr int BEAT_MS = 10;
+constexpr int EVENTS_A_BEAT = 10; // so 1000 a second
+constexpr int STAY_MS = 5000;     // logged in, and as long logged out
+constexpr int MINUTE_MS = 60000;
+// The heap's own unrest. What stays behind of each login or event would be many times that.
+constexpr double MAX_GROWTH = 1.02;
+
+// What there is of a client, to be compared between two moments at which nobody is logged in.
+struct SCensus
+{
+    std::size_t heap;
+    int objects;
+    int widgets;
+
+    static SCensus Take(const CHost &host)
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        SCensus census{mallinfo2().uordblks, 0, QApplication::allWidgets().size()};
+        census.Add(host);
+        census.Add(*QCoreApplication::instance());
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        for (const QWidget *window : windows)
+            census.Add(*window);
+        return census;
+    }
+
+    void Add(const QObject &root) { objects += root.findChildren<QObject *>().size(); }
+
+    bool IsLike(const SCensus &first) const
+    {
+        return double(heap) <= MAX_GROWTH * double(first.heap) && objects == first.objects &&
+               widgets == first.widgets;
+    }
+};
+
+// Of the process, in kB.
+QString ReadMemory()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    status.open(QIODevice::ReadOnly);
+    const QByteArray lines = status.readAll();
+    return QString::fromLatin1(lines.mid(lines.indexOf("VmRSS:") + 6).split('\n').first().simplified());
+}
+
+} // namespace
+
+int CTour::RunSoak()
+{
+    const auto &plugins = m_host.GetPluginManager().GetPlugins();
+    StartWebServer();
+    StartGameServer();
+    m_bFailed = m_bFailed || plugins.size() < 2 ||
+                !QTest::qWaitFor([this] { return !SeeFilledLobby().isEmpty(); }, MINUTE_MS);
+    if (m_bFailed)
+        return 1;
+    CEvent event = CEvent::Create(QStringLiteral("SOAK"), QStringLiteral("BEAT"));
+    event.data = QByteArray(100, 'x');
+    plugins.last()->RegisterForEvent(QStringLiteral("SOAK"), QString());
+    QTimer beat;
+    int passed = 0;
+    QObject::connect(&m_host, &CHost::signal_EventPassed, &beat, [&passed] { ++passed; });
+    QObject::connect(&beat, &QTimer::timeout, &beat, [&] {
+        for (int number = 0; number < EVENTS_A_BEAT; ++number)
+            plugins.first()->SendInternEvent(event, false);
+    });
+    beat.start(BEAT_MS);
+
+    QElapsedTimer clock;
+    clock.start();
+    SCensus first{};
+    QString lastUser;
+    for (int minute = 1; minute <= m_options.iSoakMinutes && !m_bFailed; ++minute) {
+        while (clock.elapsed() < qint64(minute) * MINUTE_MS && !m_bFailed) {
+            LogIn(FIRST_NICKNAME, FIRST_PASSWORD, lastUser);
+            lastUser = FIRST_NICKNAME;
+            QTest::qWait(STAY_MS);
+            LogOut();
+            QTest::qWait(STAY_MS);
+        }
+        const SCensus now = SCensus::Take(m_host);
+        if (minute == 1)
+            first = now;
+        m_bFailed = m_bFailed || !now.IsLike(first);
+        QTextStream(stdout) << (m_bFailed ? "FAILED" : "ok") << " minute " << minute << ": " << ReadMemory()
+                            << " resident, heap " << quint64(now.heap / 1024) << " kB, " << now.objects
+                            << " objects, " << now.widgets << " widgets, " << passed << " events passed" << Qt::endl;
+    }
+    return m_bFailed ? 1 : 0;
+}
