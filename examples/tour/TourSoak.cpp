@@ -3,6 +3,7 @@
 #include "WatchedApplication.h"
 
 #include <common/Texts.h>
+#include <files/Console.h>
 #include <plugin/PluginInterface.h>
 
 #include <QApplication>
@@ -32,6 +33,7 @@ struct SCensus
 
     static SCensus Take(const CHost &host)
     {
+        CConsole::GetInstance()->Clear(); // what was said is kept until then
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         SCensus census{mallinfo2().uordblks, 0, QApplication::allWidgets().size()};
         census.Add(host);
