@@ -32,6 +32,8 @@
 #include <QDir>
 #include <QTextStream>
 
+#include <tuple>
+
 namespace {
 
 void PrintMessage(const CConsole::SConsoleMessage &message)
@@ -39,42 +41,49 @@ void PrintMessage(const CConsole::SConsoleMessage &message)
     QTextStream(stderr) << message.dtTimestamp.toString(Qt::ISODateWithMs) << ' ' << message.strMessage << '\n';
 }
 
-// What a file that can't be opened is missed by. In plain English where there are no texts.
+// Each with its file, and what it is missed by: the key of a text, and plain English where there are no texts. The
+// configuration is first, so that the settings find it.
+QVector<std::tuple<CLocalDB *, QString, const char *, const char *>> GetDatabases()
+{
+    const char *noConfig = "#file# is missing: the client works with its defaults.";
+    const char *noTexts = "#file# is missing: texts are shown by their names.";
+    const char *notStored = "#file# can't be used: what you do now will be forgotten.";
+    return {{CConfigDB::GetInstance(), Pathes::ConfigDB(), "PROBLEM_CONFIG", noConfig},
+            {CTranslationDB::GetInstance(), Pathes::LanguageDB(), "", noTexts},
+            {CSettingsDB::GetInstance(), Pathes::SettingsDB(), "PROBLEM_USER_FILE", notStored},
+            {CPlayerInfoDB::GetInstance(), Pathes::PlayerInfoDB(), "PROBLEM_USER_FILE", notStored},
+            {CLobbyListDB::GetInstance(), Pathes::LobbyListDB(), "PROBLEM_USER_FILE", notStored},
+            {CHandHistoryDB::GetInstance(), Pathes::HandHistoryDB(), "PROBLEM_USER_FILE", notStored}};
+}
+
 QStringList FindProblems()
 {
     QStringList problems;
-    const auto check = [&](CLocalDB *database, const QString &file, const char *key, const char *english) {
+    for (const auto &[database, file, key, english] : GetDatabases()) {
         if (database->IsOpen())
-            return;
+            continue;
         QString text = CTranslationDB::GetInstance()->IsOpen() ? Texts::Get(key) : QString::fromLatin1(english);
         const QString path = QDir::cleanPath(QDir().absoluteFilePath(file));
         problems.append(text.replace(QLatin1String("#file#"), QDir::toNativeSeparators(path)));
-    };
-    check(CConfigDB::GetInstance(), Pathes::ConfigDB(), "PROBLEM_CONFIG",
-          "#file# is missing: the client works with its defaults.");
-    check(CTranslationDB::GetInstance(), Pathes::LanguageDB(), "",
-          "#file# is missing: texts are shown by their names.");
-    const char *notStored = "#file# can't be used: what you do now will be forgotten.";
-    check(CSettingsDB::GetInstance(), Pathes::SettingsDB(), "PROBLEM_USER_FILE", notStored);
-    check(CPlayerInfoDB::GetInstance(), Pathes::PlayerInfoDB(), "PROBLEM_USER_FILE", notStored);
-    check(CLobbyListDB::GetInstance(), Pathes::LobbyListDB(), "PROBLEM_USER_FILE", notStored);
-    check(CHandHistoryDB::GetInstance(), Pathes::HandHistoryDB(), "PROBLEM_USER_FILE", notStored);
+    }
     return problems;
+}
+
+template <typename... Singletons>
+void DestroyInstances()
+{
+    (Singletons::DestroyInstance(), ...);
 }
 
 } // namespace
 
-// The console is first, so that it hears of all that follows, and the configuration is before the settings.
+// The console is first, so that it hears of all that follows.
 CClient::CShared::CShared()
 {
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, &PrintMessage);
     QDir().mkpath(Pathes::Tmp());
-    CConfigDB::GetInstance()->Init();
-    CTranslationDB::GetInstance()->Init();
-    CSettingsDB::GetInstance()->Init();
-    CPlayerInfoDB::GetInstance()->Init();
-    CLobbyListDB::GetInstance()->Init();
-    CHandHistoryDB::GetInstance()->Init();
+    for (const auto &entry : GetDatabases())
+        std::get<CLocalDB *>(entry)->Init();
     CConfig::GetInstance();
     CUserInfo::GetInstance();
     CSettings::GetInstance();
@@ -88,29 +97,13 @@ CClient::CShared::CShared()
 CClient::CShared::~CShared()
 {
     CSettings::GetInstance()->slot_SaveSettings(true);
-    COptionsDialogManager::DestroyInstance();
-    CMenuManager::DestroyInstance();
-    CSoundManager::DestroyInstance();
+    DestroyInstances<COptionsDialogManager, CMenuManager, CSoundManager>();
     CSoundPlayer::DestroyInstances();
-    CChatModel::DestroyInstance();
-    CAutoTopUpModel::DestroyInstance();
-    CPlayerTaggingModel::DestroyInstance();
-    CCasinoInfo::DestroyInstance();
-    CSettingsSync::DestroyInstance();
-    CCasinoTime::DestroyInstance();
-    CTranslation::DestroyInstance();
-    CSettings::DestroyInstance();
-    CUserInfo::DestroyInstance();
-    CPlayerLists::DestroyInstance();
+    DestroyInstances<CChatModel, CAutoTopUpModel, CPlayerTaggingModel, CCasinoInfo, CSettingsSync, CCasinoTime>();
+    DestroyInstances<CTranslation, CSettings, CUserInfo, CPlayerLists>();
     CPlayerModel::DestroyInstances();
-    CNetworkAccessManager::DestroyInstance();
-    CConfig::DestroyInstance();
-    CHandHistoryDB::DestroyInstance();
-    CLobbyListDB::DestroyInstance();
-    CPlayerInfoDB::DestroyInstance();
-    CSettingsDB::DestroyInstance();
-    CTranslationDB::DestroyInstance();
-    CConfigDB::DestroyInstance();
+    DestroyInstances<CNetworkAccessManager, CConfig>();
+    DestroyInstances<CHandHistoryDB, CLobbyListDB, CPlayerInfoDB, CSettingsDB, CTranslationDB, CConfigDB>();
     CConsole::DestroyInstance();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
