@@ -9,11 +9,6 @@ QByteArray Key(const CEvent &event)
     return QByteArray(event.tag1, sizeof event.tag1) + QByteArray(event.tag2, sizeof event.tag2);
 }
 
-QByteArray WildcardKey(const CEvent &event)
-{
-    return QByteArray(event.tag1, sizeof event.tag1) + QByteArray(sizeof event.tag2, '\0');
-}
-
 } // namespace
 
 void CEventRouter::Register(CPluginInterface *plugin, const QString &tag1, const QString &tag2)
@@ -32,7 +27,7 @@ void CEventRouter::Unregister(CPluginInterface *plugin)
 void CEventRouter::Deliver(const CEvent &event) const
 {
     TReceivers receivers = m_receivers.value(Key(event));
-    const TReceivers wildcards = m_receivers.value(WildcardKey(event));
+    const TReceivers wildcards = m_receivers.value(Key(event).replace(4, 4, QByteArray(4, '\0')));
     std::copy_if(wildcards.begin(), wildcards.end(), std::back_inserter(receivers),
                  [&receivers](const auto &plugin) { return !receivers.contains(plugin); });
     for (const QPointer<CPluginInterface> &plugin : qAsConst(receivers)) {

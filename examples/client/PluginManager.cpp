@@ -28,21 +28,16 @@ CPluginManager::~CPluginManager()
 void CPluginManager::Load(const QString &directory)
 {
     QVector<CPluginInterface *> found;
-    QSet<QString> names;
     const QFileInfoList files = QDir(directory).entryInfoList(QDir::Files, QDir::Name);
     for (const QFileInfo &file : files) {
-        if (!QLibrary::isLibrary(file.fileName()))
-            continue;
-        CPluginInterface *plugin = LoadFile(file.absoluteFilePath());
-        if (!plugin)
-            continue;
-        if (names.contains(plugin->GetName())) {
+        CPluginInterface *plugin = QLibrary::isLibrary(file.fileName()) ? LoadFile(file.absoluteFilePath()) : nullptr;
+        const auto hasItsName = [=](const auto *other) { return other->GetName() == plugin->GetName(); };
+        if (plugin && std::any_of(found.begin(), found.end(), hasItsName)) {
             Complain(QStringLiteral("%1: there is a plugin \"%2\" already").arg(file.fileName(), plugin->GetName()));
             Unload(plugin);
-            continue;
+        } else if (plugin) {
+            found.append(plugin);
         }
-        names.insert(plugin->GetName());
-        found.append(plugin);
     }
 
     m_plugins = SortByDependencies(found);
@@ -102,16 +97,13 @@ CPluginInterface *CPluginManager::LoadFile(const QString &file)
     else if (!(plugin = qobject_cast<CPluginInterface *>(loader->instance())))
         Complain(QStringLiteral("%1 can't be loaded: %2").arg(file, loader->errorString()));
     else
-        m_loaders.append(loader.release());
+        m_loaders.insert(plugin, loader.release());
     return plugin;
 }
 
 void CPluginManager::Unload(CPluginInterface *plugin)
 {
-    const auto loader = std::find_if(m_loaders.begin(), m_loaders.end(),
-                                     [plugin](QPluginLoader *candidate) { return candidate->instance() == plugin; });
     m_plugins.removeAll(plugin);
-    (*loader)->unload(); // deletes the plugin
-    delete *loader;
-    m_loaders.erase(loader);
+    const std::unique_ptr<QPluginLoader> loader(m_loaders.take(plugin));
+    loader->unload(); // deletes the plugin
 }

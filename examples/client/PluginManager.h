@@ -2,6 +2,7 @@
 
 #include <plugin/PluginInterface.h>
 
+#include <QHash>
 #include <QObject>
 #include <QString>
 #include <QVector>
@@ -39,6 +40,6 @@ private:
     CPluginInterface *LoadFile(const QString &file);
     void Unload(CPluginInterface *plugin);
 
-    QVector<CPluginInterface *> m_plugins; // each is the instance of one of the loaders
-    QVector<QPluginLoader *> m_loaders;
+    QVector<CPluginInterface *> m_plugins;
+    QHash<CPluginInterface *, QPluginLoader *> m_loaders; // by their instances
 };
