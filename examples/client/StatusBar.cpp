@@ -17,6 +17,10 @@
 
 namespace {
 
+// By EConnectionState.
+constexpr const char *STATE_KEYS[] = {"CONNECTION_NONE", "CONNECTION_CONNECTING", "CONNECTION_CONNECTED",
+                                      "CONNECTION_RECONNECTING"};
+
 // The bad beat jackpot, hidden until the game server has told of it.
 QWidget *CreateJackpot(QWidget *parent)
 {
@@ -59,20 +63,6 @@ QString ClockText()
     return known ? clock->GetTimeString() + QLatin1Char(' ') + clock->GetTimezoneString() : QString();
 }
 
-const char *KeyOf(EConnectionState::type state)
-{
-    switch (state) {
-    case EConnectionState::Connecting:
-        return "CONNECTION_CONNECTING";
-    case EConnectionState::Connected:
-        return "CONNECTION_CONNECTED";
-    case EConnectionState::Reconnecting:
-        return "CONNECTION_RECONNECTING";
-    default:
-        return "CONNECTION_NONE";
-    }
-}
-
 // The user's money, and in QML what \a account shows as well, which isn't shown then.
 QWidget *CreateAccountLine(QWidget *parent, QWidget *account)
 {
@@ -96,7 +86,7 @@ QWidget *CreateStatus(QMainWindow *window, CHost &host)
     auto *connection = CreateField<QLabel>(window, "connectionState");
     const auto showState = [=, &host] {
         const CServerLink &link = host.GetServerLink();
-        connection->setText(Texts::Get(KeyOf(link.GetState()), {{"#address#", link.GetAddress()}}));
+        connection->setText(Texts::Get(STATE_KEYS[link.GetState()], {{"#address#", link.GetAddress()}}));
     };
     Texts::Follow(connection, showState, &host, &CHost::signal_ConnectionStateChanged);
 

@@ -4,9 +4,16 @@
 
 #include <money/MoneyStrings.h>
 
+#include <QHash>
+
 namespace TableTexts {
 
 namespace {
+
+const QHash<int, const char *> TYPE_KEYS{{GlobalDefines::TT_PRIVATE, "LOBBY_TYPE_PRIVATE"},
+                                         {GlobalDefines::TT_RESTRICTED, "LOBBY_TYPE_RESTRICTED"},
+                                         {GlobalDefines::TT_SITANDGO, "LOBBY_TYPE_SIT_AND_GO"},
+                                         {GlobalDefines::TT_TOURNAMENT, "LOBBY_TYPE_TOURNAMENT"}};
 
 QString AmountText(GlobalDefines::MoneyType money, GlobalDefines::MoneyValue amount)
 {
@@ -20,18 +27,7 @@ QString AmountText(GlobalDefines::MoneyType money, GlobalDefines::MoneyValue amo
 
 QString GetType(GlobalDefines::TableType type)
 {
-    switch (type) {
-    case GlobalDefines::TT_PRIVATE:
-        return Texts::Get("LOBBY_TYPE_PRIVATE");
-    case GlobalDefines::TT_RESTRICTED:
-        return Texts::Get("LOBBY_TYPE_RESTRICTED");
-    case GlobalDefines::TT_SITANDGO:
-        return Texts::Get("LOBBY_TYPE_SIT_AND_GO");
-    case GlobalDefines::TT_TOURNAMENT:
-        return Texts::Get("LOBBY_TYPE_TOURNAMENT");
-    default:
-        return Texts::Get("LOBBY_TYPE_RING_GAME");
-    }
+    return Texts::Get(TYPE_KEYS.value(type, "LOBBY_TYPE_RING_GAME"));
 }
 
 // An area has the texts of the core as well.

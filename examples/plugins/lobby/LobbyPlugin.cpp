@@ -19,21 +19,11 @@ namespace {
 const QString QUICK = QStringLiteral("qml"); // value of the setting pokerlobbytype
 const QString WIDGETS = QStringLiteral("widgets");
 
-const char *KeyOf(LobbyProtocol::ESeatResult result)
-{
-    switch (result) {
-    case LobbyProtocol::SR_TAKEN:
-        return "SEAT_TAKEN";
-    case LobbyProtocol::SR_CLOSED:
-        return "SEAT_CLOSED";
-    case LobbyProtocol::SR_FULL:
-        return "SEAT_FULL";
-    case LobbyProtocol::SR_NOT_LOGGED_IN:
-        return "SEAT_NOT_LOGGED_IN";
-    default:
-        return "SEAT_REFUSED";
-    }
-}
+// Of texts by answers; others have one in common.
+const QHash<int, const char *> SEAT_KEYS{{LobbyProtocol::SR_TAKEN, "SEAT_TAKEN"},
+                                         {LobbyProtocol::SR_CLOSED, "SEAT_CLOSED"},
+                                         {LobbyProtocol::SR_FULL, "SEAT_FULL"},
+                                         {LobbyProtocol::SR_NOT_LOGGED_IN, "SEAT_NOT_LOGGED_IN"}};
 
 } // namespace
 
@@ -162,10 +152,10 @@ void CLobbyPlugin::TellCounts() const
 void CLobbyPlugin::OnSeatAnswer(const LobbyProtocol::SSeatAnswer &answer)
 {
     const LobbyProtocol::STable *table = m_pModel->FindTable(answer.uiTableID);
-    m_pTables->SetSeatAnswer(
-        Texts::MakeItem(KeyOf(answer.eResult), {{"#nickname#", CUserInfo::GetInstance()->GetNickname()},
-                                                {"#place#", uint(answer.usPlace)},
-                                                {"#table#", table ? table->strName : QString()}}));
+    m_pTables->SetSeatAnswer(Texts::MakeItem(SEAT_KEYS.value(answer.eResult, "SEAT_REFUSED"),
+                                             {{"#nickname#", CUserInfo::GetInstance()->GetNickname()},
+                                              {"#place#", uint(answer.usPlace)},
+                                              {"#table#", table ? table->strName : QString()}}));
     if (!table || answer.eResult != LobbyProtocol::SR_TAKEN)
         return;
     CEvent event = CEvent::Create(QString::fromLatin1(SeatEvent::GROUP), QString::fromLatin1(SeatEvent::GIVEN));

@@ -72,9 +72,8 @@ QLayout *CLobbyView::CreateFilterLine()
         if (text->text() != filter) // the cursor stays where the user is typing
             text->setText(filter);
     };
-    connect(settings, &CSettings::signal_RinggameFilterChanged, this, show);
-    connect(settings, &CSettings::signal_SelectedGametypeChanged, this, show);
-    show();
+    Texts::Follow(this, show, settings, &CSettings::signal_RinggameFilterChanged,
+                  &CSettings::signal_SelectedGametypeChanged);
     connect(text, &QLineEdit::textChanged, settings, [=] {
         if (text->text().toUtf8() != settings->GetRinggameFilter()) // else it came from there
             settings->SetRinggameFilter(text->text().toUtf8());
