@@ -40,7 +40,7 @@ QString ReadCountedText(QDataStream &stream)
 CHost::CHost(const QString &server, quint16 port)
     : m_link(server, port)
     , m_session([this](const QByteArray &packet) { return m_link.Send(packet); })
-    , m_synchronisation(m_session, [this](const QByteArray &packet) { return m_link.Send(packet); })
+    , m_synchronisation(m_session)
 {
     connect(&m_link, &CServerLink::signal_StateChanged, this, &CHost::OnConnectionStateChanged);
     connect(&m_link, &CServerLink::signal_PacketReceived, this, &CHost::OnPacketReceived);

@@ -5,23 +5,16 @@
 #include <models/UserInfo.h>
 #include <time/CasinoTime.h>
 
+#include <QHash>
+
 namespace {
 
 constexpr int ANSWER_LIMIT_MS = 10000;
 
-const char *KeyOf(AccountProtocol::ERefusal reason)
-{
-    switch (reason) {
-    case AccountProtocol::RF_BAD_NICKNAME:
-        return "LOGIN_BAD_NICKNAME";
-    case AccountProtocol::RF_NO_ACCOUNT:
-        return "LOGIN_NO_ACCOUNT";
-    case AccountProtocol::RF_WRONG_PASSWORD:
-        return "LOGIN_WRONG_PASSWORD";
-    default:
-        return "LOGIN_REFUSED";
-    }
-}
+// Of texts by reasons; others have one in common.
+const QHash<int, const char *> REFUSAL_KEYS{{AccountProtocol::RF_BAD_NICKNAME, "LOGIN_BAD_NICKNAME"},
+                                            {AccountProtocol::RF_NO_ACCOUNT, "LOGIN_NO_ACCOUNT"},
+                                            {AccountProtocol::RF_WRONG_PASSWORD, "LOGIN_WRONG_PASSWORD"}};
 
 void SetMoney(const AccountProtocol::SAccount &account)
 {
@@ -64,7 +57,7 @@ CSession::CSession(const TSend &send)
     m_answerTimer.setInterval(ANSWER_LIMIT_MS);
     connect(&m_answerTimer, &QTimer::timeout, this, [this] {
         // An acceptance that is under way would make the link the user's.
-        m_send(Payload::ToPackets(AccountProtocol::GROUP, {AccountProtocol::LOGOUT}));
+        Send(AccountProtocol::LOGOUT);
         Refuse("LOGIN_NO_ANSWER");
     });
 }
@@ -81,8 +74,13 @@ void CSession::LogIn(const QString &nickname, const QString &hash)
 void CSession::LogOut()
 {
     m_answerTimer.stop();
-    m_send(Payload::ToPackets(AccountProtocol::GROUP, {AccountProtocol::LOGOUT}));
+    Send(AccountProtocol::LOGOUT);
     EndLogin();
+}
+
+bool CSession::Send(const QByteArray &record) const
+{
+    return m_send(Payload::ToPackets(AccountProtocol::GROUP, {record}));
 }
 
 void CSession::SetConnectionState(EConnectionState::type state)
@@ -140,13 +138,13 @@ void CSession::OnAccepted(const AccountProtocol::SAccount &account)
 void CSession::OnRefused(const AccountProtocol::SRefusal &refusal)
 {
     if (TakeAnswerTo(refusal.strNickname))
-        Refuse(KeyOf(refusal.eReason));
+        Refuse(REFUSAL_KEYS.value(refusal.eReason, "LOGIN_REFUSED"));
 }
 
 void CSession::Ask(const QString &nickname, const QString &hash)
 {
     m_asked = {nickname, hash};
-    if (m_send(Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(m_asked)})))
+    if (Send(Payload::Encode(m_asked)))
         m_answerTimer.start();
 }
 

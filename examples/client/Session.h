@@ -32,6 +32,9 @@ public:
     void LogIn(const QString &nickname, const QString &hash);
     void LogOut();
 
+    /// Sends a record of the session's group, false if it can't be sent.
+    bool Send(const QByteArray &record) const;
+
     // For the host, who gives all that there is of both.
     void SetConnectionState(EConnectionState::type state);
     /// False if the record isn't the session's.

@@ -31,8 +31,8 @@ QString ReadMachine()
 
 } // namespace
 
-CSynchronisation::CSynchronisation(CSession &session, const CSession::TSend &send)
-    : m_send(send)
+CSynchronisation::CSynchronisation(CSession &session)
+    : m_session(session)
 {
     m_timer.setSingleShot(true);
     m_sendTimer.setSingleShot(true);
@@ -85,8 +85,7 @@ void CSynchronisation::BeginSync()
 void CSynchronisation::RequestSession(WebLinks::id link)
 {
     m_eAsked = link;
-    const AccountProtocol::SWebRequest request{static_cast<quint8>(link), ReadMachine()};
-    m_send(Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(request)}));
+    m_session.Send(Payload::Encode(AccountProtocol::SWebRequest{static_cast<quint8>(link), ReadMachine()}));
 }
 
 // The game server answers in the order of the packets, so a session that nobody waits for is that of a login that has

@@ -15,7 +15,7 @@ class CSynchronisation : public QObject
 
 public:
     /// \a session outlives it.
-    CSynchronisation(CSession &session, const CSession::TSend &send);
+    explicit CSynchronisation(CSession &session);
 
     /// The time to the next synchronisation, in milliseconds: \a pause where the web server has not been reached, or
     /// may have more by then, and \a regular in all other cases. 10 s and 60 s unless told otherwise.
@@ -36,7 +36,7 @@ private:
     void UseSession(const AccountProtocol::SWebSession &session);
     void Send();
 
-    CSession::TSend m_send;
+    CSession &m_session;
     WebLinks::id m_eAsked = WebLinks::NoPage; // what the session that is waited for is for
     QTimer m_timer;                           // runs as long as somebody is logged in
     QTimer m_sendTimer;                       // runs as long as the session below waits to be used

@@ -132,7 +132,7 @@ private Q_SLOTS:
     {
         const CInstallationTree tree;
         tree.MakeDir(QStringLiteral("Tmp"));
-        CSynchronisation synchronisation(*m_pSession, Sender());
+        CSynchronisation synchronisation(*m_pSession);
         synchronisation.SetIntervals(1, 60000);
         const QByteArray none = Payload::Encode(SWebSession{WebLinks::SettingsSyncFetch, QString()});
         LogIn();
@@ -152,7 +152,7 @@ private Q_SLOTS:
         const CInstallationTree tree;
         tree.MakeDir(QStringLiteral("Tmp"));
         QVERIFY(CPlayerInfoDB::GetInstance()->Init());
-        const CSynchronisation synchronisation(*m_pSession, Sender());
+        const CSynchronisation synchronisation(*m_pSession);
         const QString robin = QStringLiteral("Robin");
         LogIn();
         CPlayerModel::GetInstance(robin)->SetNotes(QStringLiteral("Bluffs")); // and waits to be stored
