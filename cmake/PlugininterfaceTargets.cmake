@@ -6,6 +6,8 @@ include(GNUInstallDirs)
 
 # The installation tree that the build makes for the example client; its shape is the one Pathes describes.
 set(PLUGININTERFACE_INSTALLATION_DIR "${PROJECT_BINARY_DIR}/installation/Contents")
+# Where it is installed, with the servers beside it.
+set(PLUGININTERFACE_EXAMPLE_DIR "${CMAKE_INSTALL_LIBDIR}/plugininterface-example")
 
 macro(_plugininterface_parse function options single multi)
     cmake_parse_arguments(ARG "${options}" "${single}" "${multi}" ${ARGN})
@@ -103,6 +105,14 @@ function(plugininterface_example name)
             SUFFIX ""
             RUNTIME_OUTPUT_DIRECTORY "${PLUGININTERFACE_INSTALLATION_DIR}/Client")
     endif()
+endfunction()
+
+# Programs and plugins of the example are installed as the tree they are built in: plugininterface_install_example(<folder> <target>...)
+function(plugininterface_install_example folder)
+    set(destination "${PLUGININTERFACE_EXAMPLE_DIR}/${folder}")
+    file(RELATIVE_PATH to_library "/${destination}" "/${CMAKE_INSTALL_LIBDIR}")
+    set_target_properties(${ARGN} PROPERTIES INSTALL_RPATH "$ORIGIN/${to_library}")
+    install(TARGETS ${ARGN} DESTINATION "${destination}" COMPONENT example)
 endfunction()
 
 # A plugin: plugininterface_plugin(<name> SOURCES ... [LIBRARIES ...] [DIRECTORY <output folder>])

@@ -30,8 +30,10 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QSqlDatabase>
 #include <QTextStream>
 
+#include <algorithm>
 #include <tuple>
 
 namespace {
@@ -56,13 +58,35 @@ QVector<std::tuple<CLocalDB *, QString, const char *, const char *>> GetDatabase
             {CHandHistoryDB::GetInstance(), Pathes::HandHistoryDB(), "PROBLEM_USER_FILE", notStored}};
 }
 
+QString GetText(const char *key, const char *english)
+{
+    return CTranslationDB::GetInstance()->IsOpen() ? Texts::Get(key) : QString::fromLatin1(english);
+}
+
+// Whether Qt has plugins of a kind, told without loading them.
+bool HasQtPlugins(const QString &kind)
+{
+    const QStringList folders = QCoreApplication::libraryPaths();
+    return std::any_of(folders.begin(), folders.end(), [&](const QString &folder) {
+        return !QDir(folder + QLatin1Char('/') + kind).isEmpty(QDir::Files);
+    });
+}
+
+// What Qt itself may lack comes first: no linker misses its plugins.
 QStringList FindProblems()
 {
+    const char *silent = "Qt's multimedia plugins aren't installed: nothing is heard.";
+    const char *forgetful = "Qt's SQLite driver isn't installed: texts are shown by their names, and what you do now "
+                            "will be forgotten.";
     QStringList problems;
+    if (!HasQtPlugins(QStringLiteral("mediaservice")))
+        problems.append(GetText("PROBLEM_SOUND", silent));
+    if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QSQLITE")))
+        return problems << QString::fromLatin1(forgetful);
     for (const auto &[database, file, key, english] : GetDatabases()) {
         if (database->IsOpen())
             continue;
-        QString text = CTranslationDB::GetInstance()->IsOpen() ? Texts::Get(key) : QString::fromLatin1(english);
+        QString text = GetText(key, english);
         const QString path = QDir::cleanPath(QDir().absoluteFilePath(file));
         problems.append(text.replace(QLatin1String("#file#"), QDir::toNativeSeparators(path)));
     }

@@ -13,19 +13,24 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     const QCommandLineOption server(QStringLiteral("server"), QStringLiteral("Address of the game server."),
                                     QStringLiteral("host:port"), QStringLiteral("127.0.0.1:17171"));
+    // The installation is the one that the program lies in, wherever it was started from.
+    const QCommandLineOption folder(QStringLiteral("folder"),
+                                    QStringLiteral("Client folder of the installation, if not the program's own."),
+                                    QStringLiteral("path"), QApplication::applicationDirPath());
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Example client: a host for the plugins of its installation."));
     parser.addHelpOption();
-    parser.addOption(server);
+    parser.addOptions({server, folder});
     parser.process(application);
     const QUrl address(QLatin1String("tcp://") + parser.value(server), QUrl::StrictMode);
     if (address.host().isEmpty() || address.port(0) == 0) {
         QTextStream(stderr) << "--server wants host:port, not \"" << parser.value(server) << "\"\n";
         parser.showHelp(2);
     }
-
-    // The installation is the one that the program lies in, wherever it was started from.
-    QDir::setCurrent(QApplication::applicationDirPath());
+    if (!QDir::setCurrent(parser.value(folder))) {
+        QTextStream(stderr) << "no folder \"" << parser.value(folder) << "\"\n";
+        return 2;
+    }
     GlobalDefines::RegisterQML();
     const CClient client(address.host(), static_cast<quint16>(address.port()));
     return QApplication::exec();

@@ -15,6 +15,8 @@ class QDataStream;
 class PLUGININTERFACE_EXPORT GlobalDefines : public QObject
 {
     Q_OBJECT
+    // For the description that QML tools read; the type itself is registered by RegisterQML().
+    Q_CLASSINFO("QML.Element", "GlobalDefines")
 
 public:
     /// An amount in the smallest unit of its MoneyType: hundredths, but whole chips for MONEYTYPE_PLAY and

@@ -10,17 +10,38 @@ file(GLOB_RECURSE headers RELATIVE "${include_dir}" "${include_dir}/*")
 if(NOT headers)
     message(FATAL_ERROR "no headers in ${include_dir}")
 endif()
-file(READ "${CONSUMER_DIR}/main.cpp" consumer)
 foreach(header IN LISTS headers)
     if(header MATCHES "_p\\.h$")
         message(FATAL_ERROR "private header installed: ${header}")
     endif()
-    string(FIND "${consumer}" "#include <${header}>" position)
-    if(position EQUAL -1)
-        message(FATAL_ERROR "the consumer doesn't include ${header}")
-    endif()
+    list(APPEND includes "#include <${header}>")
 endforeach()
+expect_texts("${CONSUMER_DIR}/main.cpp" ${includes})
+expect_texts("${WORK_DIR}/prefix/share/plugininterface/qml/GlobalDefines/plugins.qmltypes"
+    "exports: [\"GlobalDefines/GlobalDefines 1.0\"]" "\"MONEYTYPE_DOLLAR\"")
 
+# Once as a CMake package, once with nothing but a compiler and pkg-config, and once asked for what will be another
+# interface.
 configure_consumer("${WORK_DIR}/build" -D "CMAKE_PREFIX_PATH=${WORK_DIR}/prefix")
 run("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
 run("${WORK_DIR}/build/consumer")
+
+file(GLOB_RECURSE pc "${WORK_DIR}/prefix/*/plugininterface.pc")
+cmake_path(GET pc PARENT_PATH pc_dir)
+file(GLOB_RECURSE library "${WORK_DIR}/prefix/*/libplugininterface.so")
+cmake_path(GET library PARENT_PATH library_dir)
+set(ENV{PKG_CONFIG_PATH} "${pc_dir}")
+separate_arguments(flags UNIX_COMMAND "${CXX_FLAGS}")
+execute_process(COMMAND pkg-config --cflags --libs "plugininterface >= 1.0" OUTPUT_VARIABLE pc_flags
+    COMMAND_ERROR_IS_FATAL ANY)
+separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
+run("${CXX_COMPILER}" -std=c++17 -fPIC ${flags} "${CONSUMER_DIR}/main.cpp" ${pc_flags} "-Wl,-rpath,${library_dir}"
+    -o "${WORK_DIR}/by_pkg_config")
+run("${WORK_DIR}/by_pkg_config")
+
+execute_process(COMMAND "${CMAKE_COMMAND}" -S "${CONSUMER_DIR}" -B "${WORK_DIR}/next"
+    -D "CMAKE_PREFIX_PATH=${WORK_DIR}/prefix" -D CONSUMER_WANTS=2.0
+    RESULT_VARIABLE result ERROR_VARIABLE errors OUTPUT_QUIET)
+if(result EQUAL 0 OR NOT errors MATCHES "compatible with requested version \"2.0\"")
+    message(FATAL_ERROR "version 2.0 was found: ${errors}")
+endif()

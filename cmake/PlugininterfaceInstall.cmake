@@ -1,0 +1,33 @@
+# What the library installs: itself, and what its users compile, find it and write QML with. The tool and the example
+# install themselves. A component is a Debian package, see PlugininterfacePackages.cmake.
+include(CMakePackageConfigHelpers)
+
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/plugininterface")
+install(TARGETS plugininterface EXPORT plugininterfaceTargets
+    LIBRARY COMPONENT library NAMELINK_COMPONENT development)
+install(EXPORT plugininterfaceTargets NAMESPACE plugininterface:: DESTINATION "${package_dir}" COMPONENT development)
+
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/plugininterfaceConfig.cmake.in"
+    "${CMAKE_CURRENT_BINARY_DIR}/plugininterfaceConfig.cmake" INSTALL_DESTINATION "${package_dir}")
+write_basic_package_version_file("${CMAKE_CURRENT_BINARY_DIR}/plugininterfaceConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/plugininterfaceConfig.cmake"
+              "${CMAKE_CURRENT_BINARY_DIR}/plugininterfaceConfigVersion.cmake"
+    DESTINATION "${package_dir}" COMPONENT development)
+
+# Both ways to the library work wherever the tree is moved to.
+set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+file(RELATIVE_PATH pc_to_prefix "/${pkgconfig_dir}" "/")
+cmake_path(NORMAL_PATH pc_to_prefix)
+configure_file("${PROJECT_SOURCE_DIR}/cmake/plugininterface.pc.in" plugininterface.pc @ONLY)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/plugininterface.pc" DESTINATION "${pkgconfig_dir}" COMPONENT development)
+
+get_target_property(public_headers plugininterface PLUGININTERFACE_PUBLIC_HEADERS)
+foreach(header IN LISTS public_headers)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/plugininterface/${folder}"
+        COMPONENT development)
+endforeach()
+
+install(DIRECTORY "${PROJECT_BINARY_DIR}/qml/GlobalDefines"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/plugininterface/qml" COMPONENT development)

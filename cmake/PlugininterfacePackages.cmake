@@ -1,0 +1,74 @@
+# Four Debian packages, by `cpack` in the build folder: the library, what is needed to compile with it, the tool of
+# those who brand an installation, and the example. Each is a component of the installation.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME plugininterface)
+set(CPACK_PACKAGE_CONTACT "Maintainers of plugininterface <maintainers@users.noreply.c-seed-65f3c664.example>")
+set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/packages/remove_runpath.cmake")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL library development tools example)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/src") # where the other packages find the library
+
+# What those who link the library depend on, and the linker's cache.
+set(soname_version ${PROJECT_VERSION_MAJOR})
+file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/packages/shlibs"
+    CONTENT "libplugininterface ${soname_version} libplugininterface${soname_version} (>= ${PROJECT_VERSION})\n")
+file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/packages/triggers" CONTENT "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
+    "${PROJECT_BINARY_DIR}/packages/shlibs" "${PROJECT_BINARY_DIR}/packages/triggers")
+
+set(changelog "${PROJECT_BINARY_DIR}/packages/changelog.gz")
+add_custom_command(OUTPUT "${changelog}"
+    COMMAND "${CMAKE_COMMAND}" -E make_directory "${PROJECT_BINARY_DIR}/packages"
+    COMMAND gzip -9nc "${PROJECT_SOURCE_DIR}/cmake/packages/changelog" > "${changelog}"
+    DEPENDS "${PROJECT_SOURCE_DIR}/cmake/packages/changelog"
+    VERBATIM)
+add_custom_target(plugininterface_packages_changelog ALL DEPENDS "${changelog}")
+
+# debian_package(<component> NAME <name> SECTION <section> SUMMARY <line> DESCRIPTION <line>... DEPENDS <package>...)
+# The libraries that a program links are found in it; DEPENDS has what no linker sees.
+macro(debian_package component)
+    cmake_parse_arguments(DEB "" "NAME;SECTION;SUMMARY" "DESCRIPTION;DEPENDS" ${ARGN})
+    string(TOUPPER "${component}" upper)
+    list(JOIN DEB_DESCRIPTION "\n" description)
+    list(JOIN DEB_DEPENDS ", " CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS)
+    set(CPACK_DEBIAN_${upper}_PACKAGE_NAME "${DEB_NAME}")
+    set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION "${DEB_SECTION}")
+    set(CPACK_COMPONENT_${upper}_DESCRIPTION "${DEB_SUMMARY}\n${description}")
+    install(FILES "${PROJECT_SOURCE_DIR}/cmake/packages/copyright" "${changelog}"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${DEB_NAME}" COMPONENT ${component} EXCLUDE_FROM_ALL)
+endmacro()
+
+set(same_library "libplugininterface${soname_version} (= ${PROJECT_VERSION})")
+debian_package(library NAME libplugininterface${soname_version} SECTION libs
+    SUMMARY "Shared core library of an online poker client"
+    DESCRIPTION "A host program and its plugins load this one library together. It carries their"
+                "traffic, keeps settings and local data, and holds the models and texts that"
+                "the views show."
+    DEPENDS libqt5sql5-sqlite libqt5multimedia5-plugins)
+debian_package(development NAME libplugininterface-dev SECTION libdevel
+    SUMMARY "Development files of an online poker client's core library"
+    DESCRIPTION "Headers, the CMake package, the pkg-config file and the description of the"
+                "QML types, for those who write hosts and plugins."
+    DEPENDS "${same_library}" "qtbase5-dev (>= 5.15)")
+debian_package(tools NAME plugininterface-tools SECTION utils
+    SUMMARY "Makes the data files of an online poker client's installation"
+    DESCRIPTION "For operators and translators: builds, checks and dumps the configuration and"
+                "the catalogue of texts that a client reads."
+    DEPENDS "${same_library}")
+debian_package(example NAME plugininterface-example SECTION misc
+    SUMMARY "Example of an online poker client with its plugins and servers"
+    DESCRIPTION "A host with a lobby, tables and notes, a game server and a web server, to try"
+                "out and to start a client from."
+    DEPENDS "${same_library}" gstreamer1.0-plugins-good qml-module-qtquick-controls2 qml-module-qtquick-layouts
+            qml-module-qtquick2)
+
+include(CPack)

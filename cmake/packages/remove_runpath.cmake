@@ -1,0 +1,10 @@
+# What lies in the system's folders finds its libraries there; the RUNPATH is for an installation elsewhere.
+file(GLOB_RECURSE files "${CPACK_TEMPORARY_DIRECTORY}/*")
+foreach(file IN LISTS files)
+    if(NOT IS_SYMLINK "${file}")
+        file(READ "${file}" magic LIMIT 4 HEX)
+        if(magic STREQUAL "7f454c46") # ELF
+            file(RPATH_REMOVE FILE "${file}")
+        endif()
+    endif()
+endforeach()

@@ -1,0 +1,58 @@
+# The Debian packages, unpacked into a root of their own: complete, without a fault that lintian calls an error, and of
+# use to a consumer, an operator and a player.
+cmake_minimum_required(VERSION 3.25)
+include("${CMAKE_CURRENT_LIST_DIR}/common.cmake")
+
+file(REMOVE_RECURSE "${WORK_DIR}")
+set(packages "${WORK_DIR}/packages")
+set(root "${WORK_DIR}/root")
+execute_process(COMMAND "${CPACK_COMMAND}" --config "${BUILD_DIR}/CPackConfig.cmake" -B "${packages}"
+    WORKING_DIRECTORY "${BUILD_DIR}" COMMAND_ERROR_IS_FATAL ANY OUTPUT_QUIET)
+file(GLOB debs "${packages}/*.deb")
+list(LENGTH debs count)
+if(NOT count EQUAL 4)
+    message(FATAL_ERROR "not four packages: ${debs}")
+endif()
+run(lintian --fail-on error ${debs})
+foreach(deb IN LISTS debs)
+    run(dpkg -x "${deb}" "${root}")
+    execute_process(COMMAND dpkg -f "${deb}" Package Depends OUTPUT_FILE "${deb}.control")
+endforeach()
+file(GLOB control "${packages}/libplugininterface1_*.control")
+expect_texts("${control}" libqt5sql5-sqlite libqt5multimedia5-plugins libqt5core5a)
+file(GLOB control "${packages}/plugininterface-example_*.control")
+expect_texts("${control}" "libplugininterface1 (= 1.0.0)" qml-module-qtquick2)
+
+configure_consumer("${WORK_DIR}/build" -D "CMAKE_PREFIX_PATH=${root}/usr")
+run("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
+run("${WORK_DIR}/build/consumer")
+file(GLOB_RECURSE library "${root}/usr/lib/libplugininterface.so.1")
+cmake_path(GET library PARENT_PATH library_dir)
+set(ENV{LD_LIBRARY_PATH} "${library_dir}")
+run("${root}/usr/bin/plugininterface-data" config keys OUTPUT_QUIET)
+
+# Starts the packaged example for some seconds, in an installation that the user may write to, and keeps what it says.
+function(start_example name)
+    execute_process(COMMAND timeout 8 "${root}/usr/bin/plugininterface-example"
+        ERROR_FILE "${WORK_DIR}/${name}.log" OUTPUT_FILE "${WORK_DIR}/${name}.out" RESULT_VARIABLE result)
+    if(NOT result EQUAL 124) # of timeout
+        file(READ "${WORK_DIR}/${name}.log" log)
+        message(FATAL_ERROR "the example has ended by itself: ${result}\n${log}")
+    endif()
+endfunction()
+
+set(ENV{QT_QPA_PLATFORM} offscreen)
+start_example(complete)
+file(READ "${WORK_DIR}/complete.log" log)
+if(log MATCHES "aren't installed|isn't installed|is missing|can't be used")
+    message(FATAL_ERROR "something is missed: ${log}")
+endif()
+
+# Without the packages of which the linker knows nothing: a Qt with the plugins of the display alone.
+execute_process(COMMAND "${QMAKE}" -query QT_INSTALL_PLUGINS OUTPUT_VARIABLE plugins OUTPUT_STRIP_TRAILING_WHITESPACE
+    COMMAND_ERROR_IS_FATAL ANY)
+file(COPY "${plugins}/platforms" DESTINATION "${WORK_DIR}/plugins")
+file(WRITE "${library_dir}/plugininterface-example/Contents/Client/qt.conf" "[Paths]\nPlugins = ${WORK_DIR}/plugins\n")
+start_example(without_plugins)
+expect_texts("${WORK_DIR}/without_plugins.log" "Qt's multimedia plugins aren't installed: nothing is heard."
+    "Qt's SQLite driver isn't installed")
