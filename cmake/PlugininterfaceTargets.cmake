@@ -43,7 +43,7 @@ function(plugininterface_strict target)
         set_target_properties(${target} PROPERTIES COMPILE_WARNING_AS_ERROR ON)
     endif()
     if(PLUGININTERFACE_PRECOMPILED_HEADERS)
-        target_precompile_headers(${target} PRIVATE <QtCore> <QtNetwork> <QtSql> <QtWidgets>)
+        target_precompile_headers(${target} PRIVATE <QtCore>)
     endif()
     # A symbol that the hidden visibility hides from its user shows at the link, not at load.
     target_link_options(${target} PRIVATE $<$<PLATFORM_ID:Linux>:LINKER:--as-needed>)

@@ -28,3 +28,13 @@ on_virtual_display() {
     # shellcheck disable=SC2016
     xvfb-run -a --server-args='-screen 0 2560x1800x24' bash -c 'openbox >/dev/null 2>&1 & "$@"; result=$?; kill %1; exit $result' _ "$@"
 }
+
+# take_tour PRESET: the example client shows itself, and leaves screenshots in build/PRESET/tour.
+take_tour() {
+    say "The tour, $1"
+    local build=$PWD/build/$1 data=$PWD/examples/data
+    on_virtual_display "$build/installation/Contents/Client/tour.exe" "$build/tour" \
+        --game-server "$build/bin/gameserver" --tables "$data/tables.json" --accounts "$data/accounts.json" \
+        --web-server "$build/bin/webserver" --pictures "$data/pictures"
+    echo "Screenshots: build/$1/tour"
+}
