@@ -24,28 +24,21 @@ void SetMoney(const AccountProtocol::SAccount &account)
     user->SetPlayMoney(account.mvPlay);
 }
 
-// The account's data goes first, so that whoever hears of the logout finds nothing of it.
-void EndLogin()
-{
-    CUserInfo *user = CUserInfo::GetInstance();
-    user->SetUsername(QString());
-    user->SetPasswordHashed(QString());
-    user->SetLoginTime(0);
-    user->SetLoginBalance(0);
-    SetMoney({});
-    user->SetLoggedIn(QString());
-}
-
-// The account's data is there when the login is signalled.
-void BeginLogin(const AccountProtocol::SAccount &account, const QString &hash)
+// The account's data is there when the login is signalled. At a logout, that of no account, it is gone by then.
+void SetAccount(const AccountProtocol::SAccount &account, const QString &hash, quint32 loginTime)
 {
     CUserInfo *user = CUserInfo::GetInstance();
     user->SetUsername(account.strNickname);
     user->SetPasswordHashed(hash);
-    user->SetLoginTime(CCasinoTime::GetInstance()->GetTimeUTCServer());
+    user->SetLoginTime(loginTime);
     user->SetLoginBalance(account.mvReal);
     SetMoney(account);
     user->SetLoggedIn(account.strNickname);
+}
+
+void EndLogin()
+{
+    SetAccount({}, QString(), 0);
 }
 
 } // namespace
@@ -130,7 +123,7 @@ void CSession::OnAccepted(const AccountProtocol::SAccount &account)
     } else {
         if (user->IsLoggedIn())
             EndLogin();
-        BeginLogin(account, m_asked.strHash);
+        SetAccount(account, m_asked.strHash, CCasinoTime::GetInstance()->GetTimeUTCServer());
     }
     Q_EMIT signal_LoggedIn();
 }
