@@ -20,16 +20,24 @@ constexpr int MESSAGE_LINES = 3;
 CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     : QDialog(parent)
     , m_host(host)
-    , m_pNickname(CreateField<QLineEdit>(this, "loginNickname"))
-    , m_pPassword(CreateField<QLineEdit>(this, "loginPassword"))
-    , m_pMessage(CreateField<QLabel>(this, "loginMessage"))
 {
+    auto *form = new QFormLayout(this);
+    m_pNickname = AddFormField<QLineEdit>(form, "LOGIN_NICKNAME", "loginNickname");
     m_pNickname->setText(CSettings::GetInstance()->GetLastUserName());
     m_pNickname->setMinimumWidth(fontMetrics().averageCharWidth() * FIELD_CHARACTERS);
+    m_pPassword = AddFormField<QLineEdit>(form, "LOGIN_PASSWORD", "loginPassword");
     m_pPassword->setEchoMode(QLineEdit::Password);
+    m_pMessage = CreateField<QLabel>(this, "loginMessage");
     m_pMessage->setWordWrap(true);
     m_pMessage->setMinimumHeight(fontMetrics().lineSpacing() * MESSAGE_LINES);
-    Arrange();
+    form->addRow(m_pMessage);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    form->addRow(buttons);
+    Texts::Bind(buttons->button(QDialogButtonBox::Ok), &QPushButton::setText, "LOGIN_TITLE");
+    Texts::Bind(buttons->button(QDialogButtonBox::Cancel), &QPushButton::setText, "LOGIN_CANCEL");
+    connect(buttons, &QDialogButtonBox::accepted, this, &CLoginDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &CLoginDialog::reject);
+    (m_pNickname->text().isEmpty() ? m_pNickname : m_pPassword)->setFocus();
     Texts::Bind(this, &QWidget::setWindowTitle, "LOGIN_TITLE");
     Texts::Follow(this, [this] { ShowMessage(m_strMessageKey); });
     const auto showLink = [this] {
@@ -43,22 +51,6 @@ CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
         CSettings::GetInstance()->SetLastUserName(CUserInfo::GetInstance()->GetNickname());
         QDialog::accept();
     });
-}
-
-void CLoginDialog::Arrange()
-{
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    Texts::Bind(buttons->button(QDialogButtonBox::Ok), &QPushButton::setText, "LOGIN_TITLE");
-    Texts::Bind(buttons->button(QDialogButtonBox::Cancel), &QPushButton::setText, "LOGIN_CANCEL");
-    connect(buttons, &QDialogButtonBox::accepted, this, &CLoginDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &CLoginDialog::reject);
-
-    auto *form = new QFormLayout(this);
-    AddFormField(form, "LOGIN_NICKNAME", m_pNickname);
-    AddFormField(form, "LOGIN_PASSWORD", m_pPassword);
-    form->addRow(m_pMessage);
-    form->addRow(buttons);
-    (m_pNickname->text().isEmpty() ? m_pNickname : m_pPassword)->setFocus();
 }
 
 void CLoginDialog::accept()

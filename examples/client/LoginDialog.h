@@ -20,7 +20,6 @@ public:
     void reject() override;
 
 private:
-    void Arrange();
     void ShowMessage(const QString &key);
     void ShowRefusal(const QString &key);
 
