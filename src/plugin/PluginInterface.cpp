@@ -1,15 +1,45 @@
 #include "PluginInterface.h"
 
 #include <plugin/EventAfterLogin_p.h>
+#include <plugin/EventTable_p.h>
 #include <plugin/PacketLayerWrapper.h>
 
 #include <QtEndian>
 
+#include <cstring>
 #include <limits>
 
 namespace {
 
+namespace Events {
+
+struct STags
+{
+    char tag1[sizeof CEvent::tag1 + 1];
+    char tag2[sizeof CEvent::tag2 + 1];
+};
+
+#define EVENT_TAGS(Name, first, second, payload, meaning) constexpr STags Name{first, second};
+EVENT_TABLE(EVENT_TAGS)
+#undef EVENT_TAGS
+
+} // namespace Events
+
 constexpr int MAX_COUNTED_BYTES = std::numeric_limits<quint16>::max();
+
+CEvent CreateEvent(const Events::STags &tags, const QByteArray &data = QByteArray())
+{
+    CEvent event;
+    std::memcpy(event.tag1, tags.tag1, sizeof event.tag1);
+    std::memcpy(event.tag2, tags.tag2, sizeof event.tag2);
+    event.data = data;
+    return event;
+}
+
+bool IsEvent(const CEvent &event, const Events::STags &tags)
+{
+    return event.HasTags(tags.tag1, tags.tag2);
+}
 
 template <typename Number>
 void AppendLittleEndian(QByteArray &data, Number value)
@@ -105,38 +135,40 @@ void CPluginInterfaceFunctions::SendInternEvent(unsigned char moduleID, unsigned
 
 void CPluginInterfaceFunctions::SendToServer(char *data, int length, bool afterLogin)
 {
-    SendPacketBytes(QStringLiteral("RSRV"), data, length, afterLogin);
+    SendPacketBytes(CreateEvent(Events::ServerPacket), data, length, afterLogin);
 }
 
 void CPluginInterfaceFunctions::SendToServer(const char *group, unsigned char moduleID, unsigned int targetID,
                                              const char *data, int length, bool afterLogin)
 {
-    SendFramed(QStringLiteral("RSRV"), CPacketLayerWrapper(group, moduleID, targetID), data, length, afterLogin);
+    SendFramed(CreateEvent(Events::ServerPacket), CPacketLayerWrapper(group, moduleID, targetID), data, length,
+               afterLogin);
 }
 
 void CPluginInterfaceFunctions::SendToWebServer(const char *data, int length, bool afterLogin)
 {
-    SendPacketBytes(QStringLiteral("RWEB"), data, length, afterLogin);
+    SendPacketBytes(CreateEvent(Events::WebPacket), data, length, afterLogin);
 }
 
 void CPluginInterfaceFunctions::SendToWebServer(const char *group, unsigned char moduleID, unsigned int targetID,
                                                 const char *data, int length, bool afterLogin)
 {
-    SendFramed(QStringLiteral("RWEB"), CPacketLayerWrapper(group, moduleID, targetID), data, length, afterLogin);
+    SendFramed(CreateEvent(Events::WebPacket), CPacketLayerWrapper(group, moduleID, targetID), data, length,
+               afterLogin);
 }
 
 void CPluginInterfaceFunctions::OpenWebPage(WebLinks::id link, bool afterLogin)
 {
     QByteArray data;
     AppendLittleEndian<qint32>(data, link);
-    SendToHost(QStringLiteral("WLID"), data, afterLogin);
+    SendInternEvent(CreateEvent(Events::WebPage, data), afterLogin);
 }
 
 void CPluginInterfaceFunctions::OpenWebPage(const QString &link, bool afterLogin)
 {
     if (link.isEmpty())
         return;
-    SendToHost(QStringLiteral("WLNK"), link.toUtf8(), afterLogin);
+    SendInternEvent(CreateEvent(Events::WebAddress, link.toUtf8()), afterLogin);
 }
 
 void CPluginInterfaceFunctions::OpenWebPage(const QString &first, const QString &second, bool afterLogin)
@@ -144,29 +176,29 @@ void CPluginInterfaceFunctions::OpenWebPage(const QString &first, const QString 
     QByteArray data;
     AppendCounted(data, second.left(MAX_COUNTED_BYTES).toLatin1());
     AppendCounted(data, first.left(MAX_COUNTED_BYTES).toLatin1());
-    SendToHost(QStringLiteral("WEBW"), data, afterLogin);
+    SendInternEvent(CreateEvent(Events::WebTexts, data), afterLogin);
 }
 
 void CPluginInterfaceFunctions::OpenLoginDialog()
 {
-    SendToHost(QStringLiteral("LGND"), QByteArray(), false);
+    SendInternEvent(CreateEvent(Events::LoginDialog), false);
 }
 
 void CPluginInterfaceFunctions::RequestCashierInformation()
 {
-    SendToHost(QStringLiteral("RQCI"), QByteArray(), true);
+    SendInternEvent(CreateEvent(Events::Cashier), true);
 }
 
 void CPluginInterfaceFunctions::RequestShutDown()
 {
-    SendToHost(QStringLiteral("RSHD"), QByteArray(), false);
+    SendInternEvent(CreateEvent(Events::ShutDown), false);
 }
 
 void CPluginInterfaceFunctions::AddDesignerPage(const QString &name, QWidget *page)
 {
     if (name.isEmpty() || !page)
         return;
-    CEvent event = CEvent::Create(QStringLiteral("DESI"), QStringLiteral("ADDW"));
+    CEvent event = CreateEvent(Events::DesignerPage);
     AppendCounted(event.data, ToUtf8WithinCount(name));
     event.widget = page;
     SendInternEvent(event, false);
@@ -174,35 +206,29 @@ void CPluginInterfaceFunctions::AddDesignerPage(const QString &name, QWidget *pa
 
 void CPluginInterfaceFunctions::slot_ReceiveEvent(CEvent e)
 {
-    if (e.HasTags("M2PE", "SCOE"))
+    if (IsEvent(e, Events::LinkEstablished))
         ConnectionEstablished(ReadLittleEndian<quint16>(e.data));
-    else if (e.HasTags("M2PE", "SCOC"))
+    else if (IsEvent(e, Events::LinkChanged))
         ConnectionStateChanged(static_cast<EConnectionState::type>(ReadLittleEndian<qint32>(e.data)));
-    else if (e.HasTags("M2PE", "LGNF"))
+    else if (IsEvent(e, Events::LoginRefused))
         LoginFailed(TextUpToZero(e.data));
     else
         ReceiveEvent(e);
 }
 
-void CPluginInterfaceFunctions::SendToHost(const QString &tag2, const QByteArray &data, bool afterLogin)
-{
-    CEvent event = CEvent::Create(QStringLiteral("P2ME"), tag2);
-    event.data = data;
-    SendInternEvent(event, afterLogin);
-}
-
-void CPluginInterfaceFunctions::SendPacketBytes(const QString &tag2, const char *data, int length, bool afterLogin)
+void CPluginInterfaceFunctions::SendPacketBytes(CEvent event, const char *data, int length, bool afterLogin)
 {
     if (length < 0 || (!data && length > 0))
         return;
-    SendToHost(tag2, QByteArray(data, length), afterLogin);
+    event.data = QByteArray(data, length);
+    SendInternEvent(event, afterLogin);
 }
 
-void CPluginInterfaceFunctions::SendFramed(const QString &tag2, CPacketLayerWrapper packet, const char *data,
+void CPluginInterfaceFunctions::SendFramed(const CEvent &event, CPacketLayerWrapper packet, const char *data,
                                            int length, bool afterLogin)
 {
     if (packet.AddPacket(data, static_cast<unsigned short>(length)))
-        SendPacketBytes(tag2, packet.GetPacket(), packet.GetPacketSize(), afterLogin);
+        SendPacketBytes(event, packet.GetPacket(), packet.GetPacketSize(), afterLogin);
 }
 
 CPluginInterface::CPluginInterface() = default;

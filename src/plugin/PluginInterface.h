@@ -35,12 +35,14 @@ public:
     CPluginInterfaceFunctions();
     ~CPluginInterfaceFunctions() override;
 
-    // What arrives at a plugin; see CPluginInterface.
+    /// What arrives at a plugin, see the same operation of CPluginInterface.
+    /// @{
     virtual void ReceiveEvent(CEvent e) = 0;
     virtual void RegisterForEvents() = 0;
     virtual void ConnectionEstablished(unsigned short value) = 0;
     virtual void ConnectionStateChanged(EConnectionState::type state) = 0;
     virtual void LoginFailed(QString message) = 0;
+    /// @}
 
     /// \name For the host
     /// @{
@@ -71,8 +73,9 @@ public:
     /// long for a packet, more than 32754 bytes, sends nothing.
     void SendToServer(const char *group, unsigned char moduleID, unsigned int targetID, const char *data, int length,
                       bool afterLogin);
-    /// The same two for the web server.
+    /// As SendToServer(), for the web server.
     void SendToWebServer(const char *data, int length, bool afterLogin);
+    /// As SendToServer(), for the web server.
     void SendToWebServer(const char *group, unsigned char moduleID, unsigned int targetID, const char *data,
                          int length, bool afterLogin);
 
@@ -83,6 +86,7 @@ public:
     /// Opens a page that takes two texts, of which at most 65535 Latin-1 characters each are sent.
     void OpenWebPage(const QString &first, const QString &second, bool afterLogin);
 
+    /// Asks for the login dialog, also while somebody is logged in.
     void OpenLoginDialog();
     /// Asks for the account's balances, behind a login.
     void RequestCashierInformation();
@@ -107,9 +111,8 @@ private Q_SLOTS:
     void slot_ReceiveEvent(CEvent e);
 
 private:
-    void SendToHost(const QString &tag2, const QByteArray &data, bool afterLogin);
-    void SendPacketBytes(const QString &tag2, const char *data, int length, bool afterLogin);
-    void SendFramed(const QString &tag2, CPacketLayerWrapper packet, const char *data, int length, bool afterLogin);
+    void SendPacketBytes(CEvent event, const char *data, int length, bool afterLogin);
+    void SendFramed(const CEvent &event, CPacketLayerWrapper packet, const char *data, int length, bool afterLogin);
 };
 
 /// The base of every plugin. The host creates the object from the plugin's file, connects its signals, and calls in
