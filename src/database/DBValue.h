@@ -8,6 +8,7 @@
 /// Typed conversions of database values. No state, any thread.
 namespace DBValue {
 
+/// The kinds of values, with the numbers that databases hold.
 enum DBConfigType : qint32 {
     DBT_Bool = 0,
     DBT_Int = 1,
@@ -15,12 +16,14 @@ enum DBConfigType : qint32 {
     DBT_String = 3,
 };
 
-/// Each converts \a value and answers whether that worked; \a type has no effect. For ToBool() everything but
+/// Converts \a value and answers whether that worked; \a type has no effect. For ToBool() everything but
 /// "false", "off", "no" and "0", in any case, is true.
+/// @{
 PLUGININTERFACE_EXPORT bool ToBool(bool &out, const QVariant &value, DBConfigType type);
 PLUGININTERFACE_EXPORT bool ToInt(int &out, const QVariant &value, DBConfigType type);
 PLUGININTERFACE_EXPORT bool ToDouble(double &out, const QVariant &value, DBConfigType type);
 PLUGININTERFACE_EXPORT bool ToString(QString &out, const QVariant &value, DBConfigType type);
+/// @}
 
 /// The kind of a variant; all but bool, int and double are strings.
 PLUGININTERFACE_EXPORT DBConfigType ToType(const QVariant &value);

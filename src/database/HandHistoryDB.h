@@ -10,10 +10,12 @@ class PLUGININTERFACE_EXPORT CHandHistoryDB : public CLocalDB
 public:
     /// Creates the object on first use and opens nothing; the library owns it.
     static CHandHistoryDB *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// Deletes the object at once; its connection stays open.
     static void DestroyInstance();
 
+    /// The one table, a row for each hand.
     static const QString strTableName;
 
 protected:

@@ -11,13 +11,14 @@ class PLUGININTERFACE_EXPORT CLobbyListDB : public CLocalDB
 public:
     /// Creates the object on first use and opens nothing; the library owns it.
     static CLobbyListDB *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// Deletes the object at once; its connection stays open.
     static void DestroyInstance();
 
-    static const QString strTableNameTable;
-    static const QString strTableNameSNG;
-    static const QString strTableNameTourn;
+    static const QString strTableNameTable; ///< Tables of ring games.
+    static const QString strTableNameSNG;   ///< Sit-and-gos.
+    static const QString strTableNameTourn; ///< Tournaments.
 
 protected:
     unsigned int GetMaxVersion() override;

@@ -33,6 +33,8 @@ public:
     /// Called again on an open file it does nothing and answers true, also where the climb has failed before. A file
     /// that another program has locked is waited for, up to 5 s a statement.
     bool Init();
+    /// Whether the file is open. The driver opens a connection that is known but closed, as after an Init() that
+    /// couldn't open it.
     bool IsOpen();
 
     /// Creates the table \a name by the whole CREATE statement \a sql. A table whose stored statement equals it to
@@ -47,7 +49,9 @@ public:
     bool SelectAll(QList<QHash<QString, QVariant>> &rows, QString table, QList<QString> fields,
                    QHash<QString, QVariant> where, unsigned int limit);
 
+    /// False also for a row whose key is there already.
     bool Insert(QString table, QHash<QString, QVariant> values);
+    /// A row that is there is replaced as a whole: columns that \a values lacks get their defaults.
     bool InsertOrReplace(QString table, QHash<QString, QVariant> values);
     /// Updates what fits \a where, or inserts \a values, to which the columns of \a where are not added.
     bool InsertOrUpdate(QString table, QHash<QString, QVariant> values, QHash<QString, QVariant> where);
@@ -56,6 +60,7 @@ public:
     /// An empty \a where means every row.
     bool Delete(QString table, QHash<QString, QVariant> where);
 
+    /// Runs one statement of the caller's own, whose values are escaped, see Escape().
     bool Exec(const QString &sql);
     /// A forward-only query on the connection, open or not, for what the operations above don't cover. Let it end
     /// before EndTransaction(): a running selection keeps the file locked.

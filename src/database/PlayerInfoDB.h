@@ -10,12 +10,13 @@ class PLUGININTERFACE_EXPORT CPlayerInfoDB : public CLocalDB
 public:
     /// Creates the object on first use and opens nothing; the library owns it.
     static CPlayerInfoDB *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// Deletes the object at once; its connection stays open.
     static void DestroyInstance();
 
-    static const QString strTableNameInfo;
-    static const QString strTableNameTags;
+    static const QString strTableNameInfo; ///< A row for each user and player.
+    static const QString strTableNameTags; ///< Unused by the library, whose tags are the setting `playertags`.
 
 protected:
     unsigned int GetMaxVersion() override;

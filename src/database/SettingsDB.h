@@ -10,10 +10,12 @@ class PLUGININTERFACE_EXPORT CSettingsDB : public CLocalDB
 public:
     /// Creates the object on first use and opens nothing; the library owns it.
     static CSettingsDB *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// Deletes the object at once; its connection stays open.
     static void DestroyInstance();
 
+    /// The one table, a row for each user, area and key.
     static const QString strTableName;
 
 protected:

@@ -28,6 +28,7 @@ public:
         MC_UserInterface = 4,
     };
 
+    /// How bad it is. Hosts and plugins may use further values here too.
     enum EMessageLevel : qint32 {
         ML_Debug = 0,
         ML_Info = 1,
@@ -35,18 +36,20 @@ public:
         ML_Error = 3,
     };
 
+    /// A message as it is kept.
     struct SConsoleMessage
     {
-        QDateTime dtTimestamp; ///< Local time at which the message was added.
-        QString strMessage;
-        QString strDetail; ///< The caller's, opaque to the console.
-        EMessageCategory eCategory = MC_General;
-        EMessageLevel eLevel = ML_Debug;
-        int iDetail = -1; ///< The caller's, opaque to the console.
+        QDateTime dtTimestamp;                   ///< Local time at which the message was added.
+        QString strMessage;                      ///< For people to read.
+        QString strDetail;                       ///< The caller's, opaque to the console.
+        EMessageCategory eCategory = MC_General; ///< Where it comes from.
+        EMessageLevel eLevel = ML_Debug;         ///< How bad it is.
+        int iDetail = -1;                        ///< The caller's, opaque to the console.
     };
 
     /// Creates the singleton on first use; the library owns it.
     static CConsole *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop; its messages stay.
     static void DestroyInstance();
@@ -61,6 +64,7 @@ public:
     static void Clear();
 
 Q_SIGNALS:
+    /// A message was added; it is the last of GetMessages().
     void signal_MessageAdded(const SConsoleMessage &message);
 
 private:

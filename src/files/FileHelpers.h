@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+/// \file
 /// Helpers for whole files and small texts. No state, any thread.
 namespace Globals {
 

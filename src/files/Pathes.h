@@ -18,47 +18,73 @@
 /// not cleaned up: it keeps its "/.." parts. Nothing is created. Any thread but for ToCommonRes().
 namespace Pathes {
 
-inline constexpr char ICON_FILE[] = "icon.ico";
-inline constexpr char MAIN_EXE_FILE[] = "main.exe";
-inline constexpr char RSYNC_FILE[] = "rsyncqt.exe";
-inline constexpr char STARTER_EXE_FILE[] = "starter.exe";
-inline constexpr char STARTER_TMP_EXE_FILE[] = "startertmp.exe";
+inline constexpr char ICON_FILE[] = "icon.ico";                  ///< The brand's icon.
+inline constexpr char MAIN_EXE_FILE[] = "main.exe";              ///< The client.
+inline constexpr char RSYNC_FILE[] = "rsyncqt.exe";              ///< The update tool.
+inline constexpr char STARTER_EXE_FILE[] = "starter.exe";        ///< What updates and starts the client.
+inline constexpr char STARTER_TMP_EXE_FILE[] = "startertmp.exe"; ///< A starter that is to replace the other.
 
 /// The process's current directory.
 PLUGININTERFACE_EXPORT QString Binary();
+/// The folder around Client, Resources and Tmp.
 PLUGININTERFACE_EXPORT QString Contents();
+/// The folder around Contents.
 PLUGININTERFACE_EXPORT QString Root();
+/// Contents/Client
 PLUGININTERFACE_EXPORT QString Client();
+/// Contents/Frameworks
 PLUGININTERFACE_EXPORT QString Frameworks();
+/// Contents/Resources
 PLUGININTERFACE_EXPORT QString Resources();
+/// Contents/Tmp
 PLUGININTERFACE_EXPORT QString Tmp();
 
+/// brand/Qt of the resources: what is the brand's own.
 PLUGININTERFACE_EXPORT QString Brand();
+/// common/Qt of the resources: what all brands share.
 PLUGININTERFACE_EXPORT QString Common();
+/// common/Qt of the brand, whose files go before those of Common().
 PLUGININTERFACE_EXPORT QString CommonBrand();
+/// fonts of Common().
 PLUGININTERFACE_EXPORT QString Fonts();
+/// designer of the resources.
 PLUGININTERFACE_EXPORT QString DesignerStyleDir();
 
-/// The two databases that an installation brings along.
+/// A database that an installation brings along.
+/// @{
 PLUGININTERFACE_EXPORT QString ConfigDB();
 PLUGININTERFACE_EXPORT QString LanguageDB();
-/// The four databases of the users.
+/// @}
+/// A database of the users, in Tmp().
+/// @{
 PLUGININTERFACE_EXPORT QString SettingsDB();
 PLUGININTERFACE_EXPORT QString PlayerInfoDB();
 PLUGININTERFACE_EXPORT QString LobbyListDB();
 PLUGININTERFACE_EXPORT QString HandHistoryDB();
+/// @}
 
+/// logs of Tmp().
 PLUGININTERFACE_EXPORT QString Log();
+/// Plugins of Client().
 PLUGININTERFACE_EXPORT QString Plugins();
+/// The client in Client().
 PLUGININTERFACE_EXPORT QString MainExe();
+/// The starter in Client().
 PLUGININTERFACE_EXPORT QString StarterExe();
+/// The new starter in Client().
 PLUGININTERFACE_EXPORT QString StarterTmpExe();
+/// The icon in Brand().
 PLUGININTERFACE_EXPORT QString Icon();
+/// style.css in Brand().
 PLUGININTERFACE_EXPORT QString StarterStyleCss();
 
+/// rsyncbin of Frameworks(): the update tool as it is installed.
 PLUGININTERFACE_EXPORT QString RSyncDir();
+/// The tool in RSyncDir().
 PLUGININTERFACE_EXPORT QString RSync();
+/// rsyncbin of Tmp(): a copy of the tool, which an update may replace.
 PLUGININTERFACE_EXPORT QString RSyncTmpDir();
+/// The tool in RSyncTmpDir().
 PLUGININTERFACE_EXPORT QString RSyncTmp();
 
 /// The folder of all variants of the theme \a name.

@@ -19,6 +19,8 @@ class PLUGININTERFACE_EXPORT CCasinoInfo : public QObject
 {
     Q_OBJECT
 
+    /// For QML, each as its getter says.
+    /// @{
     Q_PROPERTY(int currentPlayers READ GetPokerPlayerCount NOTIFY signal_CurrentPlayersChanged)
     Q_PROPERTY(int currentTables READ GetPokerTableCount NOTIFY signal_CurrentTablesChanged)
     Q_PROPERTY(int currentTournaments READ GetPokerTournamentCount NOTIFY signal_CurrentTournamentsChanged)
@@ -31,13 +33,16 @@ class PLUGININTERFACE_EXPORT CCasinoInfo : public QObject
     Q_PROPERTY(bool upgradeAvailable READ IsUpgradeAvailable NOTIFY signal_IsUpgradeAvailableChanged)
     Q_PROPERTY(bool showPlayerAndTableCounts READ IsShowPlayerAndTableCounts CONSTANT)
     Q_PROPERTY(QObject *jackpotSpinner READ GetBadBeatJackpotSpinner CONSTANT)
+    /// @}
 
 public:
+    /// Makes an object beside the shared one.
     explicit CCasinoInfo(QObject *parent = nullptr);
     ~CCasinoInfo() override;
 
     /// Creates the object on first use; the library owns it.
     static CCasinoInfo *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();
@@ -46,48 +51,68 @@ public:
     /// the one that bears the casino's former name.
     void InitCasinoInfo();
 
+    /// How much is going on in the whole casino. A setter signals a number that differs.
+    /// @{
     unsigned int GetPokerPlayerCount() const;
     void SetPokerPlayerCount(unsigned int count);
     unsigned int GetPokerTableCount() const;
     void SetPokerTableCount(unsigned short count);
     unsigned int GetPokerTournamentCount() const;
     void SetPokerTournamentCount(unsigned short count);
+    /// @}
 
     /// \a moneyCode is the server's letter of a money type, \a value in its smallest unit.
     void SetBadBeatJackpot(char moneyCode, unsigned int value);
+    /// In the smallest unit of its type; 0 until the host has set one.
     unsigned int GetBadBeatJackpotValue() const;
+    /// MONEYTYPE_EURO until the host has set one.
     GlobalDefines::MoneyType GetBadBeatJackpotMoneyType() const;
     /// The currency's sign.
     QString GetBadBeatJackpotCurrency() const;
+    /// The amount for the screen, with its sign and in groups of three digits.
     QString BadBeatJackpotToString() const;
+    /// The operator's page about it, the configuration's `link_bbj`; empty if there is none.
     QString GetBadBeatJackpotLink() const;
+    /// Whether the operator has such a page.
     bool HasBadBeatJackpotLink() const;
     /// The display that runs to each new value. It lives as long as this object.
     CMoneySpinner *GetBadBeatJackpotSpinner();
 
+    /// Whether the operator shows a jackpot.
     bool UsesJackpot() const;
+    /// Whether the operator has no real money.
     bool IsPlaymoneyOnly() const;
+    /// Whether the operator has a page on which an account for play money becomes one for real money.
     bool IsUpgradeAvailable() const;
+    /// Whether the operator lets the counts above be shown.
     bool IsShowPlayerAndTableCounts() const;
 
     /// A cell of a rating table: \a row is a rating from 0 to 5, \a column 0 or 1; neither is checked. All cells are
     /// 0 before InitCasinoInfo().
     unsigned char GetRatingSetting(unsigned char row, unsigned char column) const;
+    /// The same of the table of warnings.
     unsigned char GetRatingWarningSetting(unsigned char row, unsigned char column) const;
 
     /// The user's folder in the documents; empty without a login, and before InitCasinoInfo().
     QString GetPersonalDirPath() const;
 
 Q_SIGNALS:
+    /// Another amount.
     void signal_BadBeatJackpotChanged(unsigned int value);
+    /// Another currency; the amount that belongs to it comes next.
     void signal_BadBeatJackpotCurrencyChanged(GlobalDefines::MoneyType type);
-    // The library never emits these three.
+    /// Never emitted by the library: what the operator has set up stays.
+    /// @{
     void signal_usesJackpotChanged();
     void signal_IsPlaymoneyOnlyChanged();
     void signal_IsUpgradeAvailableChanged();
+    /// @}
+    /// Another number than before.
+    /// @{
     void signal_CurrentPlayersChanged();
     void signal_CurrentTablesChanged();
     void signal_CurrentTournamentsChanged();
+    /// @}
 
 private:
     static constexpr int RATINGS = 6;

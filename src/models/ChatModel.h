@@ -16,22 +16,25 @@ class PLUGININTERFACE_EXPORT CChatModel : public QObject
     Q_OBJECT
 
 public:
+    /// What the user has chosen for chats.
     struct SSettings
     {
-        bool bOption = false;
+        bool bOption = false;   ///< The views', opaque here.
         int iObserverLevel = 3; ///< 3 with the chat of observers, 2 without, 1 less than that.
-        int iLevel = 3;
+        int iLevel = 3;         ///< The views', opaque here.
 
+        /// All three alike.
         bool operator==(const SSettings &other) const
         {
             return bOption == other.bOption && iObserverLevel == other.iObserverLevel && iLevel == other.iLevel;
         }
     };
 
+    /// The picture of a smiley.
     struct SSmiley
     {
-        QString strFile;
-        bool bAnimate = false;
+        QString strFile;       ///< Path of a picture that was there when the list was read.
+        bool bAnimate = false; ///< Whether it moves.
     };
 
     CChatModel();
@@ -39,10 +42,12 @@ public:
 
     /// Creates the object on first use; the library owns it.
     static CChatModel *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();
 
+    /// Those in force, the operator's rule applied.
     CChatModel::SSettings GetSettings() const;
     /// Stores and signals settings that differ, once the operator's rule is applied to them.
     void SetSettings(CChatModel::SSettings settings);
@@ -57,7 +62,9 @@ public:
     void LoadSmileyConfig(const QString &file);
 
 Q_SIGNALS:
+    /// A list of smileys was read.
     void signal_SmileysChanged();
+    /// Settings that differ are in force, set or loaded.
     void signal_SettingsChanged();
 
 private Q_SLOTS:

@@ -17,6 +17,7 @@ class PLUGININTERFACE_EXPORT CPlayerDataModel : public QObject
     DATA_MODEL_WATCHED_FIELDS(CPlayerDataModel, PLAYER_DATA_TABLE)
 
 public:
+    /// All fields at their defaults.
     explicit CPlayerDataModel(QObject *parent = nullptr);
     ~CPlayerDataModel() override;
 

@@ -15,6 +15,7 @@ class PLUGININTERFACE_EXPORT CPlayerLists
 public:
     /// Creates the object on first use; the library owns it.
     static CPlayerLists *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// Deletes the object at once; the models stay.
     static void DestroyInstance();
@@ -30,9 +31,12 @@ public:
     void RemoveFromBuddyList(const QString &nickname);
     /// The list itself, not a copy; it may hold null.
     QList<CPlayerModel *> *GetBuddyList();
+    /// A walk over the list, which leaves out null.
+    /// @{
     int GetOnlineBuddiesCount() const;
     int GetOfflineBuddiesCount() const;
-    /// Empties the list and leaves the models as they are.
+    /// @}
+    /// Empties the list and leaves the models as they are; what waits to be stored of them is stored before.
     void ResetBuddyList();
 
 private:

@@ -40,12 +40,15 @@ public:
 
     /// Creates the model if there is none; never null.
     static CPlayerModel *GetInstance(QString nickname);
+    /// Whether there is a model of that nickname; creates none.
     static bool IsExisting(QString nickname);
-    /// Walks over all models.
+    /// Whether the table has that model, which may be a pointer to one that has ended. Walks over all models.
     static bool IsExisting(CPlayerModel *model);
+    /// Takes the model out of the table, without storing what the user has changed of it last.
     static void DestroyInstance(QString nickname);
-    /// Walks over all models.
+    /// The same by the model; does nothing with one that isn't in the table. Walks over all models.
     static void DestroyInstance(CPlayerModel *model);
+    /// The same with all models.
     static void DestroyInstances();
 
     /// Takes over what was stored of the player, as if each value had been set.

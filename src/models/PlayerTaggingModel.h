@@ -30,6 +30,7 @@ public:
 
     /// Creates the object on first use; the library owns it.
     static CPlayerTaggingModel *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();
@@ -49,18 +50,22 @@ public:
     /// The picture that a tag of this colour has.
     QIcon GetIcon(QColor color) const;
 
-    /// Both change what is in memory of a tag from 1 on; Save() stores it and tells.
+    /// Changes what is in memory of a tag from 1 on; Save() stores it and tells. Does nothing without a login.
+    /// @{
     void SetColor(unsigned int index, const QColor &color);
     void SetText(unsigned int index, const QString &text);
+    /// @}
 
     /// Lays the stored tags, or else, or without \a fromSettings, the operator's over those here. What isn't stored
     /// stays. Text that can't be read changes nothing.
     void Load(bool fromSettings);
+    /// Stores all tags in the user's settings. Does nothing without a login.
     void Save();
     /// The built-in tags and over them the operator's, stored.
     void RestoreDefault();
 
 Q_SIGNALS:
+    /// Tags were loaded, stored or reset; not at a SetColor() or SetText().
     void signal_PlayerTagsChanged();
 
 private Q_SLOTS:

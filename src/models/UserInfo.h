@@ -17,6 +17,7 @@ class PLUGININTERFACE_EXPORT CUserInfo : public CUserInfoDataModel
     Q_OBJECT
 
 public:
+    /// Which pictures of players are shown.
     enum EAvatarDisplayMode : int {
         ADM_NoAvatars = 0,
         ADM_CartoonAvatars = 1,
@@ -34,11 +35,13 @@ public:
     };
     Q_ENUM(EPlayerStates)
 
+    /// Makes an object beside the shared one.
     explicit CUserInfo(QObject *parent = nullptr);
     ~CUserInfo() override;
 
     /// Creates the object on first use; the library owns it.
     static CUserInfo *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();
@@ -53,12 +56,16 @@ public:
     /// The name under which all that is the user's own is stored and sent; empty if nobody is logged in.
     QString GetNickname() const;
 
+    /// For the host: the user takes part; once more does nothing.
     void AddTournament(unsigned int id);
+    /// For the host: the user takes part no more.
     void RemoveTournament(unsigned int id);
+    /// Whether the user takes part.
     bool IsInTournament(unsigned int id) const;
 
-    /// \a position counts from 1; a later one replaces it.
+    /// For the host: the user waits at a table. \a position counts from 1; a later one replaces it.
     void AddWaitingListTable(unsigned int table, unsigned char position);
+    /// For the host: the user waits there no more.
     void RemoveWaitingListTable(unsigned int table);
     /// 0 if the user isn't on that table's list.
     unsigned char GetPositionOnWaitingList(unsigned int table) const;

@@ -19,6 +19,7 @@ class PLUGININTERFACE_EXPORT CUserInfoDataModel : public QObject
     DATA_MODEL_FIELDS(CUserInfoDataModel, USER_INFO_DATA_TABLE)
 
 public:
+    /// All fields at their defaults.
     explicit CUserInfoDataModel(QObject *parent = nullptr);
     ~CUserInfoDataModel() override;
 

@@ -19,6 +19,7 @@ class PLUGININTERFACE_EXPORT CMoneySpinner : public CMoneySpinnerDataModel
     Q_PROPERTY(uint value READ GetValue WRITE SetValue)
 
 public:
+    /// Displays \a value at once, in hundredths.
     CMoneySpinner(unsigned int value, GlobalDefines::MoneyType moneytype, QObject *parent = nullptr);
     /// 0, without a currency.
     explicit CMoneySpinner(QObject *parent = nullptr);
@@ -33,6 +34,7 @@ public Q_SLOTS:
     /// Runs to an amount in half a second; jumps there if the user wants no animations. A run that is under way
     /// goes on between what is displayed and the new amount.
     void slot_SetValue(unsigned int value);
+    /// Displays the currency's sign in the language of the moment; the amount stays.
     void slot_SetMoneyType(GlobalDefines::MoneyType moneytype);
 
 private Q_SLOTS:

@@ -16,6 +16,7 @@ class PLUGININTERFACE_EXPORT CMoneySpinnerDataModel : public QObject
     DATA_MODEL_FIELDS(CMoneySpinnerDataModel, MONEY_SPINNER_DATA_TABLE)
 
 public:
+    /// All fields at their defaults.
     explicit CMoneySpinnerDataModel(QObject *parent = nullptr);
     ~CMoneySpinnerDataModel() override;
 

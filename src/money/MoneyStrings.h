@@ -5,6 +5,7 @@
 
 #include <QString>
 
+/// \file
 /// Amounts of money as players read and write them.
 ///
 /// An amount is an unsigned number of hundredths of its currency; for the chips of MONEYTYPE_PLAY and
@@ -14,18 +15,24 @@
 namespace Globals {
 
 /// The sign of a currency; empty for points, tournament chips and unknown types, which have none.
+/// @{
 PLUGININTERFACE_EXPORT QString MoneyTypeToString(GlobalDefines::MoneyType type);
 PLUGININTERFACE_EXPORT QString MoneyTypeToString(char type);
+/// @}
 
 /// An amount for the screen: sign and number, cents only where there are any, and with \a thousands the whole number
 /// in groups of three digits.
+/// @{
 PLUGININTERFACE_EXPORT QString MoneyToString(GlobalDefines::MoneyType type, unsigned int value, bool thousands);
 PLUGININTERFACE_EXPORT QString MoneyToString(char type, unsigned int value, bool thousands);
+/// @}
 
 /// An amount for a hand history: the short sign, the ungrouped number and the currency's long name, where there are
 /// any, with a blank between them.
+/// @{
 PLUGININTERFACE_EXPORT QString MoneyToHistoryString(GlobalDefines::MoneyType type, unsigned int value);
 PLUGININTERFACE_EXPORT QString MoneyToHistoryString(char type, unsigned int value);
+/// @}
 
 /// Reads what a player has typed. Point and comma count alike, and their places tell which of them parts the cents;
 /// all else but digits is passed over, further decimals are dropped. No digits at all are 0 where there are cents.

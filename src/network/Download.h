@@ -23,9 +23,9 @@ class PLUGININTERFACE_EXPORT CDownload : public QObject
 public:
     static constexpr unsigned int DownloadTimeout = 20000;  ///< Milliseconds without a sign of life.
     static constexpr unsigned int DownloadUpdateTime = 500; ///< Milliseconds between two reports of progress.
-    static constexpr unsigned int MaxRedirects = 3;
-    static constexpr unsigned int MaxBytes = 64u
-                                             << 20; ///< The longest body; meant for what fits in memory with ease.
+    static constexpr unsigned int MaxRedirects = 3;         ///< Of one transfer.
+    /// The longest body, in bytes; meant for what fits in memory with ease.
+    static constexpr unsigned int MaxBytes = 64u << 20;
 
     /// Starts nothing. With \a headOnly it is a HEAD, else a POST of \a postData, or a GET if that is empty.
     CDownload(QObject *parent, const QString &url, const QByteArray &postData, bool headOnly);
@@ -50,6 +50,7 @@ public:
     static QString FormatBytes(qint64 bytes);
 
 Q_SIGNALS:
+    /// The transfer begins. A listener may stop it.
     void signal_Started();
     /// \a data is the body, or what of it had been read: of a long one the rest may have been under way still.
     void signal_Finished(bool status, QByteArray data);

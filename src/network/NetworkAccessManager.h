@@ -18,11 +18,13 @@ class PLUGININTERFACE_EXPORT CNetworkAccessManager : public QNetworkAccessManage
     Q_OBJECT
 
 public:
+    /// Makes an object beside the shared one.
     explicit CNetworkAccessManager(QObject *parent = nullptr);
     ~CNetworkAccessManager() override;
 
     /// Creates the object on first use; the library owns it.
     static CNetworkAccessManager *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop, and its replies with it.
     static void DestroyInstance();
@@ -32,6 +34,7 @@ public:
                                  QIODevice *outgoingData) override;
 
 public Q_SLOTS:
+    /// Gives no credentials, and the reply ends in its error.
     void slot_AuthenticationRequired(QNetworkReply *reply, QAuthenticator *auth);
     /// Answers with user and password of the application's proxy, if it has any.
     void slot_ProxyAuthenticationRequired(QNetworkProxy proxy, QAuthenticator *auth);

@@ -28,11 +28,13 @@ struct PLUGININTERFACE_EXPORT CEvent
     static CEvent Create(const QString &tag1, const QString &tag2);
 
     /// Whether the event bears these tags, given as literals of four letters.
+    /// @{
     bool HasTag1(const char (&first)[5]) const { return std::memcmp(tag1, first, sizeof tag1) == 0; }
     bool HasTags(const char (&first)[5], const char (&second)[5]) const
     {
         return HasTag1(first) && std::memcmp(tag2, second, sizeof tag2) == 0;
     }
+    /// @}
 };
 
 Q_DECLARE_METATYPE(CEvent)

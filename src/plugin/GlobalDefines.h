@@ -52,6 +52,7 @@ public:
     };
     Q_ENUM(TableType)
 
+    /// Games; for the server's four letters see Globals::GetGameType().
     enum GameType : int {
         GT_HOLDEM = 1,
         GT_OMAHA = 2,
@@ -74,6 +75,7 @@ public:
     };
     Q_ENUM(TableConnectTypes)
 
+    /// How far a tournament is, in the server's numbers.
     enum TournamentStatus : int {
         TRNSTATUS_ANNOUNCED = 1,
         TRNSTATUS_REGISTERING = 2,
@@ -94,6 +96,7 @@ public:
     };
     Q_ENUM(TournamentStatus)
 
+    /// Kinds of tournaments, in the server's numbers.
     enum TournamentType : int {
         TRNTYPE_Regular = 1,
         TRNTYPE_Satellite = 2,
@@ -130,14 +133,18 @@ public:
     static void RegisterQML();
 };
 
-/// Each reads one signed 32-bit integer straight into the enumeration: whatever number the stream holds, without a
+/// Reads one signed 32-bit integer straight into the enumeration: whatever number the stream holds, without a
 /// range check, and 0 at the stream's end. Writing an enumeration needs no operator of its own.
+/// @{
 PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, GlobalDefines::MoneyType &value);
 PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, GlobalDefines::LimitType &value);
 PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, GlobalDefines::TableType &value);
 PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, GlobalDefines::GameType &value);
+/// @}
 
-/// Turns the shared enumerations into server codes and translation keys, and back. No state, any thread.
+/// Free functions of several headers. What those of a header have in common, their thread above all, stands with the
+/// file; those of plugin/GlobalDefines.h turn the shared enumerations into server codes and translation keys, and
+/// back, have no state, and may be called from any thread.
 namespace Globals {
 
 /// The money type of a server letter, MONEYTYPE_UNKNOWN for a letter that is none.

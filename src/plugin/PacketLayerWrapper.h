@@ -29,10 +29,9 @@ inline constexpr unsigned short ucPacketSizePos = 9;
 class PLUGININTERFACE_EXPORT CPacketLayerWrapper
 {
 public:
-    static constexpr unsigned short HEADER_SIZE = 11;
-    static constexpr unsigned short MAX_PACKET_SIZE = 32767;
-    /// Bytes of a record's length field, which counts itself.
-    static constexpr unsigned short RECORD_LENGTH_SIZE = 2;
+    static constexpr unsigned short HEADER_SIZE = 11;        ///< Bytes before the first record.
+    static constexpr unsigned short MAX_PACKET_SIZE = 32767; ///< Bytes, header included.
+    static constexpr unsigned short RECORD_LENGTH_SIZE = 2;  ///< Bytes of a record's length, which counts itself.
 
     /// An empty object: no buffer, size 0.
     CPacketLayerWrapper() = default;

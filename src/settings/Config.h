@@ -15,6 +15,7 @@ class PLUGININTERFACE_EXPORT CConfig : public CConfigBase
 public:
     /// Creates the object on first use; the library owns it.
     static CConfig *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();

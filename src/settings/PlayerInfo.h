@@ -14,10 +14,10 @@ namespace PlayerInfo {
 /// What travels of a row. Rating and custom avatar stay on the machine.
 struct SPlayerInfoSyncElement
 {
-    QString strUser;   ///< Who has noted it.
-    QString strPlayer; ///< Of whom.
-    QString strNote;
-    unsigned int ulTagID = 0;
+    QString strUser;          ///< Who has noted it.
+    QString strPlayer;        ///< Of whom.
+    QString strNote;          ///< Free text.
+    unsigned int ulTagID = 0; ///< Index into the tags, 0 for none.
     /// Bit 0: on the buddy list; bit 2: blocked as a buddy; bit 3: blocked in chat. Others are kept as they are by
     /// InsertPlayerInfo() and mean nothing to LoadInfo().
     unsigned int ulPlayerFlags = 0;

@@ -29,15 +29,16 @@ public:
     /// One stored or pending row. User, area and key are lower case in the file.
     struct SSetting
     {
-        QString strUser; ///< Nickname, empty for a row of the installation.
-        QString strArea;
-        QString strKey;
-        QVariant vValue;
+        QString strUser;       ///< Nickname, empty for a row of the installation.
+        QString strArea;       ///< The group of settings it stands in.
+        QString strKey;        ///< "key", or "key[subkey]" of a keyed setting.
+        QVariant vValue;       ///< Stored as its text.
         qint64 iTimestamp = 0; ///< Seconds since 1970 UTC; negative stands for the time of writing.
     };
 
     /// Creates the object on first use; the library owns it.
     static CSettings *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();

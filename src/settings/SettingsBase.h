@@ -37,12 +37,15 @@ class PLUGININTERFACE_EXPORT CSettingsBase : public QObject
 #undef SETTINGS_PROPERTY
 
 public:
+    /// The values of a keyed setting by their sub-keys in lower case.
+    /// @{
     using TWinPos = QHash<QString, QByteArray>;
     using THeaderSizes = QHash<QString, QString>;
     using THeaderSortingColumn = QHash<QString, int>;
     using THeaderSortingOrder = QHash<QString, bool>;
     using TSelBackground = QHash<QString, int>;
     using TSelSubTheme = QHash<QString, int>;
+    /// @}
 
 private:
     /// Numbers and bools travel by value, all else by reference.
@@ -59,13 +62,15 @@ public:
     virtual void Save(const QString &user, const QString &area, const QString &key, const QVariant &value,
                       qint64 timestamp) = 0;
 
-    // The user whose settings these are; all empty when nobody is logged in. The setters neither signal nor store.
+    /// The user whose settings these are; all empty when nobody is logged in. The setters neither signal nor store.
+    /// @{
     const QString &GetNickname() const;
     void SetNickname(const QString &nickname);
     const QString &GetUsername() const;
     void SetUsername(const QString &username);
     const QString &GetPwd() const;
     void SetPwd(const QString &pwd);
+    /// @}
 
     /// Who makes the change that is being signalled; null at all other times, for a change without a sender, and for
     /// those listeners that come behind one which has set something itself. Never dereferenced here.

@@ -36,6 +36,7 @@ public:
 
     /// Creates the object on first use; the library owns it.
     static CSettingsSync *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop, and its requests with it.
     static void DestroyInstance();

@@ -22,16 +22,19 @@ public:
 
     /// Creates the object on first use; the library owns it.
     static CSoundManager *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop; the channels stay.
     static void DestroyInstance();
 
     /// Always cuts off the effect before; \a queued makes no difference.
     void PlayEffect(QString file, bool queued);
-    // Behind what the channel plays if queued, else in its place.
+    /// Behind what the channel plays if \a queued, else in its place.
+    /// @{
     void PlaySpeech(QString file, bool queued);
     void PlayWarning(QString file, bool queued);
     void PlayWinning(QString file, bool queued);
+    /// @}
     /// Lets the user hear a volume, up to 100, whatever the switches say. The channel keeps it until the next change
     /// of the user's volume.
     void PlaySample(unsigned char volume, const QString &file);

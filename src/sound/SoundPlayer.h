@@ -21,25 +21,34 @@ class PLUGININTERFACE_EXPORT CSoundPlayer : public QObject
     Q_OBJECT
 
 public:
+    /// Makes a channel that isn't in the table; GetInstance() makes those that are.
     explicit CSoundPlayer(const QString &name);
     ~CSoundPlayer() override;
 
     /// The channel of that name, created if there is none; the table of channels owns it.
     static CSoundPlayer *GetInstance(QString name);
+    /// Whether the table has it; creates none.
+    /// @{
     static bool IsExisting(QString name);
     static bool IsExisting(CSoundPlayer *player);
+    /// @}
     /// A channel leaves the table at once and ends at the next turn of the event loop.
+    /// @{
     static void DestroyInstance(QString name);
     static void DestroyInstance(CSoundPlayer *player);
     static void DestroyInstances();
+    /// @}
 
+    /// Of the channels in the table.
     static void SetVolumeForAllChannels(unsigned char volume);
+    /// What is above 100 is 100.
     void SetVolume(unsigned char volume);
 
     /// Cuts off what the channel plays, and all that waits.
     void PlaySoundInstant(const QString &file);
     /// Plays it behind what waits, at once if nothing is playing.
     void PlaySoundQueued(const QString &file);
+    /// Cuts off what the channel plays, and forgets all that waits.
     void StopPlaying();
 
 private:

@@ -35,18 +35,20 @@ class PLUGININTERFACE_EXPORT CCasinoTime : public QObject
     Q_PROPERTY(QString currentTime READ GetTimeString NOTIFY signal_TimeChanged)
 
 public:
-    static constexpr int iTimezoneMin = -24;
-    static constexpr int iTimezoneMax = 28;
-    static constexpr int iTimezoneAuto = 29; ///< A selection: the machine's own offset.
-    static constexpr int iTimeBounds = 5;    ///< Seconds by which the clock may differ from the server's.
-    static constexpr int iTimezoneDefault = 0;
-    static constexpr int iTimezoneUnknown = 999;
+    static constexpr int iTimezoneMin = -24;     ///< Half hours of the westernmost zone, 12 h behind UTC.
+    static constexpr int iTimezoneMax = 28;      ///< Half hours of the easternmost zone, 14 h ahead of UTC.
+    static constexpr int iTimezoneAuto = 29;     ///< A selection: the machine's own offset.
+    static constexpr int iTimeBounds = 5;        ///< Seconds by which the clock may differ from the server's.
+    static constexpr int iTimezoneDefault = 0;   ///< UTC.
+    static constexpr int iTimezoneUnknown = 999; ///< No zone was announced or chosen yet.
 
+    /// Makes an object beside the shared one.
     explicit CCasinoTime(QObject *parent = nullptr);
     ~CCasinoTime() override;
 
     /// Creates the object on first use; the library owns it.
     static CCasinoTime *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();
@@ -98,6 +100,7 @@ Q_SIGNALS:
     void signal_TimeStringChanged(QString time);
     /// The server has announced another time, behind what that did to the clock.
     void signal_ServerTimeChanged();
+    /// Another time zone is in effect for the texts.
     void signal_TimeZoneChanged();
 
 private Q_SLOTS:

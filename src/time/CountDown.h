@@ -34,8 +34,10 @@ public:
     void StartFromTime(unsigned int startTime);
     /// Shows zero, without signal_CountDownFinished().
     void Stop();
+    /// How the text is written, at once; GlobalDefines::CST_Normal at first.
     void SetType(GlobalDefines::CountdownStringType type);
 
+    /// Whether it counts, down or up.
     bool IsRunning() const;
     /// Seconds to the end, 0 if it doesn't count down.
     unsigned int GetLeft() const;

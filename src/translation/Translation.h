@@ -24,16 +24,18 @@ public:
     /// One language of the file.
     struct SLang
     {
-        int iID = -1;
+        int iID = -1;     ///< The file's own number, which the setting `selectedlanguage` holds.
         QString strShort; ///< Language code, such as "en".
         QString strLong;  ///< Name, for people to read.
     };
 
+    /// Makes an object beside the shared one.
     explicit CTranslation(QObject *parent = nullptr);
     ~CTranslation() override;
 
     /// Creates the object on first use; the library owns it.
     static CTranslation *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();

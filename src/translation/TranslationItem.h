@@ -36,9 +36,11 @@ public:
 
     /// Puts a value, another item or a text of the catalogue in place of \a marker, in capitals and small letters as
     /// it stands. False if \a marker is empty. Each call looks the texts up again.
+    /// @{
     bool SetPlaceholder(const QString &marker, const QVariant &value);
     bool SetPlaceholder(const QString &marker, const CTranslationItem &item);
     bool SetPlaceholder(const QString &marker, const QString &key, const QString &area);
+    /// @}
     /// The value of a marker. One that has none gets an invalid value, which reads as an empty text; the reference
     /// lasts until the next change.
     const QVariant &GetPlaceholder(const QString &marker);
@@ -48,12 +50,16 @@ public:
     /// Empties the item, without TranslationChanged().
     void Clear();
 
+    /// Where the template comes from; empty for a literal one.
+    /// @{
     const QString &GetTranslationKey() const;
     const QString &GetTranslationArea() const;
+    /// @}
     /// The template.
     const QString &GetText() const;
     /// The finished text.
     const QString &GetTranslatedText() const;
+    /// The values by their markers; items and texts of the catalogue are not among them.
     const QHash<QString, QVariant> &GetPlaceholders() const;
 
 protected:

@@ -14,10 +14,12 @@ class PLUGININTERFACE_EXPORT CTranslationObject : public QObject, public CTransl
     Q_PROPERTY(QString text READ GetTranslatedText WRITE SetText NOTIFY signal_TextChanged)
 
 public:
+    /// An empty text.
     explicit CTranslationObject(QObject *parent = nullptr);
     ~CTranslationObject() override;
 
 Q_SIGNALS:
+    /// The finished text was built anew, to the same letters or not.
     void signal_TextChanged();
 
 protected:

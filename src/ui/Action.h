@@ -22,10 +22,13 @@ public:
     explicit CAction(const QString &text);
     ~CAction() override;
 
+    /// Attaches a value, in place of one of that name.
     void AddParameter(const QString &name, const QVariant &value);
     /// Invalid if there is none of that name.
     QVariant GetParameter(const QString &name) const;
+    /// Nothing happens if there is none of that name.
     void RemoveParameter(const QString &name);
+    /// Removes all of them.
     void ClearParameters();
 
 public Q_SLOTS:

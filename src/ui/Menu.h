@@ -27,16 +27,21 @@ public:
     ~CMenu() override;
 
     /// Null, and what is in the menu already, is ignored.
+    /// @{
     void AddAction(CAction *action);
     void AddMenu(CMenu *menu);
+    /// @}
 
-    /// The values that handlers read. They go to all that is in the menu now, down to the last submenu; what is added
-    /// later doesn't get them.
+    /// Attaches a value that handlers read, in place of one of that name. It goes to all that is in the menu now,
+    /// down to the last submenu; what is added later doesn't get it.
     void AddParameter(const QString &name, const QVariant &value);
     /// The menu's own; invalid if there is none of that name.
     QVariant GetParameter(const QString &name) const;
+    /// Here and in all that is in the menu now, like AddParameter().
+    /// @{
     void RemoveParameter(const QString &name);
     void ClearParameters();
+    /// @}
 
     /// Of the menu and of all below it.
     void SetStyleSheet(const QString &css);
@@ -49,6 +54,7 @@ Q_SIGNALS:
 
 protected:
     void TranslationChanged() override;
+    /// Goes on watching an action that leaves the menu, as each does in its destructor.
     void actionEvent(QActionEvent *event) override;
 
 private Q_SLOTS:

@@ -31,6 +31,7 @@ public:
 
     /// Creates the object on first use; the library owns it.
     static CMenuManager *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();
@@ -38,6 +39,7 @@ public:
     /// The menu of that id. One that is there takes the new title; one that isn't is created, and stands nowhere
     /// until it is added to the bar or to another menu. The registry owns it, but it may be deleted at any time.
     CMenu *GetMenu(const QString &id, const QString &key, const QString &area);
+    /// The same with a literal title.
     CMenu *GetMenu(const QString &id, const QString &text);
     /// Null if there is none.
     CMenu *GetMenu(const QString &id) const;

@@ -20,6 +20,7 @@ public:
 
     /// Creates the object on first use; the library owns it.
     static COptionsDialogManager *GetInstance();
+    /// Whether it exists; creates nothing.
     static bool IsExisting();
     /// The object ends at the next turn of the event loop.
     static void DestroyInstance();
@@ -33,6 +34,7 @@ public:
     static void Show(QWidget *parent);
 
 Q_SIGNALS:
+    /// For the host: somebody wants the dialog, above \a parent, which may be null.
     void signal_ShowDialog(QWidget *parent);
 
 private Q_SLOTS:

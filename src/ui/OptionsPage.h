@@ -16,6 +16,7 @@ class PLUGININTERFACE_EXPORT COptionsPage : public QObject
     Q_OBJECT
 
 public:
+    /// Registers nothing; see COptionsDialogManager::AddPage().
     explicit COptionsPage(QObject *parent);
     ~COptionsPage() override;
 

@@ -9,6 +9,7 @@
 
 class QWidget;
 
+/// \file
 /// Where windows are put. All lengths are device-independent pixels. Thread of the user interface.
 namespace Globals {
 

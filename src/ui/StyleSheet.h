@@ -4,6 +4,7 @@
 
 #include <QString>
 
+/// \file
 /// Style sheets of a brand's theme, from files that include others.
 namespace Globals {
 

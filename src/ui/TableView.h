@@ -29,9 +29,11 @@ PLUGININTERFACE_EXPORT QList<double> Recalculate(double width, QList<double> siz
 
 /// 0 if none is stored.
 PLUGININTERFACE_EXPORT int GetSortingColumn(const QString &key);
+/// Stores the index of the column by which the rows are sorted.
 PLUGININTERFACE_EXPORT void SetSortingColumn(const QString &key, int column);
 /// False if none is stored.
 PLUGININTERFACE_EXPORT bool GetSortingOrder(const QString &key);
+/// Stores the order; what the two values mean is the view's.
 PLUGININTERFACE_EXPORT void SetSortingOrder(const QString &key, bool order);
 
 } // namespace TableView
