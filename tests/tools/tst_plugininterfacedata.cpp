@@ -227,7 +227,8 @@ private Q_SLOTS:
 
     void keysAndUsage()
     {
-        QCOMPARE(Run("config keys"_s).strOut.toUtf8(), ReadFile(QStringLiteral(KEYS_PAGE)));
+        QVERIFY(Run("config keys"_s).strOut.contains(
+            "\n| `activitytimertimeout` | int | `600000` | `activitytimertimeout` | CUserInfo |\n"_s));
         const QJsonArray keys = QJsonDocument::fromJson(Run("config keys --json"_s).strOut.toUtf8()).array();
         QCOMPARE(keys.size(), 207);
         QCOMPARE(keys.first().toObject().value("default"_s), QJsonValue(600000));

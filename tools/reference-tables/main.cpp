@@ -1,0 +1,31 @@
+// Writes the reference pages of the documentation to a folder. Its current directory is that of a client in an
+// installation, where the users' databases are made.
+
+#include "Databases.h"
+#include "Tables.h"
+
+#include <files/FileHelpers.h>
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QString folder = QCoreApplication::arguments().value(1);
+    const QPair<const char *, QString> pages[] = {
+        {"settings.md", Tables::Settings()},
+        {"events.md", Tables::Events()},
+        {"models.md", Tables::Models()},
+        {"databases.md", Databases::Page()},
+    };
+    for (const auto &[name, page] : pages) {
+        const QString path = folder + QLatin1Char('/') + QLatin1String(name);
+        if (folder.isEmpty() || page.isEmpty() || !Globals::WriteToFile(path, page.toUtf8(), -1, -1)) {
+            std::fprintf(stderr, "%s can't be made\n", qPrintable(path));
+            return 1;
+        }
+    }
+    return 0;
+}
