@@ -227,8 +227,9 @@ private Q_SLOTS:
 
     void keysAndUsage()
     {
-        QVERIFY(Run("config keys"_s).strOut.contains(
-            "\n| `activitytimertimeout` | int | `600000` | `activitytimertimeout` | CUserInfo |\n"_s));
+        QVERIFY(Run("config keys"_s)
+                    .strOut.contains(
+                        "\n| `activitytimertimeout` | int | `600000` | `activitytimertimeout` | CUserInfo |\n"_s));
         const QJsonArray keys = QJsonDocument::fromJson(Run("config keys --json"_s).strOut.toUtf8()).array();
         QCOMPARE(keys.size(), 207);
         QCOMPARE(keys.first().toObject().value("default"_s), QJsonValue(600000));
