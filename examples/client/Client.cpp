@@ -101,6 +101,7 @@ void DestroyInstances()
 
 } // namespace
 
+//! [shared]
 // The console is first, so that it hears of all that follows.
 CClient::CShared::CShared()
 {
@@ -131,6 +132,7 @@ CClient::CShared::~CShared()
     CConsole::DestroyInstance();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
+//! [shared]
 
 CClient::CClient(const QString &server, quint16 port)
     : m_host(server, port)
