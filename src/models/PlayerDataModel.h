@@ -6,11 +6,11 @@
 
 /// What is known of a player, as plain fields for widgets and QML; it knows nothing of the rest of the system.
 ///
-/// The fields stand in PLAYER_DATA_TABLE. For each there are a property, a getter, a setter that stores and signals a
-/// value that differs, and a change signal with the new value: `strNickname`, `GetNickname()`, `SetNickname()`,
-/// `signal_NicknameChanged(QString)`. The cartoon avatar is the number of a stock picture, the custom avatar that of
-/// an uploaded one, and the tag an index into the player tags; 0 is none for each. What the numbers of sex and VIP
-/// level mean is the game server's business. Main thread.
+/// The fields stand in PLAYER_DATA_TABLE, which makes the page \ref models. For each there are a property, a getter,
+/// a setter that stores and signals a value that differs, and a change signal with the new value: `strNickname`,
+/// `GetNickname()`, `SetNickname()`, `signal_NicknameChanged(QString)`. The cartoon avatar is the number of a stock
+/// picture, the custom avatar that of an uploaded one, and the tag an index into the player tags; 0 is none for
+/// each. What the numbers of sex and VIP level mean is the game server's business. Main thread.
 class PLUGININTERFACE_EXPORT CPlayerDataModel : public QObject
 {
     Q_OBJECT

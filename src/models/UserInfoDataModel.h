@@ -8,11 +8,11 @@
 
 /// The logged-in user's account, as plain fields for widgets and QML.
 ///
-/// The fields stand in USER_INFO_DATA_TABLE. For each there are a property, a getter, a setter that stores and
-/// signals a value that differs, and a change signal with the new value: `mvRealMoney`, `GetRealMoney()`,
-/// `SetRealMoney()`, `signal_RealMoneyChanged(GlobalDefines::MoneyValue)`. Times are seconds since 1970 UTC, 0 for
-/// none. The model of the own player isn't owned: GetPlayerModel() is null once it is gone, of which no signal tells.
-/// The password is kept in the form that the host gives. Main thread.
+/// The fields stand in USER_INFO_DATA_TABLE, which makes the page \ref models. For each there are a property, a
+/// getter, a setter that stores and signals a value that differs, and a change signal with the new value:
+/// `mvRealMoney`, `GetRealMoney()`, `SetRealMoney()`, `signal_RealMoneyChanged(GlobalDefines::MoneyValue)`. Times
+/// are seconds since 1970 UTC, 0 for none. The model of the own player isn't owned: GetPlayerModel() is null once it
+/// is gone, of which no signal tells. The password is kept in the form that the host gives. Main thread.
 class PLUGININTERFACE_EXPORT CUserInfoDataModel : public QObject
 {
     Q_OBJECT

@@ -6,10 +6,10 @@
 
 /// An amount of money place by place, so that a view can draw each digit in a field of its own.
 ///
-/// The fields stand in MONEY_SPINNER_DATA_TABLE: C2 the hundredths, C1 the tenths, D1 the units, up to D7 the
-/// millions; DS and TS the separators of decimals and thousands. For each there are a property, a getter, a setter
-/// that stores and signals a text that differs, and a change signal: `strD1`, `GetD1()`, `SetD1()`,
-/// `signal_D1Changed(QString)`. Main thread.
+/// The fields stand in MONEY_SPINNER_DATA_TABLE, which makes the page \ref models. C2 are hundredths, C1 tenths,
+/// D1 units, up to D7 for millions; DS and TS are the separators of decimals and thousands. For each there are a
+/// property, a getter, a setter that stores and signals a text that differs, and a change signal: `strD1`,
+/// `GetD1()`, `SetD1()`, `signal_D1Changed(QString)`. Main thread.
 class PLUGININTERFACE_EXPORT CMoneySpinnerDataModel : public QObject
 {
     Q_OBJECT

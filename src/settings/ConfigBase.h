@@ -14,9 +14,10 @@
 /// property for QML.
 ///
 /// The getters are `int GetCashierSwapTime() const`, `bool GetMyBestHand() const`, `const QString &GetLinkCashier()
-/// const` and so on, one for each row of CONFIG_TABLE. The property bears the key's name without underscores but for
-/// a few. Nothing tells of a change: a value is read where it is needed, and what SetConfigs() sets later reaches
-/// only those who read it later. Reading is safe from any thread as long as nobody calls SetConfigs().
+/// const` and so on, one for each row of CONFIG_TABLE, which makes the page \ref md_config_keys. The property bears
+/// the key's name without underscores but for a few. Nothing tells of a change: a value is read where it is needed,
+/// and what SetConfigs() sets later reaches only those who read it later. Reading is safe from any thread as long as
+/// nobody calls SetConfigs().
 class PLUGININTERFACE_EXPORT CConfigBase : public QObject
 {
     Q_OBJECT

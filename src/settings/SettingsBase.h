@@ -11,8 +11,8 @@
 
 #include <type_traits>
 
-/// Every user setting as a typed member with a getter, a setter, a change signal and a property for QML. The settings
-/// stand in SETTINGS_TABLE; CSettings stores them.
+/// Every user setting as a typed member with a getter, a setter, a change signal and a property for QML. The
+/// settings stand in SETTINGS_TABLE, which makes the page \ref settings; CSettings stores them.
 ///
 /// Of a row `Volume` with the key `volume` there are `int GetVolume() const`, `signal_VolumeChanged()`, the property
 /// `volume`, and `SetVolume(value, sender = 0, save = true)`. The setter signals a value that differs, and stores the
