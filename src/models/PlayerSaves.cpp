@@ -3,6 +3,7 @@
 #include <database/PlayerInfoDB.h>
 #include <models/PlayerModel.h>
 #include <models/UserInfo.h>
+#include <settings/LocalChanges_p.h>
 #include <settings/PlayerInfo_p.h>
 
 #include <QCoreApplication>
@@ -79,7 +80,12 @@ void CPlayerSaves::WriteChanges()
         if (entry.bByUser)
             models.append(entry.pModel);
     }
-    Write(models);
+    if (Write(models))
+        return;
+    for (CPlayerModel *model : qAsConst(models)) {
+        Restart(model, true);
+        CLocalChanges::AddPlayer(model->GetNickname());
+    }
 }
 
 void CPlayerSaves::WriteDue()
@@ -99,23 +105,26 @@ void CPlayerSaves::WriteDue()
         RunTimer();
 }
 
-// Those that can't be stored while nobody is logged in wait on.
-void CPlayerSaves::Write(const QList<CPlayerModel *> &models)
+// Those that can't be stored while nobody is logged in wait on. False if any of the others isn't stored.
+bool CPlayerSaves::Write(const QList<CPlayerModel *> &models)
 {
     if (models.isEmpty() || !CUserInfo::GetInstance()->IsLoggedIn())
-        return;
+        return true;
     CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
     database->StartTransaction();
+    bool good = true; // a file that is locked holds each attempt up for seconds
     {
         PlayerInfo::CSaver saver;
-        bool good = true; // a file that is locked holds each attempt up for seconds
         for (CPlayerModel *model : models) {
             Forget(model);
             if (good && !model->GetNickname().isEmpty())
                 good = saver.Save(model->GetNickname());
         }
     }
-    database->EndTransaction(true);
+    // A full disk may be met no sooner than here, and EndTransaction() doesn't tell whether it could commit.
+    good = database->Exec(QStringLiteral("COMMIT")) && good;
+    database->EndTransaction(false);
+    return good;
 }
 
 void CPlayerSaves::RunTimer()

@@ -22,13 +22,15 @@ public:
     /// load has changed is stored as well.
     static void Restart(CPlayerModel *model, bool byUser);
     static void Forget(CPlayerModel *model);
-    /// Stores all that wait, at once, while somebody is logged in.
+    /// Stores all that wait, at once, while somebody is logged in. What can't be written then is lost: the next user
+    /// isn't the one who has changed it.
     static void WriteAll();
-    /// The same with those alone that the user has changed.
+    /// The same with those alone that the user has changed. What can't be written then waits anew, and counts to
+    /// CLocalChanges as changed just now.
     static void WriteChanges();
 
 private:
     static void WriteDue();
-    static void Write(const QList<CPlayerModel *> &models);
+    static bool Write(const QList<CPlayerModel *> &models);
     static void RunTimer();
 };

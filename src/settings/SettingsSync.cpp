@@ -78,8 +78,8 @@ void CSettingsSync::InitiateSync()
     if (!CUserInfo::GetInstance()->IsLoggedIn())
         return;
     // The server is to know of all that was changed until now; what changes from now on, it can't.
-    CPlayerSaves::WriteChanges();
     CLocalChanges::Begin();
+    CPlayerSaves::WriteChanges();
     GetLocalTimestamps();
     Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncFetch);
 }

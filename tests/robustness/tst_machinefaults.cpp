@@ -37,11 +37,11 @@ public:
     }
 
     // False if this process may not.
-    bool Mount() { return m_bMounted = mount("tmpfs", Path().constData(), "tmpfs", 0, "size=512k") == 0; }
+    bool Mount() { return m_bMounted = mount("tmpfs", Path().constData(), "tmpfs", 0, "size=1m") == 0; }
     bool SetReadOnly(bool readOnly) const
     {
         return mount("tmpfs", Path().constData(), "tmpfs",
-                     MS_REMOUNT | (readOnly ? static_cast<unsigned long>(MS_RDONLY) : 0), "size=512k") == 0;
+                     MS_REMOUNT | (readOnly ? static_cast<unsigned long>(MS_RDONLY) : 0), "size=1m") == 0;
     }
     // So that not a page more fits on it.
     void Fill() const
@@ -105,13 +105,17 @@ private Q_SLOTS:
     void Fault_data()
     {
         QTest::addColumn<bool>("full");
-        QTest::newRow("full") << true;
-        QTest::newRow("locked") << false;
+        QTest::addColumn<bool>("exchange");
+        QTest::newRow("full") << true << false;
+        QTest::newRow("locked") << false << false;
+        QTest::newRow("full at an exchange") << true << true;
+        QTest::newRow("locked at an exchange") << false << true;
     }
 
     void Fault()
     {
         QFETCH(bool, full);
+        QFETCH(bool, exchange);
         if (full && !m_bDisk)
             QSKIP(NO_DISK);
         const QString before = Change("before"_s);
@@ -122,6 +126,10 @@ private Q_SLOTS:
             m_disk.Fill();
         // Longer than what is left of a page that is there already.
         const QString after = Change(QString(20000, QLatin1Char('y')) + QLatin1String(QTest::currentDataTag()));
+        if (exchange) {
+            CSettingsSync::GetInstance()->InitiateSync();
+            CSettingsSync::GetInstance()->ReadJSON("{\"playerinfos\": []}"); // nor undone by an answer
+        }
         QTest::qWait(4500); // both have been tried by now
         QCOMPARE(Stored(), before);
         if (full)
