@@ -5,8 +5,6 @@
 #include <support/Singletons.h>
 
 #include <QJsonDocument>
-#include <QProcess>
-#include <QRandomGenerator>
 #include <QtTest>
 
 namespace {
@@ -186,42 +184,6 @@ private Q_SLOTS:
         QVERIFY(lock.exec("COMMIT"_s));
         settings->slot_SaveSettings();
         QVERIFY(Rows().contains("/sounds/volume=2@1700000000"_s));
-    }
-
-    // Killed at random moments, the client loses nothing older than the delay, and never a part of what was written
-    // together.
-    void KilledAnywhere()
-    {
-        QRandomGenerator random(4);
-        int lossy = 0;
-        for (int kill = 0; kill < 50; ++kill) {
-            QProcess child;
-            child.start(QStringLiteral(SETTINGSCHILD_PATH), QStringList());
-            int last = 0;
-            for (int numbers = kill % 2 == 0 ? 4 : random.bounded(1, 8); numbers > 0; --numbers) {
-                QTRY_VERIFY(child.canReadLine());
-                last = child.readLine().toInt();
-            }
-            QThread::msleep(random.bounded(last % 4 == 0 ? 350u : 5u)); // up to and into the write
-            child.kill();
-            QVERIFY(child.waitForFinished() && child.exitStatus() == QProcess::CrashExit);
-            while (child.canReadLine())
-                last = child.readLine().toInt();
-
-            QSet<QString> values;
-            const QStringList rows = Rows("URS_cKey IN ('themechips', 'volume')").split(QLatin1Char(' '));
-            for (const QString &row : rows)
-                values.insert(row.section(QLatin1Char('='), 1, 1).section(QLatin1Char('@'), 0, 0));
-            QCOMPARE(values.size(), 1);
-            const int stored = values.cbegin()->toInt(); // of no rows, 0
-            QVERIFY(stored <= last && stored >= (last - 1) / 4 * 4);
-            lossy += stored < last;
-        }
-        QVERIFY2(lossy > 0 && lossy < 50, qPrintable(QString::number(lossy)));
-        CLocalDB file(Pathes::SettingsDB(), true, true);
-        QHash<QString, QVariant> sound;
-        QVERIFY(file.SelectOne(sound, "pragma_integrity_check"_s, {}, {}));
-        QCOMPARE(sound.value("integrity_check"_s).toString(), "ok"_s);
     }
 
 private:
