@@ -1,6 +1,6 @@
 // What a machine does to a client on its way: a disk that is full, one that can't be written, files held by another
-// program, a current directory that has gone. Nothing that was committed is lost, the client goes on, and what
-// couldn't be written is written once it can be.
+// program, a current directory that has gone, a clock that jumps. Nothing that was committed is lost, the client goes
+// on, and what couldn't be written is written once it can be.
 
 #include "Reader.h"
 
@@ -9,11 +9,14 @@
 #include <files/Pathes.h>
 #include <models/PlayerLists.h>
 #include <models/UserInfo.h>
+#include <settings/PlayerInfo.h>
 #include <settings/Settings.h>
 #include <support/InstallationTree.h>
 #include <support/Singletons.h>
 #include <time/CasinoTime.h>
+#include <time/CountDown.h>
 
+#include <QProcess>
 #include <QSqlError>
 #include <QtTest>
 
@@ -105,17 +108,15 @@ private Q_SLOTS:
     void Fault_data()
     {
         QTest::addColumn<bool>("full");
-        QTest::addColumn<bool>("exchange");
-        QTest::newRow("full") << true << false;
-        QTest::newRow("locked") << false << false;
-        QTest::newRow("full at an exchange") << true << true;
-        QTest::newRow("locked at an exchange") << false << true;
+        QTest::newRow("full") << true;
+        QTest::newRow("locked") << false;
+        QTest::newRow("full at an exchange") << true;
+        QTest::newRow("locked at an exchange") << false;
     }
 
     void Fault()
     {
         QFETCH(bool, full);
-        QFETCH(bool, exchange);
         if (full && !m_bDisk)
             QSKIP(NO_DISK);
         const QString before = Change("before"_s);
@@ -126,7 +127,7 @@ private Q_SLOTS:
             m_disk.Fill();
         // Longer than what is left of a page that is there already.
         const QString after = Change(QString(20000, QLatin1Char('y')) + QLatin1String(QTest::currentDataTag()));
-        if (exchange) {
+        if (QByteArray(QTest::currentDataTag()).endsWith("exchange")) {
             CSettingsSync::GetInstance()->InitiateSync();
             CSettingsSync::GetInstance()->ReadJSON("{\"playerinfos\": []}"); // nor undone by an answer
         }
@@ -139,6 +140,41 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(Stored(), after, AGAIN_MS);
     }
 
+    void ClockJumps_data()
+    {
+        QTest::addColumn<int>("days");
+        QTest::newRow("+365d") << 365;
+        QTest::newRow("-365d") << -365;
+    }
+
+    // In a process of its own: what waits is written in its time, counts go on, and the server's time is stamped.
+    void ClockJumps()
+    {
+        QFETCH(int, days);
+        QFile clock(QFile::decodeName(qgetenv("FAKETIME_TIMESTAMP_FILE")));
+        if (clock.fileName().isEmpty()) {
+            RunWithClock();
+            return;
+        }
+        CCasinoTime::GetInstance()->SetTimeUTCServer(1700001000);
+        CCountDown down, up;
+        down.Start(60);
+        up.StartFromTime(1700001000);
+        QElapsedTimer passed;
+        passed.start();
+        const QString after = Change(QLatin1String(QTest::currentDataTag()));
+        CSettings::GetInstance()->SetThemeChips(days); // one of the user's
+        const QDateTime before = QDateTime::currentDateTimeUtc();
+        QVERIFY(clock.open(QIODevice::WriteOnly) && clock.write(QTest::currentDataTag()) > 0);
+        clock.close();
+        QCOMPARE(qRound(double(before.secsTo(QDateTime::currentDateTimeUtc())) / 86400), days);
+        QTRY_COMPARE_WITH_TIMEOUT(Stored(), after, 5000);
+        QVERIFY(qAbs(int(up.GetSince()) - int(passed.elapsed() / 1000)) <= 1);
+        QCOMPARE(down.GetLeft(), 60 - up.GetSince());
+        QCOMPARE(CSettings::GetLastTimestamp(ANN), 1700001000u); // what the synchronisation compares
+        QCOMPARE(PlayerInfo::GetLastTimestamp(ANN), 1700001000u);
+    }
+
     void NoCurrentDirectory()
     {
         const QString client = QDir::currentPath();
@@ -149,6 +185,25 @@ private Q_SLOTS:
     }
 
 private:
+    static void RunWithClock()
+    {
+        const QString faketime = QStringLiteral(FAKETIME_PATH);
+#ifdef __SANITIZE_ADDRESS__
+        QSKIP("the sanitizer's library has to be the first, and so has the one that sets the clock");
+#endif
+        if (faketime.isEmpty())
+            QSKIP("libfaketime isn't here");
+        QTemporaryFile clock;
+        QVERIFY(clock.open() && clock.write("+0") == 2 && clock.flush());
+        QProcess child;
+        child.start("env"_s, {"LD_PRELOAD="_s + faketime, "FAKETIME_TIMESTAMP_FILE="_s + clock.fileName(),
+                              "FAKETIME_NO_CACHE=1"_s, "FAKETIME_DONT_FAKE_MONOTONIC=1"_s,
+                              QCoreApplication::applicationFilePath(), "FilesAreMade"_s,
+                              "ClockJumps:"_s + QLatin1String(QTest::currentDataTag())});
+        QVERIFY(child.waitForFinished());
+        QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0, child.readAll());
+    }
+
     static QString Change(const QString &text)
     {
         CSettings::GetInstance()->SetDesignerTab(text);
