@@ -22,7 +22,7 @@ struct SPlayerSave;
 /// What the user notes of a player - note, tag, rating, custom avatar, whether a buddy, blocked as buddy or in chat -
 /// goes to the user's player info store 3 s behind the last change, and at once when the user logs out
 /// (CUserInfo::SetLoggedIn()). Nothing is stored while nobody is logged in, nor of a model that is destroyed first. A
-/// file that can't be written is tried again 3 s later, but not behind a logout.
+/// file that can't be written is tried again 3 s later, and at the next login, also for a user who has logged out.
 ///
 /// The number of a custom avatar stands for a picture at Pathes::CustomAvatar(). One that isn't there is fetched from
 /// the operator's server, and signal_CustomAvatarChanged() comes once more when it is. A picture that can't be had

@@ -20,6 +20,8 @@ constexpr qint64 SLICE_MS = 4;
 // The delay is the same for all, so that the order of their restarts is that in which they are due. Each player knows
 // its place.
 std::list<SPlayerSave> waiting;
+// Rows of users who have logged out before the file could be written.
+QList<QVariantList> left;
 // A child of the application, which may end before the library does.
 QPointer<QTimer> timer;
 
@@ -70,7 +72,14 @@ void CPlayerSaves::WriteAll()
     QList<CPlayerModel *> models;
     for (const SPlayerSave &entry : waiting)
         models.append(entry.pModel);
-    Write(models);
+    if (Write(models))
+        return;
+    for (const CPlayerModel *model : qAsConst(models)) {
+        if (IsStorable(model))
+            left.append(PlayerInfo::CSaver::GetRow(model->GetNickname()));
+    }
+    if (!left.isEmpty())
+        RunTimer();
 }
 
 void CPlayerSaves::WriteChanges()
@@ -88,8 +97,20 @@ void CPlayerSaves::WriteChanges()
     }
 }
 
+bool CPlayerSaves::WriteLeft()
+{
+    PlayerInfo::CSaver saver;
+    while (!left.isEmpty() && saver.Write(left.constFirst()))
+        left.removeFirst();
+    return left.isEmpty();
+}
+
 void CPlayerSaves::WriteDue()
 {
+    if (!WriteLeft()) {
+        RunTimer();
+        return;
+    }
     PlayerInfo::CSaver saver;
     const qint64 begin = Now();
     for (qint64 now = begin; !waiting.empty() && waiting.front().iDue <= now && now - begin < SLICE_MS; now = Now()) {
@@ -108,11 +129,11 @@ void CPlayerSaves::WriteDue()
 // Those that can't be stored while nobody is logged in wait on. False if any of the others isn't stored.
 bool CPlayerSaves::Write(const QList<CPlayerModel *> &models)
 {
+    bool good = WriteLeft(); // a file that is locked holds each attempt up for seconds
     if (models.isEmpty() || !CUserInfo::GetInstance()->IsLoggedIn())
         return true;
     CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
     database->StartTransaction();
-    bool good = true; // a file that is locked holds each attempt up for seconds
     {
         PlayerInfo::CSaver saver;
         for (CPlayerModel *model : models) {
@@ -135,5 +156,6 @@ void CPlayerSaves::RunTimer()
         timer->setTimerType(Qt::PreciseTimer);
         QObject::connect(timer, &QTimer::timeout, timer, [] { WriteDue(); });
     }
-    timer->start(static_cast<int>(qMax(Q_INT64_C(0), waiting.front().iDue - Now())));
+    const qint64 wait = left.isEmpty() ? waiting.front().iDue - Now() : SAVE_DELAY_MS;
+    timer->start(static_cast<int>(qMax(Q_INT64_C(0), wait)));
 }

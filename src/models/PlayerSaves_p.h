@@ -22,14 +22,15 @@ public:
     /// load has changed is stored as well.
     static void Restart(CPlayerModel *model, bool byUser);
     static void Forget(CPlayerModel *model);
-    /// Stores all that wait, at once, while somebody is logged in. What can't be written then is lost: the next user
-    /// isn't the one who has changed it.
+    /// Stores all that wait, at once, while somebody is logged in. What can't be written then waits on as a row of
+    /// that user, whoever is logged in meanwhile, and is lost only with the process.
     static void WriteAll();
     /// The same with those alone that the user has changed. What can't be written then waits anew, and counts to
     /// CLocalChanges as changed just now.
     static void WriteChanges();
 
 private:
+    static bool WriteLeft();
     static void WriteDue();
     static bool Write(const QList<CPlayerModel *> &models);
     static void RunTimer();

@@ -189,18 +189,26 @@ PlayerInfo::CSaver::CSaver()
 
 bool PlayerInfo::CSaver::Save(const QString &nickname)
 {
-    const QString user = CUserInfo::GetInstance()->GetNickname();
-    if (nickname.isEmpty() || user.isEmpty())
-        return false;
+    return !nickname.isEmpty() && CUserInfo::GetInstance()->IsLoggedIn() && Write(GetRow(nickname));
+}
+
+QVariantList PlayerInfo::CSaver::GetRow(const QString &nickname)
+{
     CPlayerModel *model = CPlayerLists::GetInstance()->GetPlayerModel(nickname);
-    m_query.bindValue(0, user);
-    m_query.bindValue(1, model->GetNickname());
-    m_query.bindValue(2, NeverNull(model->GetNotes()));
-    m_query.bindValue(3, model->GetTagID());
-    m_query.bindValue(4, GetFlags(model));
-    m_query.bindValue(5, model->GetRating());
-    m_query.bindValue(6, model->GetCustomAvatar());
-    m_query.bindValue(7, CCasinoTime::GetInstance()->GetTimeUTCServer());
+    return {CUserInfo::GetInstance()->GetNickname(),
+            model->GetNickname(),
+            NeverNull(model->GetNotes()),
+            model->GetTagID(),
+            GetFlags(model),
+            model->GetRating(),
+            model->GetCustomAvatar(),
+            CCasinoTime::GetInstance()->GetTimeUTCServer()};
+}
+
+bool PlayerInfo::CSaver::Write(const QVariantList &row)
+{
+    for (int column = 0; column < row.size(); ++column)
+        m_query.bindValue(column, row.at(column));
     const bool written = IsOpen() && m_query.exec();
     CSettingsSync::GetInstance()->StartSyncTimer();
     return written;

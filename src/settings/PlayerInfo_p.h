@@ -3,6 +3,7 @@
 #include <settings/PlayerInfo.h>
 
 #include <QSqlQuery>
+#include <QVariantList>
 
 namespace PlayerInfo {
 
@@ -18,6 +19,9 @@ public:
     CSaver();
 
     bool Save(const QString &nickname);
+    /// What Save() would write now, with the user, in the order of the columns.
+    static QVariantList GetRow(const QString &nickname);
+    bool Write(const QVariantList &row);
 
 private:
     QSqlQuery m_query;

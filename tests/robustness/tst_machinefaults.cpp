@@ -112,6 +112,8 @@ private Q_SLOTS:
         QTest::newRow("locked") << false;
         QTest::newRow("full at an exchange") << true;
         QTest::newRow("locked at an exchange") << false;
+        QTest::newRow("full at a logout") << true;
+        QTest::newRow("locked at a logout") << false;
     }
 
     void Fault()
@@ -131,13 +133,23 @@ private Q_SLOTS:
             CSettingsSync::GetInstance()->InitiateSync();
             CSettingsSync::GetInstance()->ReadJSON("{\"playerinfos\": []}"); // nor undone by an answer
         }
+        const bool logout = QByteArray(QTest::currentDataTag()).endsWith("logout");
+        if (logout) {
+            CUserInfo::GetInstance()->SetLoggedIn(QString());
+            CPlayerModel::DestroyInstances();
+            CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s); // her notes aren't Ann's
+        }
         QTest::qWait(4500); // both have been tried by now
         QCOMPARE(Stored(), before);
         if (full)
             m_disk.Empty();
         settings.exec("COMMIT"_s);
         notes.exec("COMMIT"_s);
+        if (full) // else by itself
+            CUserInfo::GetInstance()->SetLoggedIn(ANN);
+        QVERIFY(!full || !logout || Stored().section(QLatin1Char('|'), 1) == after.section(QLatin1Char('|'), 1));
         QTRY_COMPARE_WITH_TIMEOUT(Stored(), after, AGAIN_MS);
+        CUserInfo::GetInstance()->SetLoggedIn(ANN);
     }
 
     void ClockJumps_data()
