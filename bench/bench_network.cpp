@@ -103,7 +103,7 @@ QByteArray Download(int port, int megabytes)
                        false);
     QEventLoop loop;
     QByteArray body;
-    QObject::connect(&download, &CDownload::signal_Finished, [&](bool status, const QByteArray &data) {
+    QObject::connect(&download, &CDownload::signal_Finished, &loop, [&](bool status, const QByteArray &data) {
         Require(status, "the download");
         body = data;
         loop.quit();
@@ -124,7 +124,7 @@ QByteArray ReadFromSocket(int port, int megabytes)
     QObject::connect(&socket, &QTcpSocket::connected, [&] {
         socket.write("GET /" + QByteArray::number(megabytes) + " HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
     });
-    QObject::connect(&socket, &QTcpSocket::readyRead, [&] {
+    QObject::connect(&socket, &QTcpSocket::readyRead, &loop, [&] {
         received += qMax<qint64>(0, socket.read(body.data() + received, body.size() - received));
         const int end = headed ? -1 : QByteArray::fromRawData(body.constData(), int(received)).indexOf("\r\n\r\n");
         if (end >= 0) {

@@ -18,7 +18,7 @@ void LoadSmileys(const CInstallationTree &installation, const QByteArray &xml)
 
 void LoadSheet(const CInstallationTree &installation, const QByteArray &css)
 {
-    static const QString included =
+    static const QString included = // clazy:exclude=unused-non-trivial-variable, for the file
         installation.WriteFile(QStringLiteral("Resources/a.css"), "A { b: url(./c.png); }\n");
     const QString untouched = QStringLiteral("untouched");
     const QString path = installation.WriteFile(QStringLiteral("Resources/fuzz.css"), css);

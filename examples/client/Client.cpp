@@ -45,7 +45,7 @@ void PrintMessage(const CConsole::SConsoleMessage &message)
 
 // Each with its file, and what it is missed by: the key of a text, and plain English where there are no texts. The
 // configuration is first, so that the settings find it.
-QVector<std::tuple<CLocalDB *, QString, const char *, const char *>> GetDatabases()
+const QVector<std::tuple<CLocalDB *, QString, const char *, const char *>> GetDatabases()
 {
     const char *noConfig = "#file# is missing: the client works with its defaults.";
     const char *noTexts = "#file# is missing: texts are shown by their names.";

@@ -57,7 +57,8 @@ QWidget *CreateMessages()
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, table, add);
     Texts::Follow(table, [=] {
         table->RemoveOldest(table->GetRowCount());
-        for (const CConsole::SConsoleMessage &message : CConsole::GetMessages())
+        const auto messages = CConsole::GetMessages();
+        for (const CConsole::SConsoleMessage &message : messages)
             add(message);
     });
     return table;

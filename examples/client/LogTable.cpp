@@ -33,7 +33,8 @@ CLogTable::CLogTable(const QVector<const char *> &titleKeys, const QVector<int> 
     connect(this, &CLogTable::signal_Cleared, this, [=] { RemoveOldest(GetRowCount()); });
     new QShortcut(QKeySequence::Copy, this, this, &CLogTable::Copy);
     auto *line = new QHBoxLayout;
-    for (const auto &[key, field] : fields + TFields{{searchKey, search}, {nullptr, copy}, {nullptr, clear}}) {
+    const TFields all = fields + TFields{{searchKey, search}, {nullptr, copy}, {nullptr, clear}};
+    for (const auto &[key, field] : all) {
         if (key)
             line->addWidget(CreateLabel(key, field));
         line->addWidget(field);

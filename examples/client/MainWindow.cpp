@@ -104,7 +104,8 @@ QAction *CMainWindow::AddEntry(const QString &menu, const char *key, const char 
 void CMainWindow::CreateAccountMenu()
 {
     const QString &id = CMenuManager::strMyAccount;
-    auto *logIn = AddEntry(id, "ACTION_LOG_IN", "logIn", Qt::CTRL + Qt::Key_L, [this](QAction *) { OpenLogin(); });
+    auto *logIn =
+        AddEntry(id, "ACTION_LOG_IN", "logIn", QStringLiteral("Ctrl+L"), [this](QAction *) { OpenLogin(); });
     auto *logOut = AddEntry(id, "ACTION_LOG_OUT", "logOut", {}, [this](QAction *) { m_host.GetSession().LogOut(); });
     const CUserInfo *user = CUserInfo::GetInstance();
     const auto enable = [=] {
@@ -121,7 +122,7 @@ void CMainWindow::CreateOptionsMenu()
     connect(COptionsDialogManager::GetInstance(), &COptionsDialogManager::signal_ShowDialog, this,
             [this](QWidget *parent) { OpenDialog(m_pOptionsDialog, Qt::WindowModal, parent ? parent : this); });
     const QString &id = CMenuManager::strOptions;
-    AddEntry(id, "ACTION_OPTIONS", "openOptions", Qt::CTRL + Qt::Key_O,
+    AddEntry(id, "ACTION_OPTIONS", "openOptions", QStringLiteral("Ctrl+O"),
              [this](QAction *) { COptionsDialogManager::Show(this); });
     CSettings *settings = CSettings::GetInstance();
     auto *sounds = AddEntry(id, "ACTION_SOUNDS", "sounds", {},

@@ -13,7 +13,7 @@ bool ReadDocument(const QString &fileName, int most, QJsonDocument &document, QS
         error = QStringLiteral("%1: %2").arg(fileName, file.errorString());
         return false;
     }
-    QJsonParseError fault;
+    QJsonParseError fault{};
     document = QJsonDocument::fromJson(file.readAll(), &fault);
     if (fault.error != QJsonParseError::NoError)
         error =

@@ -40,7 +40,7 @@ public:
     template <typename Record>
     void Add(Record &record)
     {
-        std::apply([this](const auto &...field) { (Write(field), ...); }, record.Fields());
+        std::apply([&](const auto &...field) { (Write(field), ...); }, record.Fields());
     }
 
 private:
@@ -77,7 +77,7 @@ public:
     template <typename Record>
     void Take(Record &record)
     {
-        std::apply([this](auto &&...field) { (Read(field), ...); }, record.Fields());
+        std::apply([&](auto &&...field) { (Read(field), ...); }, record.Fields());
     }
 
 private:

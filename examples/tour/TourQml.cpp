@@ -15,7 +15,8 @@ void CTour::ShowQml()
         QMetaObject::invokeMethod(Find<QAbstractButton>("OPTIONS_OK"), &QAbstractButton::click, Qt::QueuedConnection);
     };
     const auto read = [this](const char *item, const char *property) {
-        for (const QQuickWidget *view : m_window.findChildren<QQuickWidget *>()) {
+        const auto views = m_window.findChildren<QQuickWidget *>();
+        for (const QQuickWidget *view : views) {
             if (const auto *found = view->rootObject()->findChild<QObject *>(QLatin1String(item)))
                 return found->property(property).toString();
         }

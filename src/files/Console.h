@@ -65,7 +65,7 @@ public:
 
 Q_SIGNALS:
     /// A message was added; it is the last of GetMessages().
-    void signal_MessageAdded(const SConsoleMessage &message);
+    void signal_MessageAdded(const SConsoleMessage &message); // clazy:exclude=fully-qualified-moc-types (known so)
 
 private:
     CConsole();

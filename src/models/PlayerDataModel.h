@@ -13,7 +13,7 @@
 /// each. What the numbers of sex and VIP level mean is the game server's business. Main thread.
 class PLUGININTERFACE_EXPORT CPlayerDataModel : public QObject
 {
-    Q_OBJECT
+    Q_OBJECT // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): in a constructor nobody watches yet
     DATA_MODEL_WATCHED_FIELDS(CPlayerDataModel, PLAYER_DATA_TABLE)
 
 public:

@@ -141,7 +141,7 @@ void CPlayerTaggingModel::Load(bool fromSettings)
         text = CSettings::GetInstance()->GetPlayerTags();
     if (text.isEmpty())
         text = CConfig::GetInstance()->GetPlayerTags();
-    QJsonParseError error;
+    QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &error);
     if (text.isEmpty() || error.error != QJsonParseError::NoError)
         return;

@@ -16,7 +16,7 @@ class PLUGININTERFACE_EXPORT CMoneySpinner : public CMoneySpinnerDataModel
     Q_OBJECT
 
     /// The amount that is displayed; written, it is displayed at once.
-    Q_PROPERTY(uint value READ GetValue WRITE SetValue)
+    Q_PROPERTY(uint value READ GetValue WRITE SetValue) // clazy:exclude=qproperty-without-notify (the digits do)
 
 public:
     /// Displays \a value at once, in hundredths.

@@ -52,6 +52,7 @@ struct CMoneySpinnerWidget::SForm
     LB_##Name->setAlignment(Qt::AlignCenter);                                                \
     MakeLayout(F_##Name, QStringLiteral("horizontalLayout_" #number))->addWidget(LB_##Name); \
     row->addWidget(F_##Name);
+        // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): each place has its name from the table
         PLACES_TABLE(MAKE_PLACE)
 #undef MAKE_PLACE
         QMetaObject::connectSlotsByName(widget);

@@ -99,11 +99,10 @@ void CDownload::slot_DownloadFinished()
     if (!m_pReply)
         return;
     const QVariant target = m_pReply->attribute(QNetworkRequest::RedirectionTargetAttribute);
-    if (m_pReply->error() != QNetworkReply::NoError)
-        Finish(false);
-    else if (target.isNull())
+    const bool answered = m_pReply->error() == QNetworkReply::NoError;
+    if (answered && target.isNull())
         Finish(true);
-    else if (!FollowRedirect(target.toUrl()))
+    else if (!answered || !FollowRedirect(target.toUrl()))
         Finish(false);
 }
 

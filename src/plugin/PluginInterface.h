@@ -101,9 +101,9 @@ public:
 
 Q_SIGNALS:
     /// For the host: deliver events with these tags to this plugin.
-    void signal_RegisterForEvent(QString tag1, QString tag2) const;
+    void signal_RegisterForEvent(QString tag1, QString tag2) const; // clazy:exclude=const-signal-or-slot (const use)
     /// For the host: an event from this plugin.
-    void signal_SendEvent(CEvent e) const;
+    void signal_SendEvent(CEvent e) const; // clazy:exclude=const-signal-or-slot (alike)
     /// An event for this plugin; it leads to the slot below.
     void signal_ReceiveEvent(CEvent e);
 

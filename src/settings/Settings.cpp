@@ -96,7 +96,7 @@ QByteArray CSettings::GetOptionJSON() const
 
 void CSettings::SetOptionJSON(const QByteArray &json)
 {
-    QJsonParseError error;
+    QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     if (error.error != QJsonParseError::NoError)
         return;

@@ -140,7 +140,7 @@ void CSettingsSync::InitialWebRequest(QString session)
 
 void CSettingsSync::ReadJSON(QByteArray data)
 {
-    QJsonParseError error;
+    QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(data, &error);
     const QString nickname = GetUser();
     if (error.error != QJsonParseError::NoError || nickname.isEmpty())
@@ -192,7 +192,7 @@ void CSettingsSync::slot_SyncToServerFinished(bool status, QByteArray data)
 {
     if (!TakeFinished() || !status)
         return;
-    QJsonParseError error;
+    QJsonParseError error{};
     const QJsonObject answer = QJsonDocument::fromJson(data, &error).object();
     if (error.error == QJsonParseError::NoError && answer.contains(JSON_SETTINGS_TIME) &&
         answer.contains(JSON_PLAYER_INFOS_TIME))
@@ -242,7 +242,7 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &sett
 {
     CSettings *store = CSettings::GetInstance();
     QHash<QString, QVariant> values;
-    for (const QJsonValue element : settings) {
+    for (const QJsonValue &element : settings) {
         const QVariantMap setting = element.toObject().toVariantMap();
         const QString key = setting.value(JSON_KEY).toString();
         const QVariant value = setting.value(JSON_VALUE);
@@ -263,7 +263,7 @@ void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &i
     playerInfoDB->StartTransaction();
     {
         PlayerInfo::CInserter inserter;
-        for (const QJsonValue element : infos) {
+        for (const QJsonValue &element : infos) {
             const QJsonObject info = element.toObject();
             const QString nick = info.value(JSON_NICK).toVariant().toString();
             if (nick.isEmpty() || CLocalChanges::HasPlayer(nick))

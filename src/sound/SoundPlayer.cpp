@@ -14,11 +14,10 @@ QHash<QString, QSharedPointer<CSoundPlayer>> CSoundPlayer::m_Instances;
 
 CSoundPlayer::CSoundPlayer(const QString &name)
     : m_pPlayer(new QMediaPlayer(this))
-    , m_pPlaylist(nullptr)
+    , m_pPlaylist(new QMediaPlaylist)
     , m_strName(name)
 {
     SetVolume(static_cast<unsigned char>(CSettings::GetInstance()->GetVolume()));
-    m_pPlaylist = new QMediaPlaylist;
     m_pPlayer->setPlaylist(m_pPlaylist);
 }
 

@@ -59,7 +59,7 @@ bool CTranslationItem::SetPlaceholder(const QString &marker, const CTranslationI
     if (marker.isEmpty())
         return false;
     // The item may be this one, and must not come to hold itself.
-    const CTranslationItem copy(item);
+    const CTranslationItem copy(item); // NOLINT(performance-unnecessary-copy-initialization): just for that
     m_hashItems[marker].SetItem(copy);
     m_hashPlaceholders.remove(marker);
     ReTranslate();

@@ -103,14 +103,16 @@ private Q_SLOTS:
         QFETCH(QString, plugins);
         std::list<CTestPlugin> owned;
         QVector<CPluginInterface *> given;
-        for (const QString &plugin : plugins.split(QLatin1Char(' '))) {
+        const QStringList words = plugins.split(QLatin1Char(' '));
+        for (const QString &plugin : words) {
             owned.emplace_back();
-            owned.back().m_strName = plugin.left(1);
+            owned.back().m_strName = plugin.at(0);
             owned.back().m_dependencies = plugin.mid(2).split(QString(), Qt::SkipEmptyParts);
             given.append(&owned.back());
         }
+        const auto sorted = CPluginManager::SortByDependencies(given);
         QString names;
-        for (const CPluginInterface *plugin : CPluginManager::SortByDependencies(given))
+        for (const CPluginInterface *plugin : sorted)
             names += plugin->GetName();
         QTEST(names, "sorted");
     }

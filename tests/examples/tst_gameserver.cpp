@@ -65,8 +65,8 @@ private Q_SLOTS:
     {
         CClient client(m_usPort);
         CClient silent(m_usPort);
-        for (const char &byte :
-             Payload::ToPackets(LobbyProtocol::GROUP, {GET_LIST})) // for the server to put together
+        const QByteArray packet = Payload::ToPackets(LobbyProtocol::GROUP, {GET_LIST});
+        for (const char &byte : packet) // for the server to put together
             QVERIFY(client.write(&byte, 1) == 1 && client.waitForBytesWritten());
 
         QFile file(QStringLiteral(TABLES_PATH));

@@ -15,7 +15,8 @@ class tst_qmllobby : public QObject
 
     QString Text(const char *name, const char *property = "text") const
     {
-        for (const QQuickWidget *view : m_pView->findChildren<QQuickWidget *>()) {
+        const auto views = m_pView->findChildren<QQuickWidget *>();
+        for (const QQuickWidget *view : views) {
             const auto *root = view->rootObject(); // null until it is read
             if (const auto *item = root ? root->findChild<QObject *>(QLatin1String(name)) : nullptr)
                 return item->property(property).toString() + QLatin1Char('|');

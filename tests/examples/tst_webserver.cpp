@@ -70,7 +70,7 @@ public:
         const QJsonObject root = QJsonDocument::fromJson(QByteArray::fromStdString(answer->body)).object();
         m_iNamed = root.value(m_strList + "time"_s).toInt(-1);
         const QJsonArray rows = root.value(m_strList).toArray();
-        for (const QJsonValue row : rows) {
+        for (const QJsonValue &row : rows) {
             const QString value = row[m_strValue].toString();
             auto &kept = m_rows[row[m_strKey].toString()];
             if (m_strKey == "nick"_s || kept.first != value) // a setting that is alike keeps its older time
@@ -232,12 +232,13 @@ private Q_SLOTS:
     {
         QFETCH(QString, values);
         const QString script = QString::fromUtf8(QTest::currentDataTag()) + " A! B! C!"_s.repeated(4);
+        const QStringList steps = script.split(QLatin1Char(' '));
         for (const bool notes : {false, true}) {
             const QString user = QString::number(++m_iUsers);
             std::map<QChar, CMachine> machines;
             for (const QString &name : {"A"_s, "B"_s, "C"_s})
                 machines.emplace(name.at(0), CMachine(m_pWeb, user, name, notes));
-            for (const QString &step : script.split(QLatin1Char(' ')))
+            for (const QString &step : steps)
                 machines.at(step.at(0)).Do(step);
             for (const auto &machine : machines) {
                 QCOMPARE(machine.second.GetValues(), values);

@@ -177,8 +177,8 @@ private Q_SLOTS:
         for (int i = 3; i <= 1001; ++i)
             Add(i);
         QCOMPARE(CConsole::GetMessages().size(), 1000);
-        QCOMPARE(CConsole::GetMessages().first().iDetail, -5);
-        QCOMPARE(CConsole::GetMessages().last().iDetail, 1001);
+        QCOMPARE(CConsole::GetMessages().constFirst().iDetail, -5);
+        QCOMPARE(CConsole::GetMessages().constLast().iDetail, 1001);
         CConsole::Clear();
         QCOMPARE(CConsole::GetMessages().size(), 0);
     }

@@ -142,7 +142,7 @@ private Q_SLOTS:
         for (const QString &id : qAsConst(script)) {
             const bool comes = id.startsWith(QLatin1Char('='));
             (player->*(comes ? &CPlayerModel::SetCustomAvatar : &CPlayerModel::SetNewCustomAvatar))(
-                id.mid(comes ? 1 : 0).toUInt());
+                id.midRef(comes ? 1 : 0).toUInt());
             QTRY_VERIFY(id != "9"_s || !m_requests.isEmpty());
         }
         const unsigned int now = player->GetCustomAvatar();

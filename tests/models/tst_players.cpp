@@ -11,7 +11,7 @@ namespace {
 
 const QString NAME = "Nick"_s;
 
-QList<QMetaProperty> Properties(const QMetaObject &type)
+const QList<QMetaProperty> Properties(const QMetaObject &type)
 {
     QList<QMetaProperty> properties;
     for (int index = type.propertyOffset(); index < type.propertyCount(); ++index)
@@ -64,7 +64,7 @@ class CRecorder : public QObject
 
 public:
     CRecorder(const QObject &model, const QMetaObject &type)
-        : m_iFirst(Properties(type).first().notifySignalIndex())
+        : m_iFirst(Properties(type).at(0).notifySignalIndex())
     {
         const QMetaMethod slot = metaObject()->method(metaObject()->indexOfSlot("slot_Changed()"));
         for (const QMetaProperty &property : Properties(type))

@@ -20,9 +20,10 @@ private Q_SLOTS:
     {
         CUserInfo *user = CUserInfo::GetInstance();
         QStringList order;
-        connect(user, &CUserInfo::signal_PlayerModelChanged, this,
+        const QObject context; // ends before what the lambdas refer to: clazy:excludeall=lambda-in-connect
+        connect(user, &CUserInfo::signal_PlayerModelChanged, &context,
                 [&](const CPlayerModel *model) { order << (model ? model->GetNickname() : "nobody"_s); });
-        connect(user, &CUserInfo::signal_LoginStateChanged, this,
+        connect(user, &CUserInfo::signal_LoginStateChanged, &context,
                 [&](bool state) { order << "%1 as '%2'"_s.arg(state ? 1 : 0).arg(user->GetNickname()); });
         user->SetLoggedIn("Ann"_s);
         user->SetLoggedIn("Ann"_s);

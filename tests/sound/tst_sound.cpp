@@ -169,10 +169,11 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, in);
         CSettings::GetInstance()->SetWinningSounds(true);
-        for (const QString &call : in[1].split(" "_s)) {
+        const QStringList calls = in[1].split(" "_s);
+        for (const QString &call : calls) {
             const QString name = QString(call).remove(QRegularExpression("[+!_~]"_s));
             if (!name.isEmpty())
-                (CSoundManager::GetInstance()->*PLAY[in[0].left(1).toInt()])(File(name), call.endsWith("+"_s));
+                (CSoundManager::GetInstance()->*PLAY[in[0].at(0).digitValue()])(File(name), call.endsWith("+"_s));
             if (call.contains(QRegularExpression("[!_]"_s)))
                 QTRY_VERIFY(GetTones(Listen()) == name.toUpper() && (name.isEmpty() || IsNear('A', 70)));
             else if (call.endsWith("~"_s))

@@ -7,11 +7,12 @@
 
 #include <QtTest>
 
-/// "a|b;c|d" is two rows of test data.
-inline QList<QStringList> Rows(const QString &text)
+/// "a|b;c|d" is two rows of test data; const, so that a loop over them detaches nothing.
+inline const QList<QStringList> Rows(const QString &text)
 {
     QList<QStringList> rows;
-    for (const QString &row : text.split(QLatin1Char(';')))
+    const QStringList lines = text.split(QLatin1Char(';'));
+    for (const QString &row : lines)
         rows.append(row.split(QLatin1Char('|')));
     return rows;
 }

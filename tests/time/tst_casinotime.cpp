@@ -92,7 +92,7 @@ private Q_SLOTS:
     void MachinesZone()
     {
         CSettings::GetInstance()->SetTimezoneIndex30(53);
-        for (const QByteArray zone :
+        for (const char *zone :
              {"Asia/Kathmandu", "Australia/Lord_Howe", "America/St_Johns", "Pacific/Kiritimati", "Europe/Berlin"}) {
             qputenv("TZ", zone);
             const CCasinoTime casino;

@@ -9,7 +9,8 @@
 static QList<double> Numbers(const QString &text)
 {
     QList<double> numbers;
-    for (const QString &number : text.split(QLatin1Char(','), Qt::SkipEmptyParts))
+    const QStringList parts = text.split(QLatin1Char(','), Qt::SkipEmptyParts);
+    for (const QString &number : parts)
         numbers.append(number.toDouble());
     return numbers;
 }

@@ -29,7 +29,7 @@ QString Quoted(const QString &text)
 
 std::optional<QJsonObject> ReadObject(const QByteArray &json, const QString &path, CReport &report)
 {
-    QJsonParseError error;
+    QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     if (error.error != QJsonParseError::NoError) {
         report.Error(path, JsonLines::LineAt(json, error.offset), error.errorString());
@@ -97,7 +97,8 @@ public:
         const auto object = ReadObject(json, m_strPath, m_report);
         if (!object)
             return {};
-        for (const JsonLines::SMember &member : JsonLines::FindMembers(json))
+        const auto members = JsonLines::FindMembers(json);
+        for (const JsonLines::SMember &member : members)
             AddMember(member, object->value(member.strName));
         return m_config;
     }

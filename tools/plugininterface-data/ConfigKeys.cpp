@@ -44,7 +44,7 @@ const QVector<SConfigKey> &ConfigKeys::GetAll()
 {
     static const QVector<SConfigKey> keys{
 #define CONFIG_KEY(type, Name, key, defaultValue, property, readers) \
-    {QStringLiteral(#key), QStringLiteral(#property), QStringLiteral(readers), QVariant(type(defaultValue))},
+    {QStringLiteral(#key), QStringLiteral(#property), QLatin1String(readers), QVariant(type(defaultValue))},
         CONFIG_TABLE(CONFIG_KEY)
 #undef CONFIG_KEY
     };

@@ -67,7 +67,8 @@ QVector<QVariantList> TextRows(const SPoCatalogue &catalogue, SCounts &counts)
 bool Write(CDataFile &file, const QVector<SPoCatalogue> &catalogues, SCounts &counts)
 {
     file.Open();
-    for (const QString &sql : CreateStatements())
+    const QStringList statements = CreateStatements();
+    for (const QString &sql : statements)
         file.Exec(sql);
     file.Insert(QLatin1String("INSERT INTO ") + CTranslationDB::strTableNameAvailLanguages +
                     QLatin1String(" VALUES (?, ?, ?)"),
@@ -183,9 +184,7 @@ bool CanWrite(const QMap<int, SPoCatalogue> &catalogues, const QString &folder, 
 void WriteCatalogue(const SPoCatalogue &catalogue, CReport &report)
 {
     CReplacementFile file(catalogue.strFile);
-    if (!file.Open())
-        report.Error(catalogue.strFile, 0, file.GetError());
-    else if (PoCatalogues::Write(file.GetTemporaryPath(), catalogue, report) && !file.Commit())
+    if (!file.Open() || (PoCatalogues::Write(file.GetTemporaryPath(), catalogue, report) && !file.Commit()))
         report.Error(catalogue.strFile, 0, file.GetError());
 }
 

@@ -23,7 +23,10 @@ namespace {
 
 struct SFree
 {
-    void operator()(char *text) const { std::free(text); }
+    void operator()(char *text) const
+    {
+        std::free(text);
+    } // NOLINT(cppcoreguidelines-no-malloc): the library's malloc()
     void operator()(po_file_t file) const { po_file_free(file); }
     void operator()(po_message_iterator_t iterator) const { po_message_iterator_free(iterator); }
 };
@@ -54,7 +57,8 @@ void Tell(int severity, const char *file, std::size_t line, const char *text)
 }
 
 // The library wants no return after a fatal error. Between here and the setjmp() there are only its C functions,
-// which lose what memory they held.
+// which lose what memory they held, and which an exception can't pass.
+// NOLINTBEGIN(cert-err52-cpp)
 void LeaveIfFatal(int severity)
 {
     if (severity == PO_SEVERITY_FATAL_ERROR)
@@ -92,6 +96,7 @@ bool WriteGuarded(po_file_t file, const char *path)
         return false;
     return po_file_write(file, path, &HANDLER) != nullptr;
 }
+// NOLINTEND(cert-err52-cpp)
 
 // The library doesn't tell where an entry stands, but gives all of them, obsolete ones too, in the order of the file.
 class CEntryLines

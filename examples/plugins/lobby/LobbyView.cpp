@@ -33,6 +33,7 @@ CLobbyView::CLobbyView(CLobbyTables *tables)
 {
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(CreateFilterLine()); // first, so that Tab gets there first
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): behind the filter line
     m_pTable = CreateField<QTableView>(this, "lobbyTable");
     layout->addWidget(m_pTable, 1);
     auto *status = CreateField<QLabel>(this, "lobbyStatus");
@@ -110,7 +111,8 @@ void CLobbyView::SetUpTable()
     m_pTable->setSortingEnabled(true);
     connect(header, &QHeaderView::sectionResized, this, &CLobbyView::OnColumnResized);
     for (int column = 0; column < header->count(); ++column) { // Ctrl+1 and so on, as a click on the title
-        connect(new QShortcut(Qt::CTRL + Qt::Key_1 + column, this), &QShortcut::activated, m_pTables, [=] {
+        const QKeySequence keys(QStringLiteral("Ctrl+%1").arg(column + 1));
+        connect(new QShortcut(keys, this), &QShortcut::activated, m_pTables, [=] {
             const bool turns = m_pTables->sortColumn() == column && m_pTables->sortOrder() == Qt::AscendingOrder;
             m_pTables->sort(column, turns ? Qt::DescendingOrder : Qt::AscendingOrder);
         });

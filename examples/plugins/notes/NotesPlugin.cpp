@@ -72,7 +72,8 @@ private: //! [view] [list]
             m_pPlayers->clear(); // nobody is chosen any more, which empties the form
         }
         Add(user->GetNickname());
-        for (const auto &row : PlayerInfo::GetSyncList(user->GetNickname(), 0))
+        const auto rows = PlayerInfo::GetSyncList(user->GetNickname(), 0);
+        for (const auto &row : rows)
             Add(row.strPlayer);
     }
 

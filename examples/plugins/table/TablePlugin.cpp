@@ -154,7 +154,7 @@ void CTablePlugin::LeaveTable(quint32 tableID)
         Send(Payload::Encode(TableProtocol::SLeave{tableID}));
 }
 
-QList<CTableWindow *> CTablePlugin::GetWindows() const
+const QList<CTableWindow *> CTablePlugin::GetWindows() const
 {
     QList<CTableWindow *> windows;
     for (const QPointer<CTableWindow> &window : m_windows) {

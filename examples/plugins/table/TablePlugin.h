@@ -40,7 +40,7 @@ private:
     void ShowLine(const TableProtocol::SLine &line);
     void Send(const QByteArray &payload);
     void LeaveTable(quint32 tableID);
-    QList<CTableWindow *> GetWindows() const;
+    const QList<CTableWindow *> GetWindows() const;
 
     QHash<quint32, QPointer<CTableWindow>> m_windows; // by table; the lobby's window owns them
 };
