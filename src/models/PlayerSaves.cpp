@@ -97,8 +97,11 @@ void CPlayerSaves::WriteChanges()
     }
 }
 
+// False if there are still some.
 bool CPlayerSaves::WriteLeft()
 {
+    if (left.isEmpty())
+        return true;
     PlayerInfo::CSaver saver;
     while (!left.isEmpty() && saver.Write(left.constFirst()))
         left.removeFirst();

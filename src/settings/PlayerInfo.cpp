@@ -189,7 +189,7 @@ PlayerInfo::CSaver::CSaver()
 
 bool PlayerInfo::CSaver::Save(const QString &nickname)
 {
-    return !nickname.isEmpty() && CUserInfo::GetInstance()->IsLoggedIn() && Write(GetRow(nickname));
+    return !nickname.isEmpty() && !CUserInfo::GetInstance()->GetNickname().isEmpty() && Write(GetRow(nickname));
 }
 
 QVariantList PlayerInfo::CSaver::GetRow(const QString &nickname)

