@@ -35,6 +35,6 @@ take_tour() {
     local build=$PWD/build/$1 data=$PWD/examples/data
     on_virtual_display "$build/installation/Contents/Client/tour.exe" "$build/tour" \
         --game-server "$build/bin/gameserver" --tables "$data/tables.json" --accounts "$data/accounts.json" \
-        --web-server "$build/bin/webserver" --pictures "$data/pictures"
+        --web-server "$build/bin/webserver" --pictures "$data/pictures" || return
     echo "Screenshots: build/$1/tour"
 }
