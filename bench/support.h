@@ -37,7 +37,7 @@ inline double idleSeconds = 0;
 /// What the thread has had of the processor.
 inline double ProcessorNanoseconds()
 {
-    timespec time;
+    timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return double(time.tv_sec) * 1e9 + double(time.tv_nsec);
 }

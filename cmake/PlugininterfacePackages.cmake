@@ -69,6 +69,6 @@ debian_package(example NAME plugininterface-example SECTION misc
     DESCRIPTION "A host with a lobby, tables and notes, a game server and a web server, to try"
                 "out and to start a client from."
     DEPENDS "${same_library}" gstreamer1.0-plugins-good qml-module-qtquick-controls2 qml-module-qtquick-layouts
-            qml-module-qtquick2)
+            qml-module-qtquick-window2 qml-module-qtquick2)
 
 include(CPack)

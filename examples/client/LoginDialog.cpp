@@ -20,6 +20,7 @@ constexpr int MESSAGE_LINES = 3;
 CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     : QDialog(parent)
     , m_host(host)
+    , m_pMessage(CreateField<QLabel>(this, "loginMessage"))
 {
     auto *form = new QFormLayout(this);
     m_pNickname = AddFormField<QLineEdit>(form, "LOGIN_NICKNAME", "loginNickname");
@@ -27,7 +28,6 @@ CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     m_pNickname->setMinimumWidth(fontMetrics().averageCharWidth() * FIELD_CHARACTERS);
     m_pPassword = AddFormField<QLineEdit>(form, "LOGIN_PASSWORD", "loginPassword");
     m_pPassword->setEchoMode(QLineEdit::Password);
-    m_pMessage = CreateField<QLabel>(this, "loginMessage");
     m_pMessage->setWordWrap(true);
     m_pMessage->setMinimumHeight(fontMetrics().lineSpacing() * MESSAGE_LINES);
     form->addRow(m_pMessage);

@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <ctime>
 
 namespace {
@@ -18,10 +18,11 @@ double ReadWaitingMs()
 {
     static thread_local const int file = open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC);
     char text[128] = "";
-    long long running = 0;
-    long long waiting = 0;
-    const auto size = pread(file, text, sizeof text - 1, 0);
-    return size > 0 && std::sscanf(text, "%lld %lld", &running, &waiting) == 2 ? double(waiting) / NANOSECONDS : 0;
+    if (pread(file, text, sizeof text - 1, 0) <= 0)
+        return 0;
+    char *rest = nullptr;
+    std::strtoll(text, &rest, 10); // how long it has run
+    return double(std::strtoll(rest, nullptr, 10)) / NANOSECONDS;
 }
 
 double ReadClock(clockid_t clock)

@@ -31,7 +31,7 @@ void CFaultDesk::TakeOrder(const httplib::Request &request, httplib::Response &r
     SFault fault{request.get_param_value("path"), request.get_param_value("kind"), request.get_param_value("value"),
                  request.get_param_value("type"), 1};
     if (request.has_param("count"))
-        fault.count = std::atoi(request.get_param_value("count").c_str());
+        fault.count = int(std::strtol(request.get_param_value("count").c_str(), nullptr, 10));
     response.status = fault.path.empty() || fault.count < 1 || kinds.count(fault.kind) == 0 ? 400 : 200;
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (response.status == 200)
@@ -57,7 +57,7 @@ bool CFaultDesk::Answer(const httplib::Request &request, httplib::Response &resp
     SFault fault;
     if (!TakeFault(request.path, fault))
         return false;
-    const int number = std::atoi(fault.value.c_str());
+    const int number = int(std::strtol(fault.value.c_str(), nullptr, 10));
     if (fault.kind == "delay") {
         std::this_thread::sleep_for(std::chrono::milliseconds(number));
         return false;

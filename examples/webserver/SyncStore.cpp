@@ -11,7 +11,7 @@ namespace {
 
 constexpr int WORDS = 8; // of 32 bits, in a session
 constexpr int ID_LENGTH = 32;
-constexpr qint64 SESSION_SECONDS = 24 * 60 * 60;
+constexpr qint64 SESSION_SECONDS = qint64(24) * 60 * 60;
 
 // A list is called by its user, in lower case since case tells no users apart, and by which it is. The past is what
 // rows have been, until they got a later stamp.

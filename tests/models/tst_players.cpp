@@ -66,7 +66,7 @@ public:
     CRecorder(const QObject &model, const QMetaObject &type)
         : m_iFirst(Properties(type).at(0).notifySignalIndex())
     {
-        const QMetaMethod slot = metaObject()->method(metaObject()->indexOfSlot("slot_Changed()"));
+        const QMetaMethod slot = staticMetaObject.method(staticMetaObject.indexOfSlot("slot_Changed()"));
         for (const QMetaProperty &property : Properties(type))
             connect(&model, property.notifySignal(), this, slot);
     }
@@ -239,6 +239,7 @@ private Q_SLOTS:
         QCOMPARE(*lists.GetBuddyList(), (QList<CPlayerModel *>{buddy, other, nullptr}));
         QVERIFY(!buddy->GetBuddy() && other->GetBuddy());
         CPlayerLists moved = std::move(lists);
+        // NOLINTNEXTLINE(bugprone-use-after-move): what was moved from is an empty list
         QVERIFY(lists.GetBuddyList()->isEmpty() && moved.GetBuddyList()->size() == 3);
         moved.ResetBuddyList();
         QVERIFY(moved.GetBuddyList()->isEmpty() && other->GetBuddy());

@@ -154,7 +154,8 @@ private Q_SLOTS:
 
         CPacketLayerWrapper moved(std::move(copy));
         QCOMPARE(GetBytes(moved), packet);
-        QVERIFY(!copy.GetPacket() && !copy.AddPacket("TAG1", 4)); // empty, but still usable
+        // Empty, but still usable. NOLINTNEXTLINE(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
+        QVERIFY(!copy.GetPacket() && !copy.AddPacket("TAG1", 4));
         copy.SetPacket(packet.constData());
         QCOMPARE(Walk(copy), TRecords{"TAG1"});
         copy.SetPacket(nullptr);

@@ -32,7 +32,7 @@ QByteArray MakePicture(unsigned int number)
 {
     QImage image(100, 100, QImage::Format_RGB32);
     QRandomGenerator random(number);
-    random.fillRange(reinterpret_cast<quint32 *>(image.bits()), image.width() * image.height());
+    random.fillRange(reinterpret_cast<quint32 *>(image.bits()), qsizetype(image.width()) * image.height());
     QByteArray bytes;
     QBuffer buffer(&bytes);
     image.save(&buffer, "PNG");

@@ -27,13 +27,15 @@ private Q_SLOTS:
         QStringList names = QString::fromLatin1(PUBLIC_NAMES).split(QLatin1Char(' '));
         for (QString &name : names)
             name.prepend(QString::number(name.size()));
-        const QRegularExpression publicPattern(
+        static const QRegularExpression publicPattern(
             prefix + QLatin1String("(?:rsR11QDataStream|lsR11QDataStream|ls6QDebug)?[PR]?K?N?(?:") +
             names.join(QLatin1Char('|')) + QLatin1Char(')'));
         // Inline functions of the toolkit and the standard library leave copies, which the linker merges with theirs;
         // then the runtime of the coverage counters, and section ends, which the linker takes over from libGL.
-        const QRegularExpression inlineCopy(prefix + QLatin1String("(?:St|9__gnu_cxx|\\d+Q[A-Z]|\\d+QtPrivate)"));
-        const QRegularExpression byLinker(QStringLiteral("^(?:__gcov_|(?:mangle_path|__bss_start|_edata|_end)$)"));
+        static const QRegularExpression inlineCopy(prefix +
+                                                   QLatin1String("(?:St|9__gnu_cxx|\\d+Q[A-Z]|\\d+QtPrivate)"));
+        static const QRegularExpression byLinker(
+            QStringLiteral("^(?:__gcov_|(?:mangle_path|__bss_start|_edata|_end)$)"));
 
         QProcess nm;
         nm.start(QStringLiteral(NM),

@@ -23,10 +23,8 @@ namespace {
 
 struct SFree
 {
-    void operator()(char *text) const
-    {
-        std::free(text);
-    } // NOLINT(cppcoreguidelines-no-malloc): the library's malloc()
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): the library's malloc()
+    void operator()(char *text) const { std::free(text); }
     void operator()(po_file_t file) const { po_file_free(file); }
     void operator()(po_message_iterator_t iterator) const { po_message_iterator_free(iterator); }
 };
