@@ -21,7 +21,7 @@ constexpr qint64 SLICE_MS = 4;
 // its place.
 std::list<SPlayerSave> waiting;
 // Rows of users who have logged out before the file could be written.
-QList<QVariantList> left;
+QList<QVariantList> leftRows;
 // A child of the application, which may end before the library does.
 QPointer<QTimer> timer;
 
@@ -76,9 +76,9 @@ void CPlayerSaves::WriteAll()
         return;
     for (const CPlayerModel *model : qAsConst(models)) {
         if (IsStorable(model))
-            left.append(PlayerInfo::CSaver::GetRow(model->GetNickname()));
+            leftRows.append(PlayerInfo::CSaver::GetRow(model->GetNickname()));
     }
-    if (!left.isEmpty())
+    if (!leftRows.isEmpty())
         RunTimer();
 }
 
@@ -100,12 +100,12 @@ void CPlayerSaves::WriteChanges()
 // False if there are still some.
 bool CPlayerSaves::WriteLeft()
 {
-    if (left.isEmpty())
+    if (leftRows.isEmpty())
         return true;
     PlayerInfo::CSaver saver;
-    while (!left.isEmpty() && saver.Write(left.constFirst()))
-        left.removeFirst();
-    return left.isEmpty();
+    while (!leftRows.isEmpty() && saver.Write(leftRows.constFirst()))
+        leftRows.removeFirst();
+    return leftRows.isEmpty();
 }
 
 void CPlayerSaves::WriteDue()
@@ -159,6 +159,6 @@ void CPlayerSaves::RunTimer()
         timer->setTimerType(Qt::PreciseTimer);
         QObject::connect(timer, &QTimer::timeout, timer, [] { WriteDue(); });
     }
-    const qint64 wait = left.isEmpty() ? waiting.front().iDue - Now() : SAVE_DELAY_MS;
+    const qint64 wait = leftRows.isEmpty() ? waiting.front().iDue - Now() : SAVE_DELAY_MS;
     timer->start(static_cast<int>(qMax(Q_INT64_C(0), wait)));
 }

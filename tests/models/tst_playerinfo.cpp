@@ -80,7 +80,13 @@ private Q_SLOTS:
         bob->SetLoadedInfo("new"_s, 8, 0, 1, false, false);
         QVERIFY(PlayerInfo::UpdateInfo("bOB"_s) && PlayerInfo::UpdateInfo("Carl"_s));
         QCOMPARE(Stored(), "/bOB=new,7,1,1,0@100"_s);
+        for (const char *now : {"slot_DBSaveTimer", "slot_DBUpdateTimer"}) { // the row comes, and changes
+            Player("Dora"_s)->SetRating(now[8] == 'S' ? 2 : 3);
+            QVERIFY(QMetaObject::invokeMethod(Player("Dora"_s), now));
+            QCOMPARE(Stored(), "/Dora=,0,0,%1,0@109 /bOB=new,7,1,1,0@100"_s.arg(Player("Dora"_s)->GetRating()));
+        }
         user->SetLoggedIn(QString()); // stores what waits
+        CPlayerInfoDB::GetInstance()->Exec("DELETE FROM tbl_playerinfo WHERE PIN_cPlayer = 'Dora'"_s);
         QVERIFY(!PlayerInfo::SaveInfo("bOB"_s) && !PlayerInfo::UpdateInfo("bOB"_s) && !PlayerInfo::LoadInfo());
 
         QVERIFY(PlayerInfo::InsertPlayerInfo({ANN, "bOB"_s, "old"_s, 2, 1 | 2, 6}));

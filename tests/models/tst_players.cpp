@@ -218,6 +218,9 @@ private Q_SLOTS:
         QVERIFY(!CPlayerModel::IsExisting(NAME) && !CPlayerModel::IsExisting(model) && model);
         QTRY_VERIFY(!model);
         QVERIFY(CPlayerModel::IsExisting(NAME.toLower()));
+        CPlayerModel::DestroyInstance(static_cast<CPlayerModel *>(nullptr));
+        CPlayerModel::DestroyInstance(NAME.toLower());
+        QVERIFY(!CPlayerModel::IsExisting(NAME.toLower()));
     }
 
     void Buddies()

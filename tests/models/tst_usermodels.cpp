@@ -129,6 +129,40 @@ private Q_SLOTS:
         QVERIFY(!documents.exists("Old"_s) && documents.exists("New/Old"_s) && documents.exists("letter"_s));
     }
 
+    // What each property tells, and how often it signals, before and after the host has set twice what it sets.
+    void CasinoProperties()
+    {
+        const auto describe = [](const CCasinoInfo &casino) {
+            QStringList values;
+            for (const char *name :
+                 {"currentPlayers", "currentTables", "currentTournaments", "usesJackpot", "jackpotValue",
+                  "jackpotLink", "hasJackpotLink", "playmoneyOnly", "upgradeAvailable", "showPlayerAndTableCounts"})
+                values += casino.property(name).toString();
+            return values.join(QLatin1Char('|'));
+        };
+        Configure({});
+        QCOMPARE(describe(CCasinoInfo()), "0|0|0|false|0||false|true|false|true"_s);
+        Configure({{"displaybadbeatjackpot"_s, true},
+                   {"link_bbj"_s, "bbj"_s},
+                   {"moneytype"_s, 2},
+                   {"link_upgradeaccount"_s, "up"_s},
+                   {"showplayerandtablecounts"_s, false}});
+        CCasinoInfo casino;
+        const QSignalSpy players(&casino, &CCasinoInfo::signal_CurrentPlayersChanged);
+        const QSignalSpy tables(&casino, &CCasinoInfo::signal_CurrentTablesChanged);
+        const QSignalSpy tournaments(&casino, &CCasinoInfo::signal_CurrentTournamentsChanged);
+        for (int round = 0; round < 2; ++round) {
+            casino.SetPokerPlayerCount(70000);
+            casino.SetPokerTableCount(65535);
+            casino.SetPokerTournamentCount(12);
+            casino.SetBadBeatJackpot('R', 500);
+        }
+        QCOMPARE(describe(casino), "70000|65535|12|true|500|bbj|true|false|true|false"_s);
+        QVERIFY(players.size() == 1 && tables.size() == 1 && tournaments.size() == 1);
+        QCOMPARE(casino.property("jackpotCurrency").toString(), "$"_s);
+        QCOMPARE(casino.GetBadBeatJackpotMoneyType(), GlobalDefines::MONEYTYPE_DOLLAR);
+    }
+
     void ChatSettings()
     {
         CChatModel *model = CChatModel::GetInstance();

@@ -87,6 +87,16 @@ public:
                 return part.empty() || sink.write(part.data(), part.size());
             });
         });
+        // As a proxy that wants to know who asks.
+        m_server.set_pre_routing_handler([](const httplib::Request &request, httplib::Response &answer) {
+            if (request.target.rfind("http://", 0) != 0)
+                return httplib::Server::HandlerResponse::Unhandled;
+            const std::string who = request.get_header_value("Proxy-Authorization");
+            answer.status = who.empty() ? 407 : 200;
+            answer.set_header("Proxy-Authenticate", "Basic realm=\"x\"");
+            answer.set_content(request.target + ' ' + who, "text/plain");
+            return httplib::Server::HandlerResponse::Handled;
+        });
         m_iPort = m_server.bind_to_any_port("127.0.0.1");
         redirect("/dir/3", "http://127.0.0.1:" + std::to_string(m_iPort) + "/echo");
         redirect("/dir/0", "/dir/1");
@@ -158,6 +168,16 @@ private Q_SLOTS:
         QCOMPARE(download.GetContentLength(), 0u);
     }
 
+    void HeadOnly()
+    {
+        CDownload download(nullptr, m_server.GetUrl("/dir/1"_s), "a=b", true);
+        QSignalSpy finished(&download, &CDownload::signal_Finished);
+        download.Start();
+        QVERIFY(finished.wait());
+        QVERIFY(finished.at(0).at(0).toBool() && finished.at(0).at(1).toByteArray().isEmpty());
+        QCOMPARE(download.GetCurUrl(), QUrl(m_server.GetUrl("/echo"_s)));
+    }
+
     void TooLongABody()
     {
         CDownload download(nullptr, m_server.GetUrl("/endless"_s), QByteArray(), false);
@@ -216,6 +236,27 @@ private Q_SLOTS:
         const QNetworkProxy expected(QNetworkProxy::HttpProxy, "a"_s, 81, "u"_s, "p"_s);
         QCOMPARE(QNetworkProxy::applicationProxy(), good ? expected : before);
         QCOMPARE(CNetworkAccessManager::GetInstance()->proxy().type(), QNetworkProxy::NoProxy);
+    }
+
+    // A host may send the library's traffic through the application's proxy, whose credentials are known.
+    void ProxyCredentials()
+    {
+        const QUrl server(m_server.GetUrl(QString()));
+        auto *manager = CNetworkAccessManager::GetInstance();
+        manager->setProxy({QNetworkProxy::HttpCachingProxy, server.host(), quint16(server.port())});
+        for (const QString &user : {QString(), "ann"_s}) {
+            QNetworkProxy::setApplicationProxy(
+                {QNetworkProxy::NoProxy, QString(), 0, user, user.isEmpty() ? user : "secret"_s});
+            CDownload download(nullptr, "http://casino.invalid/a"_s, QByteArray(), false);
+            QSignalSpy finished(&download, &CDownload::signal_Finished);
+            download.Start();
+            QVERIFY(finished.wait());
+            QCOMPARE(finished.at(0).at(0).toBool(), !user.isEmpty());
+            QCOMPARE(finished.at(0).at(1).toByteArray(),
+                     QByteArray("http://casino.invalid/a ") +
+                         (user.isEmpty() ? "" : "Basic " + QByteArray("ann:secret").toBase64()));
+        }
+        manager->setProxy(QNetworkProxy::NoProxy);
     }
 
 private:

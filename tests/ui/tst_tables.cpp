@@ -158,6 +158,25 @@ private Q_SLOTS:
         QTRY_COMPARE(dialog.frameGeometry().topLeft(), QPoint(100, 249));
     }
 
+    void Popups()
+    {
+        if (QGuiApplication::platformName() == "offscreen"_s)
+            QSKIP("windows without a window manager can't be raised");
+        QWidget first, second;
+        Globals::PopupWidget(nullptr);
+        Globals::PopupWidget(&first); // no window is active yet, so this one shows
+        QVERIFY(QTest::qWaitForWindowActive(&first));
+        second.showMaximized();
+        QVERIFY(QTest::qWaitForWindowActive(&second));
+        first.showMinimized();
+        QTRY_VERIFY(!first.windowHandle()->isExposed() && second.isActiveWindow());
+        Globals::PopupWidget(&first);
+        QVERIFY(QTest::qWaitForWindowActive(&first));
+        QTRY_VERIFY(!first.isMinimized());
+        Globals::PopupWidget(&second);
+        QVERIFY(QTest::qWaitForWindowActive(&second) && second.isMaximized());
+    }
+
     void TextColors()
     {
         for (const QStringList &in : Rows("#969696|white;#979797|black;red|white;lime|white;yellow|black;|white"_s))
