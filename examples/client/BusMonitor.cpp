@@ -71,20 +71,22 @@ CBusMonitor::CBusMonitor(CHost &host)
     hex->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     hex->setReadOnly(true); // so that Tab leaves it
     layout()->addWidget(hex);
-    connect(m_pView->selectionModel(), &QItemSelectionModel::currentRowChanged, hex, [=](const QModelIndex &shown) {
-        const int row = m_shown.mapToSource(shown).row();
-        const QByteArray payload = row < 0 ? QByteArray() : GetValues(row).at(0).toByteArray();
-        hex->setPlainText(HexText(payload.left(MAX_HEX_BYTES)) +
-                          QString(payload.size() > MAX_HEX_BYTES ? 3 : 0, u'.'));
-    });
-    connect(m_pRows, &QStandardItemModel::rowsAboutToBeRemoved, this, [=](const QModelIndex &, int first, int last) {
-        for (int row = first; row <= last; ++row)
-            m_iBytes -= GetValues(row).at(0).toByteArray().size();
-    });
+    connect(m_pView->selectionModel(), &QItemSelectionModel::currentRowChanged, hex,
+            [this, hex](const QModelIndex &shown) {
+                const int row = m_shown.mapToSource(shown).row();
+                const QByteArray payload = row < 0 ? QByteArray() : GetValues(row).at(0).toByteArray();
+                hex->setPlainText(HexText(payload.left(MAX_HEX_BYTES)) +
+                                  QString(payload.size() > MAX_HEX_BYTES ? 3 : 0, u'.'));
+            });
+    connect(m_pRows, &QStandardItemModel::rowsAboutToBeRemoved, this,
+            [this](const QModelIndex &, int first, int last) {
+                for (int row = first; row <= last; ++row)
+                    m_iBytes -= GetValues(row).at(0).toByteArray().size();
+            });
     // The number stays in view behind the pause, to tell of the gap.
-    connect(m_pPause, &QCheckBox::toggled, this, [=](bool paused) { ShowPassed(paused ? 0 : m_iPassed); });
+    connect(m_pPause, &QCheckBox::toggled, this, [this](bool paused) { ShowPassed(paused ? 0 : m_iPassed); });
     connect(&host, &CHost::signal_EventPassed, this, &CBusMonitor::Record);
-    Texts::Follow(this, [=] {
+    Texts::Follow(this, [this] {
         for (int row = 0; row < GetRowCount(); ++row)
             m_pRows->item(row, 1)->setText(DirectionText(GetValues(row).at(1)));
         ShowPassed(m_iPassed);

@@ -30,7 +30,7 @@ CLogTable::CLogTable(const QVector<const char *> &titleKeys, const QVector<int> 
     connect(search, &QLineEdit::textChanged, &m_shown, &QSortFilterProxyModel::setFilterFixedString);
     connect(copy, &QPushButton::clicked, this, &CLogTable::Copy);
     connect(clear, &QPushButton::clicked, this, &CLogTable::signal_Cleared);
-    connect(this, &CLogTable::signal_Cleared, this, [=] { RemoveOldest(GetRowCount()); });
+    connect(this, &CLogTable::signal_Cleared, this, [this] { RemoveOldest(GetRowCount()); });
     new QShortcut(QKeySequence::Copy, this, this, &CLogTable::Copy);
     auto *line = new QHBoxLayout;
     const TFields all = fields + TFields{{searchKey, search}, {nullptr, copy}, {nullptr, clear}};
@@ -51,13 +51,14 @@ CLogTable::CLogTable(const QVector<const char *> &titleKeys, const QVector<int> 
     m_pView->verticalHeader()->setDefaultSectionSize(m_pView->verticalHeader()->minimumSectionSize());
     for (int i = 0; i < widths.size(); ++i) {
         m_pView->setColumnWidth(i, widths.at(i) * fontMetrics().averageCharWidth());
-        Texts::Follow(this, [=] { m_pRows->setHeaderData(i, Qt::Horizontal, Texts::Get(titleKeys.at(i))); });
+        Texts::Follow(
+            this, [this, titleKeys, i] { m_pRows->setHeaderData(i, Qt::Horizontal, Texts::Get(titleKeys.at(i))); });
     }
     // The range grows when the view gets to its layout, once for many rows.
     QScrollBar *bar = m_pView->verticalScrollBar();
-    connect(bar, &QScrollBar::valueChanged, this, [=](int value) { m_bAtEnd = value == bar->maximum(); });
+    connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) { m_bAtEnd = value == bar->maximum(); });
     connect(bar, &QScrollBar::rangeChanged, this,
-            [=](int, int end) { bar->setValue(m_bAtEnd ? end : bar->value()); });
+            [this, bar](int, int end) { bar->setValue(m_bAtEnd ? end : bar->value()); });
 }
 
 void CLogTable::AddRow(const QDateTime &time, const QStringList &texts, const QString &searched,

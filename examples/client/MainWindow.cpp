@@ -152,16 +152,17 @@ void CMainWindow::DownloadRules(QAction *entry)
 {
     entry->setEnabled(false); // one at a time
     auto *download = new CDownload(this, CConfig::GetInstance()->GetLinkGamerulesGeneral(), QByteArray(), false);
-    connect(download, &CDownload::signal_Finished, this, [=](bool status, const QByteArray &rules) {
-        const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
-        const QString file = folder.filePath(QFileInfo(download->GetName()).fileName());
-        const bool isSaved = status && Globals::WriteToFile(file, rules, -1, -1);
-        ShowMessage(
-            Texts::MakeItem(isSaved ? "RULES_SAVED" : "RULES_FAILED", {{"#file#", QDir::toNativeSeparators(file)}}),
-            0);
-        entry->setEnabled(true);
-        download->deleteLater();
-    });
+    connect(download, &CDownload::signal_Finished, this,
+            [this, download, entry](bool status, const QByteArray &rules) {
+                const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
+                const QString file = folder.filePath(QFileInfo(download->GetName()).fileName());
+                const bool isSaved = status && Globals::WriteToFile(file, rules, -1, -1);
+                ShowMessage(Texts::MakeItem(isSaved ? "RULES_SAVED" : "RULES_FAILED",
+                                            {{"#file#", QDir::toNativeSeparators(file)}}),
+                            0);
+                entry->setEnabled(true);
+                download->deleteLater();
+            });
     download->Start();
 }
 

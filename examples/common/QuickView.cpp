@@ -131,12 +131,12 @@ void CQuickView::Read(int piece)
 {
     if (piece < int(std::size(PIECES))) {
         QQmlComponent(m_pQuick->engine()).setData(IMPORTS + PIECES[piece], QUrl());
-        QTimer::singleShot(0, m_pQuick, [=] { Read(piece + 1); });
+        QTimer::singleShot(0, m_pQuick, [this, piece] { Read(piece + 1); });
         return;
     }
     m_pQuick->Load(m_file);
     if (m_pQuick->status() == QQuickWidget::Ready)
-        QTimer::singleShot(0, m_pQuick, [=] { SetQuickShown(true); });
+        QTimer::singleShot(0, m_pQuick, [this] { SetQuickShown(true); });
     const QList<QQmlError> errors = m_pQuick->errors();
     for (const QQmlError &error : errors)
         Note(error.toString(), CConsole::MC_General, CConsole::ML_Error);

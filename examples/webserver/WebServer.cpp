@@ -94,12 +94,12 @@ void CWebServer::AddHandlers()
                    [this](const auto &request, auto &response) { SendFile(request, response); });
     // Not as the form that it claims to be: the library would decode it, and takes no long ones.
     const auto merge = with(&CWebServer::Merge, JSON_TYPE);
-    m_pServer->Post("/sync",
-                    [=](const httplib::Request &request, httplib::Response &response, const TReader &reader) {
-                        httplib::Request whole = request;
-                        if (ReadBody(reader, response, whole.body))
-                            merge(whole, response);
-                    });
+    m_pServer->Post(
+        "/sync", [this, merge](const httplib::Request &request, httplib::Response &response, const TReader &reader) {
+            httplib::Request whole = request;
+            if (ReadBody(reader, response, whole.body))
+                merge(whole, response);
+        });
     const auto order = [this](const auto &request, auto &response) { m_faults.TakeOrder(request, response); };
     if (m_options.bFaults)
         m_pServer->Post("/fault", order);

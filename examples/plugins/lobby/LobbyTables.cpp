@@ -96,7 +96,7 @@ void CLobbyTables::AskForSeat()
 
 bool CLobbyTables::filterAcceptsRow(int row, const QModelIndex &) const
 {
-    const auto contains = [=](int column) {
+    const auto contains = [this, row](int column) {
         return m_pModel->GetText(row, column).contains(m_strText, Qt::CaseInsensitive);
     };
     return (m_iType == ANY_TYPE || m_pModel->GetTable(row).eType == m_iType) &&

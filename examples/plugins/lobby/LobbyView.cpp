@@ -41,7 +41,7 @@ CLobbyView::CLobbyView(CLobbyTables *tables)
     status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     layout->addWidget(status);
     SetUpTable();
-    const auto showStatus = [=] {
+    const auto showStatus = [this, status] {
         status->setText(m_pTables->GetStatus());
         QPalette colours;
         if (m_pTables->IsStale())
@@ -83,7 +83,7 @@ QLayout *CLobbyView::CreateFilterLine()
             [=] { settings->SetSelectedGametype(type->currentData().toInt()); });
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, text,
             [=] { text->setFocus(Qt::ShortcutFocusReason); });
-    connect(text, &QLineEdit::returnPressed, this, [=] { m_pTable->setFocus(Qt::OtherFocusReason); });
+    connect(text, &QLineEdit::returnPressed, this, [this] { m_pTable->setFocus(Qt::OtherFocusReason); });
     auto *line = new QHBoxLayout;
     line->addWidget(text, 1);
     line->addWidget(type);
@@ -105,14 +105,16 @@ void CLobbyView::SetUpTable()
     m_pTable->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     QHeaderView *header = m_pTable->horizontalHeader();
     header->setHighlightSections(false);
-    const auto showOrder = [=] { header->setSortIndicator(m_pTables->sortColumn(), m_pTables->sortOrder()); };
+    const auto showOrder = [this, header] {
+        header->setSortIndicator(m_pTables->sortColumn(), m_pTables->sortOrder());
+    };
     connect(m_pTables, &CLobbyTables::signal_OrderChanged, header, showOrder);
     showOrder(); // before sorting, which would change it
     m_pTable->setSortingEnabled(true);
     connect(header, &QHeaderView::sectionResized, this, &CLobbyView::OnColumnResized);
     for (int column = 0; column < header->count(); ++column) { // Ctrl+1 and so on, as a click on the title
         const QKeySequence keys(QStringLiteral("Ctrl+%1").arg(column + 1));
-        connect(new QShortcut(keys, this), &QShortcut::activated, m_pTables, [=] {
+        connect(new QShortcut(keys, this), &QShortcut::activated, m_pTables, [this, column] {
             const bool turns = m_pTables->sortColumn() == column && m_pTables->sortOrder() == Qt::AscendingOrder;
             m_pTables->sort(column, turns ? Qt::DescendingOrder : Qt::AscendingOrder);
         });

@@ -45,7 +45,7 @@ public:
         auto *layout = new QGridLayout(view);
         layout->addWidget(m_pPlayers, 0, 0);
         layout->addWidget(nickname, 1, 0);
-        const auto showChosen = [=] {
+        const auto showChosen = [this, layout] {
             delete m_pForm;
             layout->addWidget(m_pForm = new QWidget, 0, 1, 2, 1);
             if (const QListWidgetItem *chosen = m_pPlayers->currentItem())
@@ -54,10 +54,10 @@ public:
         connect(m_pPlayers, &QListWidget::currentItemChanged, view, showChosen);
         Texts::Follow(view, showChosen);
         connect(nickname, &QLineEdit::returnPressed, view,
-                [=] { m_pPlayers->setCurrentItem(Add(nickname->text())); });
+                [this, nickname] { m_pPlayers->setCurrentItem(Add(nickname->text())); });
         connect(nickname, &QLineEdit::returnPressed, nickname, &QLineEdit::clear);
-        connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, view, [=] { ListPlayers(); });
-        connect(&m_look, &QTimer::timeout, view, [=] { view->isVisible() ? ListPlayers() : void(); });
+        connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, view, [this] { ListPlayers(); });
+        connect(&m_look, &QTimer::timeout, view, [this, view] { view->isVisible() ? ListPlayers() : void(); });
         ListPlayers();
         return view;
     }
