@@ -7,6 +7,7 @@
 #include <plugin/PluginInterface.h>
 
 #include <QApplication>
+#include <QPixmapCache>
 #include <QTextStream>
 #include <QTimer>
 #include <QtTest>
@@ -45,7 +46,8 @@ struct SCensus
 
     static SCensus Take(const CHost &host)
     {
-        CConsole::Clear(); // what was said is kept until then
+        CConsole::Clear();     // what was said is kept until then
+        QPixmapCache::clear(); // as are the icons of each dialog's buttons
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         SCensus census{ReadMemory(), double(mallinfo2().uordblks) / 1024, 0, QApplication::allWidgets().size()};
         census.Add(host);
