@@ -22,10 +22,8 @@ constexpr int BEAT_MS = 10;
 constexpr int EVENTS_A_BEAT = 10; // so 1000 a second
 constexpr int STAY_MS = 5000;     // logged in, and as long logged out
 constexpr int MINUTE_MS = 60000;
-// The unrest of caches, and of the heap more than of what it takes from the system. What stays behind of each event
-// would be many times that.
+// The unrest of caches; what stays behind of each event would be many times that.
 constexpr double MAX_GROWTH = 1.01;
-constexpr double MAX_HEAP_GROWTH = 1.05;
 
 // What the process has of the machine's memory, in kB.
 double ReadMemory()
@@ -62,8 +60,8 @@ struct SCensus
 
     bool IsLike(const SCensus &first) const
     {
-        return memory <= MAX_GROWTH * first.memory && heap <= MAX_HEAP_GROWTH * first.heap &&
-               objects == first.objects && widgets == first.widgets;
+        return memory <= MAX_GROWTH * first.memory && heap <= MAX_GROWTH * first.heap && objects == first.objects &&
+               widgets == first.widgets;
     }
 };
 

@@ -202,6 +202,26 @@ private Q_SLOTS:
         QVERIFY(QDir().mkdir(client) && QDir::setCurrent(client));
     }
 
+    // Another start of the client reads what there is, though no log can be written beside it.
+    void FilesOnAReadOnlyDisk()
+    {
+        if (!m_bDisk)
+            QSKIP(NO_DISK);
+        const QString last = Stored();
+        DestroySingletons();
+        const QStringList connections = QSqlDatabase::connectionNames();
+        for (const QString &name : connections) // the library's and the test's
+            QSqlDatabase::database(name, false).close();
+        QVERIFY(m_disk.SetReadOnly(true));
+        QVERIFY(CSettingsDB::GetInstance()->Init() && CPlayerInfoDB::GetInstance()->Init());
+        CUserInfo::GetInstance()->SetLoggedIn(ANN);
+        QVERIFY(PlayerInfo::LoadInfo());
+        const QString read = CSettings::GetInstance()->GetDesignerTab() + QLatin1Char('|') +
+                             CPlayerLists::GetInstance()->GetPlayerModel(BOB)->GetNotes();
+        QCOMPARE(read, last);
+        QVERIFY(m_disk.SetReadOnly(false));
+    }
+
 private:
     static QString Change(const QString &text)
     {
