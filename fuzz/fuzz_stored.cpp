@@ -57,6 +57,9 @@ void LoadWidths(const QByteArray &text, double width, int column)
 void FuzzOne(QByteArray bytes)
 {
     Fuzz::Library();
+    static unsigned int inputs = 0;
+    if (++inputs % 1000 == 0) // no event loop turns that would write what waits, and all would be kept
+        CSettings::GetInstance()->slot_SaveSettings(true);
     const unsigned char choice = Fuzz::TakeByte(bytes);
     if (choice % 3 == 2) {
         const double width = 8.0 * Fuzz::TakeByte(bytes);
