@@ -23,17 +23,11 @@ build_preset() {
     cmake --build --preset "$1"
 }
 
-# Runs a command on a virtual display of its own with a window manager, as a desktop has.
-on_virtual_display() {
-    # shellcheck disable=SC2016
-    xvfb-run -a --server-args='-screen 0 2560x1800x24' bash -c 'openbox >/dev/null 2>&1 & "$@"; result=$?; kill %1; exit $result' _ "$@"
-}
-
 # take_tour PRESET: the example client shows itself, and leaves screenshots in build/PRESET/tour.
 take_tour() {
     say "The tour, $1"
     local build=$PWD/build/$1 data=$PWD/examples/data
-    on_virtual_display "$build/installation/Contents/Client/tour.exe" "$build/tour" \
+    tests/support/on_desktop 2560x1800 "$build/installation/Contents/Client/tour.exe" "$build/tour" \
         --game-server "$build/bin/gameserver" --tables "$data/tables.json" --accounts "$data/accounts.json" \
         --web-server "$build/bin/webserver" --pictures "$data/pictures" || return
     echo "Screenshots: build/$1/tour"
