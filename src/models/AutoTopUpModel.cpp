@@ -9,7 +9,8 @@ PLUGININTERFACE_DEFINE_SINGLETON(CAutoTopUpModel);
 
 namespace {
 
-constexpr unsigned int WHOLE = 10; // a lower limit of ten tenths
+constexpr unsigned int WHOLE = 10;       // a lower limit of ten tenths
+const char LOADED_PROPERTY[] = "loaded"; // whether the choices are those of the login that is under way
 
 enum ETargetMode : unsigned int {
     TM_MODE0 = 0,
@@ -34,6 +35,9 @@ CAutoTopUpModel::CAutoTopUpModel(QObject *parent)
 {
     connect(CSettings::GetInstance(), &CSettings::signal_AutoTopUpSettingsChanged, this,
             &CAutoTopUpModel::slot_AutoTopUpSettingsChanged);
+    // After the settings, which have applied the user's rows by then and signalled what has changed.
+    connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, this,
+            &CAutoTopUpModel::LoginStateChanged);
     LoadSettings();
 }
 
@@ -115,11 +119,22 @@ CAutoTopUpModel::SGroup CAutoTopUpModel::GetGroup(GlobalDefines::MoneyType money
     return {all.bOtherEnabled, all.ulOtherLowerLimit, all.ulOtherTargetMode, all.ulOtherTargetMultiple};
 }
 
+// A user whose choices are those that were in force already has changed no setting.
+void CAutoTopUpModel::LoginStateChanged(bool loggedIn)
+{
+    if (!loggedIn)
+        setProperty(LOADED_PROPERTY, false);
+    else if (!property(LOADED_PROPERTY).toBool())
+        LoadSettings();
+}
+
 // What isn't of the stored form counts as nothing stored.
 void CAutoTopUpModel::LoadSettings()
 {
+    const bool loggedIn = CUserInfo::GetInstance()->IsLoggedIn();
+    setProperty(LOADED_PROPERTY, loggedIn);
     QByteArray value;
-    if (CUserInfo::GetInstance()->IsLoggedIn())
+    if (loggedIn)
         value = CSettings::GetInstance()->GetAutoTopUpSettings();
     SAutoTopUp loaded;
     m_bSaved = WithFields(loaded, [&value](auto &...fields) { return PackedSetting::Unpack(value, fields...); });

@@ -12,7 +12,7 @@
 ///
 /// The choices are the user's and stored in the setting `autotopupsettings`, one group for tables with a fixed limit
 /// and one for all others. They hold for real money alone: with play money, points and tournament chips nothing is
-/// topped up. Needs the databases of CSettings. Main thread.
+/// topped up. At each login those of the user are loaded. Needs the databases of CSettings. Main thread.
 class PLUGININTERFACE_EXPORT CAutoTopUpModel : public QObject
 {
     Q_OBJECT
@@ -81,6 +81,7 @@ private:
     };
 
     SGroup GetGroup(GlobalDefines::MoneyType moneyType, GlobalDefines::LimitType limitType) const;
+    void LoginStateChanged(bool loggedIn);
     void LoadSettings();
     void SaveSettings();
 

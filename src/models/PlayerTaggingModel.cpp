@@ -13,6 +13,8 @@
 #include <QPixmap>
 #include <QVariantMap>
 
+#include <algorithm>
+
 PLUGININTERFACE_DEFINE_SINGLETON(CPlayerTaggingModel);
 
 namespace {
@@ -20,6 +22,7 @@ namespace {
 const QString AREA = QStringLiteral("PLAYERTAGGING");
 const QString COLOR = QStringLiteral("c");
 const QString NAME = QStringLiteral("n");
+const char LOADED_PROPERTY[] = "loaded"; // whether the tags are those of the login that is under way
 
 constexpr int ICON_SIZE = 32;
 constexpr QRect ICON_SQUARE(8, 4, 24, 24);
@@ -65,13 +68,18 @@ bool IsLoggedIn()
 
 CPlayerTaggingModel::CPlayerTaggingModel()
 {
-    SetDefaultColors();
+    if (IsLoggedIn())
+        SetDefaultColors();
     for (unsigned int index = 0; index < ulMaxPlayerTags; ++index)
         m_aPlayerTags[index].itmText.SetTranslationKey(QLatin1String(DEFAULTS[index].strKey), AREA);
     connect(CSettings::GetInstance(), &CSettings::signal_PlayerTagsChanged, this,
             &CPlayerTaggingModel::slot_PlayerTagsChanged);
     connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this,
             &CPlayerTaggingModel::slot_TranslationChanged);
+    // After the settings, which have applied the user's rows by then and signalled what has changed.
+    connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, this,
+            &CPlayerTaggingModel::LoginStateChanged);
+    setProperty(LOADED_PROPERTY, IsLoggedIn());
     Load(true);
 }
 
@@ -122,10 +130,9 @@ void CPlayerTaggingModel::SetColor(unsigned int index, const QColor &color)
 {
     if (!IsChangeable(index))
         return;
-    SPlayerTag &tag = m_aPlayerTags[index];
-    tag.colBackground = color;
-    tag.colText = Globals::GetIdealTextColor(color);
-    tag.icnIcon = PaintIcon(color);
+    if (!HasColors())
+        SetDefaultColors();
+    Paint(m_aPlayerTags[index], color);
 }
 
 void CPlayerTaggingModel::SetText(unsigned int index, const QString &text)
@@ -141,26 +148,16 @@ void CPlayerTaggingModel::Load(bool fromSettings)
         text = CSettings::GetInstance()->GetPlayerTags();
     if (text.isEmpty())
         text = CConfig::GetInstance()->GetPlayerTags();
-    QJsonParseError error{};
-    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &error);
-    if (text.isEmpty() || error.error != QJsonParseError::NoError)
-        return;
-    const QVariantMap tags = document.object().toVariantMap();
-    for (auto entry = tags.cbegin(); entry != tags.cend(); ++entry) {
-        const unsigned int index = entry.key().toUInt();
-        const QVariantMap tag = entry->toMap();
-        if (tag.contains(COLOR))
-            SetColor(index, QColor(tag.value(COLOR).toString()));
-        if (tag.contains(NAME))
-            SetText(index, tag.value(NAME).toString());
-    }
-    Q_EMIT signal_PlayerTagsChanged();
+    if (LayOver(text))
+        Q_EMIT signal_PlayerTagsChanged();
 }
 
 void CPlayerTaggingModel::Save()
 {
     if (!IsLoggedIn())
         return;
+    if (!HasColors())
+        SetDefaultColors();
     QVariantMap tags;
     for (unsigned int index = 1; index < ulMaxPlayerTags; ++index) {
         const SPlayerTag &tag = m_aPlayerTags[index];
@@ -176,9 +173,10 @@ void CPlayerTaggingModel::Save()
 
 void CPlayerTaggingModel::RestoreDefault()
 {
-    SetDefaultColors();
-    for (unsigned int index = 1; index < ulMaxPlayerTags; ++index)
-        SetText(index, QString());
+    if (IsLoggedIn()) {
+        SetDefaultColors();
+        ClearTexts();
+    }
     Load(false);
     Save();
     Q_EMIT signal_PlayerTagsChanged();
@@ -187,7 +185,7 @@ void CPlayerTaggingModel::RestoreDefault()
 void CPlayerTaggingModel::slot_PlayerTagsChanged()
 {
     if (CSettings::GetInstance()->GetCaller() != this)
-        Load(true);
+        LoadOfUser();
 }
 
 void CPlayerTaggingModel::slot_TranslationChanged()
@@ -201,8 +199,68 @@ bool CPlayerTaggingModel::IsChangeable(unsigned int index) const
     return index > 0 && IsAvailable(index);
 }
 
+// Not so a model from before the first login, until its first colour is set or it is stored.
+bool CPlayerTaggingModel::HasColors() const
+{
+    return std::any_of(m_aPlayerTags.cbegin() + 1, m_aPlayerTags.cend(),
+                       [](const SPlayerTag &tag) { return tag.colBackground.isValid(); });
+}
+
+void CPlayerTaggingModel::Paint(SPlayerTag &tag, const QColor &color)
+{
+    tag.colBackground = color;
+    tag.colText = Globals::GetIdealTextColor(color);
+    tag.icnIcon = PaintIcon(color);
+}
+
 void CPlayerTaggingModel::SetDefaultColors()
 {
-    for (unsigned int index = 0; index < ulMaxPlayerTags; ++index)
-        SetColor(index, QColor(QLatin1String(DEFAULTS[index].strColor)));
+    for (unsigned int index = 1; index < ulMaxPlayerTags; ++index)
+        Paint(m_aPlayerTags[index], QColor(QLatin1String(DEFAULTS[index].strColor)));
+}
+
+void CPlayerTaggingModel::ClearTexts()
+{
+    for (SPlayerTag &tag : m_aPlayerTags)
+        tag.strCustomText.clear();
+}
+
+// False, and nothing is changed, if the text can't be read.
+bool CPlayerTaggingModel::LayOver(const QString &text)
+{
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8(), &error);
+    if (text.isEmpty() || error.error != QJsonParseError::NoError)
+        return false;
+    const QVariantMap tags = document.object().toVariantMap();
+    for (auto entry = tags.cbegin(); entry != tags.cend(); ++entry) {
+        const unsigned int index = entry.key().toUInt();
+        const QVariantMap tag = entry->toMap();
+        if (tag.contains(COLOR))
+            SetColor(index, QColor(tag.value(COLOR).toString()));
+        if (tag.contains(NAME))
+            SetText(index, tag.value(NAME).toString());
+    }
+    return true;
+}
+
+void CPlayerTaggingModel::LoginStateChanged(bool loggedIn)
+{
+    if (!loggedIn)
+        setProperty(LOADED_PROPERTY, false);
+    else if (!property(LOADED_PROPERTY).toBool()) // else a setting has changed
+        LoadOfUser();
+}
+
+// Nothing of a former user's tags is left under those of the next one.
+void CPlayerTaggingModel::LoadOfUser()
+{
+    if (IsLoggedIn() && !property(LOADED_PROPERTY).toBool()) {
+        setProperty(LOADED_PROPERTY, true);
+        if (HasColors())
+            SetDefaultColors();
+        ClearTexts();
+        LayOver(CConfig::GetInstance()->GetPlayerTags());
+    }
+    Load(true);
 }

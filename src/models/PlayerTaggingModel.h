@@ -15,9 +15,10 @@
 /// 0 is no tag.
 ///
 /// They are the user's and stored in the setting `playertags`; where that is empty the operator's `playertags` stand.
-/// Without a login all is hidden and nothing can be changed. A model that comes to life before the login has no
-/// colours until the setting changes; Load() brings the stored ones. Needs the databases of CSettings and
-/// CTranslation. Thread of the user interface.
+/// Each login starts from the operator's tags, whoever was logged in before, and loads those of the user. Without a
+/// login all is hidden and nothing can be changed. A model that is created before the first login has no colours
+/// until tags are loaded, changed or stored. Needs the databases of CSettings and CTranslation. Thread of the user
+/// interface.
 class PLUGININTERFACE_EXPORT CPlayerTaggingModel : public QObject
 {
     Q_OBJECT
@@ -83,7 +84,13 @@ private:
     };
 
     bool IsChangeable(unsigned int index) const;
+    bool HasColors() const;
+    static void Paint(SPlayerTag &tag, const QColor &color);
     void SetDefaultColors();
+    void ClearTexts();
+    bool LayOver(const QString &text);
+    void LoginStateChanged(bool loggedIn);
+    void LoadOfUser();
 
     std::array<SPlayerTag, ulMaxPlayerTags> m_aPlayerTags;
 

@@ -23,8 +23,8 @@ class tst_usermodels : public QObject
 private Q_SLOTS:
     void init()
     {
-        CLanguages::Restart();
         QVERIFY(CSettingsDB::GetInstance()->Init() && CSettingsDB::GetInstance()->Exec("DELETE FROM tbl_settings"_s));
+        CLanguages::Restart();
     }
 
     void Tags()
@@ -57,6 +57,63 @@ private Q_SLOTS:
         QVERIFY(qAlpha(icon.pixel(6, 16)) + qAlpha(icon.pixel(20, 2)) + qAlpha(icon.pixel(20, 30)) == 0);
         CUserInfo::GetInstance()->SetLoggedIn(QString());
         QVERIFY(Tag(4) == "--"_s && Name(tags->GetColor(4)) == "#7fff00"_s && tags->GetIcon(4).isNull());
+    }
+
+    // From the second start on the values in force before a login are already those of the user, and no setting
+    // changes.
+    void TagsOfOneUserAfterTheOther()
+    {
+        CUserInfo *user = CUserInfo::GetInstance();
+        Configure({{"playertags"_s, "{\"2\": {\"n\": \"House\"}, \"3\": {\"c\": \"#0000ff\"}}"_s}});
+        const QString stored = "{\"4\": {\"c\": \"#111111\", \"n\": \"Shark\"}}"_s;
+        for (const QString &owner : {QString(), "ann"_s})
+            Settings()->Save(owner, "playertagging"_s, "playertags"_s, stored, 7);
+        Settings()->Save("zoe"_s, "playertagging"_s, "playertags"_s, "{\"1\": {\"n\": \"Zoe's\"}}"_s, 7);
+        Settings()->slot_SaveSettings(true);
+        Settings()->SetPlayerTags(stored, nullptr, false);
+        CPlayerTaggingModel *tags = CPlayerTaggingModel::GetInstance();
+        QSignalSpy loads(tags, &CPlayerTaggingModel::signal_PlayerTagsChanged);
+        user->SetLoggedIn("Ann"_s);
+        QCOMPARE(loads.size(), 1);
+        tags->SetText(5, "Fish"_s);
+        tags->Save();
+        QCOMPARE(Tag(2) + Name(tags->GetColor(3)) + Tag(4) + Tag(5),
+                 "House#ff007f#ffffff#0000ffShark#111111#ffffffFish#ff0000#ffffff"_s);
+        QCOMPARE(Settings()->GetPlayerTags().count("#000000"_s), 0);
+        user->SetLoggedIn(QString());
+        loads.clear();
+        user->SetLoggedIn("Zoe"_s);
+        QCOMPARE(loads.size(), 1);
+        QCOMPARE(tags->GetText(1) + tags->GetText(2) + tags->GetText(4), "Zoe'sHousefour"_s);
+        QVERIFY(tags->GetText(5) != "Fish"_s);
+        QCOMPARE(Name(tags->GetColor(3)) + Name(tags->GetColor(4)), "#0000ff#7fff00"_s);
+    }
+
+    // A model from before the login, on which one colour was set before any was stored.
+    void FirstColor()
+    {
+        CPlayerTaggingModel *tags = CPlayerTaggingModel::GetInstance();
+        CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
+        tags->SetColor(1, Qt::black);
+        tags->Save();
+        QCOMPARE(Settings()->GetPlayerTags().count("#000000"_s), 1);
+    }
+
+    void TopUpOfOneUserAfterTheOther()
+    {
+        const QByteArray stored = "AQAAAAMAAAACAAAACgAAAAAAAAALAAAABAAAAP7///8AAAAA";
+        Settings()->SetAutoTopUpSettings(stored, nullptr, false);
+        Settings()->Save("ann"_s, "autotopup"_s, "autotopupsettings"_s, stored, 7);
+        Settings()->Save("zoe"_s, "autotopup"_s, "autotopupsettings"_s, QString(), 7);
+        CAutoTopUpModel *model = CAutoTopUpModel::GetInstance();
+        const QSignalSpy loads(model, &CAutoTopUpModel::signal_AutoTopUpChanged);
+        CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
+        QVERIFY(model->IsSaved() && !model->IsNotificationEnabled());
+        QCOMPARE(loads.size(), 1);
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
+        CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s);
+        QVERIFY(!model->IsSaved() && model->IsNotificationEnabled());
+        QCOMPARE(loads.size(), 2);
     }
 
     void TopUp()
