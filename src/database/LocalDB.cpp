@@ -1,7 +1,12 @@
 #include "LocalDB.h"
 
+#include <database/BoundText_p.h>
+#include <database/SqliteResult_p.h>
+#include <database/Transaction_p.h>
+
 #include <QFile>
 #include <QFileInfo>
+#include <QSqlDriver>
 #include <QSqlRecord>
 #include <QStringList>
 #include <QUrl>
@@ -21,29 +26,57 @@ const QLatin1String
                       "  DBI_cValue CHAR(1024) -- value for the dbinfo entry\n"
                       ")");
 
-QString Quoted(const QVariant &value)
-{
-    return QLatin1Char('\'') + CLocalDB::Escape(value) + QLatin1Char('\'');
-}
+// Of a connection's driver: that Init() has opened it. Nothing else may open a file, which could be a new and empty
+// one.
+const char OPENED_PROPERTY[] = "opened";
 
 QString Quoted(const QString &name)
 {
     return QLatin1Char('\'') + name + QLatin1Char('\'');
 }
 
-// column='value' for each pair, as a condition or a list of assignments
-QString Equations(const TRow &values, QLatin1String separator)
+// column=? for each pair, as a condition or a list of assignments; the values join those to be bound.
+QString Equations(const TRow &pairs, QLatin1String separator, QVariantList &values)
 {
     QStringList equations;
-    equations.reserve(values.size());
-    for (auto pair = values.cbegin(); pair != values.cend(); ++pair)
-        equations.append(pair.key() + QLatin1Char('=') + Quoted(pair.value()));
+    equations.reserve(pairs.size());
+    for (auto pair = pairs.cbegin(); pair != pairs.cend(); ++pair) {
+        equations.append(pair.key() + QLatin1String("=?"));
+        values.append(pair.value());
+    }
     return equations.join(separator);
 }
 
-QString Condition(const TRow &where)
+QString Condition(const TRow &where, QVariantList &values)
 {
-    return where.isEmpty() ? QString() : QLatin1String(" WHERE ") + Equations(where, QLatin1String(" AND "));
+    return where.isEmpty() ? QString() : QLatin1String(" WHERE ") + Equations(where, QLatin1String(" AND "), values);
+}
+
+// Every value as its text.
+bool ExecQuery(QSqlQuery &query, const QString &sql, const QVariantList &values)
+{
+    if (!query.prepare(sql))
+        return false;
+    for (const QVariant &value : values)
+        query.addBindValue(BoundText::ToBind(value.toString()));
+    return query.exec();
+}
+
+void EnforceForeignKeys(const QSqlDatabase &connection)
+{
+    QSqlQuery(connection).exec(QStringLiteral("PRAGMA foreign_keys = ON"));
+}
+
+// With the log, and only with it, the file is safe though not each commit waits for the disk. Where another program
+// holds the file just now, it's left to that one.
+void StartWriteAheadLog(const QSqlDatabase &connection)
+{
+    QSqlQuery query(connection);
+    if (query.exec(QStringLiteral("PRAGMA journal_mode = WAL")) && query.next() &&
+        query.value(0).toString() == QLatin1String("wal")) {
+        query.finish();
+        query.exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
+    }
 }
 
 } // namespace
@@ -64,16 +97,16 @@ bool CLocalDB::Init()
         return true;
     if (!Open())
         return false;
-    if (m_bFileRequired || m_bUnversioned)
-        return true;
-
-    unsigned int version = 0;
-    if (!GetDBVersion(version)) {
-        CreateDBInfoTable();
-        if (!GetDBVersion(version))
+    if (!m_bFileRequired && !m_bUnversioned) {
+        const EOutcome outcome = BringToMaxVersion();
+        if (outcome == EOutcome::Locked)
+            Close();
+        if (outcome != EOutcome::Done)
             return false;
     }
-    return version >= GetMaxVersion() || ClimbToMaxVersion(version);
+    if (m_bWriteAheadLog)
+        StartWriteAheadLog(GetConnection());
+    return true;
 }
 
 bool CLocalDB::IsOpen()
@@ -110,12 +143,14 @@ bool CLocalDB::SelectAll(QList<QHash<QString, QVariant>> &rows, QString table, Q
     if (!IsOpen() || table.isEmpty())
         return false;
     const QString columns = fields.isEmpty() ? QStringLiteral("*") : QStringList(fields).join(QLatin1String(", "));
-    QString sql = QLatin1String("SELECT ") + columns + QLatin1String(" FROM ") + Quoted(table) + Condition(where);
+    QVariantList values;
+    QString sql =
+        QLatin1String("SELECT ") + columns + QLatin1String(" FROM ") + Quoted(table) + Condition(where, values);
     if (limit > 0)
         sql += QLatin1String(" LIMIT ") + QString::number(limit);
 
     QSqlQuery query = GetQuery();
-    if (!query.exec(sql))
+    if (!ExecQuery(query, sql, values))
         return false;
     // The names are those of the result, the same for each row.
     const QSqlRecord record = query.record();
@@ -145,20 +180,25 @@ bool CLocalDB::InsertOrReplace(QString table, QHash<QString, QVariant> values)
 bool CLocalDB::InsertOrUpdate(QString table, QHash<QString, QVariant> values, QHash<QString, QVariant> where)
 {
     TRow row;
-    if (!SelectOne(row, table, {}, where) && row.isEmpty())
+    if (!SelectOne(row, table, {}, where))
         return Insert(table, values);
     return Update(table, values, where);
 }
 
 bool CLocalDB::Update(QString table, QHash<QString, QVariant> values, QHash<QString, QVariant> where)
 {
-    return Exec(QLatin1String("UPDATE ") + Quoted(table) + QLatin1String(" SET ") +
-                Equations(values, QLatin1String(", ")) + Condition(where));
+    QVariantList bound;
+    const QString assignments = Equations(values, QLatin1String(", "), bound);
+    return ExecBound(QLatin1String("UPDATE ") + Quoted(table) + QLatin1String(" SET ") + assignments +
+                         Condition(where, bound),
+                     bound);
 }
 
 bool CLocalDB::Delete(QString table, QHash<QString, QVariant> where)
 {
-    return Exec(QLatin1String("DELETE FROM ") + Quoted(table) + Condition(where));
+    QVariantList bound;
+    const QString condition = Condition(where, bound);
+    return ExecBound(QLatin1String("DELETE FROM ") + Quoted(table) + condition, bound);
 }
 
 bool CLocalDB::Exec(const QString &sql)
@@ -192,7 +232,8 @@ bool CLocalDB::StartTransaction()
 {
     if (!IsOpen())
         return false;
-    GetConnection().transaction();
+    if (!Exec(QStringLiteral("BEGIN IMMEDIATE")))
+        Exec(QStringLiteral("BEGIN"));
     m_bTransaction = true;
     return true;
 }
@@ -244,10 +285,17 @@ bool CLocalDB::Open()
     }
     if (!connection.open())
         return false;
-    QSqlQuery(connection).exec(QStringLiteral("PRAGMA foreign_keys = ON"));
-    if (m_bWriteAheadLog)
-        StartWriteAheadLog();
+    connection.driver()->setProperty(OPENED_PROPERTY, true);
+    EnforceForeignKeys(connection);
     return IsOpen();
+}
+
+// So that nothing waits for the file's lock again.
+void CLocalDB::Close() const
+{
+    QSqlDatabase connection = GetConnection();
+    connection.driver()->setProperty(OPENED_PROPERTY, false);
+    connection.close();
 }
 
 // Whether the file is known to have a log, but none could be written beside it. SQLite would refuse to read it then,
@@ -259,49 +307,53 @@ bool CLocalDB::IsReadOnlyLog() const
            !QFile::exists(m_strDatabase + QLatin1String("-wal"));
 }
 
-// With the log, and only with it, the file is safe though not each commit waits for the disk.
-void CLocalDB::StartWriteAheadLog() const
+CLocalDB::EOutcome CLocalDB::BringToMaxVersion()
 {
-    QSqlQuery query(GetConnection());
-    if (query.exec(QStringLiteral("PRAGMA journal_mode = WAL")) && query.next() &&
-        query.value(0).toString() == QLatin1String("wal")) {
-        query.finish();
-        query.exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
-    }
-}
-
-bool CLocalDB::ClimbToMaxVersion(unsigned int version)
-{
-    StartTransaction();
-    for (unsigned int step = version + 1; step <= GetMaxVersion(); ++step) {
-        if (!CreateDBVersion(step) || !SetDBVersion(step)) {
-            EndTransaction(false);
-            return false;
-        }
-    }
-    EndTransaction(true);
-    return true;
-}
-
-bool CLocalDB::CreateDBInfoTable()
-{
-    StartTransaction();
-    // The version may have been unreadable for a moment only, while another program held the file. What is there
-    // counts: a file taken for a new one would lose its tables on the climb.
     unsigned int version = 0;
-    const bool done = CreateTable(CREATE_INFO_TABLE, INFO_TABLE) && (GetDBVersion(version) || SetDBVersion(0));
-    EndTransaction(done);
-    return done;
+    EOutcome outcome = GetDBVersion(version);
+    if (outcome == EOutcome::Failed && CreateDBInfoTable() != EOutcome::Locked)
+        outcome = GetDBVersion(version);
+    return outcome == EOutcome::Done && version < GetMaxVersion() ? ClimbToMaxVersion() : outcome;
 }
 
-bool CLocalDB::GetDBVersion(unsigned int &version)
+CLocalDB::EOutcome CLocalDB::ClimbToMaxVersion()
+{
+    CTransaction transaction(*this);
+    // Another client may have climbed while this one waited for the lock.
+    unsigned int version = 0;
+    if (!transaction.IsBegun() || GetDBVersion(version) != EOutcome::Done)
+        return GetOutcome(transaction.GetError());
+    for (unsigned int step = version + 1; step <= GetMaxVersion(); ++step) {
+        if (!CreateDBVersion(step) || !SetDBVersion(step))
+            return EOutcome::Failed;
+    }
+    return transaction.Commit() ? EOutcome::Done : GetOutcome(transaction.GetError());
+}
+
+CLocalDB::EOutcome CLocalDB::CreateDBInfoTable()
+{
+    CTransaction transaction(*this);
+    if (!transaction.IsBegun())
+        return GetOutcome(transaction.GetError());
+    // Another client may have made the table meanwhile. What is there counts: a file taken for a new one would lose
+    // its tables on the climb.
+    unsigned int version = 0;
+    if (!CreateTable(CREATE_INFO_TABLE, INFO_TABLE) || (GetDBVersion(version) != EOutcome::Done && !SetDBVersion(0)))
+        return EOutcome::Failed;
+    return transaction.Commit() ? EOutcome::Done : GetOutcome(transaction.GetError());
+}
+
+CLocalDB::EOutcome CLocalDB::GetDBVersion(unsigned int &version)
 {
     version = 0;
-    TRow row;
-    if (!SelectOne(row, INFO_TABLE, {INFO_VALUE}, {{INFO_KEY, VERSION_KEY}}))
-        return false;
-    version = static_cast<unsigned int>(row.value(INFO_VALUE).toInt());
-    return true;
+    QSqlQuery query = GetQuery();
+    const bool found = query.exec(QLatin1String("SELECT ") + INFO_VALUE + QLatin1String(" FROM ") + INFO_TABLE +
+                                  QLatin1String(" WHERE ") + INFO_KEY + QLatin1String(" = 'version'")) &&
+                       query.next();
+    if (!found)
+        return GetOutcome(query.lastError());
+    version = static_cast<unsigned int>(query.value(0).toInt());
+    return EOutcome::Done;
 }
 
 bool CLocalDB::SetDBVersion(unsigned int version)
@@ -315,17 +367,39 @@ bool CLocalDB::InsertRow(QLatin1String verb, const QString &table, const QHash<Q
     if (table.isEmpty() || values.isEmpty())
         return false;
     QStringList columns;
-    QStringList literals;
+    QStringList markers;
+    QVariantList bound;
     for (auto pair = values.cbegin(); pair != values.cend(); ++pair) {
         columns.append(Quoted(pair.key()));
-        literals.append(Quoted(pair.value()));
+        markers.append(QStringLiteral("?"));
+        bound.append(pair.value());
     }
-    return Exec(verb + Quoted(table) + QLatin1String(" (") + columns.join(QLatin1Char(',')) +
-                QLatin1String(") VALUES (") + literals.join(QLatin1Char(',')) + QLatin1Char(')'));
+    return ExecBound(verb + Quoted(table) + QLatin1String(" (") + columns.join(QLatin1Char(',')) +
+                         QLatin1String(") VALUES (") + markers.join(QLatin1Char(',')) + QLatin1Char(')'),
+                     bound);
 }
 
-// The driver manager opens the connection if it is closed.
+bool CLocalDB::ExecBound(const QString &sql, const QVariantList &values)
+{
+    if (!IsOpen())
+        return false;
+    QSqlQuery query = GetQuery();
+    return ExecQuery(query, sql, values);
+}
+
+CLocalDB::EOutcome CLocalDB::GetOutcome(const QSqlError &error)
+{
+    return SqliteResult::IsLocked(error) ? EOutcome::Locked : EOutcome::Failed;
+}
+
 QSqlDatabase CLocalDB::GetConnection() const
 {
-    return QSqlDatabase::database(m_strDatabase, true);
+    QSqlDatabase connection = QSqlDatabase::database(m_strDatabase, false);
+    if (connection.isValid() && !connection.isOpen() && connection.driver()->property(OPENED_PROPERTY).toBool() &&
+        connection.open()) {
+        EnforceForeignKeys(connection);
+        if (m_bWriteAheadLog)
+            StartWriteAheadLog(connection);
+    }
+    return connection;
 }

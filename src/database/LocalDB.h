@@ -5,16 +5,20 @@
 #include <QHash>
 #include <QList>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
 #include <QVariant>
+
+class CTransaction;
 
 /// One SQLite file: opens it, brings it to the schema version that the code knows, and builds the everyday statements
 /// from a table name and hashes of column names and values.
 ///
 /// A failure is a plain `false`, without a reason. Every operation answers `false` while the file isn't open; until
-/// Init() has succeeded that is always so. Values of any kind are written as quoted text, and the column's affinity
-/// turns them into numbers. Table and column names come from the program and are not escaped.
+/// Init() has opened it that is always so. Values of any kind are written as text, to the character but for halves of
+/// surrogate pairs and the two characters that Unicode reserves, which become U+FFFD; the column's affinity turns
+/// them into numbers. Table and column names come from the program and are not escaped.
 ///
 /// The Qt connection bears the file's path as name and stays open until the process ends; the object doesn't close
 /// it, and a later object for the same path finds it open. Qt binds it to the thread that opened it, which for the
@@ -30,11 +34,12 @@ public:
 
     /// Opens the file and climbs from its version to GetMaxVersion() in one transaction: if a step fails, nothing of
     /// the climb is left, and the file stays open at its old version. A file of a newer version is used unchanged.
-    /// Called again on an open file it does nothing and answers true, also where the climb has failed before. A file
-    /// that another program has locked is waited for, up to 5 s a statement.
+    /// Called again on an open file it does nothing and answers true, also where a step has failed before. A file
+    /// that another program has locked is waited for, up to 5 s; if it is still locked then, the answer is false and
+    /// the file isn't open, so that nothing else waits for it, and another Init() begins anew.
     bool Init();
-    /// Whether the file is open. The driver opens a connection that is known but closed, as after an Init() that
-    /// couldn't open it.
+    /// Whether Init() has opened the file. A connection that somebody has closed since is opened again, here and by
+    /// each operation below.
     bool IsOpen();
 
     /// Creates the table \a name by the whole CREATE statement \a sql. A table whose stored statement equals it to
@@ -68,13 +73,16 @@ public:
     /// The id of the last row inserted through this connection, 0 if none was; -1 and false if it can't be asked for.
     bool GetLastInsertID(int &id);
 
-    /// Transactions don't nest: the first EndTransaction() ends it.
+    /// Begins a transaction that may write: a file that another program has locked is waited for, up to 5 s, and the
+    /// writes of the transaction aren't refused for a lock then. Where the file stays locked or can't be written, it
+    /// is one that can read. True unless the file isn't open. Transactions don't nest: the first EndTransaction()
+    /// ends it.
     bool StartTransaction();
     /// Commits, or rolls back if told so or if the commit is refused. True if a transaction was under way, however it
     /// ended.
     bool EndTransaction(bool commit);
 
-    /// The value's text with each single quote doubled, fit to stand between single quotes.
+    /// The value's text with each single quote doubled, fit to stand between single quotes in a statement for Exec().
     static QString Escape(const QVariant &value);
 
 protected:
@@ -91,14 +99,25 @@ protected:
     virtual bool CreateDBVersion(unsigned int version);
 
 private:
+    friend class CTransaction;
+
+    enum class EOutcome {
+        Done,
+        Failed,
+        Locked, // by another program, for longer than SQLite waits
+    };
+
     bool Open();
+    void Close() const;
     bool IsReadOnlyLog() const;
-    void StartWriteAheadLog() const;
-    bool ClimbToMaxVersion(unsigned int version);
-    bool CreateDBInfoTable();
-    bool GetDBVersion(unsigned int &version);
+    EOutcome BringToMaxVersion();
+    EOutcome ClimbToMaxVersion();
+    EOutcome CreateDBInfoTable();
+    EOutcome GetDBVersion(unsigned int &version);
     bool SetDBVersion(unsigned int version);
     bool InsertRow(QLatin1String verb, const QString &table, const QHash<QString, QVariant> &values);
+    bool ExecBound(const QString &sql, const QVariantList &values);
+    static EOutcome GetOutcome(const QSqlError &error);
     QSqlDatabase GetConnection() const;
 
     bool m_bTransaction = false;

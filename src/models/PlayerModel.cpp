@@ -41,8 +41,8 @@ bool CPlayerModel::IsExisting(CPlayerModel *model)
 
 void CPlayerModel::DestroyInstance(QString nickname)
 {
-    const QSharedPointer<CPlayerModel> model = m_Instances.take(nickname);
-    CPlayerSaves::Forget(model.data());
+    if (const QSharedPointer<CPlayerModel> model = m_Instances.take(nickname))
+        CPlayerSaves::Forget(model.data());
 }
 
 void CPlayerModel::DestroyInstance(CPlayerModel *model)

@@ -6,7 +6,7 @@
 #include <network/Download.h>
 #include <settings/Config.h>
 #include <settings/LocalChanges_p.h>
-#include <settings/PlayerInfo.h>
+#include <settings/PlayerInfo_p.h>
 #include <settings/Settings.h>
 
 #include <QDir>
@@ -85,12 +85,14 @@ void CPlayerModel::slot_DownloadCustomAvatarFinished(bool status, QByteArray dat
 
 void CPlayerModel::slot_DBSaveTimer()
 {
-    PlayerInfo::SaveInfo(GetNickname());
+    PlayerInfo::CSaver().Save(*this);
 }
 
 void CPlayerModel::slot_DBUpdateTimer()
 {
-    PlayerInfo::UpdateInfo(GetNickname());
+    const QString player = CPlayerSaves::GetKey(*this);
+    if (!player.isEmpty() && CUserInfo::GetInstance()->IsLoggedIn())
+        PlayerInfo::UpdateRow(player, *this);
 }
 
 void CPlayerModel::slot_CartoonAvatarChanged()
@@ -108,7 +110,7 @@ void CPlayerModel::SaveLater()
 {
     CPlayerSaves::Restart(this, !m_bLoading);
     if (!m_bLoading)
-        CLocalChanges::AddPlayer(GetNickname());
+        CLocalChanges::AddPlayer(CUserInfo::GetInstance()->GetNickname(), CPlayerSaves::GetKey(*this));
 }
 
 bool CPlayerModel::IsOwn() const

@@ -1,6 +1,7 @@
 #include "PlayerSaves_p.h"
 
 #include <database/PlayerInfoDB.h>
+#include <database/Transaction_p.h>
 #include <models/PlayerModel.h>
 #include <models/UserInfo.h>
 #include <settings/LocalChanges_p.h>
@@ -10,6 +11,8 @@
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
@@ -36,11 +39,11 @@ qint64 Now()
     return clock.elapsed();
 }
 
-// Whether there is a name, a user and a file under which to store it.
+// Whether there is a user and a file for it, and the table knows it.
 bool IsStorable(const CPlayerModel *model)
 {
-    return !model->GetNickname().isEmpty() && CUserInfo::GetInstance()->IsLoggedIn() &&
-           CPlayerInfoDB::GetInstance()->IsOpen();
+    return CUserInfo::GetInstance()->IsLoggedIn() && CPlayerInfoDB::GetInstance()->IsOpen() &&
+           !CPlayerSaves::GetKey(*model).isEmpty();
 }
 
 } // namespace
@@ -67,6 +70,15 @@ void CPlayerSaves::Forget(CPlayerModel *model)
     model->m_save.reset();
 }
 
+QString CPlayerSaves::GetKey(const CPlayerModel &model)
+{
+    const auto &models = CPlayerModel::m_Instances;
+    auto entry = models.constFind(model.GetNickname());
+    if (entry == models.cend() || entry->data() != &model)
+        entry = std::find(models.cbegin(), models.cend(), &model);
+    return entry == models.cend() ? QString() : entry.key();
+}
+
 void CPlayerSaves::WriteAll()
 {
     QList<CPlayerModel *> models;
@@ -76,7 +88,7 @@ void CPlayerSaves::WriteAll()
         return;
     for (const CPlayerModel *model : qAsConst(models)) {
         if (IsStorable(model))
-            leftRows.append(PlayerInfo::CSaver::GetRow(model->GetNickname()));
+            leftRows.append(PlayerInfo::CSaver::GetRow(*model));
     }
     if (!leftRows.isEmpty())
         RunTimer();
@@ -93,7 +105,7 @@ void CPlayerSaves::WriteChanges()
         return;
     for (CPlayerModel *model : qAsConst(models)) {
         Restart(model, true);
-        CLocalChanges::AddPlayer(model->GetNickname());
+        CLocalChanges::AddPlayer(CUserInfo::GetInstance()->GetNickname(), GetKey(*model));
     }
 }
 
@@ -119,7 +131,7 @@ void CPlayerSaves::WriteDue()
     for (qint64 now = begin; !waiting.empty() && waiting.front().iDue <= now && now - begin < SLICE_MS; now = Now()) {
         const SPlayerSave first = waiting.front();
         Forget(first.pModel); // a change that comes on the way has to wait anew
-        if (!saver.Save(first.pModel->GetNickname()) && IsStorable(first.pModel)) {
+        if (!saver.Save(*first.pModel) && IsStorable(first.pModel)) {
             // Another program holds the file, and each attempt up for seconds.
             Restart(first.pModel, first.bByUser);
             break;
@@ -135,20 +147,21 @@ bool CPlayerSaves::Write(const QList<CPlayerModel *> &models)
     bool good = WriteLeft(); // a file that is locked holds each attempt up for seconds
     if (models.isEmpty() || !CUserInfo::GetInstance()->IsLoggedIn())
         return true;
-    CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
-    database->StartTransaction();
+    for (CPlayerModel *model : models)
+        Forget(model);
+    if (!good)
+        return false;
+    CTransaction transaction(*CPlayerInfoDB::GetInstance());
+    if (!transaction.IsBegun())
+        return false;
     {
         PlayerInfo::CSaver saver;
-        for (CPlayerModel *model : models) {
-            Forget(model);
-            if (good && !model->GetNickname().isEmpty())
-                good = saver.Save(model->GetNickname());
+        for (const CPlayerModel *model : models) {
+            if (good && !GetKey(*model).isEmpty())
+                good = saver.Save(*model);
         }
     }
-    // A full disk may be met no sooner than here, and EndTransaction() doesn't tell whether it could commit.
-    good = database->Exec(QStringLiteral("COMMIT")) && good;
-    database->EndTransaction(false);
-    return good;
+    return transaction.Commit() && good; // a full disk may be met no sooner than at the commit
 }
 
 void CPlayerSaves::RunTimer()

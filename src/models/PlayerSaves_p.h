@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QString>
 
 class CPlayerModel;
 
@@ -28,6 +29,10 @@ public:
     /// The same with those alone that the user has changed. What can't be written then waits anew, and counts to
     /// CLocalChanges as changed just now.
     static void WriteChanges();
+
+    /// The nickname under which CPlayerModel's table holds the model, also where it has been renamed; empty for a
+    /// model that isn't in the table, which is never stored.
+    static QString GetKey(const CPlayerModel &model);
 
 private:
     static bool WriteLeft();

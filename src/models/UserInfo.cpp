@@ -4,6 +4,7 @@
 #include <models/PlayerLists.h>
 #include <models/PlayerSaves_p.h>
 #include <settings/Config.h>
+#include <settings/LocalChanges_p.h>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -33,8 +34,10 @@ bool CUserInfo::IsLoggedIn() const
 
 void CUserInfo::SetLoggedIn(const QString &nickname)
 {
-    if (nickname != GetNickname())
+    if (nickname != GetNickname()) {
         CPlayerSaves::WriteAll(); // they are stored under the nickname
+        CLocalChanges::End();
+    }
     if (nickname.isEmpty()) {
         SetPlayerModel(nullptr);
         SetLoginState(false);

@@ -4,43 +4,48 @@
 
 namespace {
 
-bool noting = false;
+QString notedUser;      // empty while nothing is noted
 QSet<QString> settings; // lower-case keys
 QSet<QString> players;
 
+bool IsNoted(const QString &user)
+{
+    return !user.isEmpty() && user == notedUser;
+}
+
 } // namespace
 
-void CLocalChanges::Begin()
+void CLocalChanges::Begin(const QString &user)
 {
     End();
-    noting = true;
+    notedUser = user;
 }
 
 void CLocalChanges::End()
 {
-    noting = false;
+    notedUser.clear();
     settings.clear();
     players.clear();
 }
 
-void CLocalChanges::AddSetting(const QString &key)
+void CLocalChanges::AddSetting(const QString &user, const QString &key)
 {
-    if (noting)
+    if (IsNoted(user))
         settings.insert(key.toLower());
 }
 
-void CLocalChanges::AddPlayer(const QString &nickname)
+void CLocalChanges::AddPlayer(const QString &user, const QString &nickname)
 {
-    if (noting)
+    if (IsNoted(user))
         players.insert(nickname);
 }
 
-bool CLocalChanges::HasSetting(const QString &key)
+bool CLocalChanges::HasSetting(const QString &user, const QString &key)
 {
-    return settings.contains(key.toLower());
+    return IsNoted(user) && settings.contains(key.toLower());
 }
 
-bool CLocalChanges::HasPlayer(const QString &nickname)
+bool CLocalChanges::HasPlayer(const QString &user, const QString &nickname)
 {
-    return players.contains(nickname);
+    return IsNoted(user) && players.contains(nickname);
 }

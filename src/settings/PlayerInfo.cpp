@@ -3,6 +3,7 @@
 #include <database/BoundText_p.h>
 #include <database/PlayerInfoDB.h>
 #include <models/PlayerLists.h>
+#include <models/PlayerSaves_p.h>
 #include <models/UserInfo.h>
 #include <settings/LocalChanges_p.h>
 #include <settings/Settings.h>
@@ -11,9 +12,9 @@
 
 #include <QVector>
 
-namespace {
+#include <algorithm>
 
-using BoundText::NeverNull;
+namespace {
 
 const QString COLUMN_USER = QStringLiteral("PIN_cUser");
 const QString COLUMN_PLAYER = QStringLiteral("PIN_cPlayer");
@@ -38,21 +39,27 @@ struct SLoaded
     unsigned int ulCustomAvatar;
 };
 
+QString GetUser()
+{
+    return CUserInfo::GetInstance()->GetNickname();
+}
+
 unsigned int ToNumber(const QVariant &stored)
 {
     return static_cast<unsigned int>(stored.toLongLong());
 }
 
 // A buddy of an earlier run is one by the list alone.
-bool IsBuddy(CPlayerModel *model)
+bool IsBuddy(const CPlayerModel &model)
 {
-    return model->GetBuddy() || CPlayerLists::GetInstance()->GetBuddyList()->contains(model);
+    const QList<CPlayerModel *> &buddies = *CPlayerLists::GetInstance()->GetBuddyList();
+    return model.GetBuddy() || std::find(buddies.cbegin(), buddies.cend(), &model) != buddies.cend();
 }
 
-unsigned int GetFlags(CPlayerModel *model)
+unsigned int GetFlags(const CPlayerModel &model)
 {
-    return (IsBuddy(model) ? FLAG_BUDDY : 0U) | (model->GetBuddyBlocked() ? FLAG_BUDDY_BLOCKED : 0U) |
-           (model->GetChatBlock() ? FLAG_CHAT_BLOCKED : 0U);
+    return (IsBuddy(model) ? FLAG_BUDDY : 0U) | (model.GetBuddyBlocked() ? FLAG_BUDDY_BLOCKED : 0U) |
+           (model.GetChatBlock() ? FLAG_CHAT_BLOCKED : 0U);
 }
 
 bool IsOpen()
@@ -88,7 +95,7 @@ QVector<SLoaded> ReadRows(const QString &user)
     query.prepare(QLatin1String("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID, PIN_iPlayerFlags, PIN_iRating,"
                                 " PIN_iCustomAvatar FROM ") +
                   CPlayerInfoDB::strTableNameInfo + QLatin1String(" WHERE PIN_cUser = ?"));
-    query.addBindValue(user);
+    query.addBindValue(BoundText::ToBind(user));
     QVector<SLoaded> rows;
     query.exec();
     while (query.next()) {
@@ -109,12 +116,12 @@ bool PlayerInfo::LoadInfo()
 // All rows are read before the first is applied: whoever hears of a change may write to the same table.
 bool PlayerInfo::LoadRows(bool keepChanges)
 {
-    const QString user = CUserInfo::GetInstance()->GetNickname();
+    const QString user = GetUser();
     if (user.isEmpty())
         return false;
     const QVector<SLoaded> rows = ReadRows(user);
     for (const SLoaded &row : rows) {
-        if (keepChanges && CLocalChanges::HasPlayer(row.strPlayer))
+        if (keepChanges && CLocalChanges::HasPlayer(user, row.strPlayer))
             continue; // the model is ahead of its row
         CPlayerModel *model = CPlayerModel::GetInstance(row.strPlayer);
         if ((row.ulFlags & FLAG_BUDDY) != 0)
@@ -125,7 +132,7 @@ bool PlayerInfo::LoadRows(bool keepChanges)
                                         : row.ulCustomAvatar;
         model->SetLoadedInfo(row.strNote, row.ulTagID, avatar, row.ucRating, (row.ulFlags & FLAG_BUDDY_BLOCKED) != 0,
                              (row.ulFlags & FLAG_CHAT_BLOCKED) != 0);
-        if (CUserInfo::GetInstance()->GetNickname() != user)
+        if (GetUser() != user)
             break; // whoever heard of it has ended the login; the rest is nobody's
     }
     return !rows.isEmpty();
@@ -133,21 +140,23 @@ bool PlayerInfo::LoadRows(bool keepChanges)
 
 bool PlayerInfo::SaveInfo(const QString &nickname)
 {
-    return CSaver().Save(nickname);
+    return !nickname.isEmpty() && !GetUser().isEmpty() &&
+           CSaver().Save(*CPlayerLists::GetInstance()->GetPlayerModel(nickname));
 }
 
 bool PlayerInfo::UpdateInfo(const QString &nickname)
 {
-    const QString user = CUserInfo::GetInstance()->GetNickname();
-    if (user.isEmpty())
-        return false;
-    CPlayerModel *model = CPlayerLists::GetInstance()->GetPlayerModel(nickname);
+    return !GetUser().isEmpty() && UpdateRow(nickname, *CPlayerLists::GetInstance()->GetPlayerModel(nickname));
+}
+
+bool PlayerInfo::UpdateRow(const QString &player, const CPlayerModel &model)
+{
     return CPlayerInfoDB::GetInstance()->Update(CPlayerInfoDB::strTableNameInfo,
-                                                {{COLUMN_NOTE, model->GetNotes()},
+                                                {{COLUMN_NOTE, model.GetNotes()},
                                                  {COLUMN_FLAGS, GetFlags(model)},
-                                                 {COLUMN_RATING, model->GetRating()},
-                                                 {COLUMN_AVATAR, model->GetCustomAvatar()}},
-                                                {{COLUMN_USER, user}, {COLUMN_PLAYER, model->GetNickname()}});
+                                                 {COLUMN_RATING, model.GetRating()},
+                                                 {COLUMN_AVATAR, model.GetCustomAvatar()}},
+                                                {{COLUMN_USER, GetUser()}, {COLUMN_PLAYER, player}});
 }
 
 unsigned int PlayerInfo::GetLastTimestamp(const QString &user)
@@ -165,7 +174,7 @@ QList<PlayerInfo::SPlayerInfoSyncElement> PlayerInfo::GetSyncList(const QString 
     QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
     query.prepare(QLatin1String("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID, PIN_iPlayerFlags, PIN_iTimestamp FROM ") +
                   CPlayerInfoDB::strTableNameInfo + QLatin1String(" WHERE PIN_cUser = ? AND PIN_iTimestamp > ?"));
-    query.addBindValue(NeverNull(user));
+    query.addBindValue(BoundText::ToBind(user));
     query.addBindValue(timestamp);
     QList<SPlayerInfoSyncElement> elements;
     query.exec();
@@ -187,21 +196,25 @@ PlayerInfo::CSaver::CSaver()
 {
 }
 
-bool PlayerInfo::CSaver::Save(const QString &nickname)
+bool PlayerInfo::CSaver::Save(const CPlayerModel &model)
 {
-    return !nickname.isEmpty() && !CUserInfo::GetInstance()->GetNickname().isEmpty() && Write(GetRow(nickname));
+    const QVariantList row = GetRow(model);
+    return !row.isEmpty() && Write(row);
 }
 
-QVariantList PlayerInfo::CSaver::GetRow(const QString &nickname)
+QVariantList PlayerInfo::CSaver::GetRow(const CPlayerModel &model)
 {
-    CPlayerModel *model = CPlayerLists::GetInstance()->GetPlayerModel(nickname);
-    return {CUserInfo::GetInstance()->GetNickname(),
-            model->GetNickname(),
-            NeverNull(model->GetNotes()),
-            model->GetTagID(),
+    const QString user = GetUser();
+    const QString player = CPlayerSaves::GetKey(model);
+    if (user.isEmpty() || player.isEmpty())
+        return {};
+    return {BoundText::ToBind(user),
+            BoundText::ToBind(player),
+            BoundText::ToBind(model.GetNotes()),
+            model.GetTagID(),
             GetFlags(model),
-            model->GetRating(),
-            model->GetCustomAvatar(),
+            model.GetRating(),
+            model.GetCustomAvatar(),
             CCasinoTime::GetInstance()->GetTimeUTCServer()};
 }
 
@@ -221,9 +234,9 @@ PlayerInfo::CInserter::CInserter()
 
 bool PlayerInfo::CInserter::Insert(const SPlayerInfoSyncElement &element)
 {
-    m_query.bindValue(0, NeverNull(element.strUser));
-    m_query.bindValue(1, NeverNull(element.strPlayer));
-    m_query.bindValue(2, NeverNull(element.strNote));
+    m_query.bindValue(0, BoundText::ToBind(element.strUser));
+    m_query.bindValue(1, BoundText::ToBind(element.strPlayer));
+    m_query.bindValue(2, BoundText::ToBind(element.strNote));
     m_query.bindValue(3, element.ulTagID);
     m_query.bindValue(4, element.ulPlayerFlags);
     m_query.bindValue(5, element.ulTimestamp);

@@ -55,8 +55,8 @@ void CSettings::Save(const QString &user, const QString &area, const QString &ke
     // A user's row of a setting that is the installation's can only come from the server, and is for no one else.
     if (!user.isEmpty() && !IsGlobal(key))
         m_lstPending.append({QString(), area, key, value, timestamp});
-    if (!user.isEmpty() && timestamp < 0)
-        CLocalChanges::AddSetting(key);
+    if (timestamp < 0)
+        CLocalChanges::AddSetting(user, key);
     m_SaveTimer.start(SAVE_DELAY_MS);
 }
 

@@ -2,20 +2,12 @@
 
 #include <database/BoundText_p.h>
 #include <database/SettingsDB.h>
+#include <database/SqliteResult_p.h>
+#include <database/Transaction_p.h>
 
-#include <QSqlError>
 #include <QSqlQuery>
 
-#include <algorithm>
-#include <array>
-
 namespace {
-
-using BoundText::NeverNull;
-
-// What SQLite answers where a file can't be used for now: locked by another connection, on a disk that is full, can't
-// be written or fails, or with a log that can't be opened.
-constexpr std::array PASSING_CODES{5, 8, 10, 13, 14};
 
 // User, area and key in lower case.
 using TRowKey = QStringList;
@@ -30,20 +22,19 @@ struct SRow
 
 TRowKey KeyOf(const CSettings::SSetting &setting)
 {
-    return {NeverNull(setting.strUser.toLower()), NeverNull(setting.strArea.toLower()),
-            NeverNull(setting.strKey.toLower())};
+    return {setting.strUser.toLower(), setting.strArea.toLower(), setting.strKey.toLower()};
 }
 
+// Whether the file can't be used for now.
 bool IsHindered(const QSqlQuery &query)
 {
-    const int code = query.lastError().nativeErrorCode().toInt() & 0xff;
-    return std::find(PASSING_CODES.begin(), PASSING_CODES.end(), code) != PASSING_CODES.end();
+    return SqliteResult::IsPassing(query.lastError());
 }
 
 void Bind(QSqlQuery &query, const TRowKey &key)
 {
     for (int column = 0; column < key.size(); ++column)
-        query.bindValue(column, key.at(column));
+        query.bindValue(column, BoundText::ToBind(key.at(column)));
 }
 
 // A row that can't be read counts as one that isn't there.
@@ -72,7 +63,7 @@ bool Merge(QHash<TRowKey, SRow> &merged, CSettingsDB &database, const QList<CSet
         auto row = merged.find(key);
         if (row == merged.end())
             row = merged.insert(key, ReadRow(select, key));
-        const QString value = NeverNull(setting.vValue.toString());
+        const QString value = BoundText::Stored(setting.vValue.toString());
         if (!row->bExists || row->strValue != value)
             *row = {true, true, value, setting.iTimestamp < 0 ? now : setting.iTimestamp};
     }
@@ -90,30 +81,24 @@ bool WriteChanged(CSettingsDB &database, const QHash<TRowKey, SRow> &merged)
         if (!row->bChanged)
             continue;
         Bind(replace, row.key());
-        replace.bindValue(3, row->strValue);
+        replace.bindValue(3, BoundText::ToBind(row->strValue));
         replace.bindValue(4, row->iTimestamp);
         replace.exec();
     }
     return !IsHindered(replace);
 }
 
-// False if it is hindered, be it by a reader's lock.
-bool Commit(CSettingsDB &database)
-{
-    QSqlQuery commit = database.GetQuery();
-    commit.exec(QStringLiteral("COMMIT"));
-    return !IsHindered(commit);
-}
-
 } // namespace
 
 bool SettingsRows::Write(CSettingsDB &database, const QList<CSettings::SSetting> &rows, qint64 now)
 {
-    if (!database.StartTransaction())
+    if (!database.IsOpen())
         return true;
+    CTransaction transaction(database);
+    if (!transaction.IsBegun())
+        return false;
     QHash<TRowKey, SRow> merged;
-    const bool done = Merge(merged, database, rows, now) && WriteChanged(database, merged) && Commit(database);
-    // It doesn't tell whether it could commit, so all that is left for it is to roll back what wasn't.
-    database.EndTransaction(false);
-    return done;
+    if (!Merge(merged, database, rows, now) || !WriteChanged(database, merged))
+        return false;
+    return transaction.Commit() || !SqliteResult::IsPassing(transaction.GetError());
 }

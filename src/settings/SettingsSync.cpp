@@ -3,6 +3,7 @@
 #include <Singleton_p.h>
 #include <database/PlayerInfoDB.h>
 #include <database/SettingsDB.h>
+#include <database/Transaction_p.h>
 #include <models/PlayerSaves_p.h>
 #include <models/UserInfo.h>
 #include <network/Download.h>
@@ -78,7 +79,7 @@ void CSettingsSync::InitiateSync()
     if (!CUserInfo::GetInstance()->IsLoggedIn())
         return;
     // The server is to know of all that was changed until now; what changes from now on, it can't.
-    CLocalChanges::Begin();
+    CLocalChanges::Begin(GetUser());
     CPlayerSaves::WriteChanges();
     GetLocalTimestamps();
     Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncFetch);
@@ -246,7 +247,7 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &sett
         const QVariantMap setting = element.toObject().toVariantMap();
         const QString key = setting.value(JSON_KEY).toString();
         const QVariant value = setting.value(JSON_VALUE);
-        if (key.isEmpty() || !IsSingleValue(value) || CLocalChanges::HasSetting(key))
+        if (key.isEmpty() || !IsSingleValue(value) || CLocalChanges::HasSetting(nickname, key))
             continue;
         store->Save(nickname, setting.value(JSON_AREA).toString(), key, value, setting.value(JSON_TIME).toInt());
         values.insert(key.toLower(), value.toString());
@@ -257,28 +258,35 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &sett
 
 void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &infos)
 {
-    CSettingsDB *settingsDB = CSettingsDB::GetInstance();
-    CPlayerInfoDB *playerInfoDB = CPlayerInfoDB::GetInstance();
-    settingsDB->StartTransaction();
-    playerInfoDB->StartTransaction();
+    // Nothing is written in it but what a listener writes.
+    CTransaction settings(*CSettingsDB::GetInstance(), CTransaction::Reading);
+    StorePlayerInfos(nickname, infos);
+    PlayerInfo::LoadRows(true);
+    settings.Commit();
+}
+
+// All of them or none: what isn't stored now comes with the next exchange, for the newest local time stays as it is.
+void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &infos)
+{
+    CTransaction transaction(*CPlayerInfoDB::GetInstance());
+    if (!transaction.IsBegun())
+        return;
     {
         PlayerInfo::CInserter inserter;
         for (const QJsonValue &element : infos) {
             const QJsonObject info = element.toObject();
             const QString nick = info.value(JSON_NICK).toVariant().toString();
-            if (nick.isEmpty() || CLocalChanges::HasPlayer(nick))
+            if (nick.isEmpty() || CLocalChanges::HasPlayer(nickname, nick))
                 continue;
             const bool written = inserter.Insert({nickname, nick, info.value(JSON_NOTE).toVariant().toString(),
                                                   static_cast<unsigned int>(ToInt(info.value(JSON_TAG))),
                                                   static_cast<unsigned int>(ToInt(info.value(JSON_FLAGS))),
                                                   ToTime(info.value(JSON_TIME))});
             if (!written)
-                break; // a file that is locked holds each attempt up for seconds
+                return;
         }
     }
-    playerInfoDB->EndTransaction(true);
-    PlayerInfo::LoadRows(true);
-    settingsDB->EndTransaction(true);
+    transaction.Commit();
 }
 
 QJsonArray CSettingsSync::GetSettingsToSend(const QString &nickname) const

@@ -80,6 +80,7 @@ private:
     void RequestSessionIfBehind();
     static void TakeSettings(const QString &nickname, const QJsonArray &settings);
     static void TakePlayerInfos(const QString &nickname, const QJsonArray &infos);
+    static void StorePlayerInfos(const QString &nickname, const QJsonArray &infos);
     QJsonArray GetSettingsToSend(const QString &nickname) const;
     QJsonArray GetPlayerInfosToSend(const QString &nickname) const;
 

@@ -2,6 +2,7 @@
 #include <database/LocalDB.h>
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/ShortLock.h>
 
 #include <QProcess>
 #include <QRandomGenerator>
@@ -196,6 +197,40 @@ private Q_SLOTS:
         }
     }
 
+    // Texts that SQLite's way through UTF-16 would change or cut.
+    void OddCharacters_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("stored");
+        const auto add = [](const char *name, const QString &text, const QString &stored) {
+            QTest::newRow(name) << text << stored;
+        };
+        add("byte order mark", "\ufeffa"_s, "\ufeffa"_s);
+        add("two byte order marks", "\ufeff\ufeff"_s, "\ufeff\ufeff"_s);
+        add("NUL", "a\0'b"_s, "a\0'b"_s);
+        add("pair of surrogates", "\U0001f0a1"_s, "\U0001f0a1"_s);
+        add("swapped byte order mark", "\ufffea"_s, "\ufffda"_s);
+        add("reserved", "a\uffff"_s, "a\ufffd"_s);
+        add("first half", QChar(0xd83c) + "a"_s, "\ufffda"_s);
+        add("first half at the end", "a"_s + QChar(0xd83c), "a\ufffd"_s);
+        add("halves in the wrong order", QString(QChar(0xdca1)) + QChar(0xd83c), "\ufffd\ufffd"_s);
+    }
+
+    void OddCharacters()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, stored);
+        QVERIFY(Insert(1, "before"_s));
+        QVERIFY(m_database->Update(TABLE, {{TEXT, text}}, {{TEXT, "before"_s}}));
+        TRow row;
+        QVERIFY(m_database->SelectOne(row, TABLE, {TEXT}, {{TEXT, text}}));
+        QCOMPARE(row.value(TEXT).toString(), stored);
+        QVERIFY(m_database->InsertOrUpdate(TABLE, {{ID, 2}}, {{TEXT, text}})); // finds the row
+        QCOMPARE(Rows({{TEXT, stored}}), "2:"_s + stored);
+        QVERIFY(m_database->Delete(TABLE, {{TEXT, stored}}));
+        QCOMPARE(Rows(), QString());
+    }
+
     void Selections()
     {
         TRow row{{"kept"_s, 1}};
@@ -320,13 +355,33 @@ private Q_SLOTS:
     void FileThatCannotBeOpened()
     {
         QVERIFY(!CLadder(m_dir.path()).Init()); // a folder at its place
-        CLadder database(m_dir.filePath("missing/folder.sqlite"_s));
+        const QString path = m_dir.filePath("missing/folder.sqlite"_s);
+        CLadder database(path);
         QVERIFY(!database.Init());
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("unable to open database"_s));
         QVERIFY(!database.Insert(TABLE, {{ID, 1}}));
         QVERIFY(QDir(m_dir.path()).mkdir("missing"_s));
+        QVERIFY(!database.IsOpen() && !database.StartTransaction()); // only Init() opens what may be a new file
+        QVERIFY(!QFile::exists(path));
         QVERIFY(database.Init());
         QCOMPARE(database.m_steps, TSteps({1, 2, 3}));
+        QSqlDatabase::database(path, false).close();
+        QVERIFY(database.Insert(STEP1, {{ID, 4}})); // it was open
+    }
+
+    // The commit finds that a reference has no row.
+    void RefusedCommitOfAClimb()
+    {
+        CLadder database(m_strPath);
+        database.m_Inserted = [&database] {
+            database.Exec("CREATE TABLE IF NOT EXISTS tbl_reference"
+                          " (id INTEGER REFERENCES tbl_step1 DEFERRABLE INITIALLY DEFERRED)"_s);
+            database.Insert("tbl_reference"_s, {{ID, 99}});
+        };
+        QVERIFY(!database.Init());
+        TRow row;
+        QVERIFY(database.SelectOne(row, "tbl_dbinfo"_s, {"DBI_cValue"_s}, {}));
+        QCOMPARE(row.values(), QVariantList{"0"_s});
+        QVERIFY(!database.SelectOne(row, STEP1, {}, {}) && !database.EndTransaction(true));
     }
 
     void LockedFileIsLeftAlone()
@@ -335,16 +390,59 @@ private Q_SLOTS:
         CChild child("lock"_s, m_strPath);
         QCOMPARE(child.NextLine(), QByteArrayLiteral("locked 1"));
         const QByteArray contents = ReadFile(m_strPath);
-        for (const bool locked : {true, false}) {
-            // The driver would wait five seconds for each statement.
-            QSqlDatabase::addDatabase("QSQLITE"_s, m_strPath) // clazy:exclude=writing-to-temporary (a handle)
-                .setConnectOptions("QSQLITE_BUSY_TIMEOUT=1"_s);
-            CLadder database(m_strPath);
-            QCOMPARE(database.Init(), !locked);
-            QVERIFY(database.m_steps.isEmpty());
-            child.End();
-            QCOMPARE(ReadFile(m_strPath), contents);
+        constexpr int WAIT_MS = 400;
+        // The driver would wait five seconds.
+        QSqlDatabase::addDatabase("QSQLITE"_s, m_strPath) // clazy:exclude=writing-to-temporary (a handle)
+            .setConnectOptions("QSQLITE_BUSY_TIMEOUT=%1"_s.arg(WAIT_MS));
+        CLadder database(m_strPath);
+        database.UseWriteAheadLog();
+        QElapsedTimer wait;
+        wait.start();
+        QVERIFY(!database.Init());
+        QVERIFY(!database.IsOpen() && !database.Insert(STEP1, {{ID, 4}}));
+        QVERIFY2(wait.elapsed() < 2 * WAIT_MS, QByteArray::number(wait.elapsed())); // once
+        child.End();
+        QCOMPARE(ReadFile(m_strPath), contents);
+        QVERIFY(database.Init() && database.m_steps.isEmpty() && database.Insert(STEP1, {{ID, 4}}));
+    }
+
+    // Another program writes for a moment: it is waited for.
+    void ShortlyLockedFile_data()
+    {
+        QTest::addColumn<int>("fileVersion");
+        QTest::addColumn<QString>("lock");
+        QTest::newRow("a new file") << 0 << "BEGIN EXCLUSIVE"_s;
+        QTest::newRow("a step is pending") << 1 << "BEGIN IMMEDIATE"_s;
+        QTest::newRow("a transaction reads and writes") << 3 << "BEGIN IMMEDIATE"_s;
+    }
+
+    void ShortlyLockedFile()
+    {
+        QFETCH(int, fileVersion);
+        QFETCH(QString, lock);
+        if (fileVersion > 0)
+            MakeFile(fileVersion);
+        CLadder database(m_strPath);
+        QVERIFY(fileVersion < 3 || database.Init());
+        const CShortLock other(m_strPath, lock);
+        QVERIFY(database.Init());
+        QCOMPARE(database.m_steps.size(), 3 - fileVersion);
+        TRow row;
+        QVERIFY(database.StartTransaction() && database.SelectOne(row, STEP1, {}, {{ID, 1}}));
+        QVERIFY(database.Insert(STEP1, {{ID, 4}}) && database.EndTransaction(true));
+        QVERIFY(database.SelectOne(row, STEP1, {}, {{ID, 4}}));
+    }
+
+    void ClientsStartTogether()
+    {
+        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7777)));
+        for (int start = 0; start < 10; ++start) {
+            init();
+            CChild first("report log"_s, m_strPath);
+            CChild second("report log"_s, m_strPath);
+            QCOMPARE(first.NextLine() + ", " + second.NextLine(), QByteArrayLiteral("true 3, true 3"));
         }
+        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7755)));
     }
 
     // Root may write anywhere, so that a process without its rights tries.

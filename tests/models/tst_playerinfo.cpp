@@ -102,6 +102,27 @@ private Q_SLOTS:
         QVERIFY(Stored().endsWith(" /bob=n,3,8,0,0@109"_s));
     }
 
+    // Only what the table holds is stored, under the nickname by which it does.
+    void StraysAndRenamedPlayers()
+    {
+        Player("Bob"_s)->SetNotes("kept"_s);
+        CPlayerModel stray("Bob"_s);
+        stray.SetNotes("stray"_s);
+        for (const char *now : {"slot_DBSaveTimer", "slot_DBUpdateTimer"})
+            QVERIFY(QMetaObject::invokeMethod(&stray, now));
+        QCOMPARE(Stored(), QString());
+        Player("Carl"_s)->SetNickname("Bob"_s);
+        Player("Carl"_s)->SetNotes("renamed"_s);
+        QVERIFY(QMetaObject::invokeMethod(Player("Carl"_s), "slot_DBSaveTimer"));
+        Player("Carl"_s)->SetNotes("again"_s);
+        QVERIFY(QMetaObject::invokeMethod(Player("Carl"_s), "slot_DBUpdateTimer"));
+        Player("Dora"_s)->SetNotes("gone"_s);
+        CPlayerModel::DestroyInstance("Dora"_s);
+        CPlayerModel::DestroyInstance("Nobody"_s);
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
+        QCOMPARE(Stored(), "/Bob=kept,0,0,0,0@100 /Carl=again,0,0,0,0@100"_s);
+    }
+
     void DelayedSaves()
     {
         Player("Carl"_s)->SetTagID(2);

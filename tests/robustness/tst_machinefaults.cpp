@@ -12,6 +12,7 @@
 #include <settings/PlayerInfo.h>
 #include <settings/Settings.h>
 #include <support/InstallationTree.h>
+#include <support/ShortLock.h>
 #include <support/Singletons.h>
 #include <time/CasinoTime.h>
 #include <time/CountDown.h>
@@ -89,17 +90,29 @@ private Q_SLOTS:
             QSKIP(NO_DISK);
         QVERIFY(m_disk.SetReadOnly(true));
         QVERIFY(!CSettingsDB::GetInstance()->Init() && !CPlayerInfoDB::GetInstance()->Init());
-        const QRegularExpression told("unable to open database"_s);
-        QTest::ignoreMessage(QtWarningMsg, told); // Qt's, once for the flush that tries again
         Change("unwritten"_s);
         CSettings::GetInstance()->slot_SaveSettings(true);
         QCOMPARE(CSettings::GetInstance()->GetDesignerTab(), "unwritten"_s);
         QVERIFY(m_disk.SetReadOnly(false));
     }
 
-    void FilesAreMade()
+    void FilesAreMade() { QVERIFY(CSettingsDB::GetInstance()->Init() && CPlayerInfoDB::GetInstance()->Init()); }
+
+    // Another client writes just now: what the end of a login, and of the program, stores waits for it.
+    void ShortLock()
     {
-        QVERIFY(CSettingsDB::GetInstance()->Init() && CPlayerInfoDB::GetInstance()->Init());
+        const QString after = Change("waited"_s);
+        {
+            const CShortLock lock(m_strSettings);
+            CUserInfo::GetInstance()->SetLoggedIn(QString());
+            CSettings::GetInstance()->slot_SaveSettings(true);
+        }
+        QCOMPARE(Stored(), after);
+        CUserInfo::GetInstance()->SetLoggedIn(ANN);
+    }
+
+    void LocksAreGivenUpSoon()
+    {
         for (CLocalDB *database : {static_cast<CLocalDB *>(CSettingsDB::GetInstance()),
                                    static_cast<CLocalDB *>(CPlayerInfoDB::GetInstance())})
             QVERIFY(database->Exec("PRAGMA busy_timeout = 50"_s)); // the tests needn't wait as long as a client

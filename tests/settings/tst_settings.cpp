@@ -88,6 +88,21 @@ private Q_SLOTS:
         QCOMPARE(Rows(), "/themesettings/themechips=5@1700000010 /sounds/volume=5@1700000000"_s);
     }
 
+    // What the file can't hold to the character isn't taken for a change at the next login, and the one after.
+    void OddValues()
+    {
+        CSettings *settings = CSettings::GetInstance();
+        for (const QString &value : {"\ufeffa"_s, QChar(0xd83c) + "a"_s, "a\0b"_s}) {
+            settings->SetDesignerTab(value);
+            settings->slot_SaveSettings();
+            CCasinoTime::GetInstance()->SetTimeUTCServer(NOW + 10);
+            settings->Save(QString(), "client"_s, "designertab"_s, value, -1);
+            settings->slot_SaveSettings();
+            QVERIFY(Rows().endsWith("@1700000000"_s));
+            init();
+        }
+    }
+
     void WithoutServerTime()
     {
         CCasinoTime::GetInstance()->SetTimeUTCServer(0);

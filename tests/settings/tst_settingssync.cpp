@@ -113,6 +113,21 @@ private Q_SLOTS:
         thread.join();
     }
 
+    // What one user has changed since an exchange that no answer came to is no change of the next one's.
+    void AnotherUsersChanges()
+    {
+        CSettingsSync *sync = CSettingsSync::GetInstance();
+        sync->InitiateSync();
+        CSettings::GetInstance()->SetVolume(1);
+        CPlayerModel::GetInstance("Bob"_s)->SetNotes("first"_s);
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
+        CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s);
+        sync->ReadJSON(ToJson("{'usersettings': [{'area': 'sounds', 'key': 'volume', 'value': '11', 'time': 7}], "
+                              "'playerinfos': [{'nick': 'Bob', 'note': 'second', 'time': 7}]}"));
+        QCOMPARE(CSettings::GetInstance()->GetVolume(), 11);
+        QCOMPARE(CPlayerModel::GetInstance("Bob"_s)->GetNotes(), "second"_s);
+    }
+
     void Answers_data()
     {
         QTest::addColumn<QStringList>("fault");

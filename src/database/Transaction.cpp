@@ -1,0 +1,52 @@
+#include "Transaction_p.h"
+
+#include <database/LocalDB.h>
+#include <database/SqliteResult_p.h>
+
+CTransaction::CTransaction(CLocalDB &database, EKind kind)
+    : m_database(database)
+{
+    if (!database.IsOpen())
+        return;
+    if (!database.m_bTransaction) {
+        QSqlQuery begin = database.GetQuery();
+        if (!begin.exec(kind == Writing ? QStringLiteral("BEGIN IMMEDIATE") : QStringLiteral("BEGIN")))
+            m_error = begin.lastError();
+    }
+    // Refused for another reason, it is one that was begun without the object's knowledge, and is joined.
+    m_bBegun = !SqliteResult::IsPassing(m_error);
+    database.m_bTransaction = m_bBegun;
+}
+
+CTransaction::~CTransaction()
+{
+    if (m_bBegun)
+        m_database.EndTransaction(false);
+}
+
+bool CTransaction::IsBegun() const
+{
+    return m_bBegun;
+}
+
+bool CTransaction::Commit()
+{
+    if (!m_bBegun)
+        return false;
+    m_bBegun = false;
+    if (!m_database.m_bTransaction)
+        return true;
+    QSqlQuery commit = m_database.GetQuery();
+    if (commit.exec(QStringLiteral("COMMIT"))) {
+        m_database.m_bTransaction = false;
+        return true;
+    }
+    m_error = commit.lastError();
+    m_database.EndTransaction(false);
+    return false;
+}
+
+const QSqlError &CTransaction::GetError() const
+{
+    return m_error;
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QSemaphore>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+#include <QThread>
+
+#include <memory>
+
+/// Another connection's lock on a SQLite file, in a thread of its own: it is there when the constructor returns, and
+/// gone after a while.
+class CShortLock
+{
+public:
+    explicit CShortLock(const QString &file, const QString &begin = QStringLiteral("BEGIN IMMEDIATE"),
+                        unsigned long ms = 200)
+        : m_thread(QThread::create([=] {
+            const QString name = QStringLiteral("short lock of ") + file;
+            {
+                QSqlDatabase connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+                connection.setDatabaseName(file);
+                if (!connection.open() || !QSqlQuery(connection).exec(begin))
+                    qFatal("can't lock a file");
+                m_locked.release();
+                QThread::msleep(ms);
+                QSqlQuery(connection).exec(QStringLiteral("COMMIT"));
+            }
+            QSqlDatabase::removeDatabase(name);
+        }))
+    {
+        m_thread->start();
+        m_locked.acquire();
+    }
+    ~CShortLock() { m_thread->wait(); }
+    Q_DISABLE_COPY_MOVE(CShortLock)
+
+private:
+    QSemaphore m_locked;
+    std::unique_ptr<QThread> m_thread;
+};
