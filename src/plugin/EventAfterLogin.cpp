@@ -2,22 +2,27 @@
 
 #include <models/UserInfo.h>
 
+#include <QPointer>
 #include <QTimer>
 
 namespace {
 
 constexpr int WAIT_MS = 30000;
 
+unsigned int waits = 0; // how many events have begun to wait
+
 } // namespace
 
 CEventAfterLogin::CEventAfterLogin(const CEvent &event, QObject *parent)
-    : QObject(parent)
-    , m_event(event)
+    : m_event(event)
 {
-    if (CUserInfo::GetInstance()->IsLoggedIn())
-        SendFromEventLoop();
-    else
-        WaitForLogin();
+    if (!CUserInfo::GetInstance()->IsLoggedIn()) {
+        WaitForLogin(parent);
+        return;
+    }
+    setParent(parent);
+    connect(this, &CEventAfterLogin::signal_Event, this, &QObject::deleteLater);
+    SendFromEventLoop();
 }
 
 void CEventAfterLogin::slot_LoginStateChanged(bool loggedIn)
@@ -33,11 +38,20 @@ void CEventAfterLogin::slot_SendEvent()
     Q_EMIT signal_Event(m_event);
 }
 
-void CEventAfterLogin::WaitForLogin()
+// It is nobody's child until others have heard the cancel: one of them may delete the parent, or send an event that
+// is newer than this one.
+void CEventAfterLogin::WaitForLogin(QObject *parent)
 {
     CUserInfo *user = CUserInfo::GetInstance();
-    // Older events that wait hear this; the own connection comes behind it.
+    const QPointer<QObject> owner = parent;
+    const unsigned int wait = ++waits;
+    // Older events that wait hear this; the own connection comes after it.
     user->EmitLoginCanceled();
+    if (!owner || wait != waits) {
+        deleteLater();
+        return;
+    }
+    setParent(parent);
     connect(user, &CUserInfo::signal_LoginStateChanged, this, &CEventAfterLogin::slot_LoginStateChanged);
     connect(user, &CUserInfo::signal_LoginCanceled, this, &CEventAfterLogin::Drop);
     // A coarse timer could take a second and a half longer.

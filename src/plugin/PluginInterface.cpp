@@ -4,6 +4,7 @@
 #include <plugin/EventTable_p.h>
 #include <plugin/PacketLayerWrapper.h>
 
+#include <QPointer>
 #include <QtEndian>
 
 #include <cstring>
@@ -96,8 +97,10 @@ CPluginInterfaceFunctions::~CPluginInterfaceFunctions() = default;
 
 void CPluginInterfaceFunctions::RegisterEvents()
 {
+    const QPointer<CPluginInterfaceFunctions> self = this;
     Q_EMIT signal_RegisterForEvent(QStringLiteral("M2PE"), QString());
-    RegisterForEvents();
+    if (self)
+        RegisterForEvents();
 }
 
 void CPluginInterfaceFunctions::emit_ReceiveEvent(CEvent e)
@@ -119,9 +122,15 @@ void CPluginInterfaceFunctions::SendInternEvent(CEvent e, bool afterLogin)
         Q_EMIT signal_SendEvent(e);
         return;
     }
+    // The host may delete the plugin when it is asked for the dialog, and whoever hears that an older event is
+    // cancelled may do so too.
+    const QPointer<CPluginInterfaceFunctions> self = this;
     OpenLoginDialog();
+    if (!self)
+        return;
     auto *waiting = new CEventAfterLogin(e, this);
-    connect(waiting, &CEventAfterLogin::signal_Event, this, &CPluginInterfaceFunctions::signal_SendEvent);
+    if (self)
+        connect(waiting, &CEventAfterLogin::signal_Event, this, &CPluginInterfaceFunctions::signal_SendEvent);
 }
 
 void CPluginInterfaceFunctions::SendInternEvent(unsigned char moduleID, unsigned int targetID, QString tag1,

@@ -21,6 +21,7 @@ class QWidget;
 ///
 /// There are no answers and no errors on the bus: a call returns nothing, an event that nobody listens to is lost,
 /// and a malformed request vanishes. All operations belong to the object's thread, but for emit_ReceiveEvent().
+/// Whoever listens to a signal may delete the object; what would have been sent after that is lost.
 ///
 /// The flag `afterLogin` asks for the login dialog first and keeps the event back until a user is logged in; with one
 /// logged in it goes out at the next turn of the event loop. One event waits at a time: a newer one, of whatever

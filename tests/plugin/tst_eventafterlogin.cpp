@@ -60,6 +60,8 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(m_sent, QStringLiteral("LGND LGND ONE1 TWO2 "));
         QCOMPARE(FireTimeLimits(), 0);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(m_plugins->at(0).children().isEmpty());
     }
 
     void NewestWaits()
@@ -108,6 +110,42 @@ private Q_SLOTS:
         user->SetLoggedIn(ANN);
         QCoreApplication::processEvents();
         QCOMPARE(m_sent, QString());
+    }
+
+    void SlotInterferes_data()
+    {
+        QTest::addColumn<QString>("heard");
+        QTest::addColumn<QString>("sent");
+        QTest::newRow("plugin deleted at the login dialog") << "LGND"
+                                                            << "LGND ";
+        QTest::newRow("plugin deleted when the older event is cancelled") << "cancel"
+                                                                          << "LGND ";
+        QTest::newRow("plugin deleted at the event itself") << "ONE1"
+                                                            << "LGND ONE1 ";
+        QTest::newRow("newer event when the older one is cancelled") << "once"
+                                                                     << "LGND LGND TWO2 ";
+    }
+
+    void SlotInterferes()
+    {
+        QFETCH(QString, heard);
+        CUserInfo *user = CUserInfo::GetInstance();
+        if (heard == QLatin1String("ONE1"))
+            user->SetLoggedIn(ANN);
+        connect(user, &CUserInfo::signal_LoginCanceled, this, [this, heard]() mutable {
+            if (heard == QLatin1String("cancel"))
+                m_plugins.reset();
+            else if (std::exchange(heard, QString()) == QLatin1String("once"))
+                Send(1, "TWO2");
+        });
+        connect(&m_plugins->at(0), &CPluginInterface::signal_SendEvent, this, [this, heard](const CEvent &event) {
+            if (heard == QString::fromLatin1(event.tag2, 4))
+                m_plugins.reset();
+        });
+        Send(0, "ONE1");
+        user->SetLoggedIn(ANN);
+        QCoreApplication::processEvents();
+        QTEST(m_sent, "sent");
     }
 
 private:

@@ -157,6 +157,10 @@ private Q_SLOTS:
         CRecordingPlugin plugin;
         plugin.RegisterEvents();
         QCOMPARE(plugin.m_sent.join(' '), QByteArray("M2PE/ CHAT/ CHAT/TEXT LONGER/TEXTS"));
+        QPointer<CRecordingPlugin> unwanted = new CRecordingPlugin;
+        connect(unwanted, &CPluginInterface::signal_RegisterForEvent, this, [unwanted] { delete unwanted; });
+        unwanted->RegisterEvents();
+        QVERIFY(!unwanted);
     }
 
     void otherThread()
