@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QLocale>
+#include <QPointer>
 
 PLUGININTERFACE_DEFINE_SINGLETON(CCasinoTime);
 
@@ -30,8 +31,10 @@ void CCasinoTime::SetTimeUTCServer(unsigned int t)
     if (t == m_uiTimeUTCServer)
         return;
     m_uiTimeUTCServer = t;
+    const QPointer<CCasinoTime> self = this;
     CompareTimes();
-    Q_EMIT signal_ServerTimeChanged();
+    if (self)
+        Q_EMIT signal_ServerTimeChanged();
 }
 
 unsigned int CCasinoTime::GetTimeUTCServer() const
@@ -107,10 +110,12 @@ void CCasinoTime::CompareTimes()
 
 void CCasinoTime::UpdateTimes()
 {
+    const QPointer<CCasinoTime> self = this;
     const QString time = GetTimeString(m_uiTimeUTCClient);
     if (time != m_strCurrentTime) {
         m_strCurrentTime = time;
         Q_EMIT signal_TimeStringChanged(time);
     }
-    Q_EMIT signal_TimeChanged();
+    if (self)
+        Q_EMIT signal_TimeChanged();
 }

@@ -8,6 +8,7 @@
 #include <translation/Translation.h>
 
 #include <QDateTime>
+#include <QPointer>
 
 namespace {
 
@@ -127,7 +128,10 @@ void CCasinoTime::UpdateTimezone()
     if (tz == m_iTimezone)
         return;
     m_iTimezone = tz;
+    const QPointer<CCasinoTime> self = this;
     Q_EMIT signal_TimeZoneChanged();
+    if (!self)
+        return;
     m_uiTimeUTCClient = 0;
     CompareTimes();
 }

@@ -2,6 +2,8 @@
 
 #include <time/CasinoTime.h>
 
+#include <QPointer>
+
 #include <limits>
 
 namespace {
@@ -93,7 +95,8 @@ void CCountDown::Stop()
 {
     m_bCountUp = false;
     m_uiTime = 0;
-    disconnect(CCasinoTime::GetInstance(), nullptr, this, nullptr);
+    disconnect(CCasinoTime::GetInstance(), &CCasinoTime::signal_TimeChanged, this,
+               &CCountDown::slot_RefreshCountDown);
     slot_RefreshCountDown();
 }
 
@@ -127,12 +130,21 @@ const CTranslationItem &CCountDown::GetCountDown() const
 
 void CCountDown::slot_RefreshCountDown()
 {
+    const QPointer<CCountDown> self = this;
     UpdateText();
+    if (!self)
+        return;
     const unsigned int now = CCasinoTime::GetInstance()->GetTimeUTCClient();
-    if (!m_bCountUp && m_uiTime != 0 && now != 0 && m_uiTime < now) {
-        Q_EMIT signal_CountDownFinished();
+    if (m_bCountUp || m_uiTime == 0 || now == 0 || m_uiTime >= now)
+        return;
+    // A slot may run an event loop, such as a dialog's: its ticks must not tell the end again.
+    disconnect(CCasinoTime::GetInstance(), &CCasinoTime::signal_TimeChanged, this,
+               &CCountDown::slot_RefreshCountDown);
+    const unsigned int end = m_uiTime;
+    Q_EMIT signal_CountDownFinished();
+    const bool startedAnew = self && (m_bCountUp || m_uiTime != end);
+    if (self && !startedAnew)
         Stop();
-    }
 }
 
 void CCountDown::Run()

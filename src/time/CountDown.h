@@ -16,7 +16,8 @@ PLUGININTERFACE_EXPORT CTranslationItem GetCountDownString(unsigned int seconds,
 } // namespace Globals
 
 /// Counts down to a time, or up from one, on the ticks of CCasinoTime, and keeps the text of it. Times are seconds
-/// since 1970 UTC. While the clock stands at 0 the countdown shows zero and doesn't finish. Main thread.
+/// since 1970 UTC. While the clock stands at 0 the countdown shows zero and doesn't finish. A slot of its signals
+/// may start, stop or delete it. Main thread.
 class PLUGININTERFACE_EXPORT CCountDown : public QObject
 {
     Q_OBJECT
@@ -49,8 +50,8 @@ public:
 Q_SIGNALS:
     /// The text is another one.
     void signal_CountDownChanged(QString string);
-    /// The end time has passed; on the tick behind the one that shows zero. It stops behind this signal, so start
-    /// it anew from the event loop.
+    /// The end time has passed; on the tick after the one that shows zero. It stops after this signal, unless a slot
+    /// has started it anew.
     void signal_CountDownFinished();
 
 private Q_SLOTS:

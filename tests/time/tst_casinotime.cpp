@@ -33,6 +33,10 @@ private Q_SLOTS:
             QVERIFY(order == in[1] && casino.GetTimeUTCServer() == time);
             QCOMPARE(casino.GetTimeUTCClient(), order.contains("time"_s) ? time : NOON);
         }
+        const QPointer<CCasinoTime> casino = new CCasinoTime;
+        connect(casino, &CCasinoTime::signal_TimeStringChanged, this, [casino] { delete casino; });
+        casino->SetTimeUTCServer(NOON);
+        QVERIFY(!casino);
     }
 
     void Ticks()

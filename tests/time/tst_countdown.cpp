@@ -58,6 +58,45 @@ private Q_SLOTS:
         countDown.StartFromTime(0);
         QCOMPARE(run(2), "00:00:10 10 0 0 0"_s);
     }
+
+    void SlotInterferes_data()
+    {
+        QTest::addColumn<QString>("state"); // is running, ends, others' ticks
+        QTest::newRow("starts down") << "1 1 6";
+        QTest::newRow("starts up") << "1 1 6";
+        QTest::newRow("runs an event loop") << "0 1 7";
+        QTest::newRow("deletes at the end") << "0 1 4";
+        QTest::newRow("deletes at another text") << "0 0 2";
+    }
+    void SlotInterferes()
+    {
+        const QString how = QLatin1String(QTest::currentDataTag());
+        CCasinoTime *clock = CCasinoTime::GetInstance();
+        const QPointer<CCountDown> countDown = new CCountDown;
+        const auto ticks = std::make_shared<int>(0);
+        int ends = 0;
+        connect(countDown, &CCountDown::signal_CountDownFinished, this, [&] {
+            if (++ends == 1 && how == "starts down"_s)
+                countDown->Start(5);
+            else if (ends == 1 && how == "starts up"_s)
+                countDown->StartFromTime(1);
+            else if (ends == 1 && how == "runs an event loop"_s)
+                clock->IncreaseCurrentTime();
+            else
+                delete countDown;
+        });
+        connect(countDown, &CCountDown::signal_CountDownChanged, this, [&] {
+            if (how == "deletes at another text"_s && *ticks == 2)
+                delete countDown;
+        });
+        connect(clock, &CCasinoTime::signal_TimeChanged, countDown, [ticks] { ++*ticks; });
+        clock->IncreaseCurrentTime();
+        countDown->Start(2);
+        for (int tick = 0; tick < 5; ++tick)
+            clock->IncreaseCurrentTime();
+        QTEST("%1 %2 %3"_s.arg(countDown && countDown->IsRunning()).arg(ends).arg(*ticks), "state");
+        delete countDown;
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_countdown)
