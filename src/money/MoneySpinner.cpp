@@ -90,9 +90,14 @@ void CMoneySpinner::UpdateDisplay()
     static constexpr TSetPlace PLACES[] = {&CMoneySpinner::SetC2, &CMoneySpinner::SetC1, &CMoneySpinner::SetD1,
                                            &CMoneySpinner::SetD2, &CMoneySpinner::SetD3, &CMoneySpinner::SetD4,
                                            &CMoneySpinner::SetD5, &CMoneySpinner::SetD6, &CMoneySpinner::SetD7};
-    const QString digits = QString::number(m_uiValue);
+    const unsigned int value = m_uiValue;
+    const QString digits = QString::number(value);
     SetShowComma(digits.size() <= MAX_DIGITS_WITH_COMMA);
     int position = digits.size();
-    for (const TSetPlace setPlace : PLACES)
+    for (const TSetPlace setPlace : PLACES) {
+        // Whoever has heard of a place may have set another amount, which is displayed already.
+        if (m_uiValue != value)
+            return;
         (this->*setPlace)(--position >= 0 ? digits.mid(position, 1) : QStringLiteral("0"));
+    }
 }

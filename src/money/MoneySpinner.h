@@ -9,8 +9,8 @@
 ///
 /// It counts hundredths, whatever the currency, and shows nine digits with leading zeros; of a value of ten digits
 /// the nine lowest. ShowComma tells the view whether to show the cents, up to 99,999.99, or the two highest digits.
-/// The currency's sign is that of the language at the time it was set. CTranslation's databases have to be
-/// initialised. Main thread.
+/// The currency's sign is that of the language at the time it was set. A slot of its signals may set another amount,
+/// but must not delete it, other than by deleteLater(). CTranslation's databases have to be initialised. Main thread.
 class PLUGININTERFACE_EXPORT CMoneySpinner : public CMoneySpinnerDataModel
 {
     Q_OBJECT
@@ -41,6 +41,8 @@ private Q_SLOTS:
     void slot_TranslationChanged();
 
 private:
+    friend class CMoneySpinnerWidget; // tells the amount to which it runs
+
     void Init();
     void UpdateDisplay();
 

@@ -1,6 +1,7 @@
 #include "MoneySpinnerWidget.h"
 
 #include <money/MoneySpinner.h>
+#include <money/MoneyStrings.h>
 
 #include <QFrame>
 #include <QHBoxLayout>
@@ -43,6 +44,9 @@ struct CMoneySpinnerWidget::SForm
     {
         widget->setObjectName(QStringLiteral("W_MoneySpinner"));
         widget->resize(65, 13);
+        // Digits run from left to right in a right-to-left language, too.
+        widget->setLayoutDirection(Qt::LeftToRight);
+        widget->setAttribute(Qt::WA_StyledBackground); // and its border
         QHBoxLayout *row = MakeLayout(widget, QStringLiteral("horizontalLayout"));
 #define MAKE_PLACE(Name, number)                                                             \
     F_##Name = new QFrame(widget);                                                           \
@@ -63,6 +67,32 @@ struct CMoneySpinnerWidget::SForm
     QLabel *LB_##Name;
     PLACES_TABLE(PLACE_MEMBERS)
 #undef PLACE_MEMBERS
+
+    // The amount to which the digits run; the lower one is where a run starts, whatever its direction.
+    static unsigned int Target(const CMoneySpinner &spinner)
+    {
+        const QPropertyAnimation &run = spinner.m_animation;
+        if (run.state() != QAbstractAnimation::Running)
+            return spinner.GetValue();
+        return (run.direction() == QAbstractAnimation::Forward ? run.endValue() : run.startValue()).toUInt();
+    }
+
+    void NameAfter(QWidget *widget, const CMoneySpinner &spinner)
+    {
+        uiNamed = Target(spinner);
+        const QString name =
+            spinner.GetCurrency().trimmed() + Globals::MoneyToString(GlobalDefines::MONEYTYPE_POINTS, uiNamed, true);
+        if (name != widget->accessibleName())
+            widget->setAccessibleName(name); // which tells of it
+    }
+
+    void NameAfterTarget(QWidget *widget, const CMoneySpinner &spinner)
+    {
+        if (uiNamed != Target(spinner))
+            NameAfter(widget, spinner);
+    }
+
+    unsigned int uiNamed = 0; // the amount that the accessible name tells
 };
 
 CMoneySpinnerWidget::CMoneySpinnerWidget(CMoneySpinner *spinner, QWidget *parent)
@@ -75,6 +105,11 @@ CMoneySpinnerWidget::CMoneySpinnerWidget(CMoneySpinner *spinner, QWidget *parent
     slot_##Name##Changed();
     MONEY_SPINNER_DATA_TABLE(CONNECT_FIELD)
 #undef CONNECT_FIELD
+    // A run begins before the first digit changes.
+    connect(&spinner->m_animation, &QAbstractAnimation::stateChanged, this, [this](QAbstractAnimation::State state) {
+        if (state == QAbstractAnimation::Running)
+            m_pForm->NameAfterTarget(this, *m_pSpinner);
+    });
 }
 
 CMoneySpinnerWidget::~CMoneySpinnerWidget() = default;
@@ -83,10 +118,10 @@ CMoneySpinnerWidget::~CMoneySpinnerWidget() = default;
     void CMoneySpinnerWidget::slot_##Name##Changed()          \
     {                                                         \
         m_pForm->LB_##Name->setText(m_pSpinner->Get##Name()); \
+        m_pForm->NameAfterTarget(this, *m_pSpinner);          \
     }
 COPY_TO_LABEL(C2)
 COPY_TO_LABEL(C1)
-COPY_TO_LABEL(DS)
 COPY_TO_LABEL(D1)
 COPY_TO_LABEL(D2)
 COPY_TO_LABEL(D3)
@@ -96,10 +131,17 @@ COPY_TO_LABEL(D6)
 COPY_TO_LABEL(D7)
 #undef COPY_TO_LABEL
 
+void CMoneySpinnerWidget::slot_DSChanged()
+{
+    m_pForm->LB_DS->setText(m_pSpinner->GetDS());
+    m_pForm->NameAfter(this, *m_pSpinner);
+}
+
 void CMoneySpinnerWidget::slot_TSChanged()
 {
     m_pForm->LB_TS->setText(m_pSpinner->GetTS());
     m_pForm->LB_TS2->setText(m_pSpinner->GetTS());
+    m_pForm->NameAfter(this, *m_pSpinner);
 }
 
 void CMoneySpinnerWidget::slot_CurrencyChanged()
@@ -107,6 +149,7 @@ void CMoneySpinnerWidget::slot_CurrencyChanged()
     const QString currency = m_pSpinner->GetCurrency();
     m_pForm->LB_Currency->setText(currency);
     m_pForm->F_Currency->setVisible(!currency.trimmed().isEmpty());
+    m_pForm->NameAfter(this, *m_pSpinner);
 }
 
 // Cents, or the two highest digits.

@@ -8,8 +8,12 @@
 
 class CMoneySpinner;
 
-/// A row of labels that shows a CMoneySpinner. The frames and labels have object names and no style of their own: a
-/// style sheet of the brand gives it, by `QFrame#F_D1`, `QLabel#LB_D1` and so on.
+/// A row of labels that shows a CMoneySpinner, from left to right in every language. The widget, its frames and
+/// labels have object names and no style of their own: a style sheet of the brand gives it, by `#W_MoneySpinner`,
+/// `QFrame#F_D1`, `QLabel#LB_D1` and so on.
+///
+/// Its accessible name is the amount to which the digits run, with the currency: "$1,234.56". It changes once with
+/// each new amount, not with each step of a run.
 class PLUGININTERFACE_EXPORT CMoneySpinnerWidget : public QWidget
 {
     Q_OBJECT

@@ -109,6 +109,39 @@ private Q_SLOTS:
         QCOMPARE(labels(), "[  ]2:345:678[~][9][0]"_s);
         spinner.slot_SetMoneyType(GlobalDefines::MONEYTYPE_TOURN);
         QVERIFY(spinner.GetCurrency().isEmpty());
+        connect(&spinner, &CMoneySpinner::signal_C2Changed, &spinner, [&spinner] { spinner.SetValue(7654321); });
+        spinner.SetValue(1111111); // a slot sets another amount meanwhile
+        QCOMPARE(labels(), "[][0][:][0]76:543~21"_s);
+    }
+
+    void Styled()
+    {
+        QWidget window;
+        window.setLayoutDirection(Qt::RightToLeft); // in which digits run from left to right
+        window.setStyleSheet("#W_MoneySpinner { background: #ffff00; border: 2px solid #ff0000; }"_s);
+        CMoneySpinner spinner;
+        CMoneySpinnerWidget widget(&spinner, &window);
+        widget.resize(120, 30);
+        const QImage image = widget.grab().toImage();
+        QCOMPARE(image.pixelColor(60, 0).name() + image.pixelColor(60, 4).name(), "#ff0000#ffff00"_s);
+        QVERIFY(widget.findChild<QWidget *>("F_D5"_s)->x() < widget.findChild<QWidget *>("F_C2"_s)->x());
+    }
+
+    void AccessibleName()
+    {
+        CSettings::GetInstance()->SetSelectedLanguage(1);
+        CMoneySpinner spinner(500, GlobalDefines::MONEYTYPE_DOLLAR);
+        const CMoneySpinnerWidget widget(&spinner);
+        QCOMPARE(widget.accessibleName(), "$5"_s);
+        for (const QStringList &in : Rows("12345678|$123,456.78;1009|$10.09"_s)) { // up and down
+            spinner.slot_SetValue(in[0].toUInt());
+            QCOMPARE(widget.accessibleName(), in[1]); // while it still runs
+            QTRY_COMPARE(spinner.GetValue(), in[0].toUInt());
+            QCOMPARE(widget.accessibleName(), in[1]);
+        }
+        CSettings::GetInstance()->SetSelectedLanguage(2);
+        spinner.slot_SetMoneyType(GlobalDefines::MONEYTYPE_TOURN);
+        QCOMPARE(widget.accessibleName(), "10~09"_s);
     }
 
     void Runs()
