@@ -120,8 +120,9 @@ private:
 /// this order: RegisterEvents(), Initialize(), Start(), CreateDesignerPages(), CreateView(); at the end CanClose()
 /// and Shutdown().
 ///
-/// A file whose code has run stays mapped until the process ends, as QPluginLoader sees to by itself: a setting or a
-/// model may hold a text whose letters lie in it.
+/// A file whose code has run stays mapped until the process ends, as QPluginLoader sees to by itself: a setting, a
+/// menu or a model may hold a text whose letters lie in it. A host that sets the loader's hints keeps
+/// QLibrary::PreventUnloadHint among them.
 class PLUGININTERFACE_EXPORT CPluginInterface : public CPluginInterfaceFunctions
 {
     Q_OBJECT

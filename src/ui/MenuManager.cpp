@@ -99,7 +99,6 @@ void CMenuManager::CreateStandardMenus()
 CMenu *CMenuManager::Register(const QString &id, CMenu *menu)
 {
     connect(menu, &QObject::destroyed, this, &CMenuManager::slot_MenuDestroyed);
-    // A copy of the letters, as a plugin's literal goes with its file.
-    m_hMenus.insert(QString(id.constData(), id.size()), menu);
+    m_hMenus.insert(id, menu);
     return menu;
 }
