@@ -4,8 +4,8 @@
 
 /// What the lobby tells the plugins of this client when the user is given a seat.
 ///
-/// `targetID` is the place, `data` the table as LobbyProtocol::EncodeTable() has it, and `widget` the lobby, which
-/// whatever is opened may stand beside. No game server can send one: a packet has no widget.
+/// `targetID` is the place, `data` the table, a LobbyProtocol::STable in the form of Payload.h, and `widget` the
+/// lobby, which whatever is opened may stand beside. No game server can send one: a packet has no widget.
 namespace SeatEvent {
 
 inline constexpr char GROUP[] = "SEAT";

@@ -33,8 +33,8 @@ public:
     /// Tells apart whose the link has been: another number behind each login, refusal and logout.
     int GetLoginCount() const { return m_iLogins; }
 
-    /// The user's place at a table; 0 for none. Seats are given back with LEAVE, and at the end of the user's time on
-    /// this link.
+    /// The user's place at a table; 0 for none. Seats are given back with TableProtocol::SLeave, and at the end of
+    /// the user's time on this link.
     quint16 GetPlace(quint32 tableID) const { return m_places.value(tableID); }
     void SetPlace(quint32 tableID, quint16 place) { m_places.insert(tableID, place); }
 

@@ -49,9 +49,6 @@ public:
 
     /// Exit code for the process: 0 if every step happened.
     int Run();
-    /// Instead: the client under 1000 events a second, with a login each ten seconds. Prints each minute what there
-    /// is of it; 1 if that is more than after the first minute.
-    int Soak(int minutes);
 
     /// Makes an installation in \a folder that shares all but what changes at run time with the one that the process
     /// runs in, and has none of that yet. Its web server is on \a webPort.

@@ -10,12 +10,6 @@
 
 #include <algorithm>
 
-namespace {
-
-const QString TABLE_KEY = QStringLiteral("lobby");
-
-} // namespace
-
 CLobbyTables::CLobbyTables(CTableListModel *model, QObject *parent)
     : QSortFilterProxyModel(parent)
     , m_pModel(model)

@@ -25,6 +25,8 @@ class CLobbyTables : public QSortFilterProxyModel
     Q_PROPERTY(int chosenRow READ GetChosenRow WRITE SetChosenRow NOTIFY signal_ChosenRowChanged)
 
 public:
+    /// Under which TableView keeps the order and the widths of the columns.
+    static inline const QString TABLE_KEY = QStringLiteral("lobby");
     static constexpr int ANY_TYPE = 0;
     /// The types to choose from, each behind the key of its text.
     static constexpr std::pair<const char *, int> TYPES[] = {{"LOBBY_ALL", ANY_TYPE},

@@ -24,7 +24,6 @@ namespace {
 
 constexpr int NO_COLUMN = -1;
 constexpr int MINIMUM_ROWS = 8;
-const QString TABLE_KEY = QStringLiteral("lobby");
 
 } // namespace
 
@@ -159,7 +158,7 @@ void CLobbyView::FitColumns(const QList<double> &widths, int dragged)
 void CLobbyView::FitStoredColumns()
 {
     if (!m_bFitting)
-        FitColumns(TableView::Load(TABLE_KEY), NO_COLUMN);
+        FitColumns(TableView::Load(CLobbyTables::TABLE_KEY), NO_COLUMN);
 }
 
 // A drag takes from the next column what that can spare.
@@ -172,7 +171,7 @@ void CLobbyView::OnColumnResized(int column)
         widths.append(m_pTable->columnWidth(i));
     FitColumns(widths, column);
     const QScopedValueRollback<bool> storing(m_bFitting, true);
-    TableView::Store(TABLE_KEY, m_shownWidths);
+    TableView::Store(CLobbyTables::TABLE_KEY, m_shownWidths);
 }
 
 bool CLobbyView::eventFilter(QObject *object, QEvent *event)
