@@ -17,6 +17,21 @@ void Complain(const QString &text)
     Note(text, CConsole::MC_Plugin, CConsole::ML_Error);
 }
 
+// A file that has several names, as liba.so is often a link to liba.so.1, is one library.
+const QFileInfoList FindLibraries(const QString &directory)
+{
+    QFileInfoList libraries;
+    QSet<QString> paths;
+    const QFileInfoList files = QDir(directory).entryInfoList(QDir::Files, QDir::Name);
+    for (const QFileInfo &file : files) {
+        if (!QLibrary::isLibrary(file.fileName()) || paths.contains(file.canonicalFilePath()))
+            continue;
+        paths.insert(file.canonicalFilePath());
+        libraries.append(file);
+    }
+    return libraries;
+}
+
 } // namespace
 
 CPluginManager::~CPluginManager()
@@ -28,9 +43,8 @@ CPluginManager::~CPluginManager()
 void CPluginManager::Load(const QString &directory)
 {
     QVector<CPluginInterface *> found;
-    const QFileInfoList files = QDir(directory).entryInfoList(QDir::Files, QDir::Name);
-    for (const QFileInfo &file : files) {
-        CPluginInterface *plugin = QLibrary::isLibrary(file.fileName()) ? LoadFile(file.absoluteFilePath()) : nullptr;
+    for (const QFileInfo &file : FindLibraries(directory)) {
+        CPluginInterface *plugin = LoadFile(file.absoluteFilePath());
         const auto hasItsName = [=](const auto *other) { return other->GetName() == plugin->GetName(); };
         if (plugin && std::any_of(found.begin(), found.end(), hasItsName)) {
             Complain(QStringLiteral("%1: there is a plugin \"%2\" already").arg(file.fileName(), plugin->GetName()));
@@ -96,8 +110,10 @@ CPluginInterface *CPluginManager::LoadFile(const QString &file)
                      .arg(file, interface, QLatin1String(CPluginInterface_iid)));
     else if (!(plugin = qobject_cast<CPluginInterface *>(loader->instance())))
         Complain(QStringLiteral("%1 can't be loaded: %2").arg(file, loader->errorString()));
-    else
+    else if (!m_loaders.contains(plugin))
         m_loaders.insert(plugin, loader.release());
+    else // by a hard link, of which only the file system knows; to unload it would delete the plugin
+        plugin = nullptr;
     return plugin;
 }
 

@@ -20,7 +20,8 @@ public:
     ~CPluginManager() override;
 
     /// Loads every shared object of \a directory that was built against this interface version; of others no code
-    /// runs. Called once.
+    /// runs. One that has several names there is loaded once, and of several plugins of one name, which may be
+    /// copies, the first one stays. Called once.
     void Load(const QString &directory);
     /// Drops a plugin, and those that depend on it; each is announced before it goes.
     void Drop(CPluginInterface *plugin, const QString &reason);

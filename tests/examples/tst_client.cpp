@@ -13,6 +13,8 @@
 #include <QListWidget>
 #include <QtTest>
 
+#include <unistd.h>
+
 #include <list>
 #include <memory>
 #include <numeric>
@@ -131,6 +133,30 @@ private Q_SLOTS:
         QCOMPARE(manager.GetPlugins().size(), 1);
         QVERIFY(!QFile::exists(directory.filePath(QStringLiteral("plugin-code-ran"))));
         QVERIFY(IsInMessage(0, "a_wrong.so is built for") && IsInMessage(1, "z_broken.so is no plugin"));
+    }
+
+    void PluginIsLoadedOnce_data()
+    {
+        QTest::addColumn<int>("messages");
+        QTest::newRow("link") << 0;
+        QTest::newRow("hard link") << 0;
+        QTest::newRow("copy") << 1;
+    }
+
+    void PluginIsLoadedOnce()
+    {
+        const QByteArray other(QTest::currentDataTag());
+        QTemporaryDir directory;
+        const QString file = directory.filePath(QStringLiteral("lobby.so.1"));
+        const QString name = directory.filePath(QStringLiteral("lobby.so"));
+        QVERIFY(QFile::copy(QStringLiteral(PLUGIN_PATH), file));
+        QVERIFY(other == "link"   ? QFile::link(file, name)
+                : other == "copy" ? QFile::copy(file, name)
+                                  : link(QFile::encodeName(file), QFile::encodeName(name)) == 0);
+        CPluginManager manager;
+        manager.Load(directory.path());
+        QCOMPARE(manager.GetPlugins().size(), 1);
+        QTEST(CConsole::GetMessages().size(), "messages");
     }
 
     void OptionsAreAppliedWhenAsked()
