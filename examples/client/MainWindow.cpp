@@ -3,12 +3,12 @@
 #include "ChoiceMenu.h"
 #include "ConsoleWindow.h"
 #include "LoginDialog.h"
+#include "NewFile.h"
 #include "OptionsDialog.h"
 #include "OptionsPages.h"
 #include "StatusBar.h"
 
 #include <common/FormField.h>
-#include <files/FileHelpers.h>
 #include <models/UserInfo.h>
 #include <network/Download.h>
 #include <settings/Config.h>
@@ -19,7 +19,6 @@
 
 #include <QCloseEvent>
 #include <QDir>
-#include <QFileInfo>
 #include <QLabel>
 #include <QStandardPaths>
 #include <QStatusBar>
@@ -154,10 +153,9 @@ void CMainWindow::DownloadRules(QAction *entry)
     auto *download = new CDownload(this, CConfig::GetInstance()->GetLinkGamerulesGeneral(), QByteArray(), false);
     connect(download, &CDownload::signal_Finished, this,
             [this, download, entry](bool status, const QByteArray &rules) {
-                const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
-                const QString file = folder.filePath(QFileInfo(download->GetName()).fileName());
-                const bool isSaved = status && Globals::WriteToFile(file, rules, -1, -1);
-                ShowMessage(Texts::MakeItem(isSaved ? "RULES_SAVED" : "RULES_FAILED",
+                const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+                const QString file = status ? WriteNewFile(folder, download->GetName(), rules) : QString();
+                ShowMessage(Texts::MakeItem(file.isEmpty() ? "RULES_FAILED" : "RULES_SAVED",
                                             {{"#file#", QDir::toNativeSeparators(file)}}),
                             0);
                 entry->setEnabled(true);

@@ -12,6 +12,7 @@
 #include <QProgressBar>
 #include <QSet>
 #include <QStandardPaths>
+#include <QStatusBar>
 #include <QTableView>
 #include <QToolButton>
 #include <QtTest>
@@ -66,13 +67,15 @@ QStringList PressTabs(QWidget &window)
 
 void CTour::ShowTransfers()
 {
-    const QString file =
-        QStandardPaths::writableLocation(QStandardPaths::DownloadLocation) + QLatin1String("/rules.html");
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
+    const QString file = folder.filePath(QStringLiteral("rules.html"));
+    const QString second = folder.filePath(QStringLiteral("rules (1).html"));
     const auto seeText = [this](const char *words) {
         const auto *text = Find<QLabel>("transferText");
         return text->isVisible() && text->text().contains(QLatin1String(words)) ? text->text() : QString();
     };
-    QFile::remove(file); // of an earlier tour
+    for (const QString &name : {file, second}) // of an earlier tour
+        QFile::remove(name);
     Step(
         QStringLiteral("A download tells how far and how fast it is"), [this] { Trigger(Find<QAction>("rules")); },
         [&] { return Find<QProgressBar>("transferBar")->value() > 0 ? seeText("rules.html") : QString(); });
@@ -86,8 +89,17 @@ void CTour::ShowTransfers()
             return isOver && !QFile::exists(file) ? QStringLiteral("no file") : QString();
         });
     Step(
-        QStringLiteral("Another time it comes to its end"), [this] { Trigger(Find<QAction>("rules")); },
-        [&] { return QFile(file).size() == RULES_BYTES ? QStringLiteral("%1 bytes").arg(RULES_BYTES) : QString(); });
+        QStringLiteral("Another time it comes to its end, beside a file of the user's own"),
+        [&] {
+            folder.mkpath(QStringLiteral("."));
+            QFile::link(QStringLiteral("nowhere"), file);
+            Trigger(Find<QAction>("rules"));
+        },
+        [&] {
+            const bool isSeen = QFile(second).size() == RULES_BYTES && QFileInfo(file).isSymLink() &&
+                                m_window.statusBar()->currentMessage().contains(second);
+            return isSeen ? m_window.statusBar()->currentMessage() : QString();
+        });
 }
 
 void CTour::MakeRules() const

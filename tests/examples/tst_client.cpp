@@ -1,8 +1,10 @@
 // The example client without its window: the bus, the loading of plugins and the link to the game server.
 
 #include <client/Host.h>
+#include <client/NewFile.h>
 #include <client/OptionsDialog.h>
 #include <client/OptionsPages.h>
+#include <files/FileHelpers.h>
 #include <tour/TourServers.h>
 
 #include <support/Singletons.h>
@@ -157,6 +159,32 @@ private Q_SLOTS:
         manager.Load(directory.path());
         QCOMPARE(manager.GetPlugins().size(), 1);
         QTEST(CConsole::GetMessages().size(), "messages");
+    }
+
+    void NewFilesSpareOthers_data()
+    {
+        QTest::addColumn<QString>("file");
+        const auto row = [](const char *name, const char *file) { QTest::newRow(name) << QString::fromUtf8(file); };
+        row("rules.html", "rules (3).html"); // beside a file, a folder, and a link that leads nowhere
+        row("..", "download");
+        row("..\\.a\nb|.exe", "ab.exe");
+    }
+
+    void NewFilesSpareOthers()
+    {
+        QTemporaryDir parent;
+        const QDir folder(parent.filePath(QStringLiteral("made/by/it")));
+        QVERIFY(!WriteNewFile(folder.path(), QStringLiteral("rules.html"), "own").isEmpty());
+        QVERIFY(folder.mkdir(QStringLiteral("rules (1).html")));
+        QVERIFY(QFile::link(QStringLiteral("nowhere"), folder.filePath(QStringLiteral("rules (2).html"))));
+        const QString file = WriteNewFile(folder.path(), QString::fromUtf8(QTest::currentDataTag()), "new");
+        QTEST(folder.relativeFilePath(file), "file");
+        QByteArray contents;
+        QVERIFY(Globals::GetContents(file, contents) && contents == "new");
+        QVERIFY(Globals::GetContents(folder.filePath(QStringLiteral("rules.html")), contents) && contents == "own");
+        const QString longName = QString(300, QChar(0x20AC)) + QLatin1String(".html");
+        for (const QString &expected : {QStringLiteral("\u20AC.html"), QStringLiteral("\u20AC (1).html")})
+            QVERIFY(WriteNewFile(folder.path(), longName, "new").endsWith(expected));
     }
 
     void OptionsAreAppliedWhenAsked()
