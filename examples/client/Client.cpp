@@ -43,6 +43,12 @@ void PrintMessage(const CConsole::SConsoleMessage &message)
     QTextStream(stderr) << message.dtTimestamp.toString(Qt::ISODateWithMs) << ' ' << message.strMessage << '\n';
 }
 
+void OpenPage(const QUrl &page)
+{
+    if (!QDesktopServices::openUrl(page))
+        Note(QStringLiteral("The desktop has no program for %1").arg(page.toString()), CConsole::MC_General);
+}
+
 // Each with its file, and what it is missed by: the key of a text, and plain English where there are no texts. The
 // configuration is first, so that the settings find it.
 const QVector<std::tuple<CLocalDB *, QString, const char *, const char *>> GetDatabases()
@@ -138,7 +144,7 @@ CClient::CClient(const QString &server, quint16 port)
     : m_host(server, port)
     , m_window(m_host)
 {
-    QObject::connect(&m_host, &CHost::signal_PageRequested, &QDesktopServices::openUrl);
+    QObject::connect(&m_host, &CHost::signal_PageRequested, &OpenPage);
     Look::Follow(&m_window);
     m_host.StartPlugins(Pathes::Plugins());
     m_window.CreateViews();

@@ -1,5 +1,7 @@
 #include "Host.h"
 
+#include "WebPages.h"
+
 #include <common/Note.h>
 #include <common/Texts.h>
 #include <models/UserInfo.h>
@@ -10,6 +12,8 @@
 #include <algorithm>
 
 namespace {
+
+constexpr int MAX_NOTED_LENGTH = 200; // of what a plugin has sent
 
 bool IsHostGroup(const CEvent &event)
 {
@@ -99,8 +103,7 @@ void CHost::OnSendEvent(CEvent e)
     if (e.HasTags("P2ME", "LGND"))
         OpenLoginDialog();
     else if (e.HasTags("P2ME", "RQCI"))
-        Note(QStringLiteral("There is no cashier: the balances are those that the login has brought"),
-             CConsole::MC_Network, CConsole::ML_Info);
+        RequestBalances();
     else if (e.HasTags("P2ME", "RSHD"))
         Q_EMIT signal_ShutDownRequested();
     else if (e.HasTags("P2ME", "RSRV"))
@@ -186,20 +189,33 @@ void CHost::SendToServer(const QByteArray &packet)
              CConsole::MC_Network);
 }
 
+void CHost::RequestBalances()
+{
+    if (!m_session.RequestBalances())
+        Note(QStringLiteral(
+                 "A plugin's request for the balances isn't sent: nobody is logged in, or there is no link"),
+             CConsole::MC_Network);
+}
+
 void CHost::OpenLinkID(const QByteArray &data)
 {
     const qint32 id = data.size() < int(sizeof(qint32)) ? 0 : qFromLittleEndian<qint32>(data.constData());
-    Note(QStringLiteral("Page %1 has no address").arg(id), CConsole::MC_General);
+    const QString address = WebPages::GetAddress(static_cast<WebLinks::id>(id));
+    if (address.isEmpty())
+        Note(QStringLiteral("Page %1 has no address").arg(id), CConsole::MC_General);
+    else
+        OpenAddress(address);
 }
 
 void CHost::OpenAddress(const QString &address)
 {
     const QUrl url(address, QUrl::StrictMode);
+    const bool isWeb = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
     // A plugin may have its address from a server; nothing but a web page is opened.
-    if (url.isValid() && (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https")))
+    if (isWeb && url.isValid() && !url.host().isEmpty())
         Q_EMIT signal_PageRequested(url);
     else
-        Note(QStringLiteral("No web page: %1").arg(address), CConsole::MC_General);
+        Note(QStringLiteral("No web page: %1").arg(address.left(MAX_NOTED_LENGTH)), CConsole::MC_General);
 }
 
 // The plugins of this client pass a page's address first and its query second; the second one leads in the payload.

@@ -10,8 +10,8 @@
 #include <QUrl>
 
 /// The host's side of the bus: loads the plugins, keeps the link to the game server, the user's session on it and the
-/// user's data in step with the web server, and serves what plugins ask for. No page has an address of its own, and
-/// there is no link to a web server for plugins: requests for those are noted in the console.
+/// user's data in step with the web server, and serves what plugins ask for. There is no link to a web server for
+/// plugins: packets for it, and all else that can't be served, are noted in the console.
 class CHost : public QObject
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ Q_SIGNALS:
     void signal_LoginRequested();
     /// A plugin wants the client to end.
     void signal_ShutDownRequested();
-    /// A plugin wants a page to be shown; always http or https.
+    /// A plugin wants a page to be shown; always http or https, with a host.
     void signal_PageRequested(const QUrl &url);
     /// An event crosses the bus: \a sender has sent it, or, without one, it is about to be delivered to plugins.
     void signal_EventPassed(const CEvent &event, const CPluginInterface *sender);
@@ -57,6 +57,7 @@ private:
     // What plugins ask for under "P2ME".
     void OpenLoginDialog();
     void SendToServer(const QByteArray &packet);
+    void RequestBalances();
     void OpenLinkID(const QByteArray &data);
     void OpenAddress(const QString &address);
     void OpenAddressWithQuery(const QByteArray &data);

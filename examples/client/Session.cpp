@@ -71,6 +71,11 @@ void CSession::LogOut()
     EndLogin();
 }
 
+bool CSession::RequestBalances() const
+{
+    return CUserInfo::GetInstance()->IsLoggedIn() && Send(AccountProtocol::GET_BALANCES);
+}
+
 bool CSession::Send(const QByteArray &record) const
 {
     return m_send(Payload::ToPackets(AccountProtocol::GROUP, {record}));
@@ -102,6 +107,8 @@ bool CSession::HandleRecord(const CEvent &record)
         OnAccepted(account);
     else if (Payload::Decode(record.data, refusal))
         OnRefused(refusal);
+    else if (Payload::Decode(record.data, account, BALANCES))
+        OnBalances(account);
     else if (Payload::Decode(record.data, time))
         CCasinoTime::GetInstance()->SetTimeUTCServer(time.uiSeconds);
     else if (Payload::Decode(record.data, jackpot))
@@ -132,6 +139,16 @@ void CSession::OnRefused(const AccountProtocol::SRefusal &refusal)
 {
     if (TakeAnswerTo(refusal.strNickname))
         Refuse(REFUSAL_KEYS.value(refusal.eReason, "LOGIN_REFUSED"));
+}
+
+// Whoever has asked may have logged out since.
+void CSession::OnBalances(const AccountProtocol::SAccount &account)
+{
+    if (CUserInfo::GetInstance()->IsLoggedIn() && CUserInfo::GetInstance()->GetNickname() == account.strNickname)
+        SetMoney(account);
+    else
+        Note(QStringLiteral("The game server told the balances of %1, who isn't logged in").arg(account.strNickname),
+             CConsole::MC_Network);
 }
 
 void CSession::Ask(const QString &nickname, const QString &hash)

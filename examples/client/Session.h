@@ -13,7 +13,8 @@
 /// CCasinoInfo as the server says.
 ///
 /// Who is logged in stays so while the link is away, and is logged in anew, with the hash that CUserInfo holds, when
-/// it comes back. Answers that nobody waits for change nothing and are noted in the console.
+/// it comes back. Answers to logins that nobody waits for, and balances of somebody else, change nothing and are
+/// noted in the console.
 class CSession : public QObject
 {
     Q_OBJECT
@@ -32,6 +33,10 @@ public:
     void LogIn(const QString &nickname, const QString &hash);
     void LogOut();
 
+    /// Asks for the user's balances anew; CUserInfo has them when the server has answered. False if nobody is logged
+    /// in or there is no link.
+    bool RequestBalances() const;
+
     /// Sends a record of the session's group, false if it can't be sent.
     bool Send(const QByteArray &record) const;
 
@@ -49,6 +54,7 @@ Q_SIGNALS:
 
 private:
     void OnAccepted(const AccountProtocol::SAccount &account);
+    static void OnBalances(const AccountProtocol::SAccount &account);
     void OnRefused(const AccountProtocol::SRefusal &refusal);
     void Ask(const QString &nickname, const QString &hash);
     void Refuse(const char *key);

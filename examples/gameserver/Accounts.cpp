@@ -66,15 +66,29 @@ std::optional<AccountProtocol::ERefusal> CAccounts::LogIn(const SLogin &login, S
 {
     if (!AccountProtocol::IsNickname(login.strNickname))
         return AccountProtocol::RF_BAD_NICKNAME;
-    const auto entry = m_entries.constFind(login.strNickname.toLower());
-    const bool known = entry != m_entries.constEnd();
-    if (!known && !m_newcomer)
+    const std::optional<SEntry> found = Find(login.strNickname);
+    if (!found)
         return AccountProtocol::RF_NO_ACCOUNT;
-    const SEntry &found = known ? *entry : *m_newcomer;
-    if (login.strHash != found.strHash)
+    if (login.strHash != found->strHash)
         return AccountProtocol::RF_WRONG_PASSWORD;
-    account = found.account;
-    if (!known)
-        account.strNickname = login.strNickname;
+    account = found->account;
     return std::nullopt;
+}
+
+SAccount CAccounts::GetAccount(const QString &nickname) const
+{
+    const std::optional<SEntry> found = Find(nickname);
+    return found ? found->account : SAccount();
+}
+
+// A newcomer's is made for the nickname.
+std::optional<CAccounts::SEntry> CAccounts::Find(const QString &nickname) const
+{
+    const auto known = m_entries.constFind(nickname.toLower());
+    if (known != m_entries.constEnd())
+        return *known;
+    std::optional<SEntry> entry = m_newcomer;
+    if (entry)
+        entry->account.strNickname = nickname;
+    return entry;
 }

@@ -20,6 +20,8 @@ public:
     /// Why there is no account for this login; nothing, with the \a account, if there is one.
     std::optional<AccountProtocol::ERefusal> LogIn(const AccountProtocol::SLogin &login,
                                                    AccountProtocol::SAccount &account) const;
+    /// The account of who has logged in under this nickname.
+    AccountProtocol::SAccount GetAccount(const QString &nickname) const;
 
 private:
     struct SEntry
@@ -29,6 +31,7 @@ private:
     };
 
     QString AddEntry(const SEntry &entry);
+    std::optional<SEntry> Find(const QString &nickname) const;
 
     QHash<QString, SEntry> m_entries; // by nickname, in lower case: users are told apart without regard to case
     std::optional<SEntry> m_newcomer;

@@ -136,6 +136,8 @@ QString CClientLink::HandleAccountRecord(const QByteArray &payload)
         Q_EMIT signal_LoginRequested(login);
     else if (payload == AccountProtocol::LOGOUT)
         SetUser(QString());
+    else if (payload == AccountProtocol::GET_BALANCES)
+        Q_EMIT signal_BalancesRequested();
     else if (Payload::Decode(payload, request) &&
              (request.ucLink == WebLinks::SettingsSyncFetch || request.ucLink == WebLinks::SettingsSyncSend))
         Q_EMIT signal_WebSessionRequested(request);

@@ -46,6 +46,7 @@ Q_SIGNALS:
     void signal_LineSaid(const TableProtocol::SLine &line);
     /// To be answered at once.
     void signal_LoginRequested(const AccountProtocol::SLogin &login);
+    void signal_BalancesRequested();
     void signal_WebSessionRequested(const AccountProtocol::SWebRequest &request);
     /// The link is of no use any more and deletes itself at the next turn of the event loop.
     void signal_Ended();

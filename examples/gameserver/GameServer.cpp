@@ -101,6 +101,7 @@ void CGameServer::AddClient(QTcpSocket *socket)
             [this, client](const TableProtocol::SLine &line) { PassOn(client, line); });
     connect(client, &CClientLink::signal_LoginRequested, this,
             [this, client](const AccountProtocol::SLogin &login) { LogIn(client, login); });
+    connect(client, &CClientLink::signal_BalancesRequested, this, [this, client] { GiveBalances(client); });
     connect(client, &CClientLink::signal_WebSessionRequested, this,
             [this, client](const AccountProtocol::SWebRequest &request) { GiveWebSession(client, request); });
     connect(client, &CClientLink::signal_Ended, this, [this, client] { m_clients.removeOne(client); });
@@ -124,6 +125,14 @@ void CGameServer::LogIn(CClientLink *client, const AccountProtocol::SLogin &logi
         client->Refuse({login.strNickname, *refusal});
     else
         client->Accept(account);
+}
+
+void CGameServer::GiveBalances(CClientLink *client) const
+{
+    if (client->GetNickname().isEmpty())
+        return;
+    const AccountProtocol::SAccount account = m_accounts.GetAccount(client->GetNickname());
+    client->Send(Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(account, AccountProtocol::BALANCES)}));
 }
 
 void CGameServer::SetWebServer(const QString &address, const QString &key)

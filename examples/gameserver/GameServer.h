@@ -42,6 +42,7 @@ private:
     void AddClient(QTcpSocket *socket);
     void SendList(CClientLink *client) const;
     void LogIn(CClientLink *client, const AccountProtocol::SLogin &login) const;
+    void GiveBalances(CClientLink *client) const;
     void GiveWebSession(CClientLink *client, const AccountProtocol::SWebRequest &request);
     LobbyProtocol::STable *FindTable(quint32 tableID);
     void GiveSeat(CClientLink *client, quint32 tableID);

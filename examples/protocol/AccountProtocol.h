@@ -14,13 +14,16 @@
 /// then on the link is the user's, until LOGOUT, another SLogin, or its end. The server sends STime unasked: as the
 /// first packet of a link, and every now and then. Whoever has asked for the list of tables gets a SJackpot each time
 /// that it has grown. For a web page that wants to know its user, the client asks with SWebRequest, and the server
-/// answers with SWebSession once it has asked the web server.
+/// answers with SWebSession once it has asked the web server. GET_BALANCES is answered with the balances of the user
+/// whose link it is, or not at all if that is nobody's.
 ///
 /// The records are those below, in the form of Payload.h.
 namespace AccountProtocol {
 
 inline constexpr char GROUP[] = "ACCT";
-inline constexpr char LOGOUT[] = "LGOT"; // no fields: the tag is the whole payload
+inline constexpr char LOGOUT[] = "LGOT";       // no fields: the tag is the whole payload
+inline constexpr char GET_BALANCES[] = "BALQ"; // no fields either
+inline constexpr char BALANCES[] = "BALS";     // one SAccount
 inline constexpr char TIME_GROUP[] = "TIME";
 inline constexpr char CASINO_GROUP[] = "CASI";
 

@@ -8,6 +8,7 @@
 #include <files/Pathes.h>
 
 #include <QAbstractItemModel>
+#include <QDesktopServices>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
@@ -214,6 +215,13 @@ void CTour::ShowStart()
     });
     Step(QStringLiteral("The operator's configuration is in force"), nothing,
          [this] { return CConfigDB::GetInstance()->IsOpen() ? m_window.windowTitle() : QString(); });
+    Step(
+        QStringLiteral("A plugin asks for a page of the operator's, which the browser gets"),
+        [this] {
+            QDesktopServices::setUrlHandler(QStringLiteral("https"), qApp, "OpenPage");
+            m_host.GetPluginManager().GetPlugins().constFirst()->OpenWebPage(WebLinks::Faq, false);
+        },
+        [] { return CWatchedApplication::Get()->GetPage().toString(); });
     Step(QStringLiteral("The installation brings its languages"), nothing, [] { return SeeLanguages(); });
     ChooseLanguage(QStringLiteral("English"), {});
     Step(QStringLiteral("Another program reads the user's new databases"), nothing,

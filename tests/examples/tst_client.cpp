@@ -281,10 +281,21 @@ private Q_SLOTS:
 
         QString pages;
         connect(&host, &CHost::signal_PageRequested, this, [&](const QUrl &url) { pages += url.toString() + u' '; });
-        for (const char *address : {"https://room.example/news", "file:///etc/hostname", "javascript:alert(1)", "%%"})
+        for (const char *address : {"https://room.example/news", "file:///etc/hostname", "javascript:alert(1)", "%%",
+                                    "http://", "https:news", "http://:80/", "HTTP://room.example"})
             plugin.OpenWebPage(QLatin1String(address), false);
         plugin.OpenWebPage(QStringLiteral("http://room.example/"), QStringLiteral("id=7"), false);
-        QCOMPARE(pages, QStringLiteral("https://room.example/news http://room.example/?id=7 "));
+        QCOMPARE(pages, QStringLiteral("https://room.example/news http://room.example http://room.example/?id=7 "));
+        CConfig::GetInstance()->SetConfigs(
+            {{QStringLiteral("link_cashier"), QStringLiteral("https://room.example/cash")},
+             {QStringLiteral("link_website"), QStringLiteral("file:///etc/hostname")},
+             {QStringLiteral("link_settingssync"), QStringLiteral("http://room.example/sync")}});
+        pages.clear();
+        CConsole::Clear();
+        for (const int id : {18, 1, 19, 38, -1}) // one with an address, and others with a bad one or none
+            plugin.OpenWebPage(WebLinks::id(id), false);
+        QCOMPARE(pages, QStringLiteral("https://room.example/cash "));
+        QCOMPARE(CConsole::GetMessages().size(), 4);
     }
 
     void LinkCarriesPacketsBothWays()
@@ -304,6 +315,12 @@ private Q_SLOTS:
         plugin.SendToServer("LOBB", 1, 2, "GLST", 4, false);
         QByteArray sent;
         QTRY_COMPARE(sent += socket->readAll(), Packet("LOBB", "GLST"));
+        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Magnolia"));
+        plugin.RequestCashierInformation();
+        const QByteArray request = Payload::ToPackets(AccountProtocol::GROUP, {AccountProtocol::GET_BALANCES});
+        sent.clear();
+        QTRY_COMPARE(sent += socket->readAll(), request);
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
 
         // The host's own group in a packet of the server reaches nobody: it would be taken for the host's word.
         socket->write(Packet("M2PE", "LGNFyou are out") + Packet("ACCT", "LGOK") + Packet("LOBB", "TBLEbody"));

@@ -140,6 +140,13 @@ private Q_SLOTS:
         const QByteArray noSeat = Payload::Encode(SSeatAnswer{1002, SR_NOT_LOGGED_IN, 0});
         QCOMPARE(client.ReadRecord() == noSeat, !accepted);
         QCOMPARE(client.ReadRecord(), noSeat);
+
+        const QByteArray balances = Payload::ToPackets(AccountProtocol::GROUP, {GET_BALANCES});
+        client.write(balances + Login(login.at(0), login.at(1)) + balances + seat); // of nobody's, there is no answer
+        QCOMPARE(client.ReadRecord(), answer);
+        if (accepted)
+            QCOMPARE(client.ReadRecord(), QByteArray(answer).replace(SAccount::TAG, BALANCES));
+        QVERIFY(client.ReadRecord().startsWith(SSeatAnswer::TAG));
     }
 
     void webSessions()

@@ -129,6 +129,24 @@ private Q_SLOTS:
         QCOMPARE(jackpots.value(0).value(0).toUInt(), 4294967295u);
     }
 
+    void balancesOfTheUser()
+    {
+        const CUserInfo *user = CUserInfo::GetInstance();
+        const auto balances = [](const QString &nickname) {
+            return Payload::Encode(SAccount{nickname, GlobalDefines::MONEYTYPE_DOLLAR, 600, 8}, BALANCES);
+        };
+        QVERIFY(!m_pSession->RequestBalances() && m_sent.isEmpty());
+        LogIn();
+        QVERIFY(m_pSession->RequestBalances());
+        Receive(balances(QStringLiteral("Robin")));
+        QVERIFY(user->GetRealMoney() == 500 && CConsole::GetMessages().size() == 1);
+        Receive(balances(user->GetNickname()));
+        QVERIFY(user->GetRealMoney() == 600 && user->GetPlayMoney() == 8 && user->GetLoginBalance() == 500);
+        m_pSession->LogOut();
+        Receive(balances(QStringLiteral("Magnolia")));
+        QCOMPARE(user->GetRealMoney(), 0u);
+    }
+
     void webSessions()
     {
         const CInstallationTree tree;

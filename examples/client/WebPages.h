@@ -1,0 +1,12 @@
+#pragma once
+
+#include <plugin/WebLinks.h>
+
+#include <QString>
+
+namespace WebPages {
+
+/// The address that the operator has configured for a page; empty if there is none, or no such page.
+QString GetAddress(WebLinks::id page);
+
+} // namespace WebPages
