@@ -17,6 +17,7 @@
 #include <models/PlayerLists.h>
 #include <models/PlayerTaggingModel.h>
 #include <models/UserInfo.h>
+#include <network/ApplicationProxy.h>
 #include <network/NetworkAccessManager.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
@@ -121,6 +122,10 @@ CClient::CShared::CShared()
     CTranslation::GetInstance();
     CCasinoTime::GetInstance();
     CCasinoInfo::GetInstance()->InitCasinoInfo();
+    Globals::SetApplicationProxy();
+    // Transfers go direct, so whoever asks for the proxy's password there is no proxy.
+    CNetworkAccessManager *manager = CNetworkAccessManager::GetInstance();
+    QObject::disconnect(manager, &QNetworkAccessManager::proxyAuthenticationRequired, manager, nullptr);
 }
 
 // When there is neither window nor plugin any more, and none before those that use it. The settings would take what

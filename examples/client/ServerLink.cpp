@@ -115,6 +115,11 @@ void CServerLink::Connect()
 {
     m_stream.Reset();
     m_socket.connectToHost(m_strServer, m_usPort);
+    // A proxy of a kind that carries no such links is refused without a change of the socket's state.
+    if (m_socket.state() == QAbstractSocket::UnconnectedState && !m_retryTimer.isActive()) {
+        Q_EMIT signal_Problem(GetAddress() + QLatin1String(": ") + m_socket.errorString());
+        OnSocketStateChanged(QAbstractSocket::UnconnectedState);
+    }
 }
 
 void CServerLink::SetState(EConnectionState::type state)

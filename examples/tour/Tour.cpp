@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QNetworkProxy>
 #include <QTableView>
 #include <QTextStream>
 #include <QtTest>
@@ -35,6 +36,9 @@ int Patience()
 {
     return std::max(1, qEnvironmentVariableIntValue("TOUR_PATIENCE"));
 }
+
+// Nobody is there: what goes to this machine itself has to go direct.
+const QString PROXY = QStringLiteral(R"({"host": "127.0.0.1", "port": 9, "type": "http", "user": "operator"})");
 
 // The front of a packet that says it has 300 bytes.
 const QByteArray HALF_PACKET("LOBB\x01\x00\x00\x00\x00\x2c\x01\x21\x01TB", 15);
@@ -167,8 +171,9 @@ void CTour::MakeInstallation(const QString &folder, quint16 webPort)
     QFile::remove(config);
     QFile::copy(Pathes::ConfigDB(), config);
     const QString change =
-        QStringLiteral("UPDATE tbl_config SET COV_cValue = replace(COV_cValue, ':17174/', ':%1/')");
-    QProcess::execute(QStringLiteral("sqlite3"), {config, change.arg(webPort)});
+        QStringLiteral("UPDATE tbl_config SET COV_cValue = replace(COV_cValue, ':17174/', ':%1/'); "
+                       "INSERT OR REPLACE INTO tbl_config (COV_cKey, COV_cValue) VALUES ('proxysettings', '%2')");
+    QProcess::execute(QStringLiteral("sqlite3"), {config, change.arg(webPort).arg(PROXY)});
 }
 
 void CTour::EnterInstallation(const QString &folder)
@@ -215,6 +220,10 @@ void CTour::ShowStart()
     });
     Step(QStringLiteral("The operator's configuration is in force"), nothing,
          [this] { return CConfigDB::GetInstance()->IsOpen() ? m_window.windowTitle() : QString(); });
+    Step(QStringLiteral("So is the operator's proxy"), nothing, [] {
+        const QNetworkProxy proxy = QNetworkProxy::applicationProxy();
+        return proxy.user() == QLatin1String("operator") ? proxy.hostName() : QString();
+    });
     Step(
         QStringLiteral("A plugin asks for a page of the operator's, which the browser gets"),
         [this] {

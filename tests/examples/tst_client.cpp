@@ -13,6 +13,7 @@
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QListWidget>
+#include <QNetworkProxy>
 #include <QtTest>
 
 #include <unistd.h>
@@ -329,6 +330,18 @@ private Q_SLOTS:
         QVERIFY(event.HasTags("LOBB", "TBLE") && event.moduleID == 1 && event.targetID == 2);
         QCOMPARE(event.data, QByteArray("TBLEbody"));
         QVERIFY(plugin.m_strLoginMessage.isEmpty());
+    }
+
+    void LinkSaysThatAProxyIsOfNoUse()
+    {
+        const QNetworkProxy before = QNetworkProxy::applicationProxy();
+        QNetworkProxy::setApplicationProxy({QNetworkProxy::FtpCachingProxy, QStringLiteral("127.0.0.1"), 9});
+        CServerLink link(QStringLiteral("room.example"), 1);
+        QSignalSpy problems(&link, &CServerLink::signal_Problem);
+        link.Open();
+        QTRY_VERIFY(problems.size() > 1);
+        QCOMPARE(link.GetState(), EConnectionState::Reconnecting);
+        QNetworkProxy::setApplicationProxy(before);
     }
 
     void LinkOutlivesBadServers_data()
