@@ -3,7 +3,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryFile>
 #include <QtTest/qtestsystem.h>
+
+#include <cerrno>
+#include <cstdio>
 
 namespace {
 
@@ -18,6 +22,30 @@ QFileInfoList ListEntries(const QString &directory)
                                          QDir::DirsFirst);
 }
 
+// QFile::rename() writes through a link that leads nowhere. To another disk it copies, and removes the source before
+// the last of the copy is written; the disk may be full.
+bool TryRename(const QString &first, const QString &second)
+{
+    const QFileInfo place(second);
+    if (place.isSymLink())
+        return false;
+#if defined(Q_OS_UNIX)
+    if (!place.exists() && QFile::exists(first)) {
+        const QByteArray from = QFile::encodeName(first);
+        const QByteArray to = QFile::encodeName(second);
+        if (std::rename(from.constData(), to.constData()) == 0)
+            return true;
+        if (errno != EXDEV || !QFile::copy(first, second))
+            return false;
+        if (QFile::remove(first))
+            return true;
+        QFile::remove(second);
+        return false;
+    }
+#endif
+    return QFile::rename(first, second);
+}
+
 bool TryAction(FileFunctions::FileAction action, const QString &first, const QString &second)
 {
     switch (action) {
@@ -28,7 +56,7 @@ bool TryAction(FileFunctions::FileAction action, const QString &first, const QSt
     case FileFunctions::FA_MakePath:
         return QDir(first).mkpath(first);
     case FileFunctions::FA_Rename:
-        return QFile::rename(first, second);
+        return TryRename(first, second);
     case FileFunctions::FA_Copy:
         return QFile::copy(first, second);
     }
@@ -65,10 +93,144 @@ bool IsFile(const QString &path)
     return info.exists() && !info.isDir();
 }
 
-// Whether something would be moved or copied into its own place, where removing the old file removes the new one too.
-bool IsSamePlace(const QString &from, const QString &to)
+template <typename TStep>
+bool Retry(const TStep &step)
 {
-    return QFileInfo(from) == QFileInfo(to);
+    for (int attempt = 1;; ++attempt) {
+        if (step())
+            return true;
+        if (attempt == MAX_ATTEMPTS)
+            return false;
+        QTest::qSleep(RETRY_WAIT_MS);
+    }
+}
+
+// The canonical path of what exists of a path, and the rest of it: where something that is made there will lie.
+QString ToCanonicalPath(const QString &path)
+{
+    const QString absolute = QDir::cleanPath(QDir().absoluteFilePath(path));
+    for (int end = absolute.size(); end > 0; end = absolute.lastIndexOf(QLatin1Char('/'), end - 1)) {
+        const QString existing = QFileInfo(absolute.left(end)).canonicalFilePath();
+        if (!existing.isEmpty())
+            return QDir::cleanPath(existing + absolute.midRef(end));
+    }
+    return absolute;
+}
+
+// A directory lies within itself.
+bool IsWithin(const QString &path, const QString &directory)
+{
+    QString outer = ToCanonicalPath(directory);
+    if (!outer.endsWith(QLatin1Char('/')))
+        outer += QLatin1Char('/');
+    return (ToCanonicalPath(path) + QLatin1Char('/')).startsWith(outer);
+}
+
+// Where a name stands: a link itself, not what it leads to.
+QString ToPlace(const QString &path)
+{
+    const QFileInfo info(path);
+    return QDir(QFileInfo(info.path()).canonicalFilePath()).filePath(info.fileName());
+}
+
+// Whether the file that is to be replaced is the one that should replace it.
+bool IsOwnPlace(const QString &from, const QString &to)
+{
+    const QString place = ToPlace(to);
+    return ToPlace(from) == place || QFileInfo(from).canonicalFilePath() == place;
+}
+
+// A path beside a file at which nothing lies; empty if nothing can be made or removed there.
+QString FindPathBeside(const QString &path)
+{
+    QTemporaryFile file(QFileInfo(path).path() + QLatin1String("/.XXXXXX.tmp"));
+    return file.open() ? file.fileName() : QString();
+}
+
+bool TryOverwrite(const QString &from, const QString &to)
+{
+#if defined(Q_OS_WIN) // renames nothing over a file
+    return (!QFile::exists(to) || QFile::remove(to)) && QFile::rename(from, to);
+#else
+    if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
+        return false;
+    QFile::remove(from); // two names of one file both stay
+    return true;
+#endif
+}
+
+enum class EPut {
+    Done,
+    NotRemoved, // what lies there
+    NotPlaced,
+};
+
+// Copies or renames a file. What lies in its place goes only for something that can take it, which waits beside it.
+EPut Put(FileFunctions::FileAction action, const QString &from, const QString &to)
+{
+    if (!QFile::exists(to) || IsOwnPlace(from, to)) // of which the second fails
+        return FileFunctions::DoAction(action, from, to) ? EPut::Done : EPut::NotPlaced;
+    QString beside;
+    const auto isReplaceable = [&] {
+        const QFileInfo old(to);
+        beside = old.isDir() && !old.isSymLink() ? QString() : FindPathBeside(to);
+        return !beside.isEmpty();
+    };
+    if (!Retry(isReplaceable))
+        return EPut::NotRemoved;
+    if (!FileFunctions::DoAction(action, from, beside))
+        return EPut::NotPlaced;
+    if (Retry([&] { return TryOverwrite(beside, to); }))
+        return EPut::Done;
+    if (action == FileFunctions::FA_Rename)
+        FileFunctions::DoAction(FileFunctions::FA_Rename, beside, from);
+    else
+        QFile::remove(beside);
+    return EPut::NotRemoved;
+}
+
+QString RenameError(const QString &from, const QString &to)
+{
+    return QLatin1String("move: failed to rename: ") + from + QLatin1String(" to ") + to;
+}
+
+// Whether nothing of a tree would come to lie within the tree itself, with which it would be removed.
+bool IsMovedOut(const QString &source, const QString &target, QString &error)
+{
+    if (!QFileInfo(source).isDir())
+        return true; // there is nothing to move
+    if (IsWithin(target, source)) {
+        error = RenameError(source, target);
+        return false;
+    }
+    QString passed;
+    const QStringList paths = FileFunctions::GetFilePaths(source);
+    for (const QString &path : paths) {
+        const QString destination = QString(path).replace(source, target);
+        const QString directory = QFileInfo(destination).absolutePath();
+        if (directory != passed && IsWithin(directory, source)) {
+            error = RenameError(path, destination);
+            return false;
+        }
+        passed = directory;
+    }
+    return true;
+}
+
+// "link/" and "link/." are what the link leads to.
+QString WithoutTail(QString path)
+{
+    while (path.size() > 1 && (path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1String("/."))))
+        path.chop(1);
+    return path;
+}
+
+// Behind a link, ".." leads elsewhere than in the absolute path.
+QString ToAbsolutePath(const QString &path)
+{
+    QString absolute = QDir::cleanPath(QDir().absoluteFilePath(path));
+    QString canonical = QFileInfo(path).canonicalFilePath();
+    return QFileInfo(absolute).canonicalFilePath() == canonical ? absolute : canonical;
 }
 
 bool RemoveFile(const QString &path, QString &error)
@@ -91,13 +253,7 @@ bool IsReplaceable(const QString &path)
 
 bool FileFunctions::DoAction(FileAction action, QString first, QString second)
 {
-    for (int attempt = 1;; ++attempt) {
-        if (TryAction(action, first, second))
-            return true;
-        if (attempt == MAX_ATTEMPTS)
-            return false;
-        QTest::qSleep(RETRY_WAIT_MS);
-    }
+    return Retry([&] { return TryAction(action, first, second); });
 }
 
 QStringList FileFunctions::GetFilePaths(const QString &path)
@@ -141,32 +297,27 @@ bool FileFunctions::CopyDir(const QString &from, const QString &to, QString &err
     const QString source = QDir::cleanPath(from);
     const QString target = QDir::cleanPath(to);
 
-    const auto copyError = [move](const QString &path, const QString &destination) {
-        return (move ? QLatin1String("move: failed to rename: ") : QLatin1String("copy: failed to copy: ")) + path +
-               QLatin1String(" to ") + destination;
-    };
-    if (IsSamePlace(source, target)) {
-        error = copyError(source, target);
-        return false;
-    }
-
     const QStringList paths = GetFilePaths(source);
     for (const QString &path : paths) {
         const QString destination = QString(path).replace(source, target);
         const QFileInfo destinationInfo(destination);
-        const QString directory = destinationInfo.isDir() ? destination : destinationInfo.absolutePath();
+        const QString directory =
+            destinationInfo.isDir() ? destinationInfo.absoluteFilePath() : destinationInfo.absolutePath();
         if (!DoAction(FA_MakePath, directory, QString())) {
             error = QLatin1String("copy: failed to create path: ") + directory;
             return false;
         }
         if (QFileInfo(path).isDir())
             continue;
-        if (QFile::exists(destination) && !DoAction(FA_RemoveFile, destination, QString())) {
+        switch (Put(move ? FA_Rename : FA_Copy, path, destination)) {
+        case EPut::Done:
+            continue;
+        case EPut::NotRemoved:
             error = QLatin1String("copy: failed to remove: ") + destination;
             return false;
-        }
-        if (!DoAction(move ? FA_Rename : FA_Copy, path, destination)) {
-            error = copyError(path, destination);
+        case EPut::NotPlaced:
+            error = move ? RenameError(path, destination)
+                         : QLatin1String("copy: failed to copy: ") + path + QLatin1String(" to ") + destination;
             return false;
         }
     }
@@ -175,40 +326,37 @@ bool FileFunctions::CopyDir(const QString &from, const QString &to, QString &err
 
 bool FileFunctions::CopyFile(const QString &from, const QString &to, QString &error)
 {
-    // What is there goes only for something that can take its place.
-    const bool replaces = QFile::exists(to) && QFile::exists(from) && !IsSamePlace(from, to);
-    if (replaces && !DoAction(FA_RemoveFile, to, QString())) {
+    switch (Put(FA_Copy, from, to)) {
+    case EPut::Done:
+        return true;
+    case EPut::NotRemoved:
         error = QLatin1String("copy: failed to remove file: ") + to;
-        return false;
-    }
-    if (!DoAction(FA_Copy, from, to)) {
+        break;
+    case EPut::NotPlaced:
         error = QLatin1String("copy: failed to copy file: ") + from + QLatin1String(" to ") + to;
-        return false;
+        break;
     }
-    return true;
+    return false;
 }
 
 bool FileFunctions::MoveDir(const QString &from, const QString &to, QString &error)
 {
     const QString source = QDir::cleanPath(from);
     const QString target = QDir::cleanPath(to);
-    if (target.startsWith(source + QLatin1Char('/'))) { // and would be removed with it
-        error = QLatin1String("move: failed to rename: ") + source + QLatin1String(" to ") + target;
-        return false;
-    }
-    return CopyDir(source, target, error, true) && RemoveDir(source, error);
+    return IsMovedOut(source, target, error) && CopyDir(source, target, error, true) && RemoveDir(source, error);
 }
 
 bool FileFunctions::RemoveDir(const QString &path, QString &error)
 {
     error.clear();
-    const QFileInfo info(path);
+    const QFileInfo info(WithoutTail(path));
+    if (info.isSymLink())
+        return RemoveFile(info.filePath(), error);
     if (!info.exists())
         return true;
-    if (info.isSymLink())
-        return RemoveFile(path, error);
 
-    const QFileInfoList entries = ListEntries(path);
+    const QString directory = ToAbsolutePath(path);
+    const QFileInfoList entries = ListEntries(directory);
     for (const QFileInfo &entry : entries) {
         const QString entryPath = entry.absoluteFilePath();
         if (entry.isDir() && !entry.isSymLink()) {
@@ -218,7 +366,7 @@ bool FileFunctions::RemoveDir(const QString &path, QString &error)
             return false;
         }
     }
-    if (!DoAction(FA_RemoveDir, path, QString())) {
+    if (!DoAction(FA_RemoveDir, directory, QString())) {
         error = QLatin1String("remove: failed to remove dir: ") + path;
         return false;
     }

@@ -11,6 +11,9 @@
 /// calling thread for 1.8 s. The first failure ends an operation, and what was done until then stays done. An
 /// operation with an `error` argument puts the failed step there, in English; all but CopyFile() empty it first.
 /// Paths are absolute. No state, any thread.
+///
+/// A file that is replaced stays until the new one lies beside it, as a hidden file whose name ends in ".tmp", and
+/// can take its place; the disk needs room for both. A link is replaced itself, not what it leads to.
 namespace FileFunctions {
 
 /// The steps that are tried again.
@@ -18,7 +21,7 @@ enum FileAction {
     FA_RemoveFile = 0,
     FA_RemoveDir = 1, ///< Of an empty directory.
     FA_MakePath = 2,  ///< A directory with all above it.
-    FA_Rename = 3,    ///< From the first path to the second.
+    FA_Rename = 3,    ///< From the first path to the second, at which nothing lies; a file also to another disk.
     FA_Copy = 4,      ///< From the first path to the second, which must not exist.
 };
 
@@ -35,19 +38,19 @@ PLUGININTERFACE_EXPORT QStringList GetFilePaths(const QString &path);
 PLUGININTERFACE_EXPORT bool IsMoveAbleDir(const QString &from, const QString &to, QString &error);
 
 /// Copies, or with \a move moves, the files of a tree over another one and replaces those that exist there.
-/// Directories come to exist with the files below them, so empty ones are not made. A tree
-/// is not copied over itself.
+/// Directories come to exist with the files below them, so empty ones are not made. It fails at a file that would
+/// replace itself. Of a directory that isn't there nothing is copied, and that is true.
 PLUGININTERFACE_EXPORT bool CopyDir(const QString &from, const QString &to, QString &error, bool move);
 
-/// Copies a file over another one, which is removed first, but not for a file that isn't there or is the same.
+/// Copies a file over another one, which stays if it can't be replaced, and is not replaced by itself.
 PLUGININTERFACE_EXPORT bool CopyFile(const QString &from, const QString &to, QString &error);
 
 /// Moves the files of a tree over another one, then removes the first, with the ".svn" and empty directories that
-/// were not moved. The target must not lie within the source.
+/// were not moved. Fails before anything is moved if a file would come to lie within the source, links considered.
 PLUGININTERFACE_EXPORT bool MoveDir(const QString &from, const QString &to, QString &error);
 
-/// Removes a tree, ".svn" included. Links are removed, not followed, also where \a path is one. True if there is
-/// nothing at \a path.
+/// Removes a tree, ".svn" included. Links are removed, not followed, also where \a path is one, with or without a "/"
+/// or "/." behind it. True if there is nothing at \a path.
 PLUGININTERFACE_EXPORT bool RemoveDir(const QString &path, QString &error);
 
 } // namespace FileFunctions

@@ -126,6 +126,54 @@ private Q_SLOTS:
         QCOMPARE(ReadFile(Tmp("tree/a/file")), QByteArray("old"));
     }
 
+    void intoItself_data()
+    {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::newRow("through a link") << "tree"_s
+                                        << "alias/below"_s;
+        QTest::newRow("from a link") << "alias"_s
+                                     << "tree/below"_s;
+        QTest::newRow("to a relative path") << "tree"_s
+                                            << "../Tmp/tree/below"_s;
+        QTest::newRow("below a link in the target") << "tree"_s
+                                                    << "target"_s;
+        QTest::newRow("up, with the same name within") << "tree"_s
+                                                       << "."_s;
+    }
+    // What comes to lie within the tree would be removed with it.
+    void intoItself()
+    {
+        QFETCH(const QString, from);
+        QFETCH(const QString, to);
+        Write("tree/tree/file");
+        QVERIFY(QDir().mkpath(Tmp("target")) && QFile::link(Tmp("tree"), Tmp("target/tree")));
+        QVERIFY(QFile::link(Tmp("tree"), Tmp("alias")));
+        const QDir tmp(m_strTmp);
+        const QString target = to.startsWith("../"_s) ? to : tmp.absoluteFilePath(to);
+        QVERIFY(!MoveDir(tmp.absoluteFilePath(from), target, m_strError));
+        QVERIFY2(m_strError.startsWith("move: failed to rename: "_s), qPrintable(m_strError));
+        QCOMPARE(ReadFile(Tmp("tree/tree/file")), QByteArray("old"));
+    }
+
+    void linkWithTail()
+    {
+        Write("tree/file");
+        for (const char *path : {"alias/", "alias/.", "alias/.//"}) {
+            QVERIFY(QFile::link(Tmp("tree"), Tmp("alias")));
+            QVERIFY(RemoveDir(Tmp(path), m_strError) && !QFileInfo::exists(Tmp("alias")));
+        }
+        QCOMPARE(ReadFile(Tmp("tree/file")), QByteArray("old"));
+    }
+
+    void nothingThere()
+    {
+        for (const QString &from : {QString(), Tmp("missing")}) {
+            QVERIFY2(CopyDir(from, Tmp("other"), m_strError, false), qPrintable(m_strError));
+            QVERIFY2(MoveDir(from, Tmp("missing/below"), m_strError) && m_strError.isEmpty(), qPrintable(m_strError));
+        }
+    }
+
     // Every step that can be tried again fails for good, and all of them at the same time, since each takes its time.
     // Permissions would stop nobody who is root; directories, files and links in the way stop everybody.
     void failures()
@@ -135,6 +183,7 @@ private Q_SLOTS:
         Write("across/a", "a file, where a directory is needed");
         QVERIFY(QDir().mkpath(Tmp("dangling/a")) && QDir().mkpath(Tmp("removed/a/file")));
         QVERIFY(QFile::link(Tmp("missing/file"), Tmp("dangling/a/file")));
+        QVERIFY(QDir().mkpath(Tmp("back")) && QFile::link(Tmp("from/a"), Tmp("back/a")));
 
         const TOperation copy = [](const auto &from, const auto &to, auto &e) { return CopyDir(from, to, e, false); };
         const TOperation move = [](const auto &from, const auto &to, auto &e) { return CopyDir(from, to, e, true); };
@@ -147,6 +196,8 @@ private Q_SLOTS:
             {copy, "from", "dangling", "copy: failed to copy: ~/from/a/file to ~/dangling/a/file"},
             {CopyFile, "from/a/file", "over/file", "copy: failed to remove file: ~/over/file"},
             {CopyFile, "from/a/file", "from/a/file", "copy: failed to copy file: ~/from/a/file to ~/from/a/file"},
+            {CopyFile, "from", "across/a", "copy: failed to copy file: ~/from to ~/across/a"}, // a directory
+            {copy, "from", "back", "copy: failed to copy: ~/from/a/file to ~/back/a/file"},
             {CopyFile, "missing", "from/a/file", "copy: failed to copy file: ~/missing to ~/from/a/file"},
             {remove, "across/a", "", "remove: failed to remove dir: ~/across/a"},
 #if defined(Q_OS_LINUX) // the kernel lets nobody remove these
@@ -159,6 +210,8 @@ private Q_SLOTS:
         for (size_t i = 0; i < errors.size(); ++i)
             QCOMPARE(errors[i].get().replace(m_strTmp, "~"_s), QLatin1String(std::get<3>(failures[i])));
         QCOMPARE(ReadFile(Tmp("from/a/file")), QByteArray("old"));
+        QCOMPARE(ReadFile(Tmp("across/a")).left(6), QByteArray("a file"));
+        QCOMPARE(QDir(Tmp("across")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
     }
 
     void laterAttempt()
