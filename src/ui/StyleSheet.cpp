@@ -87,11 +87,48 @@ bool AreBlocksSound(const QString &text)
     return depth == 0;
 }
 
+// Appends a line with its relative paths replaced. False if the text would become longer than it may be.
+bool AppendLine(QString &text, const QString &line, const QString &directory, int maxLength)
+{
+    int copied = 0;
+    for (int i = FindPair(line, HERE); i >= 0; i = FindPair(line, HERE, i)) {
+        const bool isParent = i > 0 && line.at(i - 1) == QLatin1Char('.'); // "../"
+        const int begin = isParent ? i - 1 : i;
+        if (begin - copied > maxLength - text.size() - directory.size())
+            return false;
+        text += line.midRef(copied, begin - copied);
+        text += directory;
+        copied = begin;
+        const int end = line.indexOf(QLatin1Char(';'), i);
+        i = end < 0 ? line.size() : end;
+    }
+    if (line.size() - copied > maxLength - text.size())
+        return false;
+    text += line.midRef(copied);
+    return true;
+}
+
 struct SProgress
 {
-    QStringList beingRead; // includes lead from the first to the last
-    int iFiles = 0;        // that were opened
+    QStringList beingRead;  // includes lead from the first to the last
+    int iFiles = 0;         // that were opened
+    int iRoom = MAX_LENGTH; // for characters, besides those of the files that are being read
 };
+
+bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents);
+
+bool AppendInclude(QString &text, const QString &path, SProgress &progress)
+{
+    progress.iRoom -= text.size();
+    QString included;
+    if (!ReadStyleSheet(path, progress, included))
+        return false;
+    progress.iRoom += text.size();
+    if (included.size() > progress.iRoom - text.size())
+        return false;
+    text += included;
+    return true;
+}
 
 bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents)
 {
@@ -109,17 +146,14 @@ bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents)
     while (stream.readLineInto(&line, MAX_LENGTH + 1)) {
         line = line.trimmed();
         if (line.startsWith(INCLUDE)) {
-            QString included;
             const QString name = ToFileName(line.mid(INCLUDE.size()).trimmed());
-            if (!ReadStyleSheet(directory + name, progress, included))
+            if (!AppendInclude(text, directory + name, progress))
                 return false;
-            text += included;
         } else if (!line.isEmpty()) {
-            text += Globals::ReplaceStylePath(line, directory);
-            text += QLatin1Char('\n');
+            line += QLatin1Char('\n');
+            if (!AppendLine(text, line, directory, progress.iRoom))
+                return false;
         }
-        if (text.size() > MAX_LENGTH)
-            return false;
     }
     progress.beingRead.removeLast();
     if (!RemoveComments(text) || !AreBlocksSound(text))
@@ -139,15 +173,5 @@ bool Globals::GetCssContents(const QString &path, QString &contents)
 QString Globals::ReplaceStylePath(QString line, const QString &directory)
 {
     QString replaced;
-    int copied = 0;
-    for (int i = FindPair(line, HERE); i >= 0; i = FindPair(line, HERE, i)) {
-        const bool isParent = i > 0 && line.at(i - 1) == QLatin1Char('.'); // "../"
-        const int begin = isParent ? i - 1 : i;
-        replaced += line.midRef(copied, begin - copied);
-        replaced += directory;
-        copied = begin;
-        const int end = line.indexOf(QLatin1Char(';'), i);
-        i = end < 0 ? line.size() : end;
-    }
-    return replaced + line.midRef(copied);
+    return AppendLine(replaced, line, directory, MAX_LENGTH) ? replaced : line;
 }

@@ -20,7 +20,7 @@ namespace Globals {
 PLUGININTERFACE_EXPORT bool GetCssContents(const QString &path, QString &contents);
 
 /// Puts \a directory, which ends in a slash, in front of the first "./" or "../" of each declaration of a line. They
-/// count wherever they stand. Any thread.
+/// count wherever they stand. A line that would become longer than 16 Mi characters is answered as it is. Any thread.
 PLUGININTERFACE_EXPORT QString ReplaceStylePath(QString line, const QString &directory);
 
 } // namespace Globals

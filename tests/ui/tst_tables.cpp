@@ -94,6 +94,18 @@ private Q_SLOTS:
             QCOMPARE(Globals::ReplaceStylePath(in[0], "D"_s), in[1]);
     }
 
+    // Replaced, these lines would be longer than a text can be.
+    void ManyPaths()
+    {
+        const QByteArray line = QByteArray("./;").repeated(5000000);
+        const QString folder(200, QLatin1Char('d'));
+        const QString name = folder + QLatin1Char('/') + folder + QLatin1Char('/') + folder + "/a.css"_s;
+        Write(name, line);
+        QCOMPARE(Read(name), "none"_s);
+        const QString text = QString::fromLatin1(line);
+        QCOMPARE(Globals::ReplaceStylePath(text, name), text);
+    }
+
     void Includes()
     {
         Write("base.css"_s, "z { i: ./z.png }");
