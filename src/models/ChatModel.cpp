@@ -7,6 +7,8 @@
 
 #include <QDomDocument>
 #include <QFile>
+#include <QFileInfo>
+#include <QXmlStreamReader>
 
 PLUGININTERFACE_DEFINE_SINGLETON(CChatModel);
 
@@ -29,11 +31,61 @@ CChatModel::SSettings Restricted(CChatModel::SSettings settings)
     return settings;
 }
 
+// QDomDocument calls itself for each element within another one, takes a multiple of the file's memory, and a time
+// that grows with the square of the attributes of an element and with what a document type defines.
+constexpr int MAX_SIZE = 1 << 20;
+constexpr int MAX_DEPTH = 100;
+constexpr int CHUNK_SIZE = 4 << 10;
+
+// Whether it can be built from what was read last. A document type may be named, but define nothing.
+bool IsHarmless(const QXmlStreamReader &reader, int &depth)
+{
+    switch (reader.tokenType()) {
+    case QXmlStreamReader::StartElement:
+        return ++depth <= MAX_DEPTH;
+    case QXmlStreamReader::EndElement:
+        --depth;
+        return true;
+    case QXmlStreamReader::DTD:
+        return !reader.text().contains(QLatin1Char('['));
+    default:
+        return true;
+    }
+}
+
+// Looks through the root. The reader gets piece after piece, so that a tag which doesn't come to an end is seen
+// before it is read.
+bool IsHarmless(const QByteArray &xml)
+{
+    QXmlStreamReader reader;
+    int depth = 0;
+    for (int at = 0; at < xml.size(); at += CHUNK_SIZE) {
+        reader.addData(xml.mid(at, CHUNK_SIZE));
+        bool ended = at == 0;
+        while (!reader.atEnd() && reader.readNext() != QXmlStreamReader::Invalid) {
+            if (!IsHarmless(reader, depth))
+                return false;
+            if (reader.isEndElement() && depth == 0)
+                return true;
+            ended = true;
+        }
+        if (!ended)
+            return false;
+    }
+    return false;
+}
+
 // The root; null if the file isn't one of smileys.
 QDomElement ReadRoot(QDomDocument &document, const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text) || !document.setContent(&file, true))
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return {};
+    const QByteArray xml = file.read(MAX_SIZE + 1);
+    if (xml.size() > MAX_SIZE || !IsHarmless(xml))
+        return {};
+    QXmlStreamReader reader(xml);
+    if (!document.setContent(&reader, true))
         return {};
     const QDomElement root = document.documentElement();
     return root.tagName() == QLatin1String("smileyconfig") &&
@@ -98,12 +150,15 @@ void CChatModel::LoadSmileyConfig(const QString &file)
     for (QDomElement smiley = root.firstChildElement(tag); !smiley.isNull();
          smiley = smiley.nextSiblingElement(tag)) {
         const QString path = ToPath(smiley.attribute(QStringLiteral("src")), folder);
-        if (!QFile::exists(path))
+        if (!QFileInfo(path).isFile())
             continue;
         const bool animate = IsYes(smiley.attribute(QStringLiteral("animate")));
         for (QDomElement text = smiley.firstChildElement(textTag); !text.isNull();
-             text = text.nextSiblingElement(textTag))
-            m_hSmileys.insert(text.attribute(QStringLiteral("text")), {path, animate});
+             text = text.nextSiblingElement(textTag)) {
+            const QString typed = text.attribute(QStringLiteral("text"));
+            if (!typed.isEmpty()) // which would stand between any two letters
+                m_hSmileys.insert(typed, {path, animate});
+        }
     }
     Q_EMIT signal_SmileysChanged();
 }

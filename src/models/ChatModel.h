@@ -54,8 +54,10 @@ public:
 
     /// From the text as it is typed to its picture.
     QHash<QString, CChatModel::SSmiley> GetSmileyMappings() const;
-    /// Replaces the smileys by those of an XML file. A picture that isn't there is left out; of a text that comes
-    /// twice the last counts. A file that can't be used leaves no smileys, and no signal tells.
+    /// Replaces the smileys by those of an XML file. A picture that isn't there is left out, and so is an empty text;
+    /// of a text that comes twice the last counts. A file that can't be used leaves no smileys, and no signal tells.
+    /// So does one of more than 1 MiB, with more than 100 elements within each other, with a tag, comment or text of
+    /// more than 4 KiB, or whose document type defines something.
     ///
     /// The root is `<smileyconfig version="1.0">`. It holds `<smiley src="./smile.gif" animate="yes">`, whose path is
     /// relative to the file only if it begins with "./" or "../", with one `<placeholder text=":-)"/>` for each text.

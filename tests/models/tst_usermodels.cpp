@@ -266,6 +266,39 @@ private Q_SLOTS:
             QVERIFY(load(QByteArray(good).replace(part, "x")).isEmpty());
         }
         QCOMPARE(changes.size(), 4);
+        QVERIFY(load("<smileyconfig version='1.0'><smiley src='./'><placeholder text='x'/></smiley>"
+                     "<smiley src='here.gif'><placeholder/><placeholder text=''/></smiley></smileyconfig>")
+                    .isEmpty());
+    }
+
+    void HarmfulSmileys_data()
+    {
+        QTest::addColumn<QByteArray>("type");
+        QTest::addColumn<QByteArray>("contents");
+        QTest::newRow("deep") << QByteArray()
+                              << QByteArray("<a>").repeated(30000) + QByteArray("</a>").repeated(30000);
+        QByteArray attributes;
+        for (int i = 0; i < 50000; ++i)
+            attributes += " a" + QByteArray::number(i) + "=''";
+        QTest::newRow("attributes") << QByteArray() << "<a" + attributes + "/>";
+        QTest::newRow("entities") << "<!DOCTYPE a [<!ENTITY b '" + QByteArray("<b/>").repeated(1000) + "'>]>"
+                                  << QByteArray("&b;").repeated(10000);
+        QTest::newRow("long") << QByteArray() << QByteArray("<a/>").repeated(1 << 18);
+    }
+    // Files that would end the process, or take minutes or gigabytes.
+    void HarmfulSmileys()
+    {
+        QFETCH(const QByteArray, type);
+        QFETCH(const QByteArray, contents);
+        m_languages.WriteFile("Client/here.gif"_s);
+        const QByteArray begin = type + "<smileyconfig version='1.0'><smiley src='here.gif'><placeholder text='x'/>";
+        const QString path = m_languages.WriteFile("smileys.xml"_s, begin + contents + "</smiley></smileyconfig>");
+        CChatModel::GetInstance()->LoadSmileyConfig(path);
+        QVERIFY(CChatModel::GetInstance()->GetSmileyMappings().isEmpty());
+        m_languages.WriteFile("smileys.xml"_s, begin.mid(type.size()) + QByteArray("<a/>\n").repeated(20000) +
+                                                   "</smiley></smileyconfig>");
+        CChatModel::GetInstance()->LoadSmileyConfig(path);
+        QCOMPARE(CChatModel::GetInstance()->GetSmileyMappings().size(), 1);
     }
 };
 
