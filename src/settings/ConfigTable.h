@@ -51,7 +51,7 @@
     ROW(bool, OptionQuickLobbyUseClassicView, optionquicklobbyuseclassicview, false, optionquicklobbyuseclassicview, "") \
     ROW(bool, OptionWaitForBBDef, optionwaitforbbdef, true, optionwaitforbbdef, "CSettingsBase") \
     ROW(bool, OptionWaitForBBDefSelectable, optionwaitforbbdefselectable, true, optionwaitforbbdefselectable, "") \
-    ROW(QString, PlayerTags, playertags, QString(), playertags, "CSettingsBase, CPlayerTaggingModel") \
+    ROW(QString, PlayerTags, playertags, QString(), playertags, "CPlayerTaggingModel") \
     ROW(QString, PokerLobbyType, pokerlobbytype, QStringLiteral("qml"), pokerlobbytype, "") \
     ROW(bool, PokerPoints, pokerpoints, true, pokerpoints, "") \
     ROW(int, PreferredSeat2, preferredseat2, 255, preferredseat2, "CSettingsBase") \
