@@ -5,6 +5,9 @@
 
 #include <QNetworkRequest>
 
+#include <algorithm>
+#include <limits>
+
 namespace {
 
 constexpr double KILO = 1024.0;
@@ -12,6 +15,29 @@ constexpr double MEGA = KILO * KILO;
 // How far Qt's thread may be ahead of the reading, in bytes. Without a bound it posts pieces for as long as it gets
 // them, faster than they are taken in, and no timer's turn comes.
 constexpr qint64 READ_AHEAD = 512 << 10;
+
+constexpr int HTTP_NO_CONTENT = 204;
+constexpr int HTTP_NOT_MODIFIED = 304;
+
+// Whether a server has compressed the body. Names that stand for no compression do turn up, and change nothing.
+bool IsCompressed(const QNetworkReply &reply)
+{
+    static const QList<QByteArray> compressions{"gzip", "x-gzip", "deflate", "compress", "x-compress", "br", "zstd"};
+    const QList<QByteArray> codings = reply.rawHeader("Content-Encoding").toLower().split(',');
+    return std::any_of(codings.cbegin(), codings.cend(),
+                       [](const QByteArray &coding) { return compressions.contains(coding.trimmed()); });
+}
+
+// Whether the server has announced more. Qt itself takes the end of a connection for the end of the body now and
+// then.
+bool IsCutOff(const QNetworkReply &reply, qint64 bytes)
+{
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (reply.operation() == QNetworkAccessManager::HeadOperation || status == HTTP_NO_CONTENT ||
+        status == HTTP_NOT_MODIFIED || reply.hasRawHeader("Transfer-Encoding"))
+        return false; // then the length is not that of a body
+    return reply.header(QNetworkRequest::ContentLengthHeader).toLongLong() > bytes;
+}
 
 } // namespace
 
@@ -68,7 +94,8 @@ QString CDownload::GetName() const
 
 unsigned int CDownload::GetContentLength() const
 {
-    return m_pReply ? m_pReply->header(QNetworkRequest::ContentLengthHeader).toUInt() : 0;
+    const qint64 length = m_pReply ? m_pReply->header(QNetworkRequest::ContentLengthHeader).toLongLong() : 0;
+    return static_cast<unsigned int>(qBound(Q_INT64_C(0), length, qint64(std::numeric_limits<unsigned int>::max())));
 }
 
 QString CDownload::FormatBytes(qint64 bytes)
@@ -101,7 +128,7 @@ void CDownload::slot_DownloadFinished()
     const QVariant target = m_pReply->attribute(QNetworkRequest::RedirectionTargetAttribute);
     const bool answered = m_pReply->error() == QNetworkReply::NoError;
     if (answered && target.isNull())
-        Finish(true);
+        Finish(!IsCutOff(*m_pReply, m_data.size()));
     else if (!answered || !FollowRedirect(target.toUrl()))
         Finish(false);
 }
@@ -168,6 +195,11 @@ QNetworkReply *CDownload::Send() const
     QNetworkRequest request(m_curUrl);
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/x-www-form-urlencoded"));
     request.setHeader(QNetworkRequest::ContentLengthHeader, m_postData.size());
+    // A few compressed bytes may stand for any number of bytes in memory, and Qt unpacks them before they are counted
+    // here. With this header it neither asks for compressed bytes nor unpacks what comes all the same.
+    request.setRawHeader("Accept-Encoding", "identity");
+    // Redirects are followed and counted here, whatever the manager would do.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     WebRequest::SetUserAgent(&request);
     CNetworkAccessManager *manager = CNetworkAccessManager::GetInstance();
     if (m_bHeadOnly)
@@ -216,6 +248,10 @@ void CDownload::ForgetReply()
 
 void CDownload::Finish(bool status)
 {
+    if (m_pReply && !m_data.isEmpty() && IsCompressed(*m_pReply)) {
+        status = false;
+        m_data.clear();
+    }
     ForgetReply();
     Q_EMIT signal_Finished(status, m_data);
 }

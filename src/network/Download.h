@@ -13,8 +13,15 @@
 /// One transfer over HTTP, held in memory: a GET, a POST or a HEAD that follows redirects, watches for a stall, and
 /// tells its progress. It goes through CNetworkAccessManager and shares its thread.
 ///
-/// Each Start() ends in one signal_Finished(), with false for a network error, an HTTP status of 400 and above, a
-/// stall, a chain of more than MaxRedirects redirects or one that leaves the web, or a body of more than MaxBytes.
+/// A transfer ends in one signal_Finished(), with false for a network error, an HTTP status of 400 and above, a
+/// stall, a chain of more than MaxRedirects redirects or one that leaves the web, a body of more than MaxBytes or of
+/// less than the server has announced.
+///
+/// It asks for an uncompressed body. One that a server compresses all the same (gzip, deflate, compress, br, zstd)
+/// isn't unpacked: the transfer fails, without data. Qt takes a chunk that can't be read for the last one and doesn't
+/// tell, nor always that a connection has ended between two chunks. So a chunked body can be too short with true; a
+/// caller that needs all of it checks what it holds.
+///
 /// The object can be started again, then from where the last redirect has led, and doesn't delete itself.
 class PLUGININTERFACE_EXPORT CDownload : public QObject
 {
@@ -43,7 +50,8 @@ public:
     const QUrl &GetCurUrl() const;
     /// The path of the current address, decoded.
     QString GetName() const;
-    /// What the server announces, in bytes; 0 if nothing is running.
+    /// What the server announces, in bytes, and 4294967295 for more than that; 0 if it announces nothing or nothing
+    /// that can be a length, or if nothing is running.
     unsigned int GetContentLength() const;
 
     /// "1.5 kB": bytes, kB or MB with one decimal, not translated.
@@ -52,9 +60,11 @@ public:
 Q_SIGNALS:
     /// The transfer begins. A listener may stop it.
     void signal_Started();
-    /// \a data is the body, or what of it had been read: of a long one the rest may have been under way still.
+    /// \a data is the body, or what of it had been read: of a long one the rest may have been under way still. It is
+    /// empty for a stall, a stop and a compressed body.
     void signal_Finished(bool status, QByteArray data);
-    /// Twice a second and at the end; \a speed is for people to read, such as "1.5 kB/s".
+    /// Twice a second and at the end; \a bytesTotal is below 0 while it isn't known, and \a speed is for people to
+    /// read, such as "1.5 kB/s".
     void signal_Progress(qint64 bytesReceived, qint64 bytesTotal, QString speed);
 
 private Q_SLOTS:
