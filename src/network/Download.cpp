@@ -19,6 +19,13 @@ constexpr qint64 READ_AHEAD = 512 << 10;
 constexpr int HTTP_NO_CONTENT = 204;
 constexpr int HTTP_NOT_MODIFIED = 304;
 
+// A Start() that waits for the event loop; a child of its download, and who deletes it takes the call back.
+class CWaitingStart : public QObject
+{
+public:
+    using QObject::QObject;
+};
+
 // Whether a server has compressed the body. Names that stand for no compression do turn up, and change nothing.
 bool IsCompressed(const QNetworkReply &reply)
 {
@@ -62,13 +69,19 @@ CDownload::~CDownload()
 
 void CDownload::Start()
 {
-    m_bStopped = false;
-    QTimer::singleShot(0, this, &CDownload::slot_Start);
+    auto *waiting = new CWaitingStart(this);
+    QTimer::singleShot(0, waiting, [this, waiting] {
+        delete waiting;
+        slot_Start();
+    });
 }
 
 void CDownload::Stop()
 {
     m_bStopped = true;
+    const QObjectList owned = children();
+    for (QObject *child : owned)
+        delete dynamic_cast<CWaitingStart *>(child);
     StopTimers();
     ForgetReply();
     m_iBytesReceived = 0;
@@ -121,10 +134,9 @@ void CDownload::slot_DownloadFinished()
     // A reply that was replaced or given up may still finish.
     if (sender() != m_pReply)
         return;
-    UpdateDownload();
-    StopTimers();
-    if (!m_pReply)
+    if (!UpdateDownload())
         return;
+    StopTimers();
     const QVariant target = m_pReply->attribute(QNetworkRequest::RedirectionTargetAttribute);
     const bool answered = m_pReply->error() == QNetworkReply::NoError;
     if (answered && target.isNull())
@@ -140,10 +152,10 @@ void CDownload::slot_DownloadReadyRead()
     const qint64 available = m_pReply->bytesAvailable();
     const int size = m_data.size();
     if (available > qint64(MaxBytes) - size) {
-        UpdateDownload();
+        if (!UpdateDownload())
+            return;
         StopTimers();
-        if (m_pReply) // a listener may have stopped it
-            Finish(false);
+        Finish(false);
         return;
     }
     if (m_data.isEmpty())
@@ -155,12 +167,13 @@ void CDownload::slot_DownloadReadyRead()
 
 void CDownload::slot_Start()
 {
-    if (m_bStopped)
-        return;
+    const QPointer<CDownload> self(this);
+    m_bStopped = false;
     Q_EMIT signal_Started();
+    if (!self || m_bStopped)
+        return;
     m_uiRedirects = 0;
-    if (!m_bStopped)
-        Download();
+    Download();
 }
 
 void CDownload::slot_DownloadTimeout()
@@ -186,6 +199,16 @@ void CDownload::Download()
     connect(m_pReply, &QNetworkReply::downloadProgress, this, &CDownload::slot_DownloadProgress);
     connect(m_pReply, &QNetworkReply::finished, this, &CDownload::slot_DownloadFinished);
     connect(m_pReply, &QNetworkReply::readyRead, this, &CDownload::slot_DownloadReadyRead);
+    // Who ends the manager takes the reply away. The event loop tells it, for by then the manager has gone
+    // altogether, and a new Start() or a Stop() may have come first.
+    const auto end = [this] {
+        if (m_pReply || !m_TimeoutTimer.isActive())
+            return;
+        StopTimers();
+        m_data.clear();
+        Finish(false);
+    };
+    connect(m_pReply, &QObject::destroyed, this, end, Qt::QueuedConnection);
     m_TimeoutTimer.start();
     m_UpdateTimer.start();
 }
@@ -207,14 +230,18 @@ QNetworkReply *CDownload::Send() const
     return m_postData.isEmpty() ? manager->get(request) : manager->post(request, m_postData);
 }
 
-void CDownload::UpdateDownload()
+// Whether the reply runs on: a listener may stop or delete the download, or begin another transfer.
+bool CDownload::UpdateDownload()
 {
+    const QPointer<CDownload> self(this);
+    const QPointer<QNetworkReply> reply = m_pReply;
     double speed = static_cast<double>(m_iBytesReceived - m_iBytesAtUpdate);
     m_iBytesAtUpdate = m_iBytesReceived;
     if (speed > 0)
         speed = speed * 1000 / DownloadUpdateTime;
     Q_EMIT signal_Progress(m_iBytesReceived, m_iBytesTotal,
                            FormatBytes(static_cast<qint64>(speed)) + QLatin1String("/s"));
+    return self && reply && m_pReply == reply;
 }
 
 // False if the chain is too long, or leads away from the web: a server has no business with the files of this

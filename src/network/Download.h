@@ -15,14 +15,16 @@
 ///
 /// A transfer ends in one signal_Finished(), with false for a network error, an HTTP status of 400 and above, a
 /// stall, a chain of more than MaxRedirects redirects or one that leaves the web, a body of more than MaxBytes or of
-/// less than the server has announced.
+/// less than the server has announced, and if CNetworkAccessManager ends meanwhile. A Start() takes the place of one
+/// that still waits or runs: a single signal_Finished() ends both.
 ///
 /// It asks for an uncompressed body. One that a server compresses all the same (gzip, deflate, compress, br, zstd)
 /// isn't unpacked: the transfer fails, without data. Qt takes a chunk that can't be read for the last one and doesn't
 /// tell, nor always that a connection has ended between two chunks. So a chunked body can be too short with true; a
 /// caller that needs all of it checks what it holds.
 ///
-/// The object can be started again, then from where the last redirect has led, and doesn't delete itself.
+/// The object can be started again, then from where the last redirect has led, and doesn't delete itself. A listener
+/// may delete it, stop it or start it again in each of its signals.
 class PLUGININTERFACE_EXPORT CDownload : public QObject
 {
     Q_OBJECT
@@ -38,10 +40,11 @@ public:
     CDownload(QObject *parent, const QString &url, const QByteArray &postData, bool headOnly);
     ~CDownload() override;
 
-    /// The transfer begins at the next turn of the event loop.
+    /// The transfer begins at the next turn of the event loop. One that still runs by then ends without a signal of
+    /// its own, though the server may have got its request.
     void Start();
-    /// Gives up, also a transfer that hasn't begun, with signal_Finished(false, QByteArray()); that comes also when
-    /// nothing was running.
+    /// Gives up all that runs or waits for its begin, with one signal_Finished(false, QByteArray()); that comes also
+    /// when nothing was running, so a listener to that signal doesn't call it every time.
     void Stop();
 
     /// The address given at first.
@@ -58,10 +61,10 @@ public:
     static QString FormatBytes(qint64 bytes);
 
 Q_SIGNALS:
-    /// The transfer begins. A listener may stop it.
+    /// The transfer begins. A listener may stop it. Each Start() that Stop() hasn't overtaken is told.
     void signal_Started();
     /// \a data is the body, or what of it had been read: of a long one the rest may have been under way still. It is
-    /// empty for a stall, a stop and a compressed body.
+    /// empty for a stall, a stop, the end of CNetworkAccessManager and a compressed body.
     void signal_Finished(bool status, QByteArray data);
     /// Twice a second and at the end; \a bytesTotal is below 0 while it isn't known, and \a speed is for people to
     /// read, such as "1.5 kB/s".
@@ -78,7 +81,7 @@ private Q_SLOTS:
 private:
     void Download();
     QNetworkReply *Send() const;
-    void UpdateDownload();
+    bool UpdateDownload();
     bool FollowRedirect(const QUrl &target);
     void StopTimers();
     void ForgetReply();
@@ -96,5 +99,5 @@ private:
     QPointer<QNetworkReply> m_pReply; // the running one, owned
     QByteArray m_postData;
     bool m_bHeadOnly;
-    bool m_bStopped = false; // since the last Start()
+    bool m_bStopped = false; // since the last signal_Started()
 };

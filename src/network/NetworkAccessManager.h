@@ -26,7 +26,7 @@ public:
     static CNetworkAccessManager *GetInstance();
     /// Whether it exists; creates nothing.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop, and its replies with it.
+    /// The object ends at the next turn of the event loop, and its replies with it; a CDownload that runs then fails.
     static void DestroyInstance();
 
     /// What get(), post() and head() pass through.

@@ -234,6 +234,56 @@ private Q_SLOTS:
         }
     }
 
+    void Starts_data()
+    {
+        QTest::addColumn<QByteArray>("calls"); // s starts, p stops
+        QTest::addColumn<int>("started");
+        QTest::addColumn<QList<bool>>("finished");
+        QTest::newRow("again") << QByteArray("ss") << 2 << QList<bool>{true};
+        QTest::newRow("stopped between") << QByteArray("spps") << 1 << QList<bool>{false, false, true};
+    }
+
+    void Starts()
+    {
+        QFETCH(QByteArray, calls);
+        QFETCH(QList<bool>, finished);
+        CDownload download(nullptr, m_server.GetUrl("/echo"_s), QByteArray(), false);
+        QSignalSpy started(&download, &CDownload::signal_Started);
+        QList<bool> ends;
+        connect(&download, &CDownload::signal_Finished, this, [&](bool status) { ends.append(status); });
+        for (const char call : calls)
+            call == 's' ? download.Start() : download.Stop();
+        QTRY_VERIFY(ends.contains(true));
+        QVERIFY(!QSignalSpy(&download, &CDownload::signal_Finished).wait(100));
+        QCOMPARE(ends, finished);
+        QTEST(started.size(), "started");
+    }
+
+    void DeletedInASignal()
+    {
+        const auto ends = [this](auto signal) {
+            QPointer<CDownload> download(new CDownload(nullptr, m_server.GetUrl("/echo"_s), QByteArray(), false));
+            connect(download, signal, this, [&] { delete download; });
+            download->Start();
+            return QTest::qWaitFor([&] { return !download; });
+        };
+        QVERIFY(ends(&CDownload::signal_Started));
+        QVERIFY(ends(&CDownload::signal_Progress));
+        QVERIFY(ends(&CDownload::signal_Finished));
+    }
+
+    void ManagerEnds()
+    {
+        CDownload download(nullptr, m_server.GetUrl("/trickle"_s), QByteArray(), false);
+        QSignalSpy progress(&download, &CDownload::signal_Progress);
+        QSignalSpy finished(&download, &CDownload::signal_Finished);
+        download.Start();
+        QVERIFY(progress.wait());
+        CNetworkAccessManager::DestroyInstance();
+        QVERIFY(finished.wait()); // well before the stall counts
+        QCOMPARE(finished, (QList<QVariantList>{{false, QByteArray()}}));
+    }
+
     void HeadOnly()
     {
         CDownload download(nullptr, m_server.GetUrl("/dir/1"_s), "a=b", true);
