@@ -3,7 +3,6 @@
 #include <common/Note.h>
 #include <files/Pathes.h>
 #include <models/PlayerLists.h>
-#include <models/PlayerTaggingModel.h>
 #include <models/UserInfo.h>
 #include <settings/PlayerInfo.h>
 #include <settings/Settings.h>
@@ -68,12 +67,10 @@ void CSynchronisation::OnLoginStateChanged(bool loggedIn)
     m_timer.stop();
     m_sendTimer.stop();
     CPlayerLists::GetInstance()->ResetBuddyList();
-    if (loggedIn) {
+    if (loggedIn)
         PlayerInfo::LoadInfo();
-        CPlayerTaggingModel::GetInstance()->Load(true); // nothing tells it of a user without a row for them
-    } else {
+    else
         CPlayerModel::DestroyInstances(); // what waited to be stored was written while the user was still there
-    }
 }
 
 void CSynchronisation::BeginSync()

@@ -47,6 +47,13 @@ constexpr std::array<SDefault, CPlayerTaggingModel::ulMaxPlayerTags> DEFAULTS{{
     {"PLAYERTAGGING_TAG10", "#00FFFF"},
 }};
 
+// The user's, or where there are none, or unless \a fromSettings, the operator's.
+QString GetStored(bool fromSettings)
+{
+    const QString text = fromSettings ? CSettings::GetInstance()->GetPlayerTags() : QString();
+    return text.isEmpty() ? CConfig::GetInstance()->GetPlayerTags() : text;
+}
+
 QIcon PaintIcon(const QColor &color)
 {
     QPixmap picture(ICON_SIZE, ICON_SIZE);
@@ -143,12 +150,7 @@ void CPlayerTaggingModel::SetText(unsigned int index, const QString &text)
 
 void CPlayerTaggingModel::Load(bool fromSettings)
 {
-    QString text;
-    if (fromSettings)
-        text = CSettings::GetInstance()->GetPlayerTags();
-    if (text.isEmpty())
-        text = CConfig::GetInstance()->GetPlayerTags();
-    if (LayOver(text))
+    if (LayOver(GetStored(fromSettings)))
         Q_EMIT signal_PlayerTagsChanged();
 }
 
@@ -255,12 +257,15 @@ void CPlayerTaggingModel::LoginStateChanged(bool loggedIn)
 // Nothing of a former user's tags is left under those of the next one.
 void CPlayerTaggingModel::LoadOfUser()
 {
+    bool changed = false;
     if (IsLoggedIn() && !property(LOADED_PROPERTY).toBool()) {
         setProperty(LOADED_PROPERTY, true);
-        if (HasColors())
+        changed = HasColors();
+        if (changed)
             SetDefaultColors();
         ClearTexts();
-        LayOver(CConfig::GetInstance()->GetPlayerTags());
+        LayOver(GetStored(false));
     }
-    Load(true);
+    if (LayOver(GetStored(true)) || changed)
+        Q_EMIT signal_PlayerTagsChanged();
 }
