@@ -36,10 +36,7 @@ CSynchronisation::CSynchronisation(CSession &session)
     m_timer.setSingleShot(true);
     m_sendTimer.setSingleShot(true);
     m_sendTimer.setInterval(SEND_DELAY_MS);
-    connect(&m_timer, &QTimer::timeout, this, [this] {
-        CSettings::GetInstance()->slot_SaveSettings(); // what was changed just now would not be known of
-        BeginSync();
-    });
+    connect(&m_timer, &QTimer::timeout, this, &CSynchronisation::BeginSync);
     connect(&m_sendTimer, &QTimer::timeout, this, &CSynchronisation::Send);
     connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, this,
             &CSynchronisation::OnLoginStateChanged);

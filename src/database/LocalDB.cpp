@@ -208,7 +208,9 @@ bool CLocalDB::Exec(const QString &sql)
 
 QSqlQuery CLocalDB::GetQuery()
 {
-    QSqlQuery query(GetConnection());
+    const QSqlDatabase connection = GetConnection();
+    // Without a connection it isn't the host's default one that is asked.
+    QSqlQuery query = connection.isValid() ? QSqlQuery(connection) : QSqlQuery(static_cast<QSqlResult *>(nullptr));
     query.setForwardOnly(true);
     return query;
 }
@@ -311,8 +313,11 @@ CLocalDB::EOutcome CLocalDB::BringToMaxVersion()
 {
     unsigned int version = 0;
     EOutcome outcome = GetDBVersion(version);
-    if (outcome == EOutcome::Failed && CreateDBInfoTable() != EOutcome::Locked)
-        outcome = GetDBVersion(version);
+    if (outcome == EOutcome::Failed) {
+        outcome = CreateDBInfoTable();
+        if (outcome != EOutcome::Locked)
+            outcome = GetDBVersion(version);
+    }
     return outcome == EOutcome::Done && version < GetMaxVersion() ? ClimbToMaxVersion() : outcome;
 }
 
@@ -396,7 +401,7 @@ QSqlDatabase CLocalDB::GetConnection() const
 {
     QSqlDatabase connection = QSqlDatabase::database(m_strDatabase, false);
     if (connection.isValid() && !connection.isOpen() && connection.driver()->property(OPENED_PROPERTY).toBool() &&
-        connection.open()) {
+        (!m_bFileRequired || QFile::exists(m_strDatabase)) && connection.open()) {
         EnforceForeignKeys(connection);
         if (m_bWriteAheadLog)
             StartWriteAheadLog(connection);

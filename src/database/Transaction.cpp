@@ -3,14 +3,14 @@
 #include <database/LocalDB.h>
 #include <database/SqliteResult_p.h>
 
-CTransaction::CTransaction(CLocalDB &database, EKind kind)
+CTransaction::CTransaction(CLocalDB &database)
     : m_database(database)
 {
     if (!database.IsOpen())
         return;
     if (!database.m_bTransaction) {
         QSqlQuery begin = database.GetQuery();
-        if (!begin.exec(kind == Writing ? QStringLiteral("BEGIN IMMEDIATE") : QStringLiteral("BEGIN")))
+        if (!begin.exec(QStringLiteral("BEGIN IMMEDIATE")))
             m_error = begin.lastError();
     }
     // Refused for another reason, it is one that was begun without the object's knowledge, and is joined.

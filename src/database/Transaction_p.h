@@ -12,13 +12,8 @@ class CLocalDB;
 class CTransaction
 {
 public:
-    enum EKind {
-        Writing, ///< Takes the lock for writing at once; SQLite waits for another connection to release it.
-        Reading, ///< Takes a lock with the first statement. A write after a read fails at once where the file is
-                 ///< locked.
-    };
-
-    explicit CTransaction(CLocalDB &database, EKind kind = Writing);
+    /// Takes the lock for writing at once; SQLite waits for another connection to release it.
+    explicit CTransaction(CLocalDB &database);
     ~CTransaction();
     Q_DISABLE_COPY_MOVE(CTransaction)
 

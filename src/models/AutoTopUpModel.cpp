@@ -10,7 +10,7 @@ PLUGININTERFACE_DEFINE_SINGLETON(CAutoTopUpModel);
 namespace {
 
 constexpr unsigned int WHOLE = 10;       // a lower limit of ten tenths
-const char LOADED_PROPERTY[] = "loaded"; // whether the choices are those of the login that is under way
+const char USER_PROPERTY[] = "user"; // of the model: whose choices it has loaded
 
 enum ETargetMode : unsigned int {
     TM_MODE0 = 0,
@@ -36,8 +36,9 @@ CAutoTopUpModel::CAutoTopUpModel(QObject *parent)
     connect(CSettings::GetInstance(), &CSettings::signal_AutoTopUpSettingsChanged, this,
             &CAutoTopUpModel::slot_AutoTopUpSettingsChanged);
     // After the settings, which have applied the user's rows by then and signalled what has changed.
-    connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, this,
-            &CAutoTopUpModel::LoginStateChanged);
+    const CUserInfo *user = CUserInfo::GetInstance();
+    connect(user, &CUserInfo::signal_PlayerModelChanged, this, &CAutoTopUpModel::FollowUser);
+    connect(user, &CUserInfo::signal_LoginStateChanged, this, &CAutoTopUpModel::FollowUser);
     LoadSettings();
 }
 
@@ -119,22 +120,22 @@ CAutoTopUpModel::SGroup CAutoTopUpModel::GetGroup(GlobalDefines::MoneyType money
     return {all.bOtherEnabled, all.ulOtherLowerLimit, all.ulOtherTargetMode, all.ulOtherTargetMultiple};
 }
 
-// A user whose choices are those that were in force already has changed no setting.
-void CAutoTopUpModel::LoginStateChanged(bool loggedIn)
+// Once the settings are the user's, who may have changed none of them.
+void CAutoTopUpModel::FollowUser()
 {
-    if (!loggedIn)
-        setProperty(LOADED_PROPERTY, false);
-    else if (!property(LOADED_PROPERTY).toBool())
+    const QString user = CUserInfo::GetInstance()->GetNickname();
+    if (user.isEmpty())
+        setProperty(USER_PROPERTY, QString());
+    else if (user == CSettings::GetInstance()->GetNickname() && user != property(USER_PROPERTY).toString())
         LoadSettings();
 }
 
 // What isn't of the stored form counts as nothing stored.
 void CAutoTopUpModel::LoadSettings()
 {
-    const bool loggedIn = CUserInfo::GetInstance()->IsLoggedIn();
-    setProperty(LOADED_PROPERTY, loggedIn);
+    setProperty(USER_PROPERTY, CUserInfo::GetInstance()->GetNickname());
     QByteArray value;
-    if (loggedIn)
+    if (CUserInfo::GetInstance()->IsLoggedIn())
         value = CSettings::GetInstance()->GetAutoTopUpSettings();
     SAutoTopUp loaded;
     m_bSaved = WithFields(loaded, [&value](auto &...fields) { return PackedSetting::Unpack(value, fields...); });

@@ -81,7 +81,7 @@ private:
     };
 
     SGroup GetGroup(GlobalDefines::MoneyType moneyType, GlobalDefines::LimitType limitType) const;
-    void LoginStateChanged(bool loggedIn);
+    void FollowUser();
     void LoadSettings();
     void SaveSettings();
 

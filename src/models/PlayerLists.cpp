@@ -32,7 +32,7 @@ void CPlayerLists::RemoveFromBuddyList(const QString &nickname)
             continue;
         m_lBuddyList.removeAt(index);
         model->SetBuddy(false);
-        model->SaveLater(); // a buddy of an earlier run is known by the list alone
+        model->SaveLater(true); // a buddy of an earlier run is known by the list alone
     }
 }
 

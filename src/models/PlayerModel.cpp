@@ -2,15 +2,21 @@
 
 #include <Singleton_p.h>
 #include <models/PlayerSaves_p.h>
+#include <models/UserInfo.h>
+
+#include <QScopedValueRollback>
 
 #include <algorithm>
 
 QHash<QString, QSharedPointer<CPlayerModel>> CPlayerModel::m_Instances;
+bool CPlayerModel::m_bRenamed = false;
 
 CPlayerModel::CPlayerModel(const QString &nickname)
     : CPlayerDataModel(nullptr)
 {
+    const bool renamed = m_bRenamed;
     SetNickname(nickname);
+    m_bRenamed = renamed; // the first name is none
 }
 
 CPlayerModel::~CPlayerModel()
@@ -41,12 +47,14 @@ bool CPlayerModel::IsExisting(CPlayerModel *model)
 
 void CPlayerModel::DestroyInstance(QString nickname)
 {
+    StoreBeforeEnd(m_Instances.value(nickname).data());
     if (const QSharedPointer<CPlayerModel> model = m_Instances.take(nickname))
         CPlayerSaves::Forget(model.data());
 }
 
 void CPlayerModel::DestroyInstance(CPlayerModel *model)
 {
+    StoreBeforeEnd(IsExisting(model) ? model : nullptr);
     const auto entry = std::find(m_Instances.begin(), m_Instances.end(), model);
     if (entry == m_Instances.end())
         return;
@@ -56,6 +64,8 @@ void CPlayerModel::DestroyInstance(CPlayerModel *model)
 
 void CPlayerModel::DestroyInstances()
 {
+    if (CUserInfo::IsExisting())
+        StoreBeforeEnd(CUserInfo::GetInstance()->GetPlayerModel());
     for (const QSharedPointer<CPlayerModel> &model : qAsConst(m_Instances))
         CPlayerSaves::Forget(model.data());
     m_Instances.clear();
@@ -64,12 +74,16 @@ void CPlayerModel::DestroyInstances()
 void CPlayerModel::SetLoadedInfo(QString note, unsigned int tagID, unsigned int customAvatar, unsigned char rating,
                                  bool buddyBlocked, bool chatBlock)
 {
-    m_bLoading = true;
+    const bool differs = note != GetNotes() || tagID != GetTagID() || customAvatar != GetCustomAvatar() ||
+                         rating != GetRating() || buddyBlocked != GetBuddyBlocked() || chatBlock != GetChatBlock();
+    const QString user = CPlayerSaves::GetUser();
+    const QScopedValueRollback<bool> loading(m_bLoading, true);
     SetNotes(note);
     SetTagID(tagID);
     SetCustomAvatar(customAvatar);
     SetRating(rating);
     SetBuddyBlocked(buddyBlocked);
     SetChatBlock(chatBlock);
-    m_bLoading = false;
+    if (differs && user == CPlayerSaves::GetUser()) // else a listener has ended the login
+        CPlayerSaves::Restart(this, false);
 }

@@ -20,9 +20,11 @@ struct SPlayerSave;
 /// Take it off the lists of CPlayerLists before.
 ///
 /// What the user notes of a player - note, tag, rating, custom avatar, whether a buddy, blocked as buddy or in chat -
-/// goes to the user's player info store 3 s behind the last change, and at once when the user logs out
-/// (CUserInfo::SetLoggedIn()). Nothing is stored while nobody is logged in, nor of a model that is destroyed first. A
-/// file that can't be written is tried again 3 s later, and at the next login, also for a user who has logged out.
+/// goes to the user's player info store 3 s after the last change, and at once when the user logs out, be it by
+/// CUserInfo::SetLoggedIn(), by CUserInfoDataModel::Reset() or by the end of the own player's model. What is changed
+/// while nobody is logged in is nobody's and isn't stored, nor is what was changed last of a model that is destroyed.
+/// A file that can't be written is tried again, first after a second, then at growing intervals of up to half a
+/// minute, and at the next login, also for a user who has logged out.
 ///
 /// The number of a custom avatar stands for a picture at Pathes::CustomAvatar(). One that isn't there is fetched from
 /// the operator's server, and signal_CustomAvatarChanged() comes once more when it is. A picture that can't be had
@@ -50,7 +52,8 @@ public:
     /// The same with all models.
     static void DestroyInstances();
 
-    /// Takes over what was stored of the player, as if each value had been set.
+    /// Takes over what was stored of the player, as if each value had been set. What a listener sets meanwhile counts
+    /// as loaded, too.
     void SetLoadedInfo(QString note, unsigned int tagID, unsigned int customAvatar, unsigned char rating,
                        bool buddyBlocked, bool chatBlock);
 
@@ -73,7 +76,9 @@ private:
     friend class CPlayerLists; // a change of the buddy list is one of the player's
     friend class CPlayerSaves;
 
-    void SaveLater();
+    void SaveLater(bool travels);
+    void SetLoadedBuddy(bool buddy);
+    static void StoreBeforeEnd(const CPlayerModel *model);
     bool IsOwn() const;
     void ChangeCustomAvatarTo(unsigned int id);
     void AbandonDownload();
@@ -85,4 +90,5 @@ private:
     std::optional<std::list<SPlayerSave>::iterator> m_save; // its place among those that wait to be stored
 
     static QHash<QString, QSharedPointer<CPlayerModel>> m_Instances;
+    static bool m_bRenamed; // whether a model has got another nickname than that of its making
 };

@@ -13,6 +13,7 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QSaveFile>
+#include <QScopedValueRollback>
 
 // A player's ties to the store, to the picture server, and to the user's settings.
 
@@ -35,7 +36,7 @@ void CPlayerModel::SetNewCustomAvatar(unsigned int id)
     if (IsOwn())
         CSettings::GetInstance()->SetCustomCurrent(static_cast<int>(id), this, true);
     ChangeCustomAvatarTo(id);
-    SaveLater();
+    SaveLater(false);
 }
 
 // The own consequences of a change come before those of any listener.
@@ -53,10 +54,14 @@ void CPlayerModel::FieldChanged(EField field)
     case EField::BuddyBlocked:
     case EField::TagID:
     case EField::ChatBlock:
+        SaveLater(true);
+        break;
     case EField::Rating:
-        SaveLater();
+        SaveLater(false); // it stays on the machine
         break;
     case EField::Nickname:
+        m_bRenamed = true;
+        break;
     case EField::InfoText:
     case EField::Sex:
     case EField::VipLevel:
@@ -106,11 +111,32 @@ void CPlayerModel::slot_CustomAvatarChanged()
     SetNewCustomAvatar(GetCustomAvatar());
 }
 
-void CPlayerModel::SaveLater()
+// \a travels: whether other machines are to hear of the change. A load stores once it is whole.
+void CPlayerModel::SaveLater(bool travels)
 {
-    CPlayerSaves::Restart(this, !m_bLoading);
-    if (!m_bLoading)
-        CLocalChanges::AddPlayer(CUserInfo::GetInstance()->GetNickname(), CPlayerSaves::GetKey(*this));
+    if (m_bLoading)
+        return;
+    CPlayerSaves::Restart(this, travels);
+    if (travels)
+        CLocalChanges::AddPlayer(CPlayerSaves::GetUser(), CPlayerSaves::GetKey(*this));
+}
+
+void CPlayerModel::SetLoadedBuddy(bool buddy)
+{
+    if (buddy == GetBuddy())
+        return;
+    {
+        const QScopedValueRollback<bool> loading(m_bLoading, true);
+        SetBuddy(buddy);
+    }
+    CPlayerSaves::Restart(this, false);
+}
+
+// The own player's nickname is that of the user who has noted all that waits.
+void CPlayerModel::StoreBeforeEnd(const CPlayerModel *model)
+{
+    if (model && model->IsOwn())
+        CPlayerSaves::EndLogin();
 }
 
 bool CPlayerModel::IsOwn() const

@@ -22,7 +22,9 @@ namespace {
 const QString AREA = QStringLiteral("PLAYERTAGGING");
 const QString COLOR = QStringLiteral("c");
 const QString NAME = QStringLiteral("n");
-const char LOADED_PROPERTY[] = "loaded"; // whether the tags are those of the login that is under way
+// Of the model: whose tags it has loaded, and whether it has had all colours, which it can't have before a login.
+const char USER_PROPERTY[] = "user";
+const char COLORED_PROPERTY[] = "colored";
 
 constexpr int ICON_SIZE = 32;
 constexpr QRect ICON_SQUARE(8, 4, 24, 24);
@@ -52,6 +54,11 @@ QString GetStored(bool fromSettings)
 {
     const QString text = fromSettings ? CSettings::GetInstance()->GetPlayerTags() : QString();
     return text.isEmpty() ? CConfig::GetInstance()->GetPlayerTags() : text;
+}
+
+QColor GetDefaultColor(unsigned int index)
+{
+    return QColor(QLatin1String(DEFAULTS[index].strColor));
 }
 
 QIcon PaintIcon(const QColor &color)
@@ -84,9 +91,10 @@ CPlayerTaggingModel::CPlayerTaggingModel()
     connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this,
             &CPlayerTaggingModel::slot_TranslationChanged);
     // After the settings, which have applied the user's rows by then and signalled what has changed.
-    connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, this,
-            &CPlayerTaggingModel::LoginStateChanged);
-    setProperty(LOADED_PROPERTY, IsLoggedIn());
+    const CUserInfo *user = CUserInfo::GetInstance();
+    connect(user, &CUserInfo::signal_PlayerModelChanged, this, &CPlayerTaggingModel::FollowUser);
+    connect(user, &CUserInfo::signal_LoginStateChanged, this, &CPlayerTaggingModel::FollowUser);
+    setProperty(USER_PROPERTY, CSettings::GetInstance()->GetNickname());
     Load(true);
 }
 
@@ -137,8 +145,6 @@ void CPlayerTaggingModel::SetColor(unsigned int index, const QColor &color)
 {
     if (!IsChangeable(index))
         return;
-    if (!HasColors())
-        SetDefaultColors();
     Paint(m_aPlayerTags[index], color);
 }
 
@@ -158,8 +164,7 @@ void CPlayerTaggingModel::Save()
 {
     if (!IsLoggedIn())
         return;
-    if (!HasColors())
-        SetDefaultColors();
+    AddMissingColors();
     QVariantMap tags;
     for (unsigned int index = 1; index < ulMaxPlayerTags; ++index) {
         const SPlayerTag &tag = m_aPlayerTags[index];
@@ -201,10 +206,9 @@ bool CPlayerTaggingModel::IsChangeable(unsigned int index) const
     return index > 0 && IsAvailable(index);
 }
 
-// Not so a model from before the first login, until its first colour is set or it is stored.
 bool CPlayerTaggingModel::HasColors() const
 {
-    return std::any_of(m_aPlayerTags.cbegin() + 1, m_aPlayerTags.cend(),
+    return std::any_of(m_aPlayerTags.cbegin(), m_aPlayerTags.cend(),
                        [](const SPlayerTag &tag) { return tag.colBackground.isValid(); });
 }
 
@@ -217,8 +221,21 @@ void CPlayerTaggingModel::Paint(SPlayerTag &tag, const QColor &color)
 
 void CPlayerTaggingModel::SetDefaultColors()
 {
+    setProperty(COLORED_PROPERTY, true);
     for (unsigned int index = 1; index < ulMaxPlayerTags; ++index)
-        Paint(m_aPlayerTags[index], QColor(QLatin1String(DEFAULTS[index].strColor)));
+        Paint(m_aPlayerTags[index], GetDefaultColor(index));
+}
+
+// What a model from before the first login hasn't got since.
+void CPlayerTaggingModel::AddMissingColors()
+{
+    if (property(COLORED_PROPERTY).toBool())
+        return;
+    setProperty(COLORED_PROPERTY, true);
+    for (unsigned int index = 1; index < ulMaxPlayerTags; ++index) {
+        if (!m_aPlayerTags[index].colBackground.isValid())
+            Paint(m_aPlayerTags[index], GetDefaultColor(index));
+    }
 }
 
 void CPlayerTaggingModel::ClearTexts()
@@ -246,25 +263,28 @@ bool CPlayerTaggingModel::LayOver(const QString &text)
     return true;
 }
 
-void CPlayerTaggingModel::LoginStateChanged(bool loggedIn)
+// Once the settings are the user's, who may have changed none of them.
+void CPlayerTaggingModel::FollowUser()
 {
-    if (!loggedIn)
-        setProperty(LOADED_PROPERTY, false);
-    else if (!property(LOADED_PROPERTY).toBool()) // else a setting has changed
+    const QString user = CUserInfo::GetInstance()->GetNickname();
+    if (user.isEmpty())
+        setProperty(USER_PROPERTY, QString());
+    else if (user == CSettings::GetInstance()->GetNickname() && user != property(USER_PROPERTY).toString())
         LoadOfUser();
 }
 
 // Nothing of a former user's tags is left under those of the next one.
 void CPlayerTaggingModel::LoadOfUser()
 {
+    const QString user = CSettings::GetInstance()->GetNickname();
     bool changed = false;
-    if (IsLoggedIn() && !property(LOADED_PROPERTY).toBool()) {
-        setProperty(LOADED_PROPERTY, true);
-        changed = HasColors();
+    if (user != property(USER_PROPERTY).toString()) {
+        setProperty(USER_PROPERTY, user);
+        changed = IsLoggedIn() && HasColors();
         if (changed)
             SetDefaultColors();
-        ClearTexts();
-        LayOver(GetStored(false));
+        if (IsLoggedIn())
+            ClearTexts();
     }
     if (LayOver(GetStored(true)) || changed)
         Q_EMIT signal_PlayerTagsChanged();

@@ -4,7 +4,6 @@
 #include <models/PlayerLists.h>
 #include <models/PlayerSaves_p.h>
 #include <settings/Config.h>
-#include <settings/LocalChanges_p.h>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -34,17 +33,12 @@ bool CUserInfo::IsLoggedIn() const
 
 void CUserInfo::SetLoggedIn(const QString &nickname)
 {
-    if (nickname != GetNickname()) {
-        CPlayerSaves::WriteAll(); // they are stored under the nickname
-        CLocalChanges::End();
-    }
-    if (nickname.isEmpty()) {
-        SetPlayerModel(nullptr);
-        SetLoginState(false);
-    } else {
-        SetPlayerModel(CPlayerLists::GetInstance()->GetPlayerModel(nickname));
-        SetLoginState(true);
-    }
+    if (nickname != GetNickname())
+        EndLogin();
+    CPlayerModel *model = nickname.isEmpty() ? nullptr : CPlayerLists::GetInstance()->GetPlayerModel(nickname);
+    SetPlayerModel(model);
+    if (GetPlayerModel() == model) // else a listener has logged in or out, and the state is its own
+        SetLoginState(model != nullptr);
 }
 
 QString CUserInfo::GetNickname() const
@@ -147,10 +141,18 @@ void CUserInfo::slot_ActivityTimeout()
 
 void CUserInfo::Reset()
 {
+    EndLogin();
     CUserInfoDataModel::Reset();
     m_hWaitingLists.clear();
     m_hTournaments.clear();
     RunActivityTimer(true);
+}
+
+// Of the shared object alone: what others pretend is nobody's login.
+void CUserInfo::EndLogin() const
+{
+    if (IsLoggedIn() && this == m_Instance.data())
+        CPlayerSaves::EndLogin();
 }
 
 // Starting a running timer begins its interval anew.

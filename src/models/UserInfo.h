@@ -101,6 +101,7 @@ private Q_SLOTS:
 
 private:
     void Reset() override;
+    void EndLogin() const;
     void RunActivityTimer(bool run);
 
     QTimer m_ActivityTimer; // runs as long as the user is active

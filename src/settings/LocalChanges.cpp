@@ -1,51 +1,90 @@
 #include "LocalChanges_p.h"
 
-#include <QSet>
+#include <QHash>
 
 namespace {
 
-QString notedUser;      // empty while nothing is noted
-QSet<QString> settings; // lower-case keys
-QSet<QString> players;
+using TNumbers = QHash<QString, quint64>;
 
-bool IsNoted(const QString &user)
+QString owner;
+quint64 last = 0;
+quint64 endedLogins = 0;
+TNumbers settings; // by lower-case keys
+TNumbers players;
+
+void Add(TNumbers &numbers, const QString &user, const QString &name)
 {
-    return !user.isEmpty() && user == notedUser;
+    if (user.isEmpty())
+        return;
+    if (user != owner) {
+        owner = user;
+        settings.clear();
+        players.clear();
+    }
+    numbers.insert(name, ++last);
+}
+
+bool IsLater(const TNumbers &numbers, const QString &user, const QString &name, quint64 number)
+{
+    return user == owner && numbers.value(name) > number;
+}
+
+QStringList GetLater(const TNumbers &numbers, const QString &user, quint64 number)
+{
+    QStringList names;
+    for (auto entry = numbers.cbegin(); user == owner && entry != numbers.cend(); ++entry) {
+        if (entry.value() > number)
+            names.append(entry.key());
+    }
+    return names;
 }
 
 } // namespace
 
-void CLocalChanges::Begin(const QString &user)
-{
-    End();
-    notedUser = user;
-}
-
-void CLocalChanges::End()
-{
-    notedUser.clear();
-    settings.clear();
-    players.clear();
-}
-
 void CLocalChanges::AddSetting(const QString &user, const QString &key)
 {
-    if (IsNoted(user))
-        settings.insert(key.toLower());
+    Add(settings, user, key.toLower());
 }
 
 void CLocalChanges::AddPlayer(const QString &user, const QString &nickname)
 {
-    if (IsNoted(user))
-        players.insert(nickname);
+    Add(players, user, nickname);
 }
 
-bool CLocalChanges::HasSetting(const QString &user, const QString &key)
+quint64 CLocalChanges::GetLast()
 {
-    return IsNoted(user) && settings.contains(key.toLower());
+    return last;
 }
 
-bool CLocalChanges::HasPlayer(const QString &user, const QString &nickname)
+bool CLocalChanges::IsSettingLater(const QString &user, const QString &key, quint64 number)
 {
-    return IsNoted(user) && players.contains(nickname);
+    return IsLater(settings, user, key.toLower(), number);
+}
+
+bool CLocalChanges::IsPlayerLater(const QString &user, const QString &nickname, quint64 number)
+{
+    return IsLater(players, user, nickname, number);
+}
+
+QStringList CLocalChanges::GetLaterSettings(const QString &user, quint64 number)
+{
+    return GetLater(settings, user, number);
+}
+
+QStringList CLocalChanges::GetLaterPlayers(const QString &user, quint64 number)
+{
+    return GetLater(players, user, number);
+}
+
+quint64 CLocalChanges::GetEndedLogins()
+{
+    return endedLogins;
+}
+
+void CLocalChanges::Forget()
+{
+    ++endedLogins;
+    owner.clear();
+    settings.clear();
+    players.clear();
 }

@@ -10,6 +10,8 @@
 #include <settings/SettingsSync.h>
 #include <time/CasinoTime.h>
 
+#include <QHash>
+#include <QSet>
 #include <QVector>
 
 #include <algorithm>
@@ -37,7 +39,12 @@ struct SLoaded
     unsigned int ulFlags;
     unsigned char ucRating;
     unsigned int ulCustomAvatar;
+    unsigned int ulTimestamp;
 };
+
+// The columns that are written, in the order of CSaver::GetRow(): user and player first, the time last.
+const QStringList SAVED_COLUMNS{COLUMN_USER,  COLUMN_PLAYER, COLUMN_NOTE,   COLUMN_TAG,
+                                COLUMN_FLAGS, COLUMN_RATING, COLUMN_AVATAR, COLUMN_TIMESTAMP};
 
 QString GetUser()
 {
@@ -49,17 +56,19 @@ unsigned int ToNumber(const QVariant &stored)
     return static_cast<unsigned int>(stored.toLongLong());
 }
 
-// A buddy of an earlier run is one by the list alone.
-bool IsBuddy(const CPlayerModel &model)
+using TBuddies = QSet<const CPlayerModel *>;
+
+TBuddies GetBuddies()
 {
     const QList<CPlayerModel *> &buddies = *CPlayerLists::GetInstance()->GetBuddyList();
-    return model.GetBuddy() || std::find(buddies.cbegin(), buddies.cend(), &model) != buddies.cend();
+    return TBuddies(buddies.cbegin(), buddies.cend());
 }
 
-unsigned int GetFlags(const CPlayerModel &model)
+// A buddy of an earlier run is one by the list alone.
+unsigned int GetFlags(const CPlayerModel &model, const TBuddies &buddies)
 {
-    return (IsBuddy(model) ? FLAG_BUDDY : 0U) | (model.GetBuddyBlocked() ? FLAG_BUDDY_BLOCKED : 0U) |
-           (model.GetChatBlock() ? FLAG_CHAT_BLOCKED : 0U);
+    return (model.GetBuddy() || buddies.contains(&model) ? FLAG_BUDDY : 0U) |
+           (model.GetBuddyBlocked() ? FLAG_BUDDY_BLOCKED : 0U) | (model.GetChatBlock() ? FLAG_CHAT_BLOCKED : 0U);
 }
 
 bool IsOpen()
@@ -69,7 +78,7 @@ bool IsOpen()
 
 // INSERT, or where the user has a row of the player already, UPDATE; the values are bound in the order of the
 // columns, the first two of which are the key.
-QSqlQuery PrepareUpsert(const QStringList &columns)
+QSqlQuery PrepareUpsert(const QStringList &columns, bool notOlder = false)
 {
     if (!IsOpen())
         return QSqlQuery();
@@ -79,12 +88,48 @@ QSqlQuery PrepareUpsert(const QStringList &columns)
         values.append(QStringLiteral("?"));
         updates.append(column + QLatin1String(" = excluded.") + column);
     }
+    QString sql =
+        QStringLiteral("INSERT INTO %1 (%2) VALUES (%3) ON CONFLICT (%4, %5) DO UPDATE SET %6")
+            .arg(CPlayerInfoDB::strTableNameInfo, columns.join(QLatin1Char(',')), values.join(QLatin1Char(',')),
+                 COLUMN_USER, COLUMN_PLAYER, updates.mid(2).join(QLatin1Char(',')));
+    if (notOlder)
+        sql += QStringLiteral(" WHERE excluded.%1 = 0 OR excluded.%1 >= ifnull(%2.%1, 0)")
+                   .arg(COLUMN_TIMESTAMP, CPlayerInfoDB::strTableNameInfo);
     QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
-    query.prepare(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3) ON CONFLICT (%4, %5) DO UPDATE SET %6")
-                      .arg(CPlayerInfoDB::strTableNameInfo, columns.join(QLatin1Char(',')),
-                           values.join(QLatin1Char(',')), COLUMN_USER, COLUMN_PLAYER,
-                           updates.mid(2).join(QLatin1Char(','))));
+    query.prepare(sql);
     return query;
+}
+
+SLoaded ToLoaded(const QVariantList &saved)
+{
+    return {saved.at(1).toString(),
+            saved.at(2).toString(),
+            ToNumber(saved.at(3)),
+            ToNumber(saved.at(4)),
+            static_cast<unsigned char>(ToNumber(saved.at(5))),
+            ToNumber(saved.at(6)),
+            ToNumber(saved.at(7))};
+}
+
+// Over what is stored, what a locked file or a full disk has kept from being stored.
+void LayKeptOver(QVector<SLoaded> &rows, const QString &user)
+{
+    const QList<QVariantList> kept = CPlayerSaves::GetKept(user);
+    if (kept.isEmpty())
+        return;
+    QHash<QString, int> places;
+    for (int place = 0; place < rows.size(); ++place)
+        places.insert(rows.at(place).strPlayer, place);
+    for (const QVariantList &saved : kept) {
+        const SLoaded row = ToLoaded(saved);
+        const auto place = places.constFind(row.strPlayer);
+        if (place == places.cend()) {
+            places.insert(row.strPlayer, rows.size());
+            rows.append(row);
+        } else if (row.ulTimestamp == 0 || row.ulTimestamp >= rows.at(*place).ulTimestamp) {
+            rows[*place] = row;
+        }
+    }
 }
 
 QVector<SLoaded> ReadRows(const QString &user)
@@ -93,7 +138,7 @@ QVector<SLoaded> ReadRows(const QString &user)
         return {};
     QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
     query.prepare(QLatin1String("SELECT PIN_cPlayer, PIN_cNote, PIN_iTagID, PIN_iPlayerFlags, PIN_iRating,"
-                                " PIN_iCustomAvatar FROM ") +
+                                " PIN_iCustomAvatar, PIN_iTimestamp FROM ") +
                   CPlayerInfoDB::strTableNameInfo + QLatin1String(" WHERE PIN_cUser = ?"));
     query.addBindValue(BoundText::ToBind(user));
     QVector<SLoaded> rows;
@@ -101,41 +146,90 @@ QVector<SLoaded> ReadRows(const QString &user)
     while (query.next()) {
         rows.append({query.value(0).toString(), query.value(1).toString(), ToNumber(query.value(2)),
                      ToNumber(query.value(3)), static_cast<unsigned char>(ToNumber(query.value(4))),
-                     ToNumber(query.value(5))});
+                     ToNumber(query.value(5)), ToNumber(query.value(6))});
     }
+    LayKeptOver(rows, user);
     return rows;
+}
+
+// The own picture is a setting, which follows the user; the row's is of this machine.
+unsigned int GetAvatar(const SLoaded &row, const QString &user)
+{
+    return row.strPlayer == user ? static_cast<unsigned int>(CSettings::GetInstance()->GetCustomCurrent())
+                                 : row.ulCustomAvatar;
+}
+
+void Apply(CPlayerModel *model, const SLoaded &row, unsigned int avatar, unsigned char rating)
+{
+    model->SetLoadedInfo(row.strNote, row.ulTagID, avatar, rating, (row.ulFlags & FLAG_BUDDY_BLOCKED) != 0,
+                         (row.ulFlags & FLAG_CHAT_BLOCKED) != 0);
+}
+
+// Calls the operation with each row. All were read before the first is applied: whoever hears of a change may write
+// to the same table.
+template <typename Operation>
+void ForRows(const QVector<SLoaded> &rows, const QString &user, const Operation &apply)
+{
+    for (const SLoaded &row : rows) {
+        apply(row, CPlayerModel::GetInstance(row.strPlayer));
+        if (GetUser() != user)
+            break; // whoever heard of it has ended the login; the rest is nobody's
+    }
+}
+
+// Takes those off whose rows say that they are none. Whoever is left is answered.
+QSet<CPlayerModel *> KeepBuddies(const QVector<SLoaded> &rows)
+{
+    QList<CPlayerModel *> *buddies = CPlayerLists::GetInstance()->GetBuddyList();
+    if (buddies->isEmpty())
+        return {};
+    QSet<CPlayerModel *> leaving;
+    for (const SLoaded &row : rows) {
+        if ((row.ulFlags & FLAG_BUDDY) == 0 && CPlayerModel::IsExisting(row.strPlayer))
+            leaving.insert(CPlayerModel::GetInstance(row.strPlayer));
+    }
+    buddies->erase(std::remove_if(buddies->begin(), buddies->end(),
+                                  [&leaving](CPlayerModel *buddy) { return leaving.contains(buddy); }),
+                   buddies->end());
+    return QSet<CPlayerModel *>(buddies->cbegin(), buddies->cend());
 }
 
 } // namespace
 
 bool PlayerInfo::LoadInfo()
 {
-    return LoadRows(false);
-}
-
-// All rows are read before the first is applied: whoever hears of a change may write to the same table.
-bool PlayerInfo::LoadRows(bool keepChanges)
-{
     const QString user = GetUser();
     if (user.isEmpty())
         return false;
     const QVector<SLoaded> rows = ReadRows(user);
-    for (const SLoaded &row : rows) {
-        if (keepChanges && CLocalChanges::HasPlayer(user, row.strPlayer))
-            continue; // the model is ahead of its row
-        CPlayerModel *model = CPlayerModel::GetInstance(row.strPlayer);
+    ForRows(rows, user, [&user](const SLoaded &row, CPlayerModel *model) {
         if ((row.ulFlags & FLAG_BUDDY) != 0)
             CPlayerLists::GetInstance()->AddToBuddyList(model);
-        // The own picture is a setting, which follows the user; the row's is of this machine.
-        const unsigned int avatar = row.strPlayer == user
-                                        ? static_cast<unsigned int>(CSettings::GetInstance()->GetCustomCurrent())
-                                        : row.ulCustomAvatar;
-        model->SetLoadedInfo(row.strNote, row.ulTagID, avatar, row.ucRating, (row.ulFlags & FLAG_BUDDY_BLOCKED) != 0,
-                             (row.ulFlags & FLAG_CHAT_BLOCKED) != 0);
-        if (GetUser() != user)
-            break; // whoever heard of it has ended the login; the rest is nobody's
-    }
+        Apply(model, row, GetAvatar(row, user), row.ucRating);
+    });
     return !rows.isEmpty();
+}
+
+void PlayerInfo::LoadAnswered(quint64 known)
+{
+    const QString user = GetUser();
+    QVector<SLoaded> rows = ReadRows(user);
+    // The models are ahead of the rows that the user has changed since.
+    rows.erase(std::remove_if(rows.begin(), rows.end(),
+                              [&user, known](const SLoaded &row) {
+                                  return CLocalChanges::IsPlayerLater(user, row.strPlayer, known);
+                              }),
+               rows.end());
+    const QSet<CPlayerModel *> listed = KeepBuddies(rows);
+    ForRows(rows, user, [&user, &listed](const SLoaded &row, CPlayerModel *model) {
+        if ((row.ulFlags & FLAG_BUDDY) == 0)
+            CPlayerSaves::LoadNoBuddy(model);
+        else if (!listed.contains(model))
+            CPlayerLists::GetInstance()->AddToBuddyList(model);
+        const bool waits = CPlayerSaves::IsWaiting(*model);
+        Apply(model, row, waits ? model->GetCustomAvatar() : GetAvatar(row, user),
+              waits ? model->GetRating() : row.ucRating);
+    });
 }
 
 bool PlayerInfo::SaveInfo(const QString &nickname)
@@ -153,7 +247,7 @@ bool PlayerInfo::UpdateRow(const QString &player, const CPlayerModel &model)
 {
     return CPlayerInfoDB::GetInstance()->Update(CPlayerInfoDB::strTableNameInfo,
                                                 {{COLUMN_NOTE, model.GetNotes()},
-                                                 {COLUMN_FLAGS, GetFlags(model)},
+                                                 {COLUMN_FLAGS, GetFlags(model, GetBuddies())},
                                                  {COLUMN_RATING, model.GetRating()},
                                                  {COLUMN_AVATAR, model.GetCustomAvatar()}},
                                                 {{COLUMN_USER, GetUser()}, {COLUMN_PLAYER, player}});
@@ -190,29 +284,33 @@ bool PlayerInfo::InsertPlayerInfo(const PlayerInfo::SPlayerInfoSyncElement &elem
     return CInserter().Insert(element);
 }
 
-PlayerInfo::CSaver::CSaver()
-    : m_query(PrepareUpsert({COLUMN_USER, COLUMN_PLAYER, COLUMN_NOTE, COLUMN_TAG, COLUMN_FLAGS, COLUMN_RATING,
-                             COLUMN_AVATAR, COLUMN_TIMESTAMP}))
+PlayerInfo::CSaver::CSaver(ERows rows)
+    : m_query(PrepareUpsert(SAVED_COLUMNS, rows == NotOlder))
+    , m_buddies(GetBuddies())
 {
 }
 
 bool PlayerInfo::CSaver::Save(const CPlayerModel &model)
 {
-    const QVariantList row = GetRow(model);
+    return SaveOf(GetUser(), model);
+}
+
+bool PlayerInfo::CSaver::SaveOf(const QString &user, const CPlayerModel &model)
+{
+    const QVariantList row = GetRow(user, model);
     return !row.isEmpty() && Write(row);
 }
 
-QVariantList PlayerInfo::CSaver::GetRow(const CPlayerModel &model)
+QVariantList PlayerInfo::CSaver::GetRow(const QString &user, const CPlayerModel &model) const
 {
-    const QString user = GetUser();
     const QString player = CPlayerSaves::GetKey(model);
     if (user.isEmpty() || player.isEmpty())
         return {};
-    return {BoundText::ToBind(user),
-            BoundText::ToBind(player),
-            BoundText::ToBind(model.GetNotes()),
+    return {user,
+            player,
+            model.GetNotes(),
             model.GetTagID(),
-            GetFlags(model),
+            GetFlags(model, m_buddies),
             model.GetRating(),
             model.GetCustomAvatar(),
             CCasinoTime::GetInstance()->GetTimeUTCServer()};
@@ -220,8 +318,10 @@ QVariantList PlayerInfo::CSaver::GetRow(const CPlayerModel &model)
 
 bool PlayerInfo::CSaver::Write(const QVariantList &row)
 {
-    for (int column = 0; column < row.size(); ++column)
-        m_query.bindValue(column, row.at(column));
+    for (int column = 0; column < row.size(); ++column) {
+        const QVariant &value = row.at(column);
+        m_query.bindValue(column, value.type() == QVariant::String ? BoundText::ToBind(value.toString()) : value);
+    }
     const bool written = IsOpen() && m_query.exec();
     CSettingsSync::GetInstance()->StartSyncTimer();
     return written;

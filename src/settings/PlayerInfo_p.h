@@ -2,6 +2,7 @@
 
 #include <settings/PlayerInfo.h>
 
+#include <QSet>
 #include <QSqlQuery>
 #include <QVariantList>
 
@@ -9,8 +10,9 @@ class CPlayerModel;
 
 namespace PlayerInfo {
 
-/// LoadInfo(), which with \a keepChanges leaves the models alone that CLocalChanges holds.
-bool LoadRows(bool keepChanges);
+/// LoadInfo() after an answer of the server: what the user has changed since the change of that number stays, and so
+/// do ratings and pictures that wait to be stored. The buddy list becomes what the rows say.
+void LoadAnswered(quint64 known);
 
 /// UpdateInfo() of a model that is at hand, under the nickname \a player.
 bool UpdateRow(const QString &player, const CPlayerModel &model);
@@ -21,17 +23,25 @@ bool UpdateRow(const QString &player, const CPlayerModel &model);
 class CSaver
 {
 public:
-    CSaver();
+    enum ERows {
+        All,
+        NotOlder, ///< Than the stored ones; a row whose time isn't known is none.
+    };
+
+    explicit CSaver(ERows rows = All);
 
     /// Writes the row of a model of the table, under the nickname by which the table knows it. False for any other
     /// model, and while nobody is logged in.
     bool Save(const CPlayerModel &model);
-    /// What Save() would write now, with the user, in the order of the columns; empty if nothing.
-    static QVariantList GetRow(const CPlayerModel &model);
+    /// The same for a user who needn't be logged in any more.
+    bool SaveOf(const QString &user, const CPlayerModel &model);
+    /// What SaveOf() would write now, in the order of the columns, user and player first; empty if nothing.
+    QVariantList GetRow(const QString &user, const CPlayerModel &model) const;
     bool Write(const QVariantList &row);
 
 private:
     QSqlQuery m_query;
+    QSet<const CPlayerModel *> m_buddies;
 };
 
 class CInserter

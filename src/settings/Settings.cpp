@@ -1,6 +1,8 @@
 #include "Settings.h"
 
 #include <Singleton_p.h>
+#include <database/BoundText_p.h>
+#include <database/BusyWait_p.h>
 #include <database/SettingsDB.h>
 #include <models/UserInfo.h>
 #include <settings/Config.h>
@@ -12,14 +14,17 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QScopedValueRollback>
+#include <QSet>
+
+#include <algorithm>
+#include <optional>
 
 PLUGININTERFACE_DEFINE_SINGLETON(CSettings);
 
 namespace {
 
 constexpr int SAVE_DELAY_MS = 250;
-// A locked file holds each attempt up for as long as SQLite waits.
-constexpr int HINDERED_DELAY_MS = 5000;
 
 const QString COLUMN_USER = QStringLiteral("URS_cUser");
 const QString COLUMN_AREA = QStringLiteral("URS_cArea");
@@ -44,20 +49,26 @@ CSettings::CSettings()
     connect(&m_SaveTimer, &QTimer::timeout, this, [this] { slot_SaveSettings(); });
     const CUserInfo *user = CUserInfo::GetInstance();
     connect(user, &CUserInfo::signal_LoginStateChanged, this, &CSettings::slot_LoginStateChanged);
+    connect(user, &CUserInfo::signal_PlayerModelChanged, this, &CSettings::FollowOwnPlayer);
     SetAvatarDisplayMode(user->GetAvatarDisplayModes().first(), nullptr, false);
     slot_LoginStateChanged();
+    FollowOwnPlayer(user->GetPlayerModel());
 }
 
 void CSettings::Save(const QString &user, const QString &area, const QString &key, const QVariant &value,
                      qint64 timestamp)
 {
-    m_lstPending.append({user, area, key, value, timestamp});
+    const bool changes =
+        timestamp < 0 && !user.isEmpty() && !m_bLoading && (IsChanged() || !IsStored(user, area, key, value));
+    if (changes)
+        CLocalChanges::AddSetting(user, key);
+    const qint64 time = timestamp >= 0 ? timestamp : changes ? SettingsRows::CHANGE : SettingsRows::STORED_AGAIN;
+    m_lstPending.append({user, area, key, value, time});
     // A user's row of a setting that is the installation's can only come from the server, and is for no one else.
     if (!user.isEmpty() && !IsGlobal(key))
-        m_lstPending.append({QString(), area, key, value, timestamp});
-    if (timestamp < 0)
-        CLocalChanges::AddSetting(user, key);
-    m_SaveTimer.start(SAVE_DELAY_MS);
+        m_lstPending.append({QString(), area, key, value, time});
+    if (m_iPauseMs == 0)
+        m_SaveTimer.start(SAVE_DELAY_MS);
 }
 
 unsigned int CSettings::GetLastTimestamp(const QString &user)
@@ -120,13 +131,21 @@ void CSettings::slot_SaveSettings(bool force)
     if (m_lstPending.isEmpty())
         return;
     const unsigned int now = CCasinoTime::GetInstance()->GetTimeUTCServer();
-    if (now == 0 && !force)
+    if (now == 0 && !force) {
         m_SaveTimer.start(SAVE_DELAY_MS);
-    else if (!SettingsRows::Write(*CSettingsDB::GetInstance(), m_lstPending, now))
-        m_SaveTimer.start(HINDERED_DELAY_MS); // the rows stay, and those that follow join them
-    else {
+        return;
+    }
+    CSettingsDB *database = CSettingsDB::GetInstance();
+    std::optional<CBusyWait> wait;
+    if (!force)
+        wait.emplace(*database, CBusyWait::RETRY_MS);
+    if (SettingsRows::Write(*database, m_lstPending, now)) {
+        m_iPauseMs = 0;
         m_lstPending.clear();
         CSettingsSync::GetInstance()->StartSyncTimer();
+    } else {
+        m_iPauseMs = CBusyWait::GetNextPause(m_iPauseMs);
+        m_SaveTimer.start(m_iPauseMs); // the rows stay, and those that follow join them
     }
 }
 
@@ -139,7 +158,92 @@ void CSettings::slot_LoginStateChanged()
     SetUsername(user->GetUsername());
     SetPwd(user->GetPasswordHashed());
     const QString &nickname = GetNickname();
+    const QScopedValueRollback<bool> loading(m_bLoading, true);
     SetSettings(GetValues(QString()), nickname.isEmpty() ? QHash<QString, QVariant>() : GetValues(nickname), true);
+}
+
+// The own player may end while the login state stays, and the next one comes without a change of it.
+void CSettings::FollowOwnPlayer(const CPlayerModel *player)
+{
+    disconnect(m_ownPlayerEnds);
+    if (!player)
+        return;
+    m_ownPlayerEnds = connect(player, &QObject::destroyed, this, [this] {
+        if (m_Instance == this && CUserInfo::IsExisting()) // else all comes to its end
+            slot_LoginStateChanged();
+    });
+    const CUserInfo *user = CUserInfo::GetInstance();
+    if (user->GetLoginState() && user->GetNickname() != GetNickname())
+        slot_LoginStateChanged();
+}
+
+// Whether the value is that of the user's row, or will be; also where there is none, or it can't be read just now.
+bool CSettings::IsStored(const QString &user, const QString &area, const QString &key, const QVariant &value) const
+{
+    const auto isRow = [&](const SSetting &setting) {
+        return setting.strUser == user && setting.strKey == key && setting.strArea == area;
+    };
+    const auto pending = std::find_if(m_lstPending.crbegin(), m_lstPending.crend(), isRow);
+    if (pending != m_lstPending.crend())
+        return pending->vValue.toString() == value.toString();
+    CSettingsDB *database = CSettingsDB::GetInstance();
+    const CBusyWait wait(*database, CBusyWait::RETRY_MS);
+    QHash<QString, QVariant> row;
+    return !database->SelectOne(
+               row, CSettingsDB::strTableName, {COLUMN_VALUE},
+               {{COLUMN_USER, user.toLower()}, {COLUMN_AREA, area.toLower()}, {COLUMN_KEY, key.toLower()}}) ||
+           row.value(COLUMN_VALUE).toString() == BoundText::Stored(value.toString());
+}
+
+bool CSettings::HasUnwrittenChange(const QString &key) const
+{
+    return std::any_of(m_lstPending.cbegin(), m_lstPending.cend(), [this, &key](const SSetting &setting) {
+        return setting.iTimestamp == SettingsRows::CHANGE && setting.strUser == GetNickname() &&
+               setting.strKey.compare(key, Qt::CaseInsensitive) == 0;
+    });
+}
+
+// The times of the rows tell nothing of them.
+void CSettings::NumberUnwrittenChanges() const
+{
+    for (const SSetting &setting : m_lstPending) {
+        if (setting.iTimestamp == SettingsRows::CHANGE && setting.strUser == GetNickname())
+            CLocalChanges::AddSetting(setting.strUser, setting.strKey);
+    }
+}
+
+// Whether the user has changed the setting since the change of that number, so that the server's row isn't applied.
+bool CSettings::YieldsToChange(const SSetting &fromServer, quint64 known)
+{
+    if (!CLocalChanges::IsSettingLater(fromServer.strUser, fromServer.strKey, known))
+        return false;
+    if (HasUnwrittenChange(fromServer.strKey)) {
+        // The server's value goes before it, so that the change differs from it, and is stamped and sent.
+        m_lstPending.prepend(fromServer);
+        return true;
+    }
+    // A change that left the row as it was, for the value had been tried without being stored, has no later time.
+    QHash<QString, QVariant> row;
+    CSettingsDB::GetInstance()->SelectOne(
+        row, CSettingsDB::strTableName, {COLUMN_TIMESTAMP},
+        {{COLUMN_USER, fromServer.strUser.toLower()}, {COLUMN_KEY, fromServer.strKey.toLower()}});
+    return row.value(COLUMN_TIMESTAMP).toLongLong() >= fromServer.iTimestamp;
+}
+
+// Of the user's settings: those whose rows are older than that would never be sent.
+void CSettings::StampAnew(const QStringList &keys, qint64 notOlder)
+{
+    if (keys.isEmpty())
+        return;
+    const QSet<QString> wanted(keys.cbegin(), keys.cend());
+    const QList<SSetting> stored = GetSettingList(GetNickname());
+    for (const SSetting &setting : stored) {
+        if (setting.iTimestamp < notOlder && wanted.contains(setting.strKey) && !HasUnwrittenChange(setting.strKey))
+            m_lstPending.append(
+                {GetNickname(), setting.strArea, setting.strKey, setting.vValue, SettingsRows::STAMPED_ANEW});
+    }
+    if (!m_lstPending.isEmpty() && m_iPauseMs == 0)
+        m_SaveTimer.start(SAVE_DELAY_MS);
 }
 
 // What is stored, and over it what a locked file or a full disk has kept from being stored.

@@ -152,6 +152,11 @@ void CSettingsBase::SetSettings(QHash<QString, QVariant> globals, QHash<QString,
     }
 }
 
+bool CSettingsBase::IsChanged() const
+{
+    return m_bChanged;
+}
+
 bool CSettingsBase::IsGlobal(const QString &key)
 {
     QString subKey;
@@ -187,43 +192,50 @@ const CSettingsBase::SEntry *CSettingsBase::FindEntry(const QString &key)
     return entry == entries.constEnd() ? nullptr : &*entry;
 }
 
+// Whether the value differs, and the user is still the one whose change it is: a listener may log out.
 template <typename Type>
-void CSettingsBase::Assign(Type &member, const Type &value, const QObject *sender, void (CSettingsBase::*signal)())
+bool CSettingsBase::Assign(Type &member, const Type &value, const QObject *sender, void (CSettingsBase::*signal)())
 {
     m_pCaller = sender;
-    if (member != value) {
+    const QString user = m_strNickname;
+    const bool differs = member != value;
+    if (differs) {
         member = value;
         Q_EMIT(this->*signal)();
     }
     m_pCaller = nullptr;
+    return differs && user == m_strNickname;
 }
 
 #define SETTINGS_USER(scope) (scope == Global ? QString() : m_strNickname)
 #define SETTINGS_SETTER(Type, Name, key, area, scope, defaultValue)                                          \
     void CSettingsBase::Set##Name(TValue<Type> value, const QObject *sender, bool save)                      \
     {                                                                                                        \
-        Assign<Type>(m_##Name, value, sender, &CSettingsBase::signal_##Name##Changed);                       \
+        m_bChanged = Assign<Type>(m_##Name, value, sender, &CSettingsBase::signal_##Name##Changed);          \
         if (save)                                                                                            \
             Save(SETTINGS_USER(scope), QStringLiteral(#area), QStringLiteral(#key), QVariant(m_##Name), -1); \
+        m_bChanged = false;                                                                                  \
     }
 // The whole hash is assigned, never stored.
-#define SETTINGS_KEYED_SETTER(Type, Name, key, area, scope, defaultValue)                                     \
-    void CSettingsBase::Set##Name(const Type &value, const QObject *sender, bool)                             \
-    {                                                                                                         \
-        Assign<Type>(m_##Name, value, sender, &CSettingsBase::signal_##Name##Changed);                        \
-    }                                                                                                         \
-    auto CSettingsBase::Get##Name##ByKey(const QString &subKey)->Type::mapped_type                            \
-    {                                                                                                         \
-        return m_##Name[subKey.toLower()];                                                                    \
-    }                                                                                                         \
-    void CSettingsBase::Set##Name##ByKey(const QString &subKey, TValue<Type::mapped_type> value,              \
-                                         const QObject *sender, bool save)                                    \
-    {                                                                                                         \
-        const QString lowerKey = subKey.toLower();                                                            \
-        Assign<Type::mapped_type>(m_##Name[lowerKey], value, sender, &CSettingsBase::signal_##Name##Changed); \
-        if (save)                                                                                             \
-            Save(SETTINGS_USER(scope), QStringLiteral(#area), ToStoredKey(QStringLiteral(#key), lowerKey),    \
-                 QVariant(m_##Name[lowerKey]), -1);                                                           \
+#define SETTINGS_KEYED_SETTER(Type, Name, key, area, scope, defaultValue)                                         \
+    void CSettingsBase::Set##Name(const Type &value, const QObject *sender, bool)                                 \
+    {                                                                                                             \
+        Assign<Type>(m_##Name, value, sender, &CSettingsBase::signal_##Name##Changed);                            \
+    }                                                                                                             \
+    auto CSettingsBase::Get##Name##ByKey(const QString &subKey)->Type::mapped_type                                \
+    {                                                                                                             \
+        return m_##Name[subKey.toLower()];                                                                        \
+    }                                                                                                             \
+    void CSettingsBase::Set##Name##ByKey(const QString &subKey, TValue<Type::mapped_type> value,                  \
+                                         const QObject *sender, bool save)                                        \
+    {                                                                                                             \
+        const QString lowerKey = subKey.toLower();                                                                \
+        m_bChanged =                                                                                              \
+            Assign<Type::mapped_type>(m_##Name[lowerKey], value, sender, &CSettingsBase::signal_##Name##Changed); \
+        if (save)                                                                                                 \
+            Save(SETTINGS_USER(scope), QStringLiteral(#area), ToStoredKey(QStringLiteral(#key), lowerKey),        \
+                 QVariant(m_##Name[lowerKey]), -1);                                                               \
+        m_bChanged = false;                                                                                       \
     }
 SETTINGS_TABLE(SETTINGS_SETTER, SETTINGS_KEYED_SETTER)
 #undef SETTINGS_SETTER

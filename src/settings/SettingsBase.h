@@ -103,6 +103,8 @@ public:
     void Reset();
 
 protected:
+    /// For Save(): whether the setter that calls it has found another value than before.
+    bool IsChanged() const;
     /// Whether the key, with its sub-key and in any case, is that of a setting of scope Global.
     static bool IsGlobal(const QString &key);
 
@@ -116,7 +118,7 @@ private:
 
     static const SEntry *FindEntry(const QString &key);
     template <typename Type>
-    void Assign(Type &member, const Type &value, const QObject *sender, void (CSettingsBase::*signal)());
+    bool Assign(Type &member, const Type &value, const QObject *sender, void (CSettingsBase::*signal)());
 
     QString m_strNickname;
     QString m_strUsername;
@@ -126,4 +128,6 @@ private:
 #define SETTINGS_MEMBER(Type, Name, key, area, scope, defaultValue) Type m_##Name{};
     SETTINGS_TABLE(SETTINGS_MEMBER, SETTINGS_MEMBER)
 #undef SETTINGS_MEMBER
+    // After the settings, whose places plugins know from the getters: by the setter that stores its value just now.
+    bool m_bChanged = false;
 };

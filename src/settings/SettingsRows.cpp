@@ -63,8 +63,10 @@ bool Merge(QHash<TRowKey, SRow> &merged, CSettingsDB &database, const QList<CSet
         auto row = merged.find(key);
         if (row == merged.end())
             row = merged.insert(key, ReadRow(select, key));
+        if (row->bExists && setting.iTimestamp == SettingsRows::STORED_AGAIN && !setting.strUser.isEmpty())
+            continue;
         const QString value = BoundText::Stored(setting.vValue.toString());
-        if (!row->bExists || row->strValue != value)
+        if (!row->bExists || row->strValue != value || setting.iTimestamp == SettingsRows::STAMPED_ANEW)
             *row = {true, true, value, setting.iTimestamp < 0 ? now : setting.iTimestamp};
     }
     return !IsHindered(select);

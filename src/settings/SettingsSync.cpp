@@ -1,8 +1,8 @@
 #include "SettingsSync.h"
 
 #include <Singleton_p.h>
+#include <database/BusyWait_p.h>
 #include <database/PlayerInfoDB.h>
-#include <database/SettingsDB.h>
 #include <database/Transaction_p.h>
 #include <models/PlayerSaves_p.h>
 #include <models/UserInfo.h>
@@ -15,12 +15,20 @@
 #include <QJsonDocument>
 #include <QVariantMap>
 
+#include <limits>
+
 PLUGININTERFACE_DEFINE_SINGLETON(CSettingsSync);
 
 namespace {
 
 constexpr int SESSION_LENGTH_IN_ADDRESS = 32;
-const char USER_PROPERTY[] = "user"; // of a request: who was logged in when it went out
+// Of a request: who was logged in when it went out, and the last change that its times tell of.
+const char USER_PROPERTY[] = "user";
+const char KNOWN_PROPERTY[] = "known";
+const char LOGIN_PROPERTY[] = "login"; // which, as the same user may have come back
+
+// No exchange is under way that a change could belong to.
+constexpr quint64 ALL_CHANGES = std::numeric_limits<quint64>::max();
 
 const QLatin1String QUERY("?session=%SESSION%&playerinfos=%PINF%&usersettings=%URS%");
 const QLatin1String SESSION_MARKER("%SESSION%");
@@ -68,6 +76,7 @@ unsigned int ToTime(const QJsonValue &value)
 } // namespace
 
 CSettingsSync::CSettingsSync()
+    : m_ulKnownChange(ALL_CHANGES)
 {
     m_SyncTimer.setSingleShot(true);
     m_SyncTimer.setInterval(ul_SYNC_TIMER);
@@ -78,9 +87,7 @@ void CSettingsSync::InitiateSync()
 {
     if (!CUserInfo::GetInstance()->IsLoggedIn())
         return;
-    // The server is to know of all that was changed until now; what changes from now on, it can't.
-    CLocalChanges::Begin(GetUser());
-    CPlayerSaves::WriteChanges();
+    m_ulKnownChange = 0; // from now on they are counted
     GetLocalTimestamps();
     Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncFetch);
 }
@@ -117,6 +124,13 @@ void CSettingsSync::GetLocalTimestamps()
     const QString user = GetUser();
     m_ulLocalSettingsTime = CSettings::GetLastTimestamp(user);
     m_ulLocalPlayerInfoTime = PlayerInfo::GetLastTimestamp(user);
+    if (m_ulKnownChange != ALL_CHANGES) {
+        m_ulKnownChange = CLocalChanges::GetLast();
+        // What isn't written yet counts as changed after it.
+        if (CSettings::IsExisting())
+            CSettings::GetInstance()->NumberUnwrittenChanges();
+        CPlayerSaves::NumberUnwrittenChanges();
+    }
     if (user.isEmpty() || user == m_strUser)
         return;
     // How far the server is with another user says nothing of this one.
@@ -135,11 +149,17 @@ void CSettingsSync::InitialWebRequest(QString session)
     address.replace(PLAYER_INFOS_MARKER, QString::number(m_ulLocalPlayerInfoTime));
     address.replace(SETTINGS_MARKER, QString::number(m_ulLocalSettingsTime));
     CDownload *request = CreateRequest(address, QByteArray());
+    request->setProperty(KNOWN_PROPERTY, m_ulKnownChange);
     connect(request, &CDownload::signal_Finished, this, &CSettingsSync::slot_IntialWebRequestFinished);
     request->Start();
 }
 
 void CSettingsSync::ReadJSON(QByteArray data)
+{
+    TakeAnswer(data, m_ulKnownChange);
+}
+
+void CSettingsSync::TakeAnswer(const QByteArray &data, quint64 known)
 {
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(data, &error);
@@ -151,12 +171,14 @@ void CSettingsSync::ReadJSON(QByteArray data)
     const auto settings = answer.constFind(JSON_SETTINGS);
     const auto infos = answer.constFind(JSON_PLAYER_INFOS);
     if (settings != answer.constEnd())
-        TakeSettings(nickname, settings->toArray());
-    if (infos != answer.constEnd())
-        TakePlayerInfos(nickname, infos->toArray());
+        TakeSettings(nickname, settings->toArray(), known);
     // Not for a user whom a listener has logged out on the way.
+    if (infos != answer.constEnd() && GetUser() == nickname)
+        TakePlayerInfos(nickname, infos->toArray(), known);
     if ((settings != answer.constEnd() || infos != answer.constEnd()) && GetUser() == nickname)
         CUserInfo::GetInstance()->SetLoggedIn(nickname);
+    if (GetUser() == nickname)
+        StampLaterChanges(known);
 }
 
 QByteArray CSettingsSync::CreateJSONforSync()
@@ -178,11 +200,12 @@ QByteArray CSettingsSync::CreateJSONforSync()
 
 void CSettingsSync::slot_IntialWebRequestFinished(bool status, QByteArray data)
 {
+    const QObject *request = sender();
+    const quint64 known = request ? request->property(KNOWN_PROPERTY).toULongLong() : m_ulKnownChange;
     if (!TakeFinished() || !status)
         return;
     const QString user = GetUser();
-    ReadJSON(data);
-    CLocalChanges::End();
+    TakeAnswer(data, known);
     if (GetUser() != user)
         return; // a listener has ended the login
     GetLocalTimestamps();
@@ -212,6 +235,7 @@ CDownload *CSettingsSync::CreateRequest(const QString &address, const QByteArray
 {
     auto *request = new CDownload(this, address, body, false);
     request->setProperty(USER_PROPERTY, GetUser());
+    request->setProperty(LOGIN_PROPERTY, CLocalChanges::GetEndedLogins());
     return request;
 }
 
@@ -223,7 +247,8 @@ bool CSettingsSync::TakeFinished() const
     if (!request)
         return !user.isEmpty();
     request->deleteLater();
-    return !user.isEmpty() && request->property(USER_PROPERTY).toString() == user;
+    return !user.isEmpty() && request->property(USER_PROPERTY).toString() == user &&
+           request->property(LOGIN_PROPERTY).toULongLong() == CLocalChanges::GetEndedLogins();
 }
 
 void CSettingsSync::SetServerTimes(const QJsonObject &answer)
@@ -239,7 +264,7 @@ void CSettingsSync::RequestSessionIfBehind()
         Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncSend);
 }
 
-void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &settings)
+void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &settings, quint64 known)
 {
     CSettings *store = CSettings::GetInstance();
     QHash<QString, QVariant> values;
@@ -247,27 +272,37 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &sett
         const QVariantMap setting = element.toObject().toVariantMap();
         const QString key = setting.value(JSON_KEY).toString();
         const QVariant value = setting.value(JSON_VALUE);
-        if (key.isEmpty() || !IsSingleValue(value) || CLocalChanges::HasSetting(nickname, key))
+        if (key.isEmpty() || !IsSingleValue(value))
             continue;
-        store->Save(nickname, setting.value(JSON_AREA).toString(), key, value, setting.value(JSON_TIME).toInt());
+        const QString area = setting.value(JSON_AREA).toString();
+        const int time = qMax(0, setting.value(JSON_TIME).toInt());
+        if (store->YieldsToChange({nickname, area, key, value, time}, known))
+            continue;
+        store->Save(nickname, area, key, value, time);
         values.insert(key.toLower(), value.toString());
     }
     // In effect at once, and under their own times: nothing is queued a second time.
     store->SetSettings({}, values, false);
 }
 
-void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &infos)
+void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known)
 {
-    // Nothing is written in it but what a listener writes.
-    CTransaction settings(*CSettingsDB::GetInstance(), CTransaction::Reading);
-    StorePlayerInfos(nickname, infos);
-    PlayerInfo::LoadRows(true);
-    settings.Commit();
+    StorePlayerInfos(nickname, infos, known);
+    PlayerInfo::LoadAnswered(known);
+}
+
+// What an answer leaves alone may be older than the server's newest time by now, and would never be sent.
+void CSettingsSync::StampLaterChanges(quint64 known)
+{
+    const QString user = GetUser();
+    CPlayerSaves::SaveAgain(CLocalChanges::GetLaterPlayers(user, known));
+    CSettings::GetInstance()->StampAnew(CLocalChanges::GetLaterSettings(user, known), m_ulServerSettingsTime);
 }
 
 // All of them or none: what isn't stored now comes with the next exchange, for the newest local time stays as it is.
-void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &infos)
+void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known)
 {
+    const CBusyWait wait(*CPlayerInfoDB::GetInstance(), CBusyWait::RETRY_MS);
     CTransaction transaction(*CPlayerInfoDB::GetInstance());
     if (!transaction.IsBegun())
         return;
@@ -276,7 +311,7 @@ void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &
         for (const QJsonValue &element : infos) {
             const QJsonObject info = element.toObject();
             const QString nick = info.value(JSON_NICK).toVariant().toString();
-            if (nick.isEmpty() || CLocalChanges::HasPlayer(nickname, nick))
+            if (nick.isEmpty() || CLocalChanges::IsPlayerLater(nickname, nick, known))
                 continue;
             const bool written = inserter.Insert({nickname, nick, info.value(JSON_NOTE).toVariant().toString(),
                                                   static_cast<unsigned int>(ToInt(info.value(JSON_TAG))),

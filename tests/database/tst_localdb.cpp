@@ -406,6 +406,20 @@ private Q_SLOTS:
         QVERIFY(database.Init() && database.m_steps.isEmpty() && database.Insert(STEP1, {{ID, 4}}));
     }
 
+    // A file that isn't one yet, as another client is about to make it.
+    void LockedNewFile()
+    {
+        QSqlDatabase::addDatabase("QSQLITE"_s, m_strPath) // clazy:exclude=writing-to-temporary (a handle)
+            .setConnectOptions("QSQLITE_BUSY_TIMEOUT=10"_s);
+        CLadder database(m_strPath);
+        {
+            const CShortLock other(m_strPath);
+            QVERIFY(!database.Init() && !database.IsOpen());
+        }
+        QVERIFY(database.Init());
+        QCOMPARE(database.m_steps, TSteps({1, 2, 3}));
+    }
+
     // Another program writes for a moment: it is waited for.
     void ShortlyLockedFile_data()
     {

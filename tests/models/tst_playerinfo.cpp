@@ -2,6 +2,7 @@
 #include <settings/PlayerInfo.h>
 
 #include <support/Languages.h>
+#include <support/ShortLock.h>
 
 #include <httplib.h>
 
@@ -121,6 +122,104 @@ private Q_SLOTS:
         CPlayerModel::DestroyInstance("Nobody"_s);
         CUserInfo::GetInstance()->SetLoggedIn(QString());
         QCOMPARE(Stored(), "/Bob=kept,0,0,0,0@100 /Carl=again,0,0,0,0@100"_s);
+    }
+
+    // However a login ends, what waits is stored for its user, and for no other.
+    void EndsOfALogin_data()
+    {
+        QTest::addColumn<QString>("end");
+        for (const char *end : {"logout", "reset", "end of the own model", "end of all models"})
+            QTest::newRow(end) << end;
+    }
+
+    void EndsOfALogin()
+    {
+        QFETCH(QString, end);
+        CUserInfo *user = CUserInfo::GetInstance();
+        Player("Bob"_s)->SetNotes("Ann's"_s);
+        if (end == "logout"_s)
+            user->SetLoggedIn(QString());
+        else if (end == "reset"_s)
+            static_cast<CUserInfoDataModel *>(user)->Reset();
+        else if (end == "end of the own model"_s)
+            CPlayerModel::DestroyInstance(ANN);
+        else
+            CPlayerModel::DestroyInstances();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!user->IsLoggedIn() && CSettings::GetInstance()->GetNickname().isEmpty());
+        Player("Carl"_s)->SetNotes("nobody's"_s);
+        user->SetLoggedIn("Zoe"_s);
+        QCOMPARE(CSettings::GetInstance()->GetNickname(), "Zoe"_s);
+        user->SetLoggedIn(QString());
+        QCOMPARE(Stored(), "/Bob=Ann's,0,0,0,0@100"_s);
+    }
+
+    // A listener of a load that ends the login, or turns the event loop for long, doesn't get half a row stored.
+    void ListenersOfALoad_data()
+    {
+        QTest::addColumn<bool>("logout");
+        QTest::newRow("logout") << true;
+        QTest::newRow("event loop") << false;
+    }
+
+    void ListenersOfALoad()
+    {
+        QFETCH(bool, logout);
+        QVERIFY(PlayerInfo::InsertPlayerInfo({ANN, "Bob"_s, "note"_s, 4, 12, 50}));
+        connect(Player("Bob"_s), &CPlayerModel::signal_NotesChanged, this, [logout] {
+            if (logout)
+                CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s);
+            else
+                QTest::qWait(3500);
+        });
+        PlayerInfo::LoadInfo();
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
+        QCOMPARE(Stored(), logout ? "/Bob=note,4,12,0,0@50"_s : "/Bob=note,4,12,0,0@100"_s);
+    }
+
+    // Neither another own model nor another object takes what a user has changed.
+    void OtherUsers()
+    {
+        Player("Bob"_s)->SetNotes("Ann's"_s);
+        CUserInfo other;
+        other.SetLoggedIn("Zoe"_s);
+        CUserInfo::GetInstance()->SetPlayerModel(Player("Zed"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(Stored(), "/Bob=Ann's,0,0,0,0@100"_s, 5000);
+    }
+
+    // The file is locked at a logout, and another machine's row comes in meanwhile, or an older one is there.
+    void KeptRows_data()
+    {
+        QTest::addColumn<uint>("other");
+        QTest::addColumn<uint>("own");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("older") << 99u << 100u << "new"_s;
+        QTest::newRow("of the same second") << 100u << 100u << "new"_s;
+        QTest::newRow("newer") << 101u << 100u << "old"_s;
+        QTest::newRow("newer than an unknown time") << 101u << 0u << "new"_s;
+    }
+
+    void KeptRows()
+    {
+        QFETCH(uint, other);
+        QFETCH(uint, own);
+        QFETCH(QString, expected);
+        QVERIFY(PlayerInfo::InsertPlayerInfo({ANN, "Bob"_s, "old"_s, 0, 0, other}));
+        CPlayerInfoDB::GetInstance()->Exec("PRAGMA busy_timeout = 10"_s);
+        CCasinoTime::GetInstance()->SetTimeUTCServer(own);
+        Player("Bob"_s)->SetNotes("new"_s);
+        {
+            const CShortLock lock(Pathes::PlayerInfoDB());
+            CUserInfo::GetInstance()->SetLoggedIn(QString());
+            CPlayerModel::DestroyInstances();
+            CUserInfo::GetInstance()->SetLoggedIn(ANN);
+            QVERIFY(PlayerInfo::LoadInfo());
+            QCOMPARE(Player("Bob"_s)->GetNotes(), expected);
+            QVERIFY(Stored().startsWith("/Bob=old"_s));
+        }
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
+        QTRY_VERIFY(Stored().startsWith("/Bob="_s + expected));
+        CPlayerInfoDB::GetInstance()->Exec("PRAGMA busy_timeout = 5000"_s);
     }
 
     void DelayedSaves()

@@ -14,6 +14,26 @@ class tst_userinfo : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // A listener that ends the login, or begins one, has the last word.
+    void ListenersOfTheOwnModel()
+    {
+        CUserInfo *user = CUserInfo::GetInstance();
+        QString next;
+        const auto connection = connect(user, &CUserInfo::signal_PlayerModelChanged, this, [&] {
+            if (user->GetNickname() != next)
+                user->SetLoggedIn(next);
+        });
+        user->SetLoggedIn("Ann"_s);
+        QVERIFY(!user->IsLoggedIn() && !user->GetLoginState());
+        disconnect(connection);
+        user->SetLoggedIn("Ann"_s);
+        next = "Zoe"_s;
+        connect(user, &CUserInfo::signal_PlayerModelChanged, user, [user, next] { user->SetLoggedIn(next); });
+        user->SetLoggedIn(QString());
+        QVERIFY(user->GetNickname() == next && user->GetLoginState());
+        DestroySingletons();
+    }
+
     void cleanup() { DestroySingletons(); }
 
     void LoginAndLogout()

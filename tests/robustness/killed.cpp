@@ -14,6 +14,7 @@
 #include <models/UserInfo.h>
 #include <network/Download.h>
 #include <settings/Config.h>
+#include <settings/PlayerInfo.h>
 #include <settings/Settings.h>
 #include <settings/SettingsSync.h>
 #include <time/CasinoTime.h>
@@ -80,7 +81,9 @@ void Change(int number, const QString &machine)
     QElapsedTimer clock;
     clock.start();
     CCasinoTime::GetInstance()->SetTimeUTCServer(static_cast<unsigned int>(clock.msecsSinceReference() & 0x7fffffff));
-    CPlayerLists::GetInstance()->GetPlayerModel(machine + QString::number(number))->SetNotes(machine);
+    const QString player = machine + QString::number(number);
+    CPlayerLists::GetInstance()->GetPlayerModel(player)->SetNotes(machine);
+    PlayerInfo::SaveInfo(player);
     CSettings::GetInstance()->SetSelSubThemeByKey(machine, number);
     CSettings::GetInstance()->slot_SaveSettings();
 }

@@ -1,7 +1,9 @@
 #include <files/Pathes.h>
+#include <settings/PlayerInfo.h>
 
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/ShortLock.h>
 #include <support/Singletons.h>
 
 #include <QJsonDocument>
@@ -175,6 +177,31 @@ private Q_SLOTS:
         QVERIFY(settings->GetAnimationOff());
         CConfig::GetInstance()->SetConfigs({{"optionanimationsoffselectable"_s, QString()}});
         QVERIFY(!settings->GetAnimationOff());
+    }
+
+    // While another program holds the files, the event loop turns on.
+    void LockedFilesDontStopTheEventLoop()
+    {
+        QVERIFY(CPlayerInfoDB::GetInstance()->Init());
+        CUserInfo::GetInstance()->SetLoggedIn(ANN);
+        CSettings::GetInstance()->slot_SaveSettings();
+        const CShortLock settings(Pathes::SettingsDB(), "BEGIN IMMEDIATE"_s, 6000);
+        const CShortLock notes(Pathes::PlayerInfoDB(), "BEGIN IMMEDIATE"_s, 6000);
+        CSettings::GetInstance()->SetVolume(5);
+        CPlayerModel::GetInstance("Bob"_s)->SetNotes("n"_s);
+        qint64 longest = 0;
+        QElapsedTimer all;
+        all.start();
+        while (all.elapsed() < 5500) {
+            QElapsedTimer turn;
+            turn.start();
+            QCoreApplication::processEvents();
+            longest = qMax(longest, turn.elapsed());
+            QThread::msleep(1);
+        }
+        QVERIFY2(longest >= 90 && longest < 1000, QByteArray::number(longest)); // it has been tried
+        QTRY_VERIFY_WITH_TIMEOUT(Rows().contains("ann/sounds/volume=5@1700000000"_s), 10000);
+        QTRY_COMPARE_WITH_TIMEOUT(PlayerInfo::GetLastTimestamp(ANN), NOW, 10000);
     }
 
     // Another program holds the file for longer than SQLite waits: nothing is lost, it only comes later.

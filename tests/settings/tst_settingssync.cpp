@@ -128,6 +128,174 @@ private Q_SLOTS:
         QCOMPARE(CPlayerModel::GetInstance("Bob"_s)->GetNotes(), "second"_s);
     }
 
+    // Of two exchanges that overlap each answer leaves alone what has been changed since its own request.
+    void OverlappingExchanges()
+    {
+        httplib::Server server;
+        int requests = 0;
+        const auto handler = [&requests](const httplib::Request &, httplib::Response &answer) {
+            const bool late = ++requests == 1;
+            QThread::msleep(late ? 600 : 0);
+            answer.body = ToJson("{'usersettings': [{'area': 'sounds', 'key': 'volume', 'value': '11', 'time': 7}], "
+                                 "'playerinfos': [{'nick': 'Bob', 'note': 'server', 'time': 7}]}")
+                              .toStdString();
+            if (!late)
+                answer.body =
+                    ToJson("{'usersettings': [{'key': 'themechips', 'value': '5', 'time': 7}]}").toStdString();
+        };
+        const QString link = "http://127.0.0.1:%1/"_s.arg(server.Get(".*", handler).bind_to_any_port("127.0.0.1"));
+        std::thread thread([&server] { server.listen_after_bind(); });
+        CConfig::GetInstance()->SetConfigs({{"link_settingssync"_s, link}});
+        CSettingsSync *sync = CSettingsSync::GetInstance();
+        sync->disconnect(this);
+        sync->InitiateSync();
+        sync->StartSync("first"_s);
+        QTRY_COMPARE(requests, 1);
+        CSettings::GetInstance()->SetVolume(12);
+        CSettings::GetInstance()->slot_SaveSettings();
+        CPlayerModel::GetInstance("Bob"_s)->SetNotes("own"_s);
+        sync->InitiateSync();
+        sync->StartSync("second"_s);
+        QTRY_COMPARE(CSettings::GetInstance()->GetThemeChips(), 5);
+        Wait();
+        server.stop();
+        thread.join();
+        QCOMPARE(CSettings::GetInstance()->GetVolume(), 12);
+        QCOMPARE(CPlayerModel::GetInstance("Bob"_s)->GetNotes(), "own"_s);
+    }
+
+    // What the user does around the beginning of an exchange, and what holds after an answer of volume=11 and
+    // Bob=server at 20, which the server had before: the rows, where the own ones are stamped with 1700000000.
+    void UnwrittenChanges_data()
+    {
+        QTest::addColumn<int>("before");
+        QTest::addColumn<int>("written");
+        QTest::addColumn<int>("after");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("nothing") << 3 << 3 << 3 << "11 11@20"_s;
+        QTest::newRow("before") << 12 << 12 << 12 << "12 12@1700000000"_s;
+        QTest::newRow("after") << 3 << 3 << 12 << "12 12@1700000000"_s;
+        QTest::newRow("written between") << 3 << 12 << 12 << "12 12@1700000000"_s;
+        QTest::newRow("there and back") << 12 << 12 << 3 << "3 3@1700000000"_s;
+        QTest::newRow("there and back, written between") << 12 << 3 << 3 << "3 3@1700000000"_s;
+    }
+
+    void UnwrittenChanges()
+    {
+        QFETCH(int, before);
+        QFETCH(int, written);
+        QFETCH(int, after);
+        QFETCH(QString, expected);
+        CSettings *settings = CSettings::GetInstance();
+        settings->Save(m_strUser, "sounds"_s, "volume"_s, 3, 7);
+        settings->SetVolume(3, nullptr, false);
+        settings->slot_SaveSettings();
+        const auto choose = [settings](int volume) {
+            if (volume != settings->GetVolume())
+                settings->SetVolume(volume);
+        };
+        choose(before);
+        CSettingsSync::GetInstance()->InitiateSync();
+        choose(written);
+        if (written != before)
+            settings->slot_SaveSettings();
+        choose(after);
+        CSettingsSync::GetInstance()->ReadJSON(
+            ToJson("{'usersettings': [{'area': 'sounds', 'key': 'volume', 'value': '11', 'time': 20}]}"));
+        settings->slot_SaveSettings();
+        const QString row =
+            "SELECT URS_cValue || '@' || URS_iTimestamp FROM tbl_settings WHERE URS_cUser = lower('%1') "
+            "AND URS_cKey = 'volume'"_s;
+        QCOMPARE(QString::number(settings->GetVolume()) + " "_s + Ask(CSettingsDB::GetInstance(), row.arg(m_strUser)),
+                 expected);
+    }
+
+    // An answer makes the list what the rows say, but for what the user has changed since.
+    void BuddiesOfAnswers()
+    {
+        const auto answer = [](int flags) {
+            const char json[] = "{'playerinfos': [{'nick': 'Bob', 'note': 'server', 'flags': %1, 'time': 7}]}";
+            CSettingsSync::GetInstance()->ReadJSON(ToJson(json).replace("%1", QByteArray::number(flags)));
+        };
+        CPlayerLists *lists = CPlayerLists::GetInstance();
+        CPlayerModel *bob = CPlayerModel::GetInstance("Bob"_s);
+        for (int time = 0; time < 3; ++time)
+            answer(1);
+        QCOMPARE(*lists->GetBuddyList(), QList<CPlayerModel *>{bob});
+        bob->SetRating(3); // which doesn't travel, and isn't stored yet
+        answer(0);
+        QVERIFY(lists->GetBuddyList()->isEmpty() && !bob->GetBuddy());
+        QCOMPARE(bob->GetNotes() + QString::number(bob->GetRating()), "server3"_s);
+        lists->AddNewBuddy(bob);
+        CSettingsSync::GetInstance()->InitiateSync();
+        answer(0); // it isn't the user's latest word
+        QVERIFY(lists->GetBuddyList()->contains(bob) && bob->GetBuddy());
+        lists->RemoveFromBuddyList("Bob"_s);
+        answer(1);
+        QVERIFY(lists->GetBuddyList()->isEmpty());
+    }
+
+    // An answer knows of no change that came after its request: the rows that it leaves alone get times beyond the
+    // server's, or they would never be sent, and one that comes after another login is dropped.
+    void LateAnswer_data()
+    {
+        QTest::addColumn<bool>("loginBetween");
+        QTest::newRow("in the same login") << false;
+        QTest::newRow("after another login") << true;
+    }
+
+    void LateAnswer()
+    {
+        QFETCH(bool, loginBetween);
+        httplib::Server server;
+        server.Get(".*", [](const httplib::Request &, httplib::Response &answer) {
+            QThread::msleep(400);
+            answer.body = ToJson("{'usersettingstime': 1700000010, 'playerinfostime': 1700000010, 'playerinfos': [{"
+                                 "'nick': 'Bob', 'note': 'server', 'time': 1700000010}]}")
+                              .toStdString();
+        });
+        const QString link = "http://127.0.0.1:%1/"_s.arg(server.bind_to_any_port("127.0.0.1"));
+        std::thread thread([&server] { server.listen_after_bind(); });
+        CConfig::GetInstance()->SetConfigs({{"link_settingssync"_s, link}});
+        CSettingsSync *sync = CSettingsSync::GetInstance();
+        sync->disconnect(this);
+        sync->InitiateSync();
+        sync->StartSync("first"_s);
+        QTest::qWait(100);
+        CSettings::GetInstance()->SetVolume(12);
+        CSettings::GetInstance()->slot_SaveSettings();
+        CPlayerModel::GetInstance("Bob"_s)->SetNotes("own"_s);
+        QVERIFY(PlayerInfo::SaveInfo("Bob"_s));
+        if (loginBetween) {
+            CUserInfo::GetInstance()->SetLoggedIn(QString());
+            CUserInfo::GetInstance()->SetLoggedIn(m_strUser);
+        }
+        Wait();
+        server.stop();
+        thread.join();
+        QCOMPARE(CPlayerModel::GetInstance("Bob"_s)->GetNotes(), "own"_s);
+        CCasinoTime::GetInstance()->SetTimeUTCServer(1700000020);
+        CSettings::GetInstance()->slot_SaveSettings();
+        QTRY_COMPARE_WITH_TIMEOUT(PlayerInfo::GetLastTimestamp(m_strUser), loginBetween ? 1700000000u : 1700000020u,
+                                  5000);
+        QCOMPARE(CSettings::GetLastTimestamp(m_strUser), loginBetween ? 1700000000u : 1700000020u);
+    }
+
+    // What an answer brings isn't for the user whom a listener has put in on the way.
+    void AnotherUserDuringAnAnswer()
+    {
+        connect(CSettings::GetInstance(), &CSettings::signal_VolumeChanged, this, [] {
+            CUserInfo::GetInstance()->SetLoggedIn(QString());
+            CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s);
+        });
+        CSettingsSync::GetInstance()->ReadJSON(
+            ToJson("{'usersettings': [{'area': 'sounds', 'key': 'volume', 'value': '11', 'time': 7}], "
+                   "'playerinfos': [{'nick': 'Bob', 'note': 'n', 'flags': 1, 'time': 7}]}"));
+        QCOMPARE(CUserInfo::GetInstance()->GetNickname(), "Zoe"_s);
+        QVERIFY(CPlayerLists::GetInstance()->GetBuddyList()->isEmpty());
+        QCOMPARE(CPlayerModel::GetInstance("Bob"_s)->GetNotes(), QString());
+    }
+
     void Answers_data()
     {
         QTest::addColumn<QStringList>("fault");

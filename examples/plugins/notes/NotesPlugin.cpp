@@ -124,9 +124,9 @@ private: //! [view] [list]
         connect(rating, &QSpinBox::textChanged, player, [=] { player->SetRating(uchar(rating->value())); });
         connect(avatar, &QSpinBox::textChanged, player, [=] { player->SetCustomAvatar(uint(avatar->value())); });
         connect(buddy, &QCheckBox::clicked, player, [=](bool on) {
-            lists->GetBuddyList()->removeAll(player); // where it is once more with each load of the notes
-            lists->AddNewBuddy(player);
-            if (!on)
+            if (on)
+                lists->AddNewBuddy(player);
+            else
                 lists->RemoveFromBuddyList(player->GetNickname());
         });
     }
