@@ -69,6 +69,8 @@ QJsonObject ToObject(const SSyncRow &row)
 
 } // namespace
 
+const QString SyncJson::NO_NOTE = QStringLiteral("{\"flags\":0,\"note\":\"\",\"tag\":0}");
+
 bool SyncJson::ReadTime(const QString &text, qint64 &time)
 {
     bool good = false;

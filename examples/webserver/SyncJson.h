@@ -23,6 +23,10 @@ namespace SyncJson {
 
 /// The settings and the notes, by the names of their lists.
 inline constexpr std::array<const char *, 2> LISTS{"usersettings", "playerinfos"};
+/// Whether clients give the rows of the list a new time whenever they load them.
+inline constexpr std::array<bool, LISTS.size()> STAMPED_ANEW{false, true};
+/// The content of a note that says nothing. A client sends such a row of a player who has only been rated.
+extern const QString NO_NOTE;
 using TLists = std::array<SSyncList, LISTS.size()>;
 
 /// False if the text isn't whole seconds before the year 2100. Later ones would leave no numbers to count on from.

@@ -4,13 +4,17 @@
 
 #include <algorithm>
 
-CSyncMerge::CSyncMerge(CSyncStore &store, const QString &id, SSyncList &list, SMachine &machine)
+CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSyncList &list, SMachine &machine)
     : m_store(store)
-    , m_strID(id)
+    , m_place(place)
+    , m_strID(place.strList)
     , m_list(list)
     , m_machine(machine)
     , m_write(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_row VALUES (?, ?, ?, ?, ?)")))
     , m_remember(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_past VALUES (?, ?, ?, ?, ?)")))
+    , m_drop(store.Prepare(QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"
+                                          " AND HLD_cKey = ?")))
+    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?)")))
     , m_findPast(store.Prepare(QStringLiteral("SELECT 1 FROM tbl_past WHERE PST_cList = ? AND PST_cKey = ?"
                                               " AND PST_cContent = ? AND PST_iTime = ?")))
 {
@@ -18,7 +22,7 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const QString &id, SSyncList &list, SM
 
 bool CSyncMerge::Run()
 {
-    if (!ReadRows())
+    if (!ReadRows() || !ReadHeld())
         return false;
     // A stranger's rows are defaults, or older than what it has lost. It is none any more if it has been given the
     // server's and shows none of those that they would have overwritten.
@@ -57,6 +61,47 @@ bool CSyncMerge::ReadRows()
     return good;
 }
 
+// What the machine may hold. If it sends the newest row of an offer with the time that it was offered, all rows of
+// the offer have arrived; the content alone doesn't tell, for a user may have chosen the same.
+bool CSyncMerge::ReadHeld()
+{
+    if (!m_place.bStampedAnew)
+        return true;
+    const bool arrived = std::any_of(m_list.rows.cbegin(), m_list.rows.cend(), [this](const SSyncRow &sent) {
+        const SRow row = m_rows.value(sent.strKey);
+        return sent.iTime == m_machine.iOffered && sent.iTime == row.iStamp && sent.strContent == row.strContent;
+    });
+    if (arrived)
+        m_machine.iBase = std::max(m_machine.iBase, m_machine.iOffered);
+    QSqlQuery query;
+    bool good = !arrived || m_store.Confirm(m_place, m_machine.iOffered);
+    good = good && m_store.Run(query,
+                               QStringLiteral("SELECT HLD_cKey, HLD_cContent FROM tbl_held WHERE HLD_cList = ?"
+                                              " AND HLD_cMachine = ?"),
+                               {m_strID, m_place.strMachine});
+    while (good && query.next())
+        m_held[query.value(0).toString()].insert(query.value(1).toString());
+    return good;
+}
+
+// A machine gives rows that it loads a new time and sends them again: they must not be taken for changes, or they'd
+// win against later ones. Without a row it holds a note that says nothing.
+bool CSyncMerge::IsHeld(const SSyncRow &sent) const
+{
+    const auto held = m_held.constFind(sent.strKey);
+    return m_place.bStampedAnew &&
+           (held == m_held.constEnd() ? sent.strContent == SyncJson::NO_NOTE : held->contains(sent.strContent));
+}
+
+// The machine has changed the row to that, so no earlier offer of it can arrive any more.
+bool CSyncMerge::Hold(const SSyncRow &sent, qint64 stamp)
+{
+    const QString &machine = m_place.strMachine;
+    return !m_place.bStampedAnew ||
+           ((!m_held.contains(sent.strKey) || CSyncStore::Execute(m_drop, {m_strID, machine, sent.strKey})) &&
+            CSyncStore::Execute(m_hold, {m_strID, machine, sent.strKey, sent.strContent, stamp}));
+}
+
 // Whether the machine wouldn't have the row so any more if the last answer had reached it.
 bool CSyncMerge::IsOverwritten(const SSyncRow &sent)
 {
@@ -81,14 +126,21 @@ bool CSyncMerge::Take(const SSyncRow &sent)
 {
     const SRow taken{sent.strContent, sent.iTime, sent.iTime > m_iNewest ? sent.iTime : m_iNewest + 1, true};
     const auto row = m_rows.find(sent.strKey);
+    const bool held = IsHeld(sent);
+    if (row == m_rows.end() && held)
+        return true;
+    if (!held && !Hold(sent, taken.iStamp))
+        return false;
     if (row == m_rows.end()) {
         m_rows.insert(sent.strKey, taken);
         return Write(sent.strKey, taken);
     }
     const bool alike = row->strContent == sent.strContent;
     row->bSent = alike;
-    if (m_bAddsOnly || sent.iTime < row->iChanged || IsEcho(sent, *row))
+    if (m_bAddsOnly || held || sent.iTime < row->iChanged || IsEcho(sent, *row)) {
+        row->bLacked = !alike;
         return true;
+    }
     if (alike)
         row->iChanged = sent.iTime; // made so again: what came in between doesn't win any more
     else if (Remember(sent.strKey, *row, taken.iStamp))
@@ -109,7 +161,7 @@ bool CSyncMerge::SendAgain()
     const qint64 had = m_machine.bMet ? m_machine.iBase : 0;
     bool good = true;
     for (auto row = m_rows.begin(); good && row != m_rows.end(); ++row) {
-        if (row->bSent || row->iStamp <= had || row->iStamp > m_list.iTime)
+        if (row->bSent || (row->iStamp <= had && !row->bLacked) || row->iStamp > m_list.iTime)
             continue;
         good = Remember(row.key(), *row, beyond);
         row->iStamp = beyond;

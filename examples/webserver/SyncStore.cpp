@@ -26,6 +26,11 @@ const QLatin1String SCHEMA[] = {
     QLatin1String("CREATE TABLE tbl_past (PST_cList TEXT, PST_cKey TEXT, PST_cContent TEXT, PST_iTime INTEGER,\n"
                   "  PST_iUntil INTEGER, PRIMARY KEY(PST_cList, PST_cKey, PST_iTime, PST_cContent))")};
 
+// What a machine may hold of a row: what it has sent, and what it has been offered since, by how far the offer goes.
+const QLatin1String HELD_SCHEMA("CREATE TABLE tbl_held (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT,\n"
+                                "  HLD_cContent TEXT, HLD_iOffer INTEGER,\n"
+                                "  PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent))");
+
 } // namespace
 
 CSyncStore::CSyncStore(const QString &path)
@@ -33,8 +38,10 @@ CSyncStore::CSyncStore(const QString &path)
 {
 }
 
-bool CSyncStore::CreateDBVersion(unsigned int)
+bool CSyncStore::CreateDBVersion(unsigned int version)
 {
+    if (version == 2)
+        return Exec(HELD_SCHEMA);
     return std::all_of(std::begin(SCHEMA), std::end(SCHEMA), [this](const auto &sql) { return Exec(sql); });
 }
 
@@ -67,32 +74,42 @@ bool CSyncStore::FindSession(const QString &session, SOwner &owner)
 
 bool CSyncStore::Fetch(const SOwner &owner, SyncJson::TLists &lists)
 {
-    return ForLists(owner, lists,
-                    [this](const auto &id, auto &machine, auto &list) { return FetchList(id, machine, list); });
+    return ForLists(owner, lists, true,
+                    [this](const auto &place, auto &machine, auto &list) { return FetchList(place, machine, list); });
 }
 
 bool CSyncStore::Merge(const SOwner &owner, SyncJson::TLists &lists)
 {
-    return ForLists(owner, lists, [this](const auto &id, auto &machine, auto &list) {
-        return CSyncMerge(*this, id, list, machine).Run();
+    return ForLists(owner, lists, false, [this](const auto &place, auto &machine, auto &list) {
+        return CSyncMerge(*this, place, list, machine).Run();
     });
 }
 
-// Both lists or none. A machine whose time has gone back has lost its rows and is a stranger again.
-bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, const TOnList &work)
+// Both lists or none. A machine that asks with a time that has gone back has lost its rows and is a stranger again;
+// what it sends with one has come late, and all of it has come with something later.
+bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, bool asks, const TOnList &work)
 {
     bool good = Exec(QStringLiteral("BEGIN IMMEDIATE"));
     for (std::size_t i = 0; good && i < lists.size(); ++i) {
         const QString id = owner.strUser.toLower() + QLatin1Char('/') + QLatin1String(SyncJson::LISTS[i]);
+        const SPlace place{id, owner.strMachine, SyncJson::STAMPED_ANEW[i]};
         QSqlQuery query;
         good = Run(query,
                    QStringLiteral("SELECT MAC_iBase, MAC_iOffered, MAC_bMet FROM tbl_machine"
                                   " WHERE MAC_cList = ? AND MAC_cMachine = ?"),
                    {id, owner.strMachine});
         SMachine machine;
-        if (query.next() && lists[i].iTime >= query.value(0).toLongLong())
+        const bool known = query.next();
+        if (known && !asks && lists[i].iTime < query.value(0).toLongLong()) {
+            lists[i] = {query.value(0).toLongLong(), {}};
+            continue;
+        }
+        if (known && lists[i].iTime >= query.value(0).toLongLong())
             machine = {query.value(0).toLongLong(), query.value(1).toLongLong(), query.value(2).toBool(), true};
-        good = good && work(id, machine, lists[i]) &&
+        else if (good && place.bStampedAnew)
+            good = Run(query, QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"),
+                       {id, owner.strMachine});
+        good = good && work(place, machine, lists[i]) &&
                Run(query, QStringLiteral("INSERT OR REPLACE INTO tbl_machine VALUES (?, ?, ?, ?, ?)"),
                    {id, owner.strMachine, machine.iBase, machine.iOffered, machine.bMet});
     }
@@ -102,9 +119,11 @@ bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, const TO
     return good;
 }
 
-bool CSyncStore::FetchList(const QString &id, SMachine &machine, SSyncList &list)
+bool CSyncStore::FetchList(const SPlace &place, SMachine &machine, SSyncList &list)
 {
     const qint64 time = list.iTime;
+    if (machine.bKnown && time == machine.iOffered && !Confirm(place, time))
+        return false;
     if (!machine.bKnown)
         machine.iBase = time;
     else if (time == machine.iOffered && (machine.bMet || machine.iBase == 0)) {
@@ -121,7 +140,7 @@ bool CSyncStore::FetchList(const QString &id, SMachine &machine, SSyncList &list
     const bool good = Run(query,
                           QStringLiteral("SELECT ROW_cKey, ROW_cContent, ROW_iStamp FROM tbl_row"
                                          " WHERE ROW_cList = ? AND ROW_iStamp > ? ORDER BY ROW_iStamp"),
-                          {id, machine.bMet ? time : 0});
+                          {place.strList, machine.bMet ? time : 0});
     while (good && query.next())
         list.rows.append({query.value(0).toString(), query.value(1).toString(), query.value(2).toLongLong()});
     if (!machine.bMet && list.rows.isEmpty()) {
@@ -134,8 +153,37 @@ bool CSyncStore::FetchList(const QString &id, SMachine &machine, SSyncList &list
     const qint64 offered = list.rows.isEmpty() ? time : list.rows.last().iTime;
     const bool again = offered == machine.iOffered;
     list.iTime = !machine.bMet && time > 0 ? 0 : again ? time : offered;
+    if (place.bStampedAnew && list.iTime > 0 && !list.rows.isEmpty())
+        list.iTime = offered - 1; // so that it sends the newest of them back, which tells that it has them
     machine.iOffered = offered;
-    return good;
+    return good && Offer(place, machine, list);
+}
+
+// The machine may have the rows from now on, or still what it had.
+bool CSyncStore::Offer(const SPlace &place, const SMachine &machine, const SSyncList &list)
+{
+    QSqlQuery first =
+        Prepare(QStringLiteral("INSERT INTO tbl_held SELECT ?, ?, ?, ?, 0 WHERE NOT EXISTS (SELECT 1 FROM"
+                               " tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ? AND HLD_cKey = ?)"));
+    QSqlQuery then = Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?)"));
+    const QString &id = place.strList;
+    const QString &name = place.strMachine;
+    return !place.bStampedAnew || std::all_of(list.rows.begin(), list.rows.end(), [&](const SSyncRow &row) {
+        return Execute(first, {id, name, row.strKey, SyncJson::NO_NOTE, id, name, row.strKey}) &&
+               Execute(then, {id, name, row.strKey, row.strContent, machine.iOffered});
+    });
+}
+
+// The offer has arrived, and a machine stores all rows of an answer or none.
+bool CSyncStore::Confirm(const SPlace &place, qint64 offer)
+{
+    QSqlQuery query;
+    return !place.bStampedAnew ||
+           Run(query,
+               QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ? AND HLD_iOffer < ?"
+                              " AND HLD_cKey IN (SELECT HLD_cKey FROM tbl_held WHERE HLD_cList = ?"
+                              " AND HLD_cMachine = ? AND HLD_iOffer = ?)"),
+               {place.strList, place.strMachine, offer, place.strList, place.strMachine, offer});
 }
 
 QSqlQuery CSyncStore::Prepare(const QString &sql)

@@ -46,15 +46,25 @@ public:
     bool Merge(const SOwner &owner, SyncJson::TLists &lists);
 
 protected:
-    unsigned int GetMaxVersion() override { return 1; }
+    unsigned int GetMaxVersion() override { return 2; }
     bool CreateDBVersion(unsigned int version) override;
 
 private:
     friend class CSyncMerge;
-    using TOnList = std::function<bool(const QString &id, SMachine &machine, SSyncList &list)>;
 
-    bool ForLists(const SOwner &owner, SyncJson::TLists &lists, const TOnList &work);
-    bool FetchList(const QString &id, SMachine &machine, SSyncList &list);
+    /// A list of rows, on one machine.
+    struct SPlace
+    {
+        QString strList;
+        QString strMachine;
+        bool bStampedAnew; // by clients, whenever they load the rows
+    };
+    using TOnList = std::function<bool(const SPlace &place, SMachine &machine, SSyncList &list)>;
+
+    bool ForLists(const SOwner &owner, SyncJson::TLists &lists, bool asks, const TOnList &work);
+    bool FetchList(const SPlace &place, SMachine &machine, SSyncList &list);
+    bool Offer(const SPlace &place, const SMachine &machine, const SSyncList &list);
+    bool Confirm(const SPlace &place, qint64 offer);
     QSqlQuery Prepare(const QString &sql);
     bool Run(QSqlQuery &query, const QString &sql, const QVariantList &values);
     static bool Execute(QSqlQuery &query, const QVariantList &values);
