@@ -73,14 +73,14 @@ bool CSyncMerge::ReadHeld()
     });
     if (arrived)
         m_machine.iBase = std::max(m_machine.iBase, m_machine.iOffered);
-    QSqlQuery query;
     bool good = !arrived || m_store.Confirm(m_place, m_machine.iOffered);
-    good = good && m_store.Run(query,
-                               QStringLiteral("SELECT HLD_cKey, HLD_cContent FROM tbl_held WHERE HLD_cList = ?"
-                                              " AND HLD_cMachine = ?"),
-                               {m_strID, m_place.strMachine});
-    while (good && query.next())
-        m_held[query.value(0).toString()].insert(query.value(1).toString());
+    QSqlQuery query = m_store.Prepare(QStringLiteral("SELECT HLD_cContent FROM tbl_held WHERE HLD_cList = ?"
+                                                     " AND HLD_cMachine = ? AND HLD_cKey = ?"));
+    for (const SSyncRow &sent : qAsConst(m_list.rows)) {
+        good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
+        while (good && query.next())
+            m_held[sent.strKey].insert(query.value(0).toString());
+    }
     return good;
 }
 

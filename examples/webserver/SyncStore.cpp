@@ -162,16 +162,21 @@ bool CSyncStore::FetchList(const SPlace &place, SMachine &machine, SSyncList &li
 // The machine may have the rows from now on, or still what it had.
 bool CSyncStore::Offer(const SPlace &place, const SMachine &machine, const SSyncList &list)
 {
-    QSqlQuery first =
-        Prepare(QStringLiteral("INSERT INTO tbl_held SELECT ?, ?, ?, ?, 0 WHERE NOT EXISTS (SELECT 1 FROM"
-                               " tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ? AND HLD_cKey = ?)"));
-    QSqlQuery then = Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?)"));
+    if (!place.bStampedAnew || list.rows.isEmpty())
+        return true;
     const QString &id = place.strList;
     const QString &name = place.strMachine;
-    return !place.bStampedAnew || std::all_of(list.rows.begin(), list.rows.end(), [&](const SSyncRow &row) {
-        return Execute(first, {id, name, row.strKey, SyncJson::NO_NOTE, id, name, row.strKey}) &&
-               Execute(then, {id, name, row.strKey, row.strContent, machine.iOffered});
-    });
+    const qint64 oldest = list.rows.first().iTime; // all from there on are offered
+    QSqlQuery query;
+    return Run(query,
+               QStringLiteral("INSERT INTO tbl_held SELECT ROW_cList, ?, ROW_cKey, ?, 0 FROM tbl_row"
+                              " WHERE ROW_cList = ? AND ROW_iStamp >= ? AND NOT EXISTS (SELECT 1 FROM tbl_held"
+                              " WHERE HLD_cList = ROW_cList AND HLD_cMachine = ? AND HLD_cKey = ROW_cKey)"),
+               {name, SyncJson::NO_NOTE, id, oldest, name}) &&
+           Run(query,
+               QStringLiteral("INSERT OR REPLACE INTO tbl_held SELECT ROW_cList, ?, ROW_cKey, ROW_cContent, ?"
+                              " FROM tbl_row WHERE ROW_cList = ? AND ROW_iStamp >= ?"),
+               {name, machine.iOffered, id, oldest});
 }
 
 // The offer has arrived, and a machine stores all rows of an answer or none.

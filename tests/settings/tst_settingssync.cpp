@@ -12,6 +12,11 @@
 
 namespace {
 
+#ifdef __SANITIZE_ADDRESS__
+constexpr int PATIENCE_MS = 60000;
+#else
+constexpr int PATIENCE_MS = 20000;
+#endif
 const QString WEBSERVER = QStringLiteral(WEBSERVER_PATH);
 const QString ALL = "Bob=own Zed=z themechips=5 volume=11"_s;
 const QString MINE = "Bob=own themechips=5"_s;
@@ -368,7 +373,7 @@ private Q_SLOTS:
             Exchange();
         }
         UseMachine("second"_s);
-        const QDeadlineTimer limit(20000);
+        const QDeadlineTimer limit(PATIENCE_MS);
         Exchange();
         QVERIFY(!limit.hasExpired());
         QCOMPARE(Ask(CPlayerInfoDB::GetInstance(), "SELECT count(*) FROM tbl_playerinfo"_s), "100001"_s);
