@@ -9,7 +9,7 @@ PLUGININTERFACE_DEFINE_SINGLETON(CAutoTopUpModel);
 
 namespace {
 
-constexpr unsigned int WHOLE = 10;       // a lower limit of ten tenths
+constexpr unsigned int WHOLE = 10;   // a lower limit of ten tenths
 const char USER_PROPERTY[] = "user"; // of the model: whose choices it has loaded
 
 enum ETargetMode : unsigned int {

@@ -15,9 +15,9 @@
 /// 0 is no tag.
 ///
 /// They are the user's and stored in the setting `playertags`; where that is empty the operator's `playertags` stand.
-/// Each login starts anew, whoever was logged in before, and loads the tags of the user. Without a login all is hidden
-/// and nothing can be changed. In a model that is created before the first login a tag has no colour until it is
-/// loaded or set, or the tags are stored. Needs the databases of CSettings and CTranslation. Thread of the user
+/// Each login starts anew, whoever was logged in before, and loads the tags of the user. Without a login all is
+/// hidden and nothing can be changed. In a model that is created before the first login a tag has no colour until it
+/// is loaded or set, or the tags are stored. Needs the databases of CSettings and CTranslation. Thread of the user
 /// interface.
 class PLUGININTERFACE_EXPORT CPlayerTaggingModel : public QObject
 {
