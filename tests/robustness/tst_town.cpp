@@ -15,7 +15,7 @@ namespace {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int USUAL_TOWNS = 40;
 #else
-constexpr int USUAL_TOWNS = 700;
+constexpr int USUAL_TOWNS = 300;
 #endif
 constexpr int MOST_STEPS = 30;
 constexpr int SHRINK_MS = 20000;
