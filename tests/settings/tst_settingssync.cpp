@@ -148,13 +148,9 @@ private Q_SLOTS:
                 answer.body =
                     ToJson("{'usersettings': [{'key': 'themechips', 'value': '5', 'time': 7}]}").toStdString();
         };
-        const QString link = "http://127.0.0.1:%1/"_s.arg(server.Get(".*", handler).bind_to_any_port("127.0.0.1"));
-        std::thread thread([&server] { server.listen_after_bind(); });
-        CConfig::GetInstance()->SetConfigs({{"link_settingssync"_s, link}});
+        server.Get(".*", handler);
+        std::thread thread = StartExchange(server);
         CSettingsSync *sync = CSettingsSync::GetInstance();
-        sync->disconnect(this);
-        sync->InitiateSync();
-        sync->StartSync("first"_s);
         QTRY_COMPARE(requests, 1);
         CSettings::GetInstance()->SetVolume(12);
         CSettings::GetInstance()->slot_SaveSettings();
@@ -259,13 +255,7 @@ private Q_SLOTS:
                                  "'nick': 'Bob', 'note': 'server', 'time': 1700000010}]}")
                               .toStdString();
         });
-        const QString link = "http://127.0.0.1:%1/"_s.arg(server.bind_to_any_port("127.0.0.1"));
-        std::thread thread([&server] { server.listen_after_bind(); });
-        CConfig::GetInstance()->SetConfigs({{"link_settingssync"_s, link}});
-        CSettingsSync *sync = CSettingsSync::GetInstance();
-        sync->disconnect(this);
-        sync->InitiateSync();
-        sync->StartSync("first"_s);
+        std::thread thread = StartExchange(server);
         QTest::qWait(100);
         CSettings::GetInstance()->SetVolume(12);
         CSettings::GetInstance()->slot_SaveSettings();
@@ -419,6 +409,19 @@ private:
         m_links.clear();
         connect(CSettingsSync::GetInstance(), &CSettingsSync::signal_RequestSessionForSync, this,
                 &tst_settingssync::GiveSession);
+    }
+
+    // Sends a first request to that server, which runs in the thread until it is stopped.
+    std::thread StartExchange(httplib::Server &server)
+    {
+        const QString link = "http://127.0.0.1:%1/"_s.arg(server.bind_to_any_port("127.0.0.1"));
+        std::thread thread([&server] { server.listen_after_bind(); });
+        CConfig::GetInstance()->SetConfigs({{"link_settingssync"_s, link}});
+        CSettingsSync *sync = CSettingsSync::GetInstance();
+        sync->disconnect(this);
+        sync->InitiateSync();
+        sync->StartSync("first"_s);
+        return thread;
     }
 
     void StartTwoMachines(const QStringList &fault)
