@@ -5,6 +5,7 @@
 
 #include <examples/ServerProcess.h>
 #include <support/Languages.h>
+#include <support/Rows.h>
 
 #include <httplib.h>
 
@@ -169,16 +170,13 @@ private Q_SLOTS:
     // Bob=server at 20, which the server had before: the rows, where the own ones are stamped with 1700000000.
     void UnwrittenChanges_data()
     {
-        QTest::addColumn<int>("before");
-        QTest::addColumn<int>("written");
-        QTest::addColumn<int>("after");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("nothing") << 3 << 3 << 3 << "11 11@20"_s;
-        QTest::newRow("before") << 12 << 12 << 12 << "12 12@1700000000"_s;
-        QTest::newRow("after") << 3 << 3 << 12 << "12 12@1700000000"_s;
-        QTest::newRow("written between") << 3 << 12 << 12 << "12 12@1700000000"_s;
-        QTest::newRow("there and back") << 12 << 12 << 3 << "3 3@1700000000"_s;
-        QTest::newRow("there and back, written between") << 12 << 3 << 3 << "3 3@1700000000"_s;
+        AddRows<int, int, int, QString>({"before", "written", "after", "expected"},
+                                        {{"nothing", 3, 3, 3, "11 11@20"_s},
+                                         {"before", 12, 12, 12, "12 12@1700000000"_s},
+                                         {"after", 3, 3, 12, "12 12@1700000000"_s},
+                                         {"written between", 3, 12, 12, "12 12@1700000000"_s},
+                                         {"there and back", 12, 12, 3, "3 3@1700000000"_s},
+                                         {"there and back, written between", 12, 3, 3, "3 3@1700000000"_s}});
     }
 
     void UnwrittenChanges()
@@ -240,9 +238,7 @@ private Q_SLOTS:
     // server's, or they would never be sent, and one that comes after another login is dropped.
     void LateAnswer_data()
     {
-        QTest::addColumn<bool>("loginBetween");
-        QTest::newRow("in the same login") << false;
-        QTest::newRow("after another login") << true;
+        AddRows<bool>({"loginBetween"}, {{"in the same login", false}, {"after another login", true}});
     }
 
     void LateAnswer()
