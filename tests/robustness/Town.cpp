@@ -2,9 +2,9 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QSqlQuery>
+#include <QTimer>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -21,15 +21,15 @@ constexpr qint64 NEVER = std::numeric_limits<qint64>::max();
 constexpr qint64 USUAL_MS = 30; // of an answer
 constexpr int ARRIVAL_MS = 10000;
 constexpr int MOST_ROUNDS = 8;
-constexpr qint64 ROUND_MS = 25000;   // for a request, what it leads to, and the request after that
-constexpr qint64 RETRIES_MS = 40000; // in which a file that can be used again is tried
-constexpr qint64 APART_MS = 2000;    // rows have their times in whole seconds
+constexpr qint64 ROUND_MS = 25000;    // for a request, what it leads to, and the request after that
+constexpr qint64 RETRIES_MS = 40000;  // in which a file that can be used again is tried
+constexpr qint64 UNWRITTEN_MS = 4000; // for which a change waits at most, and a bit
+constexpr qint64 APART_MS = 2000;     // rows have their times in whole seconds
 
 QByteArray ToAnswer(int status, const QByteArray &body, int missing = 0)
 {
-    return "HTTP/1.1 " + QByteArray::number(status) +
-           " x\r\nContent-Type: application/json\r\nConnection: close\r\n" +
-           "Content-Length: " + QByteArray::number(body.size() + missing) + "\r\n\r\n" + body;
+    return "HTTP/1.0 " + QByteArray::number(status) +
+           " x\r\nContent-Length: " + QByteArray::number(body.size() + missing) + "\r\n\r\n" + body;
 }
 
 // A row's name without the user, and its content.
@@ -70,8 +70,8 @@ CGround::CGround()
     environment.insert("LD_BIND_NOW"_s, "1"_s); // once, before it forks
     m_program.setProcessEnvironment(environment);
     m_program.setProcessChannelMode(QProcess::ForwardedChannels);
-    m_program.start(QStringLiteral(MACHINE_PATH),
-                    {dir.filePath("socket"_s), "http://127.0.0.1:%1"_s.arg(server.serverPort())});
+    const QStringList about{dir.filePath("socket"_s), "http://127.0.0.1:%1"_s.arg(server.serverPort())};
+    m_program.start(QStringLiteral(MACHINE_PATH), about + CTown::GetPlayers());
 }
 
 CGround::~CGround()
@@ -128,8 +128,10 @@ void CTown::Begin(int machine)
     to.requests.clear();
     to.strUser.clear();
     to.ratings.clear();
-    if (!Tell(machine, QString()).value("open"_s).toBool())
+    const QJsonObject first = Tell(machine, QString());
+    if (!first.value("open"_s).toBool())
         m_ledger.Fail("machine %1 can't open its files"_s.arg(machine));
+    Look(machine, first, true);
 }
 
 // An empty command waits for the answer that comes by itself.
@@ -140,7 +142,7 @@ QJsonObject CTown::Tell(int machine, const QString &command)
     static std::array<char, (1 << 18)> buffer;
     if (!command.isEmpty() && send(to.iSocket, line.constData(), size_t(line.size()), MSG_NOSIGNAL) < 0)
         m_ledger.Fail("machine %1 has ended"_s.arg(machine));
-    if (m_ground.bTells && command != "run"_s && !command.startsWith("look"_s))
+    if (m_ground.bTells && command != "run"_s && command != "look"_s)
         qInfo("%lld: machine %d: %s", m_iNow, machine, qPrintable(command));
     const ssize_t size = recv(to.iSocket, buffer.data(), buffer.size(), 0);
     if (size <= 0) {
@@ -158,15 +160,22 @@ QJsonObject CTown::Tell(int machine, const QString &command)
         if (m_requests.value(id).machine == machine && !to.requests.contains(id))
             m_requests.remove(id);
     }
-    QElapsedTimer clock;
-    clock.start();
-    for (const QString &id : qAsConst(to.requests)) {
-        while (!m_requests.contains(id) && clock.elapsed() < ARRIVAL_MS)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-        if (!m_requests.contains(id))
-            m_ledger.Fail("no request %1"_s.arg(id));
-    }
+    for (const QString &id : qAsConst(to.requests))
+        Await(id);
     return QJsonDocument::fromJson(answer.mid(answer.indexOf('\n') + 1)).object();
+}
+
+// Until the request has arrived.
+void CTown::Await(const QString &id)
+{
+    QTimer limit; // which ends the wait as well
+    limit.setSingleShot(true);
+    if (!m_requests.contains(id))
+        limit.start(ARRIVAL_MS);
+    while (!m_requests.contains(id) && limit.isActive())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (!m_requests.contains(id))
+        m_ledger.Fail("no request %1"_s.arg(id));
 }
 
 QString CTown::GetNextRequest() const
@@ -218,12 +227,12 @@ void CTown::Advance(qint64 ms)
 void CTown::Do(int machine, const QString &command)
 {
     Advance(qMax<qint64>(0, m_machines.at(machine).iNow - m_iNow));
-    Tell(machine, command);
+    const QJsonObject data = Tell(machine, command);
     m_machines[machine].strUser = command.startsWith("login"_s) ? command.section(u' ', 1)
                                   : command == "logout"_s || command == "reset"_s || command == "end"_s
                                       ? QString()
                                       : m_machines.at(machine).strUser;
-    Look(machine);
+    Look(machine, data);
     if (!command.startsWith("login"_s))
         return;
     // Who has no row of a setting is given that of whoever was there last.
@@ -247,8 +256,11 @@ void CTown::Change(int machine, const QString &what, const QString &name, const 
     const QJsonObject answer = Tell(machine, what + u' ' + name + u' ' + value);
     if (what == "rate"_s)
         m_machines[machine].ratings.insert(user + u' ' + name, value.toInt());
+    else
+        m_machines[machine].chosen.insert(row, m_iNow);
     m_changed.insert(row, {machine, m_iNow});
     m_ledger.Choose(machine, row, answer.value("before"_s).toString(), answer.value("after"_s).toString(), m_iNow);
+    Look(machine, answer);
 }
 
 QStringList CTown::GetRows(int user) const
@@ -262,10 +274,9 @@ QStringList CTown::GetRows(int user) const
 }
 
 // What it holds goes to the ledger.
-void CTown::Look(int machine, bool killed)
+void CTown::Look(int machine, const QJsonObject &data, bool killed)
 {
     SMachine &at = m_machines[machine];
-    const QJsonObject data = Tell(machine, "look "_s + GetPlayers().join(u' '));
     if (data.value("user"_s).toString() != at.strUser)
         m_ledger.Fail("machine %1 is of %2, not %3"_s.arg(machine).arg(data.value("user"_s).toString(), at.strUser));
     at.stored = data.value("stored"_s).toObject();
@@ -308,7 +319,6 @@ void CTown::Kill(int machine)
             m_requests.remove(id);
     }
     Begin(machine);
-    Look(machine, true);
 }
 
 void CTown::SetFate(int machine, EFate fate, qint64 ms)
@@ -379,7 +389,7 @@ void CTown::OnData(QTcpSocket *socket, QByteArray &data)
     const QString id = url.path().mid(1);
     const int machine = id.section(u'.', 0, 0).mid(1).toInt();
     SMachine &from = m_machines[machine];
-    SRequest request{machine, socket, id.section(u'.', 1, 1), line, body, from.eFate, 0, QByteArray()};
+    SRequest request{machine, socket, id.section(u'.', 1, 1), line, body, from.eFate, m_iNow, 0, QByteArray()};
     request.iRelease = from.eFate == Lost ? NEVER : m_iNow + USUAL_MS + from.iDelay;
     if (request.eFate != Answered && request.eFate != Refused)
         Serve(request);
@@ -434,8 +444,29 @@ void CTown::Release(const QString &id)
     while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten(1000)) {
     }
     socket->disconnectFromHost();
-    Tell(request.machine, "await "_s + id);
-    Look(request.machine);
+    Look(request.machine, Tell(request.machine, "await "_s + id));
+    if (request.eFate != Refused && request.eFate != Cut && request.body.isEmpty())
+        CheckTaken(request);
+}
+
+// What an answer brings is in effect, but for what the user has changed since, or just before.
+void CTown::CheckTaken(const SRequest &request)
+{
+    const SMachine &to = m_machines.at(request.machine);
+    SyncJson::TLists lists;
+    if (to.strUser != request.strUser || to.iHindered >= request.iBegin ||
+        !SyncJson::ReadLists(request.answer, lists))
+        return;
+    for (const SSyncList &list : lists) {
+        for (const SSyncRow &sent : list.rows) {
+            const auto row = ToRow(sent.strKey, sent.strContent);
+            const qint64 chosen = to.chosen.value(to.strUser + u' ' + row.first, -UNWRITTEN_MS);
+            const QString seen = to.seen.value(row.first).toString(row.second);
+            if (request.iBegin - chosen >= UNWRITTEN_MS && seen != row.second)
+                m_ledger.Fail("machine %1 hasn't taken %2 = %3, but has %4"_s.arg(request.machine)
+                                  .arg(row.first, row.second, seen));
+        }
+    }
 }
 
 QHash<QString, QString> CTown::GetServed(const QString &user)
@@ -494,7 +525,7 @@ void CTown::Settle()
             Advance(ROUND_MS);
         }
         for (int machine = 0; machine < m_machines.size(); ++machine)
-            Look(machine);
+            Look(machine, Tell(machine, "look"_s));
         bool same = true;
         const QString now = Compare(same);
         if (now == before && same)

@@ -89,8 +89,9 @@ private:
         qint64 iDelay = 0;
         qint64 iHindered = -1; // until when something may wait for its file
         QHash<QString, int> ratings;
-        QJsonObject seen;   // what its user sees, by row without the user
-        QJsonObject stored; // what its files hold, by user and row
+        QHash<QString, qint64> chosen; // when its user last changed the row
+        QJsonObject seen;              // what its user sees, by row without the user
+        QJsonObject stored;            // what its files hold, by user and row
     };
     struct SRequest
     {
@@ -100,17 +101,20 @@ private:
         QByteArray line;
         QByteArray body;
         EFate eFate = Answered;
+        qint64 iBegin = 0;
         qint64 iRelease = 0;
         QByteArray answer;
     };
 
     void Begin(int machine);
     QJsonObject Tell(int machine, const QString &command);
-    void Look(int machine, bool killed = false);
+    void Await(const QString &id);
+    void Look(int machine, const QJsonObject &data, bool killed = false);
     void OnConnection();
     void OnData(QTcpSocket *socket, QByteArray &data);
     void Serve(SRequest &request);
     void Release(const QString &id);
+    void CheckTaken(const SRequest &request);
     QString GetNextRequest() const;
     int GetNextMachine() const;
     QStringList GetRows(int user) const;

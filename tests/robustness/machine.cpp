@@ -1,9 +1,9 @@
-// One of a user's machines: machine SOCKET ADDRESS. Each line "FOLDER NAME" on its input forks one, which connects to
-// SOCKET, works in the client folder of an installation, and exchanges with the web server at ADDRESS.
+// One of a user's machines: machine SOCKET ADDRESS PLAYER... Each line "FOLDER NAME" on its input forks one, which
+// connects to SOCKET, works in the client folder of an installation, and exchanges with the web server at ADDRESS.
 //
 // Its clocks stand still but for a command, "MILLISECONDS COMMAND [ARGUMENT...]", or for a sleep, which takes no time
 // outside. When there is nothing left to do it answers "NOW NEXT REQUEST...\nJSON": its time, that of its next timer,
-// the requests under way, and what the command asks for.
+// the requests under way, and, but for "run", what its user sees of the players and what its files hold.
 
 #include <database/PlayerInfoDB.h>
 #include <database/SettingsDB.h>
@@ -49,6 +49,7 @@ constexpr int SESSION_LENGTH = 64, ID_LENGTH = 32;
 std::atomic<qint64> now{SECOND}; // nanoseconds, on the monotonic clock
 std::atomic<qint64> wall{0};     // seconds by which the machine's own clock is off
 void (*onIdle)(qint64 next) = nullptr;
+QStringList players;
 
 bool IsMainThread()
 {
@@ -137,10 +138,10 @@ QString ToContent(const QString &note, unsigned int tag, unsigned int flags)
 }
 
 // What the user sees, by what the rows are called: "p/PLAYER" and "s/KEY".
-QJsonObject GetSeen(const QStringList &players)
+QJsonObject GetSeen()
 {
     QJsonObject seen;
-    for (const QString &nickname : players) {
+    for (const QString &nickname : qAsConst(players)) {
         CPlayerModel *player = GetPlayer(nickname);
         const bool buddy = CountListed(player) > 0;
         const unsigned int flags =
@@ -189,6 +190,7 @@ private:
     void Login(const QString &user);
     void Load();
     void Leave();
+    void Look();
     void EndOwn();
     void Change(const QString &what, const QString &name, const QString &value);
     static void ChangePlayer(const QString &what, CPlayerModel *player, const QString &value);
@@ -207,7 +209,8 @@ private:
     QString m_strSendSession;
     int m_iSessions = 0;
     int m_iLogins = 0;
-    bool m_bOwes = true; // an answer to the test
+    bool m_bOwes = true;  // an answer to the test
+    bool m_bLooks = true; // before that
     bool m_bLoaded = false;
     QString m_strAwaited; // the request whose end it waits for
     QJsonObject m_data;
@@ -274,6 +277,12 @@ void CMachine::Answer(qint64 next)
     const QStringList requests = GetRequests();
     if (!m_bOwes || requests.contains(m_strAwaited))
         return;
+    if (m_bLooks) { // in a turn of the event loop, not while it waits
+        m_bLooks = false;
+        QMetaObject::invokeMethod(
+            this, [this] { Look(); }, Qt::QueuedConnection);
+        return;
+    }
     m_bOwes = false;
     const QString header = QStringLiteral("%1 %2 %3\n")
                                .arg(now / MS)
@@ -297,6 +306,7 @@ void CMachine::Do()
     m_bOwes = true;
     m_strAwaited.clear();
     const QString &what = words.at(1);
+    m_bLooks = what != QLatin1String("run");
     if (what == QLatin1String("login"))
         Login(words.at(2));
     else if (what == QLatin1String("logout"))
@@ -313,12 +323,15 @@ void CMachine::Do()
         wall += words.at(2).toLongLong();
     else if (what == QLatin1String("full"))
         Limit(words.at(2));
-    else if (what == QLatin1String("look"))
-        m_data = {{QStringLiteral("user"), GetUser()},
-                  {QStringLiteral("seen"), GetSeen(words.mid(2))},
-                  {QStringLiteral("stored"), GetStored()}};
-    else if (what != QLatin1String("run"))
+    else if (what != QLatin1String("run") && what != QLatin1String("look"))
         Change(what, words.at(2), words.value(3));
+}
+
+void CMachine::Look()
+{
+    m_data.insert(QStringLiteral("user"), GetUser());
+    m_data.insert(QStringLiteral("seen"), GetSeen());
+    m_data.insert(QStringLiteral("stored"), GetStored());
 }
 
 void CMachine::Login(const QString &user)
@@ -358,16 +371,15 @@ void CMachine::EndOwn()
 void CMachine::Change(const QString &what, const QString &name, const QString &value)
 {
     const bool setting = what == QLatin1String("set");
-    const QStringList players = setting ? QStringList() : QStringList(name);
     const QString row = (setting ? QLatin1String("s/") : QLatin1String("p/")) + name;
-    m_data.insert(QStringLiteral("before"), GetSeen(players).value(row));
+    m_data.insert(QStringLiteral("before"), GetSeen().value(row));
     if (setting && name == QLatin1String("volume"))
         CSettings::GetInstance()->SetVolume(value.toInt());
     else if (setting)
         CSettings::GetInstance()->SetThemeChips(value.toInt());
     else
         ChangePlayer(what, GetPlayer(name), value);
-    m_data.insert(QStringLiteral("after"), GetSeen(players).value(row));
+    m_data.insert(QStringLiteral("after"), GetSeen().value(row));
 }
 
 void CMachine::ChangePlayer(const QString &what, CPlayerModel *player, const QString &value)
@@ -454,8 +466,10 @@ int Live(const std::string &path, const QString &folder, const QString &name, co
 
 int main(int count, char **arguments)
 {
-    if (count != 3)
+    if (count < 4)
         return 1;
+    for (int player = 3; player < count; ++player)
+        players.append(QString::fromUtf8(arguments[player]));
     setenv("QT_NO_GLIB", "1", 1); // whose loop has a clock of its own
     const QString driver =
         QLibraryInfo::location(QLibraryInfo::PluginsPath) + QLatin1String("/sqldrivers/libqsqlite.so");
