@@ -142,7 +142,7 @@ QJsonObject CTown::Tell(int machine, const QString &command)
     static std::array<char, (1 << 18)> buffer;
     if (!command.isEmpty() && send(to.iSocket, line.constData(), size_t(line.size()), MSG_NOSIGNAL) < 0)
         m_ledger.Fail("machine %1 has ended"_s.arg(machine));
-    if (m_ground.bTells && command != "run"_s && command != "look"_s)
+    if (m_ground.bTells && !command.startsWith("run "_s) && command != "look"_s)
         qInfo("%lld: machine %d: %s", m_iNow, machine, qPrintable(command));
     const ssize_t size = recv(to.iSocket, buffer.data(), buffer.size(), 0);
     if (size <= 0) {
@@ -178,12 +178,18 @@ void CTown::Await(const QString &id)
         m_ledger.Fail("no request %1"_s.arg(id));
 }
 
+// When the server takes it, or answers.
+qint64 CTown::GetDue(const SRequest &request) const
+{
+    return request.bAtOnce ? request.iBegin : qMax(request.iRelease, m_machines.at(request.machine).iNow);
+}
+
 QString CTown::GetNextRequest() const
 {
     QString next;
     qint64 when = NEVER;
     for (auto request = m_requests.cbegin(); request != m_requests.cend(); ++request) {
-        const qint64 due = qMax(request->iRelease, m_machines.at(request->machine).iNow);
+        const qint64 due = GetDue(*request);
         if (due < when || (due == when && request.key() < next)) {
             next = request.key();
             when = due;
@@ -209,19 +215,29 @@ void CTown::Advance(qint64 ms)
     while (m_ledger.GetFault().isEmpty()) {
         const QString request = GetNextRequest();
         const int machine = GetNextMachine();
-        const qint64 answer = request.isEmpty() ? NEVER
-                                                : qMax(m_requests.value(request).iRelease,
-                                                       m_machines.at(m_requests.value(request).machine).iNow);
+        const qint64 answer = request.isEmpty() ? NEVER : GetDue(m_requests.value(request));
         const qint64 timer = machine < 0 ? NEVER : qMax(m_machines.at(machine).iNext, m_machines.at(machine).iNow);
         if (qMin(answer, timer) > end)
             break;
         m_iNow = qMax(m_iNow, qMin(answer, timer));
-        if (answer <= timer)
-            Release(request);
+        if (answer > timer)
+            Run(machine, end);
+        else if (m_requests.value(request).bAtOnce)
+            Serve(m_requests[request]);
         else
-            Tell(machine, "run"_s);
+            Release(request);
     }
     m_iNow = end;
+}
+
+// What its timers do, up to its next request or answer. Nobody but the server hears of it.
+void CTown::Run(int machine, qint64 end)
+{
+    for (const SRequest &request : qAsConst(m_requests)) {
+        if (request.machine == machine)
+            end = qMin(end, request.iRelease - 1);
+    }
+    Tell(machine, "run %1"_s.arg(end));
 }
 
 void CTown::Do(int machine, const QString &command)
@@ -389,10 +405,10 @@ void CTown::OnData(QTcpSocket *socket, QByteArray &data)
     const QString id = url.path().mid(1);
     const int machine = id.section(u'.', 0, 0).mid(1).toInt();
     SMachine &from = m_machines[machine];
-    SRequest request{machine, socket, id.section(u'.', 1, 1), line, body, from.eFate, m_iNow, 0, QByteArray()};
-    request.iRelease = from.eFate == Lost ? NEVER : m_iNow + USUAL_MS + from.iDelay;
-    if (request.eFate != Answered && request.eFate != Refused)
-        Serve(request);
+    SRequest request{machine, socket,      id.section(u'.', 1, 1), line, body, from.eFate, from.iNow, false,
+                     0,       QByteArray()};
+    request.bAtOnce = from.eFate != Answered && from.eFate != Refused;
+    request.iRelease = from.eFate == Lost ? NEVER : from.iNow + USUAL_MS + from.iDelay;
     from.eFate = Answered;
     from.iDelay = 0;
     m_requests.insert(id, request);
@@ -400,6 +416,7 @@ void CTown::OnData(QTcpSocket *socket, QByteArray &data)
 
 void CTown::Serve(SRequest &request)
 {
+    request.bAtOnce = false;
     const SOwner owner{request.strUser, "m%1"_s.arg(request.machine)};
     const int json = request.body.indexOf("&json=");
     SyncJson::TLists lists;

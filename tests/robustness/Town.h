@@ -102,6 +102,7 @@ private:
         QByteArray body;
         EFate eFate = Answered;
         qint64 iBegin = 0;
+        bool bAtOnce = false; // the server takes it
         qint64 iRelease = 0;
         QByteArray answer;
     };
@@ -115,6 +116,8 @@ private:
     void Serve(SRequest &request);
     void Release(const QString &id);
     void CheckTaken(const SRequest &request);
+    void Run(int machine, qint64 end);
+    qint64 GetDue(const SRequest &request) const;
     QString GetNextRequest() const;
     int GetNextMachine() const;
     QStringList GetRows(int user) const;

@@ -46,9 +46,9 @@ constexpr qint64 SERVER_TIME = 1700000000; // when the town begins
 constexpr int SEND_DELAY_MS = 1500, REGULAR_MS = 60000, PAUSE_MS = 10000, SESSION_MS = 20;
 constexpr int SESSION_LENGTH = 64, ID_LENGTH = 32;
 
-std::atomic<qint64> now{SECOND}; // nanoseconds, on the monotonic clock
-std::atomic<qint64> wall{0};     // seconds by which the machine's own clock is off
-void (*onIdle)(qint64 next) = nullptr;
+std::atomic<qint64> now{SECOND};       // nanoseconds, on the monotonic clock
+std::atomic<qint64> wall{0};           // seconds by which the machine's own clock is off
+bool (*onIdle)(qint64 next) = nullptr; // whether it has gone on to that time
 QStringList players;
 
 bool IsMainThread()
@@ -109,7 +109,8 @@ int ppoll(pollfd *files, nfds_t count, const timespec *timeout, const sigset_t *
     const int ready = int(syscall(SYS_ppoll, files, count, &none, nullptr, 8));
     if (ready != 0 || (timeout && wait.tv_sec == 0 && wait.tv_nsec == 0))
         return ready;
-    onIdle(timeout ? now + wait.tv_sec * SECOND + wait.tv_nsec : -1);
+    if (onIdle(timeout ? now + wait.tv_sec * SECOND + wait.tv_nsec : -1))
+        return 0;
     return int(syscall(SYS_ppoll, files, count, nullptr, nullptr, 8));
 }
 
@@ -178,7 +179,7 @@ class CMachine : public QObject
 {
 public:
     CMachine(int socket, const QString &name, const QString &address);
-    void Answer(qint64 next);
+    bool Answer(qint64 next);
     void Do();
 
 protected:
@@ -191,6 +192,7 @@ private:
     void Load();
     void Leave();
     void Look();
+    static void SetTime(qint64 time);
     void EndOwn();
     void Change(const QString &what, const QString &name, const QString &value);
     static void ChangePlayer(const QString &what, CPlayerModel *player, const QString &value);
@@ -211,6 +213,8 @@ private:
     int m_iLogins = 0;
     bool m_bOwes = true;  // an answer to the test
     bool m_bLooks = true; // before that
+    qint64 m_iUntil = -1;
+    QStringList m_requests; // at the last command
     bool m_bLoaded = false;
     QString m_strAwaited; // the request whose end it waits for
     QJsonObject m_data;
@@ -272,16 +276,20 @@ QStringList CMachine::GetRequests() const
     return requests;
 }
 
-void CMachine::Answer(qint64 next)
+bool CMachine::Answer(qint64 next)
 {
     const QStringList requests = GetRequests();
     if (!m_bOwes || requests.contains(m_strAwaited))
-        return;
+        return false;
+    if (next >= 0 && next <= m_iUntil && requests == m_requests) {
+        SetTime(next);
+        return true;
+    }
     if (m_bLooks) { // in a turn of the event loop, not while it waits
         m_bLooks = false;
         QMetaObject::invokeMethod(
             this, [this] { Look(); }, Qt::QueuedConnection);
-        return;
+        return false;
     }
     m_bOwes = false;
     const QString header = QStringLiteral("%1 %2 %3\n")
@@ -292,6 +300,13 @@ void CMachine::Answer(qint64 next)
     m_data = QJsonObject();
     if (send(m_iSocket, answer.constData(), size_t(answer.size()), 0) < 0)
         _exit(1);
+    return false;
+}
+
+void CMachine::SetTime(qint64 time)
+{
+    now = qMax(now.load(), time);
+    CCasinoTime::GetInstance()->SetTimeUTCServer(static_cast<unsigned int>(SERVER_TIME + now / SECOND));
 }
 
 void CMachine::Do()
@@ -301,12 +316,13 @@ void CMachine::Do()
     if (size <= 0)
         _exit(0);
     const QStringList words = QString::fromUtf8(buffer, int(size)).split(QLatin1Char(' '));
-    now = qMax(now.load(), words.at(0).toLongLong() * MS);
-    CCasinoTime::GetInstance()->SetTimeUTCServer(static_cast<unsigned int>(SERVER_TIME + now / SECOND));
+    SetTime(words.at(0).toLongLong() * MS);
     m_bOwes = true;
     m_strAwaited.clear();
     const QString &what = words.at(1);
     m_bLooks = what != QLatin1String("run");
+    m_iUntil = m_bLooks ? -1 : words.at(2).toLongLong() * MS;
+    m_requests = GetRequests();
     if (what == QLatin1String("login"))
         Login(words.at(2));
     else if (what == QLatin1String("logout"))
@@ -458,7 +474,7 @@ int Live(const std::string &path, const QString &folder, const QString &name, co
     int count = 1;
     const QCoreApplication application(count, arguments);
     machine = new CMachine(last, name, address);
-    onIdle = [](qint64 next) { machine->Answer(next); };
+    onIdle = [](qint64 next) { return machine->Answer(next); };
     return QCoreApplication::exec();
 }
 

@@ -87,8 +87,7 @@ SStep DrawStep(QRandomGenerator &random, const SLife &life, int number)
     return step;
 }
 
-// What rarely comes together by chance: a note that is kept over a logout, and a setting that two machines change, on
-// one of them just before an exchange.
+// What rarely comes together by chance.
 QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
 {
     const int machine = random.bounded(life.iMachines);
@@ -96,16 +95,33 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
     const QString user = QString::number(random.bounded(life.iUsers));
     const QString player = Draw(random, CTown::GetPlayers());
     const QString key = Draw(random, CTown::GetSettings());
-    if (random.bounded(2) == 0)
-        return {{machine, "login"_s, user, QString(), 4000},
-                {machine, "lock"_s, "playerinfo"_s, QString(), 0},
-                {machine, "note"_s, player, "kept"_s, Draw(random, WAITS)},
-                {machine, "logout"_s, QString(), QString(), 0},
-                {machine, "login"_s, user, QString(), Draw(random, WAITS)},
-                {machine, "free"_s, QString(), QString(), Draw(random, WAITS)}};
-    return {{machine, "login"_s, user, QString(), 4000}, {other, "login"_s, user, QString(), 4000},
-            {machine, "set"_s, key, "71"_s, 65000},      {other, "set"_s, key, "72"_s, 12000},
-            {machine, "set"_s, key, "73"_s, 100},        {machine, "sync"_s, QString(), QString(), 3200}};
+    const SStep login{machine, "login"_s, user, QString(), 4000};
+    const SStep logout{machine, "logout"_s, QString(), QString(), Draw(random, WAITS)};
+    const SStep sync{machine, "sync"_s, QString(), QString(), 3200};
+    const SStep lock{machine, "lock"_s, "playerinfo"_s, QString(), 0};
+    const SStep free{machine, "free"_s, QString(), QString(), Draw(random, WAITS)};
+    const SStep soon{machine, "login"_s, user, QString(), Draw(random, WAITS)};
+    switch (random.bounded(4)) {
+    case 0: // a note is kept over a logout
+        return {login, lock, {machine, "note"_s, player, "kept"_s, Draw(random, WAITS)}, logout, soon, free};
+    case 1: // what is kept is older than what another machine has sent
+        return {login,  {other, "login"_s, user, QString(), 4000},   lock, {machine, "rate"_s, player, "9"_s, 0},
+                logout, {other, "note"_s, player, "later"_s, 12000}, free, soon,
+                sync};
+    case 2: // two machines change a setting, one of them just before an exchange
+        return {login,
+                {other, "login"_s, user, QString(), 4000},
+                {machine, "set"_s, key, "71"_s, 65000},
+                {other, "set"_s, key, "72"_s, 12000},
+                {machine, "set"_s, key, "73"_s, 100},
+                sync};
+    default: // what stays on the machine is changed just before an exchange
+        return {login,
+                {other, "login"_s, user, QString(), 4000},
+                {other, "note"_s, player, "other"_s, 12000},
+                {machine, "rate"_s, player, "8"_s, 100},
+                sync};
+    }
 }
 
 SLife DrawLife(int seed)
