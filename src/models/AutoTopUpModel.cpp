@@ -1,6 +1,7 @@
 #include "AutoTopUpModel.h"
 
 #include <Singleton_p.h>
+#include <models/LoadedUser_p.h>
 #include <models/PackedSetting_p.h>
 #include <models/UserInfo.h>
 #include <settings/Settings.h>
@@ -9,8 +10,7 @@ PLUGININTERFACE_DEFINE_SINGLETON(CAutoTopUpModel);
 
 namespace {
 
-constexpr unsigned int WHOLE = 10;   // a lower limit of ten tenths
-const char USER_PROPERTY[] = "user"; // of the model: whose choices it has loaded
+constexpr unsigned int WHOLE = 10; // a lower limit of ten tenths
 
 enum ETargetMode : unsigned int {
     TM_MODE0 = 0,
@@ -35,10 +35,7 @@ CAutoTopUpModel::CAutoTopUpModel(QObject *parent)
 {
     connect(CSettings::GetInstance(), &CSettings::signal_AutoTopUpSettingsChanged, this,
             &CAutoTopUpModel::slot_AutoTopUpSettingsChanged);
-    // After the settings, which have applied the user's rows by then and signalled what has changed.
-    const CUserInfo *user = CUserInfo::GetInstance();
-    connect(user, &CUserInfo::signal_PlayerModelChanged, this, &CAutoTopUpModel::FollowUser);
-    connect(user, &CUserInfo::signal_LoginStateChanged, this, &CAutoTopUpModel::FollowUser);
+    LoadedUser::Connect(this, &CAutoTopUpModel::FollowUser);
     LoadSettings();
 }
 
@@ -123,17 +120,14 @@ CAutoTopUpModel::SGroup CAutoTopUpModel::GetGroup(GlobalDefines::MoneyType money
 // Once the settings are the user's, who may have changed none of them.
 void CAutoTopUpModel::FollowUser()
 {
-    const QString user = CUserInfo::GetInstance()->GetNickname();
-    if (user.isEmpty())
-        setProperty(USER_PROPERTY, QString());
-    else if (user == CSettings::GetInstance()->GetNickname() && user != property(USER_PROPERTY).toString())
+    if (LoadedUser::HasChanged(*this))
         LoadSettings();
 }
 
 // What isn't of the stored form counts as nothing stored.
 void CAutoTopUpModel::LoadSettings()
 {
-    setProperty(USER_PROPERTY, CUserInfo::GetInstance()->GetNickname());
+    LoadedUser::Set(*this, CUserInfo::GetInstance()->GetNickname());
     QByteArray value;
     if (CUserInfo::GetInstance()->IsLoggedIn())
         value = CSettings::GetInstance()->GetAutoTopUpSettings();

@@ -1,6 +1,7 @@
 #include "PlayerTaggingModel.h"
 
 #include <Singleton_p.h>
+#include <models/LoadedUser_p.h>
 #include <models/UserInfo.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
@@ -22,8 +23,7 @@ namespace {
 const QString AREA = QStringLiteral("PLAYERTAGGING");
 const QString COLOR = QStringLiteral("c");
 const QString NAME = QStringLiteral("n");
-// Of the model: whose tags it has loaded, and whether it has had all colours, which it can't have before a login.
-const char USER_PROPERTY[] = "user";
+// Of the model: whether it has had all colours, which it can't have before a login.
 const char COLORED_PROPERTY[] = "colored";
 
 constexpr int ICON_SIZE = 32;
@@ -90,11 +90,8 @@ CPlayerTaggingModel::CPlayerTaggingModel()
             &CPlayerTaggingModel::slot_PlayerTagsChanged);
     connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this,
             &CPlayerTaggingModel::slot_TranslationChanged);
-    // After the settings, which have applied the user's rows by then and signalled what has changed.
-    const CUserInfo *user = CUserInfo::GetInstance();
-    connect(user, &CUserInfo::signal_PlayerModelChanged, this, &CPlayerTaggingModel::FollowUser);
-    connect(user, &CUserInfo::signal_LoginStateChanged, this, &CPlayerTaggingModel::FollowUser);
-    setProperty(USER_PROPERTY, CSettings::GetInstance()->GetNickname());
+    LoadedUser::Connect(this, &CPlayerTaggingModel::FollowUser);
+    LoadedUser::Set(*this, CSettings::GetInstance()->GetNickname());
     Load(true);
 }
 
@@ -266,10 +263,7 @@ bool CPlayerTaggingModel::LayOver(const QString &text)
 // Once the settings are the user's, who may have changed none of them.
 void CPlayerTaggingModel::FollowUser()
 {
-    const QString user = CUserInfo::GetInstance()->GetNickname();
-    if (user.isEmpty())
-        setProperty(USER_PROPERTY, QString());
-    else if (user == CSettings::GetInstance()->GetNickname() && user != property(USER_PROPERTY).toString())
+    if (LoadedUser::HasChanged(*this))
         LoadOfUser();
 }
 
@@ -278,8 +272,8 @@ void CPlayerTaggingModel::LoadOfUser()
 {
     const QString user = CSettings::GetInstance()->GetNickname();
     bool changed = false;
-    if (user != property(USER_PROPERTY).toString()) {
-        setProperty(USER_PROPERTY, user);
+    if (user != LoadedUser::Get(*this)) {
+        LoadedUser::Set(*this, user);
         changed = IsLoggedIn() && HasColors();
         if (changed)
             SetDefaultColors();
