@@ -53,7 +53,8 @@ int CPlayerLists::GetOfflineBuddiesCount() const
 
 void CPlayerLists::ResetBuddyList()
 {
-    CPlayerSaves::WriteAll(); // while it is known who is a buddy
+    if (CPlayerSaves *saves = CPlayerSaves::Get())
+        saves->WriteAll(); // while it is known who is a buddy
     m_lBuddyList.clear();
 }
 

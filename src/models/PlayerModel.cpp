@@ -4,12 +4,21 @@
 #include <models/PlayerSaves_p.h>
 #include <models/UserInfo.h>
 
-#include <QScopedValueRollback>
-
 #include <algorithm>
 
 QHash<QString, QSharedPointer<CPlayerModel>> CPlayerModel::m_Instances;
 bool CPlayerModel::m_bRenamed = false;
+
+namespace {
+
+// To be stored.
+void StopWaiting(const CPlayerModel *model)
+{
+    if (CPlayerSaves *saves = CPlayerSaves::Get())
+        saves->Forget(model);
+}
+
+} // namespace
 
 CPlayerModel::CPlayerModel(const QString &nickname)
     : CPlayerDataModel(nullptr)
@@ -21,7 +30,7 @@ CPlayerModel::CPlayerModel(const QString &nickname)
 
 CPlayerModel::~CPlayerModel()
 {
-    CPlayerSaves::Forget(this);
+    StopWaiting(this);
 }
 
 CPlayerModel *CPlayerModel::GetInstance(QString nickname)
@@ -49,7 +58,7 @@ void CPlayerModel::DestroyInstance(QString nickname)
 {
     StoreBeforeEnd(m_Instances.value(nickname).data());
     if (const QSharedPointer<CPlayerModel> model = m_Instances.take(nickname))
-        CPlayerSaves::Forget(model.data());
+        StopWaiting(model.data());
 }
 
 void CPlayerModel::DestroyInstance(CPlayerModel *model)
@@ -58,7 +67,7 @@ void CPlayerModel::DestroyInstance(CPlayerModel *model)
     const auto entry = std::find(m_Instances.begin(), m_Instances.end(), model);
     if (entry == m_Instances.end())
         return;
-    CPlayerSaves::Forget(model);
+    StopWaiting(model);
     m_Instances.erase(entry);
 }
 
@@ -67,7 +76,7 @@ void CPlayerModel::DestroyInstances()
     if (CUserInfo::IsExisting())
         StoreBeforeEnd(CUserInfo::GetInstance()->GetPlayerModel());
     for (const QSharedPointer<CPlayerModel> &model : qAsConst(m_Instances))
-        CPlayerSaves::Forget(model.data());
+        StopWaiting(model.data());
     m_Instances.clear();
 }
 
@@ -77,13 +86,14 @@ void CPlayerModel::SetLoadedInfo(QString note, unsigned int tagID, unsigned int 
     const bool differs = note != GetNotes() || tagID != GetTagID() || customAvatar != GetCustomAvatar() ||
                          rating != GetRating() || buddyBlocked != GetBuddyBlocked() || chatBlock != GetChatBlock();
     const QString user = CPlayerSaves::GetUser();
-    const QScopedValueRollback<bool> loading(m_bLoading, true);
+    const CPlayerSaves::CLoading loading(this);
     SetNotes(note);
     SetTagID(tagID);
     SetCustomAvatar(customAvatar);
     SetRating(rating);
     SetBuddyBlocked(buddyBlocked);
     SetChatBlock(chatBlock);
-    if (differs && user == CPlayerSaves::GetUser()) // else a listener has ended the login
-        CPlayerSaves::Restart(this, false);
+    CPlayerSaves *saves = CPlayerSaves::Get();
+    if (saves && differs && user == CPlayerSaves::GetUser()) // else a listener has ended the login
+        saves->Restart(this, GetKey(), false);
 }

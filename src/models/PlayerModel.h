@@ -6,11 +6,7 @@
 #include <QHash>
 #include <QSharedPointer>
 
-#include <list>
-#include <optional>
-
 class CDownload;
-struct SPlayerSave;
 
 /// A player, one live object for each nickname, the logged-in user included.
 ///
@@ -74,20 +70,16 @@ private Q_SLOTS:
 
 private:
     friend class CPlayerLists; // a change of the buddy list is one of the player's
-    friend class CPlayerSaves;
 
+    QString GetKey() const;
     void SaveLater(bool travels);
-    void SetLoadedBuddy(bool buddy);
     static void StoreBeforeEnd(const CPlayerModel *model);
     bool IsOwn() const;
     void ChangeCustomAvatarTo(unsigned int id);
     void AbandonDownload();
 
-    bool m_bLoading = false;                  // what changes is the store's, not the user's
     CDownload *m_pDownload = nullptr;         // child, null when none runs
     unsigned int m_ulPendingCustomAvatar = 0; // the picture that it fetches, or has failed to fetch
-
-    std::optional<std::list<SPlayerSave>::iterator> m_save; // its place among those that wait to be stored
 
     static QHash<QString, QSharedPointer<CPlayerModel>> m_Instances;
     static bool m_bRenamed; // whether a model has got another nickname than that of its making

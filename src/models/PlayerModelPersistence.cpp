@@ -13,7 +13,8 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QSaveFile>
-#include <QScopedValueRollback>
+
+#include <algorithm>
 
 // A player's ties to the store, to the picture server, and to the user's settings.
 
@@ -90,12 +91,12 @@ void CPlayerModel::slot_DownloadCustomAvatarFinished(bool status, QByteArray dat
 
 void CPlayerModel::slot_DBSaveTimer()
 {
-    PlayerInfo::CSaver().Save(*this);
+    PlayerInfo::CSaver().SaveOf(CPlayerSaves::GetUser(), GetKey(), *this);
 }
 
 void CPlayerModel::slot_DBUpdateTimer()
 {
-    const QString player = CPlayerSaves::GetKey(*this);
+    const QString player = GetKey();
     if (!player.isEmpty() && CUserInfo::GetInstance()->IsLoggedIn())
         PlayerInfo::UpdateRow(player, *this);
 }
@@ -114,29 +115,31 @@ void CPlayerModel::slot_CustomAvatarChanged()
 // \a travels: whether other machines are to hear of the change. A load stores once it is whole.
 void CPlayerModel::SaveLater(bool travels)
 {
-    if (m_bLoading)
+    CPlayerSaves *saves = CPlayerSaves::Get();
+    if (!saves || saves->IsLoading(this))
         return;
-    CPlayerSaves::Restart(this, travels);
-    if (travels)
-        CLocalChanges::AddPlayer(CPlayerSaves::GetUser(), CPlayerSaves::GetKey(*this));
+    saves->Restart(this, GetKey(), travels);
+    CLocalChanges *changes = travels ? CLocalChanges::Get() : nullptr;
+    if (changes)
+        changes->AddPlayer(CPlayerSaves::GetUser(), GetKey());
 }
 
-void CPlayerModel::SetLoadedBuddy(bool buddy)
+// The nickname under which the table holds the model, also where it has been renamed; empty for a model that isn't in
+// the table, which is never stored.
+QString CPlayerModel::GetKey() const
 {
-    if (buddy == GetBuddy())
-        return;
-    {
-        const QScopedValueRollback<bool> loading(m_bLoading, true);
-        SetBuddy(buddy);
-    }
-    CPlayerSaves::Restart(this, false);
+    auto entry = m_Instances.constFind(GetNickname());
+    const bool found = entry != m_Instances.cend() && entry->data() == this;
+    if (!found && m_bRenamed)
+        entry = std::find(m_Instances.cbegin(), m_Instances.cend(), this);
+    return found || (m_bRenamed && entry != m_Instances.cend()) ? entry.key() : QString();
 }
 
 // The own player's nickname is that of the user who has noted all that waits.
 void CPlayerModel::StoreBeforeEnd(const CPlayerModel *model)
 {
     if (model && model->IsOwn())
-        CPlayerSaves::EndLogin();
+        CPlayerSaves::Get()->EndLogin();
 }
 
 bool CPlayerModel::IsOwn() const

@@ -8,12 +8,8 @@
 #include <settings/LocalChanges_p.h>
 #include <settings/PlayerInfo_p.h>
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QPointer>
-#include <QTimer>
 
-#include <algorithm>
 #include <optional>
 
 namespace {
@@ -23,92 +19,33 @@ constexpr qint64 SAVE_DELAY_MS = 3000;
 constexpr qint64 SLICE_MS = 4;
 constexpr int ROWS_A_SLICE = 200;
 
-// The delay is the same for all, so that the order of their restarts is that in which they are due. Each player knows
-// its place.
-std::list<SPlayerSave> waiting;
-// A row of a user who has logged out before the file could be written.
-struct SKept
-{
-    QVariantList row;
-    bool bChange; // as that of SPlayerSave
-};
-QList<SKept> kept;
-int pauseMs = 0; // until the next attempt to write, while the file can't be used
-// A child of the application, which may end before the library does.
-QPointer<QTimer> timer;
-
-// Milliseconds since the first call.
-qint64 Now()
-{
-    static const QElapsedTimer clock = [] {
-        QElapsedTimer started;
-        started.start();
-        return started;
-    }();
-    return clock.elapsed();
-}
-
-// Whether there is a user and a file for it, and the table knows it. What is being loaded is stored already.
-bool IsStorable(const SPlayerSave &save)
-{
-    return !save.strUser.isEmpty() && CPlayerInfoDB::GetInstance()->IsOpen() &&
-           !CPlayerSaves::GetKey(*save.pModel).isEmpty();
-}
+QPointer<CPlayerSaves> current;
 
 } // namespace
 
-void CPlayerSaves::Restart(CPlayerModel *model, bool change)
+CPlayerSaves *CPlayerSaves::Get()
 {
-    const qint64 due = Now() + SAVE_DELAY_MS;
-    if (model->m_save) {
-        waiting.splice(waiting.end(), waiting, *model->m_save);
-        SPlayerSave &save = waiting.back();
-        save = {model, due, save.bChange || change, GetUser()};
-    } else {
-        model->m_save = waiting.insert(waiting.end(), {model, due, change, GetUser()});
-    }
-    if (!timer || !timer->isActive())
-        RunTimer();
+    CUserInfo *owner = CUserInfo::IsExisting() ? CUserInfo::GetInstance() : nullptr;
+    if (current && owner && current->parent() != owner)
+        delete current; // of one that ends, whose models the next one is to know
+    if (!current && owner)
+        current = new CPlayerSaves(owner);
+    return current;
 }
 
-void CPlayerSaves::Forget(CPlayerModel *model)
+CPlayerSaves::CPlayerSaves(QObject *owner)
+    : QObject(owner)
 {
-    if (!model->m_save)
-        return;
-    waiting.erase(*model->m_save);
-    model->m_save.reset();
+    m_clock.start();
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &CPlayerSaves::WriteDue);
 }
 
-bool CPlayerSaves::IsWaiting(const CPlayerModel &model)
+CPlayerSaves::~CPlayerSaves()
 {
-    return model.m_save.has_value();
-}
-
-void CPlayerSaves::LoadNoBuddy(CPlayerModel *model)
-{
-    model->SetLoadedBuddy(false);
-}
-
-void CPlayerSaves::NumberUnwrittenChanges()
-{
-    const QString user = GetUser();
-    for (const SPlayerSave &save : waiting) {
-        if (save.bChange && save.strUser == user)
-            CLocalChanges::AddPlayer(user, GetKey(*save.pModel));
-    }
-    for (const SKept &entry : qAsConst(kept)) {
-        if (entry.bChange && entry.row.constFirst() == user)
-            CLocalChanges::AddPlayer(user, entry.row.at(1).toString());
-    }
-}
-
-void CPlayerSaves::SaveAgain(const QStringList &nicknames)
-{
-    for (const QString &nickname : nicknames) {
-        CPlayerModel *model = CPlayerModel::m_Instances.value(nickname).data();
-        if (model && !IsWaiting(*model))
-            Restart(model, true);
-    }
+    if ((!m_waiting.empty() || !m_kept.isEmpty()) && CPlayerInfoDB::IsExisting())
+        Write(QList<SSave>(m_waiting.cbegin(), m_waiting.cend()));
 }
 
 QString CPlayerSaves::GetUser()
@@ -116,42 +53,114 @@ QString CPlayerSaves::GetUser()
     return CUserInfo::IsExisting() ? CUserInfo::GetInstance()->GetNickname() : QString();
 }
 
-QString CPlayerSaves::GetKey(const CPlayerModel &model)
+CPlayerSaves::CLoading::CLoading(const CPlayerModel *model)
+    : m_pModel(model)
 {
-    const auto &models = CPlayerModel::m_Instances;
-    auto entry = models.constFind(model.GetNickname());
-    const bool found = entry != models.cend() && entry->data() == &model;
-    if (!found && CPlayerModel::m_bRenamed)
-        entry = std::find(models.cbegin(), models.cend(), &model);
-    return found || (CPlayerModel::m_bRenamed && entry != models.cend()) ? entry.key() : QString();
+    if (CPlayerSaves *saves = Get())
+        saves->m_loading.append(model);
+}
+
+CPlayerSaves::CLoading::~CLoading()
+{
+    if (CPlayerSaves *saves = Get())
+        saves->m_loading.removeOne(m_pModel);
+}
+
+// Whether there is a user and a file for it, and the table knows it.
+bool CPlayerSaves::IsStorable(const SSave &save)
+{
+    return !save.strUser.isEmpty() && !save.strKey.isEmpty() && CPlayerInfoDB::GetInstance()->IsOpen();
+}
+
+void CPlayerSaves::Restart(CPlayerModel *model, const QString &key, bool change)
+{
+    const qint64 due = m_clock.elapsed() + SAVE_DELAY_MS;
+    const auto place = m_places.constFind(model);
+    if (place != m_places.cend()) {
+        m_waiting.splice(m_waiting.end(), m_waiting, *place);
+        SSave &save = m_waiting.back();
+        save.iDue = due;
+        save.bChange |= change;
+        save.strUser = GetUser();
+    } else {
+        m_places.insert(model, m_waiting.insert(m_waiting.end(), {model, key, due, change, GetUser()}));
+    }
+    if (!m_timer.isActive())
+        RunTimer();
+}
+
+void CPlayerSaves::Forget(const CPlayerModel *model)
+{
+    const auto place = m_places.find(model);
+    if (place == m_places.end())
+        return;
+    m_waiting.erase(*place);
+    m_places.erase(place);
+}
+
+void CPlayerSaves::LoadNoBuddy(CPlayerModel *model, const QString &key)
+{
+    if (!model->GetBuddy())
+        return;
+    {
+        const CLoading loading(model);
+        model->SetBuddy(false);
+    }
+    Restart(model, key, false);
+}
+
+void CPlayerSaves::NumberUnwrittenChanges() const
+{
+    CLocalChanges *changes = CLocalChanges::Get();
+    if (!changes)
+        return;
+    const QString user = GetUser();
+    for (const SSave &save : m_waiting) {
+        if (save.bChange && save.strUser == user)
+            changes->AddPlayer(user, save.strKey);
+    }
+    for (const SKept &entry : m_kept) {
+        if (entry.bChange && entry.row.constFirst() == user)
+            changes->AddPlayer(user, entry.row.at(1).toString());
+    }
+}
+
+void CPlayerSaves::SaveAgain(const QStringList &nicknames)
+{
+    for (const QString &nickname : nicknames) {
+        CPlayerModel *model = CPlayerModel::IsExisting(nickname) ? CPlayerModel::GetInstance(nickname) : nullptr;
+        if (model && !IsWaiting(model))
+            Restart(model, nickname, true);
+    }
 }
 
 void CPlayerSaves::EndLogin()
 {
     WriteAll();
-    CLocalChanges::Forget();
+    if (CLocalChanges *changes = CLocalChanges::Get())
+        changes->Forget();
 }
 
 void CPlayerSaves::WriteAll()
 {
-    const QList<SPlayerSave> saves(waiting.cbegin(), waiting.cend());
+    const QList<SSave> saves(m_waiting.cbegin(), m_waiting.cend());
     if (Write(saves))
         return;
     const PlayerInfo::CSaver saver;
-    for (const SPlayerSave &save : saves) {
+    for (const SSave &save : saves) {
         if (IsStorable(save))
-            kept.append({saver.GetRow(save.strUser, *save.pModel), save.bChange});
+            m_kept.append({saver.GetRow(save.strUser, save.strKey, *save.pModel), save.bChange});
     }
-    if (kept.isEmpty())
+    if (m_kept.isEmpty())
         return;
-    pauseMs = CBusyWait::GetNextPause(pauseMs);
+    m_iPauseMs = CBusyWait::GetNextPause(m_iPauseMs);
     RunTimer();
 }
 
-QList<QVariantList> CPlayerSaves::GetKept(const QString &user)
+QList<QVariantList> CPlayerSaves::GetKept(const QString &user) const
 {
     QList<QVariantList> rows;
-    for (const SKept &entry : qAsConst(kept)) {
+    for (const SKept &entry : m_kept) {
         if (entry.row.constFirst() == user)
             rows.append(entry.row);
     }
@@ -161,25 +170,25 @@ QList<QVariantList> CPlayerSaves::GetKept(const QString &user)
 // False if they can't be written.
 bool CPlayerSaves::WriteKept(int most)
 {
-    if (kept.isEmpty())
+    if (m_kept.isEmpty())
         return true;
     CTransaction transaction(*CPlayerInfoDB::GetInstance());
     if (!transaction.IsBegun())
         return false;
-    const int count = qMin(most, kept.size());
+    const int count = qMin(most, m_kept.size());
     {
         PlayerInfo::CSaver saver(PlayerInfo::CSaver::NotOlder);
         for (int row = 0; row < count; ++row) {
-            if (!saver.Write(kept.at(row).row))
+            if (!saver.Write(m_kept.at(row).row))
                 return false;
         }
     }
     if (!transaction.Commit())
         return false;
-    kept.erase(kept.begin(), kept.begin() + count);
-    if (kept.isEmpty() && timer) { // which may be in a pause
-        pauseMs = 0;
-        timer->stop();
+    m_kept.erase(m_kept.begin(), m_kept.begin() + count);
+    if (m_kept.isEmpty()) { // the timer may be in a pause
+        m_iPauseMs = 0;
+        m_timer.stop();
     }
     return true;
 }
@@ -189,33 +198,33 @@ void CPlayerSaves::WriteDue()
     const CBusyWait wait(*CPlayerInfoDB::GetInstance(), CBusyWait::RETRY_MS);
     bool good = WriteKept(ROWS_A_SLICE);
     PlayerInfo::CSaver saver;
-    const qint64 begin = Now();
-    for (qint64 now = begin; good && !waiting.empty() && waiting.front().iDue <= now && now - begin < SLICE_MS;
-         now = Now()) {
-        const SPlayerSave first = waiting.front();
-        if (first.pModel->m_bLoading) { // a listener runs an event loop; half of the row isn't there yet
-            Restart(first.pModel, first.bChange);
+    const qint64 begin = m_clock.elapsed();
+    for (qint64 now = begin; good && !m_waiting.empty() && m_waiting.front().iDue <= now && now - begin < SLICE_MS;
+         now = m_clock.elapsed()) {
+        const SSave first = m_waiting.front();
+        if (IsLoading(first.pModel)) { // a listener runs an event loop; half of the row isn't there yet
+            Restart(first.pModel, first.strKey, first.bChange);
             continue;
         }
         Forget(first.pModel); // a change that comes on the way has to wait anew
-        good = saver.SaveOf(first.strUser, *first.pModel) || !IsStorable(first);
+        good = saver.SaveOf(first.strUser, first.strKey, *first.pModel) || !IsStorable(first);
         if (!good)
-            Restart(first.pModel, first.bChange);
+            Restart(first.pModel, first.strKey, first.bChange);
     }
-    pauseMs = good ? 0 : CBusyWait::GetNextPause(pauseMs);
-    if (!waiting.empty() || !kept.isEmpty())
+    m_iPauseMs = good ? 0 : CBusyWait::GetNextPause(m_iPauseMs);
+    if (!m_waiting.empty() || !m_kept.isEmpty())
         RunTimer();
 }
 
 // False if any isn't stored. What is being loaded is left out: its row is there, and half of it isn't here yet.
-bool CPlayerSaves::Write(const QList<SPlayerSave> &saves)
+bool CPlayerSaves::Write(const QList<SSave> &saves)
 {
     CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
     std::optional<CBusyWait> wait;
     if (saves.isEmpty()) // nothing is at stake, for the timer comes again
         wait.emplace(*database, CBusyWait::RETRY_MS);
-    bool good = WriteKept(kept.size()); // before the newer ones
-    for (const SPlayerSave &save : saves)
+    bool good = WriteKept(m_kept.size()); // before the newer ones
+    for (const SSave &save : saves)
         Forget(save.pModel);
     if (saves.isEmpty())
         return true;
@@ -226,9 +235,9 @@ bool CPlayerSaves::Write(const QList<SPlayerSave> &saves)
         return false;
     {
         PlayerInfo::CSaver saver;
-        for (const SPlayerSave &save : saves) {
-            if (good && IsStorable(save) && !save.pModel->m_bLoading)
-                good = saver.SaveOf(save.strUser, *save.pModel);
+        for (const SSave &save : saves) {
+            if (good && IsStorable(save) && !IsLoading(save.pModel))
+                good = saver.SaveOf(save.strUser, save.strKey, *save.pModel);
         }
     }
     return good && transaction.Commit(); // a full disk may be met no sooner than at the commit
@@ -236,14 +245,8 @@ bool CPlayerSaves::Write(const QList<SPlayerSave> &saves)
 
 void CPlayerSaves::RunTimer()
 {
-    if (!timer) {
-        timer = new QTimer(QCoreApplication::instance());
-        timer->setSingleShot(true);
-        timer->setTimerType(Qt::PreciseTimer);
-        QObject::connect(timer, &QTimer::timeout, timer, [] { WriteDue(); });
-    }
-    qint64 wait = pauseMs;
-    if (pauseMs == 0 && kept.isEmpty())
-        wait = waiting.front().iDue - Now();
-    timer->start(static_cast<int>(qMax(Q_INT64_C(0), wait)));
+    qint64 wait = m_iPauseMs;
+    if (m_iPauseMs == 0 && m_kept.isEmpty())
+        wait = m_waiting.front().iDue - m_clock.elapsed();
+    m_timer.start(static_cast<int>(qMax(Q_INT64_C(0), wait)));
 }

@@ -152,7 +152,7 @@ void CUserInfo::Reset()
 void CUserInfo::EndLogin() const
 {
     if (IsLoggedIn() && this == m_Instance.data())
-        CPlayerSaves::EndLogin();
+        CPlayerSaves::Get()->EndLogin();
 }
 
 // Starting a running timer begins its interval anew.

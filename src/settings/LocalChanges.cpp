@@ -1,90 +1,88 @@
 #include "LocalChanges_p.h"
 
-#include <QHash>
-
 namespace {
 
-using TNumbers = QHash<QString, quint64>;
-
-QString owner;
-quint64 last = 0;
-quint64 endedLogins = 0;
-TNumbers settings; // by lower-case keys
-TNumbers players;
-
-void Add(TNumbers &numbers, const QString &user, const QString &name)
-{
-    if (user.isEmpty())
-        return;
-    if (user != owner) {
-        owner = user;
-        settings.clear();
-        players.clear();
-    }
-    numbers.insert(name, ++last);
-}
-
-bool IsLater(const TNumbers &numbers, const QString &user, const QString &name, quint64 number)
-{
-    return user == owner && numbers.value(name) > number;
-}
-
-QStringList GetLater(const TNumbers &numbers, const QString &user, quint64 number)
-{
-    QStringList names;
-    for (auto entry = numbers.cbegin(); user == owner && entry != numbers.cend(); ++entry) {
-        if (entry.value() > number)
-            names.append(entry.key());
-    }
-    return names;
-}
+CLocalChanges *current = nullptr;
 
 } // namespace
 
+CLocalChanges::CLocalChanges()
+{
+    current = this;
+}
+
+CLocalChanges::~CLocalChanges()
+{
+    if (current == this)
+        current = nullptr;
+}
+
+CLocalChanges *CLocalChanges::Get()
+{
+    return current;
+}
+
 void CLocalChanges::AddSetting(const QString &user, const QString &key)
 {
-    Add(settings, user, key.toLower());
+    Add(m_settings, user, key.toLower());
 }
 
 void CLocalChanges::AddPlayer(const QString &user, const QString &nickname)
 {
-    Add(players, user, nickname);
+    Add(m_players, user, nickname);
 }
 
-quint64 CLocalChanges::GetLast()
+bool CLocalChanges::IsSettingLater(const QString &user, const QString &key, quint64 number) const
 {
-    return last;
+    return IsLater(m_settings, user, key.toLower(), number);
 }
 
-bool CLocalChanges::IsSettingLater(const QString &user, const QString &key, quint64 number)
+bool CLocalChanges::IsPlayerLater(const QString &user, const QString &nickname, quint64 number) const
 {
-    return IsLater(settings, user, key.toLower(), number);
+    return IsLater(m_players, user, nickname, number);
 }
 
-bool CLocalChanges::IsPlayerLater(const QString &user, const QString &nickname, quint64 number)
+QStringList CLocalChanges::GetLaterSettings(const QString &user, quint64 number) const
 {
-    return IsLater(players, user, nickname, number);
+    return GetLater(m_settings, user, number);
 }
 
-QStringList CLocalChanges::GetLaterSettings(const QString &user, quint64 number)
+QStringList CLocalChanges::GetLaterPlayers(const QString &user, quint64 number) const
 {
-    return GetLater(settings, user, number);
-}
-
-QStringList CLocalChanges::GetLaterPlayers(const QString &user, quint64 number)
-{
-    return GetLater(players, user, number);
-}
-
-quint64 CLocalChanges::GetEndedLogins()
-{
-    return endedLogins;
+    return GetLater(m_players, user, number);
 }
 
 void CLocalChanges::Forget()
 {
-    ++endedLogins;
-    owner.clear();
-    settings.clear();
-    players.clear();
+    ++m_iEndedLogins;
+    m_strUser.clear();
+    m_settings.clear();
+    m_players.clear();
+}
+
+void CLocalChanges::Add(TNumbers &numbers, const QString &user, const QString &name)
+{
+    if (user.isEmpty())
+        return;
+    if (user != m_strUser) {
+        m_strUser = user;
+        m_settings.clear();
+        m_players.clear();
+    }
+    numbers.insert(name, ++m_iLast);
+}
+
+bool CLocalChanges::IsLater(const TNumbers &numbers, const QString &user, const QString &name, quint64 number) const
+{
+    return user == m_strUser && numbers.value(name) > number;
+}
+
+QStringList CLocalChanges::GetLater(const TNumbers &numbers, const QString &user, quint64 number) const
+{
+    QStringList names;
+    for (auto entry = numbers.cbegin(); user == m_strUser && entry != numbers.cend(); ++entry) {
+        if (entry.value() > number)
+            names.append(entry.key());
+    }
+    return names;
 }

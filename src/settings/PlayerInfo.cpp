@@ -114,7 +114,8 @@ SLoaded ToLoaded(const QVariantList &saved)
 // Over what is stored, what a locked file or a full disk has kept from being stored.
 void LayKeptOver(QVector<SLoaded> &rows, const QString &user)
 {
-    const QList<QVariantList> kept = CPlayerSaves::GetKept(user);
+    const CPlayerSaves *saves = CPlayerSaves::Get();
+    const QList<QVariantList> kept = saves ? saves->GetKept(user) : QList<QVariantList>();
     if (kept.isEmpty())
         return;
     QHash<QString, int> places;
@@ -213,20 +214,22 @@ bool PlayerInfo::LoadInfo()
 void PlayerInfo::LoadAnswered(quint64 known)
 {
     const QString user = GetUser();
+    CPlayerSaves *saves = CPlayerSaves::Get();
+    const CLocalChanges *changes = CLocalChanges::Get();
     QVector<SLoaded> rows = ReadRows(user);
     // The models are ahead of the rows that the user has changed since.
     rows.erase(std::remove_if(rows.begin(), rows.end(),
-                              [&user, known](const SLoaded &row) {
-                                  return CLocalChanges::IsPlayerLater(user, row.strPlayer, known);
+                              [&user, known, changes](const SLoaded &row) {
+                                  return changes && changes->IsPlayerLater(user, row.strPlayer, known);
                               }),
                rows.end());
     const QSet<CPlayerModel *> listed = KeepBuddies(rows);
-    ForRows(rows, user, [&user, &listed](const SLoaded &row, CPlayerModel *model) {
+    ForRows(rows, user, [&user, &listed, saves](const SLoaded &row, CPlayerModel *model) {
         if ((row.ulFlags & FLAG_BUDDY) == 0)
-            CPlayerSaves::LoadNoBuddy(model);
+            saves->LoadNoBuddy(model, row.strPlayer);
         else if (!listed.contains(model))
             CPlayerLists::GetInstance()->AddToBuddyList(model);
-        const bool waits = CPlayerSaves::IsWaiting(*model);
+        const bool waits = saves->IsWaiting(model);
         Apply(model, row, waits ? model->GetCustomAvatar() : GetAvatar(row, user),
               waits ? model->GetRating() : row.ucRating);
     });
@@ -235,7 +238,7 @@ void PlayerInfo::LoadAnswered(quint64 known)
 bool PlayerInfo::SaveInfo(const QString &nickname)
 {
     return !nickname.isEmpty() && !GetUser().isEmpty() &&
-           CSaver().Save(*CPlayerLists::GetInstance()->GetPlayerModel(nickname));
+           CSaver().SaveOf(GetUser(), nickname, *CPlayerLists::GetInstance()->GetPlayerModel(nickname));
 }
 
 bool PlayerInfo::UpdateInfo(const QString &nickname)
@@ -290,20 +293,14 @@ PlayerInfo::CSaver::CSaver(ERows rows)
 {
 }
 
-bool PlayerInfo::CSaver::Save(const CPlayerModel &model)
+bool PlayerInfo::CSaver::SaveOf(const QString &user, const QString &player, const CPlayerModel &model)
 {
-    return SaveOf(GetUser(), model);
-}
-
-bool PlayerInfo::CSaver::SaveOf(const QString &user, const CPlayerModel &model)
-{
-    const QVariantList row = GetRow(user, model);
+    const QVariantList row = GetRow(user, player, model);
     return !row.isEmpty() && Write(row);
 }
 
-QVariantList PlayerInfo::CSaver::GetRow(const QString &user, const CPlayerModel &model) const
+QVariantList PlayerInfo::CSaver::GetRow(const QString &user, const QString &player, const CPlayerModel &model) const
 {
-    const QString player = CPlayerSaves::GetKey(model);
     if (user.isEmpty() || player.isEmpty())
         return {};
     return {user,

@@ -30,13 +30,11 @@ public:
 
     explicit CSaver(ERows rows = All);
 
-    /// Writes the row of a model of the table, under the nickname by which the table knows it. False for any other
-    /// model, and while nobody is logged in.
-    bool Save(const CPlayerModel &model);
-    /// The same for a user who needn't be logged in any more.
-    bool SaveOf(const QString &user, const CPlayerModel &model);
+    /// Writes the row of a user, who needn't be logged in any more, and of the model that the table holds under the
+    /// nickname \a player. False if either is empty.
+    bool SaveOf(const QString &user, const QString &player, const CPlayerModel &model);
     /// What SaveOf() would write now, in the order of the columns, user and player first; empty if nothing.
-    QVariantList GetRow(const QString &user, const CPlayerModel &model) const;
+    QVariantList GetRow(const QString &user, const QString &player, const CPlayerModel &model) const;
     bool Write(const QVariantList &row);
 
 private:

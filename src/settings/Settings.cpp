@@ -58,11 +58,12 @@ CSettings::CSettings()
 void CSettings::Save(const QString &user, const QString &area, const QString &key, const QVariant &value,
                      qint64 timestamp)
 {
-    const bool changes =
+    const bool isChange =
         timestamp < 0 && !user.isEmpty() && !m_bLoading && (IsChanged() || !IsStored(user, area, key, value));
+    CLocalChanges *changes = isChange ? CLocalChanges::Get() : nullptr;
     if (changes)
-        CLocalChanges::AddSetting(user, key);
-    const qint64 time = timestamp >= 0 ? timestamp : changes ? SettingsRows::CHANGE : SettingsRows::STORED_AGAIN;
+        changes->AddSetting(user, key);
+    const qint64 time = timestamp >= 0 ? timestamp : isChange ? SettingsRows::CHANGE : SettingsRows::STORED_AGAIN;
     m_lstPending.append({user, area, key, value, time});
     // A user's row of a setting that is the installation's can only come from the server, and is for no one else.
     if (!user.isEmpty() && !IsGlobal(key))
@@ -206,16 +207,18 @@ bool CSettings::HasUnwrittenChange(const QString &key) const
 // The times of the rows tell nothing of them.
 void CSettings::NumberUnwrittenChanges() const
 {
+    CLocalChanges *changes = CLocalChanges::Get();
     for (const SSetting &setting : m_lstPending) {
-        if (setting.iTimestamp == SettingsRows::CHANGE && setting.strUser == GetNickname())
-            CLocalChanges::AddSetting(setting.strUser, setting.strKey);
+        if (changes && setting.iTimestamp == SettingsRows::CHANGE && setting.strUser == GetNickname())
+            changes->AddSetting(setting.strUser, setting.strKey);
     }
 }
 
 // Whether the user has changed the setting since the change of that number, so that the server's row isn't applied.
 bool CSettings::YieldsToChange(const SSetting &fromServer, quint64 known)
 {
-    if (!CLocalChanges::IsSettingLater(fromServer.strUser, fromServer.strKey, known))
+    const CLocalChanges *changes = CLocalChanges::Get();
+    if (!changes || !changes->IsSettingLater(fromServer.strUser, fromServer.strKey, known))
         return false;
     if (HasUnwrittenChange(fromServer.strKey)) {
         // The server's value goes before it, so that the change differs from it, and is stamped and sent.

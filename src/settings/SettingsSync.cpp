@@ -76,7 +76,8 @@ unsigned int ToTime(const QJsonValue &value)
 } // namespace
 
 CSettingsSync::CSettingsSync()
-    : m_ulKnownChange(ALL_CHANGES)
+    : m_changes(QSharedPointer<CLocalChanges>::create())
+    , m_ulKnownChange(ALL_CHANGES)
 {
     m_SyncTimer.setSingleShot(true);
     m_SyncTimer.setInterval(ul_SYNC_TIMER);
@@ -125,11 +126,12 @@ void CSettingsSync::GetLocalTimestamps()
     m_ulLocalSettingsTime = CSettings::GetLastTimestamp(user);
     m_ulLocalPlayerInfoTime = PlayerInfo::GetLastTimestamp(user);
     if (m_ulKnownChange != ALL_CHANGES) {
-        m_ulKnownChange = CLocalChanges::GetLast();
+        m_ulKnownChange = m_changes->GetLast();
         // What isn't written yet counts as changed after it.
         if (CSettings::IsExisting())
             CSettings::GetInstance()->NumberUnwrittenChanges();
-        CPlayerSaves::NumberUnwrittenChanges();
+        if (const CPlayerSaves *saves = CPlayerSaves::Get())
+            saves->NumberUnwrittenChanges();
     }
     if (user.isEmpty() || user == m_strUser)
         return;
@@ -235,7 +237,7 @@ CDownload *CSettingsSync::CreateRequest(const QString &address, const QByteArray
 {
     auto *request = new CDownload(this, address, body, false);
     request->setProperty(USER_PROPERTY, GetUser());
-    request->setProperty(LOGIN_PROPERTY, CLocalChanges::GetEndedLogins());
+    request->setProperty(LOGIN_PROPERTY, m_changes->GetEndedLogins());
     return request;
 }
 
@@ -248,7 +250,7 @@ bool CSettingsSync::TakeFinished() const
         return !user.isEmpty();
     request->deleteLater();
     return !user.isEmpty() && request->property(USER_PROPERTY).toString() == user &&
-           request->property(LOGIN_PROPERTY).toULongLong() == CLocalChanges::GetEndedLogins();
+           request->property(LOGIN_PROPERTY).toULongLong() == m_changes->GetEndedLogins();
 }
 
 void CSettingsSync::SetServerTimes(const QJsonObject &answer)
@@ -285,7 +287,7 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &sett
     store->SetSettings({}, values, false);
 }
 
-void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known)
+void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known) const
 {
     StorePlayerInfos(nickname, infos, known);
     PlayerInfo::LoadAnswered(known);
@@ -295,12 +297,12 @@ void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &i
 void CSettingsSync::StampLaterChanges(quint64 known)
 {
     const QString user = GetUser();
-    CPlayerSaves::SaveAgain(CLocalChanges::GetLaterPlayers(user, known));
-    CSettings::GetInstance()->StampAnew(CLocalChanges::GetLaterSettings(user, known), m_ulServerSettingsTime);
+    CPlayerSaves::Get()->SaveAgain(m_changes->GetLaterPlayers(user, known));
+    CSettings::GetInstance()->StampAnew(m_changes->GetLaterSettings(user, known), m_ulServerSettingsTime);
 }
 
 // All of them or none: what isn't stored now comes with the next exchange, for the newest local time stays as it is.
-void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known)
+void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known) const
 {
     const CBusyWait wait(*CPlayerInfoDB::GetInstance(), CBusyWait::RETRY_MS);
     CTransaction transaction(*CPlayerInfoDB::GetInstance());
@@ -311,7 +313,7 @@ void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &
         for (const QJsonValue &element : infos) {
             const QJsonObject info = element.toObject();
             const QString nick = info.value(JSON_NICK).toVariant().toString();
-            if (nick.isEmpty() || CLocalChanges::IsPlayerLater(nickname, nick, known))
+            if (nick.isEmpty() || m_changes->IsPlayerLater(nickname, nick, known))
                 continue;
             const bool written = inserter.Insert({nickname, nick, info.value(JSON_NOTE).toVariant().toString(),
                                                   static_cast<unsigned int>(ToInt(info.value(JSON_TAG))),

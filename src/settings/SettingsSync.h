@@ -12,6 +12,7 @@
 #include <QTimer>
 
 class CDownload;
+class CLocalChanges;
 
 /// Keeps the user's settings and notes on players in step with the operator's web server, and so with the user's
 /// other machines.
@@ -100,8 +101,8 @@ private:
     void TakeAnswer(const QByteArray &data, quint64 known);
     void StampLaterChanges(quint64 known);
     static void TakeSettings(const QString &nickname, const QJsonArray &settings, quint64 known);
-    static void TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known);
-    static void StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known);
+    void TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known) const;
+    void StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known) const;
     QJsonArray GetSettingsToSend(const QString &nickname) const;
     QJsonArray GetPlayerInfosToSend(const QString &nickname) const;
 
@@ -111,7 +112,8 @@ private:
     unsigned int m_ulServerPlayerInfoTime = 0;
     unsigned int m_ulLocalPlayerInfoTime = 0;
     QTimer m_SyncTimer;
-    QString m_strUser;       // whose times the server's are
+    QString m_strUser; // whose times the server's are
+    const QSharedPointer<CLocalChanges> m_changes;
     quint64 m_ulKnownChange; // the last change of the user's of which the local times tell
 
     static QSharedPointer<CSettingsSync> m_Instance;
