@@ -57,14 +57,14 @@ bool ReadList(const QJsonValue &rows, const SShape &shape, QVector<SSyncRow> &li
     return good;
 }
 
-QJsonObject ToObject(const SSyncRow &row)
+// Key and content are objects already, so their texts are joined as they are.
+void AppendRow(const SSyncRow &row, QByteArray &json)
 {
-    QJsonObject object = QJsonDocument::fromJson(row.strContent.toUtf8()).object();
-    const QJsonObject key = QJsonDocument::fromJson(row.strKey.toUtf8()).object();
-    for (auto pair = key.begin(); pair != key.end(); ++pair)
-        object.insert(pair.key(), pair.value());
-    object.insert(TIME, row.iTime);
-    return object;
+    const QByteArray key = row.strKey.toUtf8();
+    const QByteArray content = row.strContent.toUtf8();
+    json.append(key.constData(), key.size() - 1).append(',');
+    json.append(content.constData() + 1, content.size() - 2).append(",\"time\":");
+    json.append(QByteArray::number(row.iTime)).append('}');
 }
 
 } // namespace
@@ -92,15 +92,18 @@ bool SyncJson::ReadLists(const QByteArray &json, TLists &lists)
 
 QByteArray SyncJson::WriteLists(const TLists &lists)
 {
-    QJsonObject root;
+    QByteArray json("{");
     for (std::size_t i = 0; i < LISTS.size(); ++i) {
-        const QString name = QString::fromLatin1(LISTS[i]);
-        QJsonArray rows;
-        for (const SSyncRow &row : lists[i].rows)
-            rows.append(ToObject(row));
+        const QByteArray name = QByteArray("\"") + LISTS[i];
+        const QVector<SSyncRow> &rows = lists[i].rows;
         if (!rows.isEmpty())
-            root.insert(name, rows);
-        root.insert(name + TIME, lists[i].iTime);
+            json.append(name).append("\":[");
+        for (int row = 0; row < rows.size(); ++row) {
+            AppendRow(rows.at(row), json);
+            json.append(row + 1 < rows.size() ? "," : "],");
+        }
+        json.append(name).append("time\":").append(QByteArray::number(lists[i].iTime)).append(',');
     }
-    return ToText(root).toUtf8();
+    json.chop(1);
+    return json + '}';
 }

@@ -14,7 +14,7 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSync
     , m_remember(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_past VALUES (?, ?, ?, ?, ?)")))
     , m_drop(store.Prepare(QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"
                                           " AND HLD_cKey = ?")))
-    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?)")))
+    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?, 0)")))
     , m_findPast(store.Prepare(QStringLiteral("SELECT 1 FROM tbl_past WHERE PST_cList = ? AND PST_cKey = ?"
                                               " AND PST_cContent = ? AND PST_iTime = ?")))
 {
@@ -22,13 +22,14 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSync
 
 bool CSyncMerge::Run()
 {
-    if (!ReadRows() || !ReadHeld())
+    if (!ReadNewest() || !ReadSentRows() || !ReadHeld())
         return false;
-    // A stranger's rows are defaults, or older than what it has lost. It is none any more if it has been given the
-    // server's and shows none of those that they would have overwritten.
-    const bool given = m_machine.bMet || m_machine.iOffered > 0 || m_rows.isEmpty();
-    m_bAddsOnly = !given || (!m_machine.bMet && std::any_of(m_list.rows.begin(), m_list.rows.end(),
-                                                            [this](const auto &row) { return IsOverwritten(row); }));
+    // A new machine's rows are defaults, or older than what it has lost. It isn't new any more if it has been offered
+    // what is here and shows nothing that would have been overwritten by that.
+    const bool offered = m_machine.bCaughtUp || m_machine.iOffered > 0 || m_bEmpty;
+    m_bAddsOnly =
+        !offered || (!m_machine.bCaughtUp && std::any_of(m_list.rows.begin(), m_list.rows.end(),
+                                                         [this](const auto &row) { return IsOverwritten(row); }));
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
         if (!Take(sent))
             return false;
@@ -39,24 +40,48 @@ bool CSyncMerge::Run()
     return good;
 }
 
-bool CSyncMerge::ReadRows()
+bool CSyncMerge::ReadNewest()
 {
     QSqlQuery query;
     if (!m_store.Run(query,
-                     QStringLiteral("SELECT MAX(MAX(MAC_iBase), MAX(MAC_iOffered)) FROM tbl_machine"
-                                    " WHERE MAC_cList = ?"),
-                     {m_strID}) ||
+                     QStringLiteral("SELECT MAX(MAX(MAC_iBase), MAX(MAC_iOffered)),"
+                                    " (SELECT MAX(ROW_iStamp) FROM tbl_row WHERE ROW_cList = ?)"
+                                    " FROM tbl_machine WHERE MAC_cList = ?"),
+                     {m_strID, m_strID}) ||
         !query.next())
         return false;
-    m_iNewest = query.value(0).toLongLong();
-    const bool good = m_store.Run(
-        query,
-        QStringLiteral("SELECT ROW_cKey, ROW_cContent, ROW_iChanged, ROW_iStamp FROM tbl_row WHERE ROW_cList = ?"),
-        {m_strID});
+    m_iNewest = std::max(query.value(0).toLongLong(), query.value(1).toLongLong());
+    m_bEmpty = query.isNull(1);
+    return true;
+}
+
+bool CSyncMerge::ReadSentRows()
+{
+    QSqlQuery query = m_store.Prepare(QStringLiteral("SELECT ROW_cContent, ROW_iChanged, ROW_iStamp FROM tbl_row"
+                                                     " WHERE ROW_cList = ? AND ROW_cKey = ?"));
+    bool good = true;
+    for (auto sent = m_list.rows.cbegin(); good && sent != m_list.rows.cend(); ++sent) {
+        good = CSyncStore::Execute(query, {m_strID, sent->strKey});
+        if (good && query.next())
+            m_rows.insert(sent->strKey,
+                          {query.value(0).toString(), query.value(1).toLongLong(), query.value(2).toLongLong()});
+    }
+    return good;
+}
+
+// Those whose stamps are beyond one time and not beyond the other.
+bool CSyncMerge::ReadOtherRows(qint64 after, qint64 last)
+{
+    QSqlQuery query;
+    const bool good =
+        m_store.Run(query,
+                    QStringLiteral("SELECT ROW_cKey, ROW_cContent, ROW_iChanged, ROW_iStamp FROM tbl_row"
+                                   " WHERE ROW_cList = ? AND ROW_iStamp > ? AND ROW_iStamp <= ?"),
+                    {m_strID, after, last});
     while (good && query.next()) {
-        const SRow row{query.value(1).toString(), query.value(2).toLongLong(), query.value(3).toLongLong(), false};
-        m_rows.insert(query.value(0).toString(), row);
-        m_iNewest = std::max(m_iNewest, row.iStamp);
+        const QString key = query.value(0).toString();
+        if (!m_rows.contains(key))
+            m_rows.insert(key, {query.value(1).toString(), query.value(2).toLongLong(), query.value(3).toLongLong()});
     }
     return good;
 }
@@ -74,12 +99,16 @@ bool CSyncMerge::ReadHeld()
     if (arrived)
         m_machine.iBase = std::max(m_machine.iBase, m_machine.iOffered);
     bool good = !arrived || m_store.Confirm(m_place, m_machine.iOffered);
-    QSqlQuery query = m_store.Prepare(QStringLiteral("SELECT HLD_cContent FROM tbl_held WHERE HLD_cList = ?"
-                                                     " AND HLD_cMachine = ? AND HLD_cKey = ?"));
+    QSqlQuery query =
+        m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_bEmpty FROM tbl_held WHERE HLD_cList = ?"
+                                       " AND HLD_cMachine = ? AND HLD_cKey = ?"));
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
         good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
-        while (good && query.next())
+        while (good && query.next()) {
             m_held[sent.strKey].insert(query.value(0).toString());
+            if (query.value(1).toBool())
+                m_held[sent.strKey].insert(SyncJson::NO_NOTE);
+        }
     }
     return good;
 }
@@ -154,12 +183,12 @@ bool CSyncMerge::Take(const SSyncRow &sent)
 // stamp beyond it, or the machine would never ask for them.
 bool CSyncMerge::SendAgain()
 {
+    const qint64 had = m_machine.bCaughtUp ? m_machine.iBase : 0;
+    bool good = ReadOtherRows(had, m_list.iTime);
     qint64 beyond = std::max(m_iNewest, m_list.iTime);
     for (const SRow &row : qAsConst(m_rows))
         beyond = std::max(beyond, row.iStamp);
     ++beyond;
-    const qint64 had = m_machine.bMet ? m_machine.iBase : 0;
-    bool good = true;
     for (auto row = m_rows.begin(); good && row != m_rows.end(); ++row) {
         if (row->bSent || (row->iStamp <= had && !row->bLacked) || row->iStamp > m_list.iTime)
             continue;

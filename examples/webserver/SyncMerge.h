@@ -6,6 +6,10 @@
 #include <QSet>
 
 /// Takes in the rows that a machine sends of one list, in a transaction of the store's.
+///
+/// A row that is no echo wins against what is here if it has been changed later. What wins gets a stamp beyond all
+/// that any machine has had. A new machine, see SMachine, adds what isn't here but overwrites nothing. Of what is
+/// here only the rows are read that the machine sends or lacks, so the work grows with them and not with the list.
 class CSyncMerge
 {
 public:
@@ -21,10 +25,12 @@ private:
         qint64 iChanged = 0;
         qint64 iStamp = 0;
         bool bSent = false;   // with this content
-        bool bLacked = false; // the machine has another, whatever it has been given
+        bool bLacked = false; // the machine has another, whatever it has been offered
     };
 
-    bool ReadRows();
+    bool ReadNewest();
+    bool ReadSentRows();
+    bool ReadOtherRows(qint64 after, qint64 last);
     bool IsOverwritten(const SSyncRow &sent);
     bool IsEcho(const SSyncRow &sent, const SRow &row);
     bool ReadHeld();
@@ -46,8 +52,9 @@ private:
     QSqlQuery m_drop;
     QSqlQuery m_hold;
     QSqlQuery m_findPast;
-    QHash<QString, SRow> m_rows;
+    QHash<QString, SRow> m_rows;          // of those that the machine sends or lacks, by key
     QHash<QString, QSet<QString>> m_held; // contents by key
     qint64 m_iNewest = 0;                 // that any machine may have had
+    bool m_bEmpty = false;                // nothing was here
     bool m_bAddsOnly = false;
 };

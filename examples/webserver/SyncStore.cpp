@@ -14,7 +14,7 @@ constexpr int ID_LENGTH = 32;
 constexpr qint64 SESSION_SECONDS = qint64(24) * 60 * 60;
 
 // A list is called by its user, in lower case since case tells no users apart, and by which it is. The past is what
-// rows have been, until they got a later stamp.
+// rows have been, until they got a later stamp. MAC_bMet is SMachine::bCaughtUp.
 const QLatin1String SCHEMA[] = {
     QLatin1String("CREATE TABLE tbl_session (SES_cID TEXT PRIMARY KEY, SES_cRest TEXT, SES_cUser TEXT,\n"
                   "  SES_cMachine TEXT, SES_iExpiry INTEGER)"),
@@ -27,9 +27,23 @@ const QLatin1String SCHEMA[] = {
                   "  PST_iUntil INTEGER, PRIMARY KEY(PST_cList, PST_cKey, PST_iTime, PST_cContent))")};
 
 // What a machine may hold of a row: what it has sent, and what it has been offered since, by how far the offer goes.
+// In version 2 a row with an offer of 0 says that it may hold none yet.
 const QLatin1String HELD_SCHEMA("CREATE TABLE tbl_held (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT,\n"
                                 "  HLD_cContent TEXT, HLD_iOffer INTEGER,\n"
                                 "  PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent))");
+
+// From version 3 on a flag says so, which halves what a new machine costs.
+const QLatin1String FLAG_SCHEMA[] = {
+    QLatin1String("ALTER TABLE tbl_held RENAME TO tbl_heldbefore"),
+    QLatin1String("CREATE TABLE tbl_held (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT, HLD_cContent TEXT,\n"
+                  "  HLD_iOffer INTEGER, HLD_bEmpty INTEGER,\n"
+                  "  PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent)) WITHOUT ROWID"),
+    QLatin1String("INSERT INTO tbl_held SELECT HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent, HLD_iOffer,\n"
+                  "  EXISTS (SELECT 1 FROM tbl_heldbefore AS empty WHERE empty.HLD_cList = held.HLD_cList\n"
+                  "    AND empty.HLD_cMachine = held.HLD_cMachine AND empty.HLD_cKey = held.HLD_cKey\n"
+                  "    AND empty.HLD_iOffer = 0)\n"
+                  "  FROM tbl_heldbefore AS held WHERE HLD_iOffer > 0"),
+    QLatin1String("DROP TABLE tbl_heldbefore")};
 
 } // namespace
 
@@ -40,9 +54,12 @@ CSyncStore::CSyncStore(const QString &path)
 
 bool CSyncStore::CreateDBVersion(unsigned int version)
 {
+    const auto exec = [this](const auto &sql) { return Exec(sql); };
+    if (version == 3)
+        return std::all_of(std::begin(FLAG_SCHEMA), std::end(FLAG_SCHEMA), exec);
     if (version == 2)
         return Exec(HELD_SCHEMA);
-    return std::all_of(std::begin(SCHEMA), std::end(SCHEMA), [this](const auto &sql) { return Exec(sql); });
+    return std::all_of(std::begin(SCHEMA), std::end(SCHEMA), exec);
 }
 
 bool CSyncStore::AddSession(const SOwner &owner, QString &session)
@@ -85,7 +102,7 @@ bool CSyncStore::Merge(const SOwner &owner, SyncJson::TLists &lists)
     });
 }
 
-// Both lists or none. A machine that asks with a time that has gone back has lost its rows and is a stranger again;
+// Both lists or none. A machine that asks with a time that has gone back has lost its rows and is new again;
 // what it sends with one has come late, and all of it has come with something later.
 bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, bool asks, const TOnList &work)
 {
@@ -111,7 +128,7 @@ bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, bool ask
                        {id, owner.strMachine});
         good = good && work(place, machine, lists[i]) &&
                Run(query, QStringLiteral("INSERT OR REPLACE INTO tbl_machine VALUES (?, ?, ?, ?, ?)"),
-                   {id, owner.strMachine, machine.iBase, machine.iOffered, machine.bMet});
+                   {id, owner.strMachine, machine.iBase, machine.iOffered, machine.bCaughtUp});
     }
     good = good && Exec(QStringLiteral("COMMIT"));
     if (!good)
@@ -126,69 +143,72 @@ bool CSyncStore::FetchList(const SPlace &place, SMachine &machine, SSyncList &li
         return false;
     if (!machine.bKnown)
         machine.iBase = time;
-    else if (time == machine.iOffered && (machine.bMet || machine.iBase == 0)) {
+    else if (time == machine.iOffered && (machine.bCaughtUp || machine.iBase == 0)) {
         machine.iBase = time; // what was offered has arrived
-        machine.bMet = true;
+        machine.bCaughtUp = true;
     }
     if (time != machine.iBase) {
         // It has what the server hasn't seen, be it in the same second as the base. To send it rows now would
         // overwrite that, so it sends first and gets the rest with its next request.
-        list.iTime = machine.bMet ? std::max<qint64>(machine.iBase - 1, 0) : 0;
+        list.iTime = machine.bCaughtUp ? std::max<qint64>(machine.iBase - 1, 0) : 0;
         return true;
     }
     QSqlQuery query;
     const bool good = Run(query,
                           QStringLiteral("SELECT ROW_cKey, ROW_cContent, ROW_iStamp FROM tbl_row"
                                          " WHERE ROW_cList = ? AND ROW_iStamp > ? ORDER BY ROW_iStamp"),
-                          {place.strList, machine.bMet ? time : 0});
+                          {place.strList, machine.bCaughtUp ? time : 0});
     while (good && query.next())
         list.rows.append({query.value(0).toString(), query.value(1).toString(), query.value(2).toLongLong()});
-    if (!machine.bMet && list.rows.isEmpty()) {
-        machine = {0, 0, true, true}; // there is nothing to be met with; it sends all that it has
+    if (!machine.bCaughtUp && list.rows.isEmpty()) {
+        machine = {0, 0, true, true}; // there is nothing to catch up with; it sends all that it has
         list.iTime = 0;
         return good;
     }
-    // A stranger with rows is to send all that it has. A machine that has been offered the same before may hold it
+    // A new machine with rows is to send all that it has. A machine that has been offered the same before may hold it
     // already, for a setting that is alike keeps its older time there: by its own time it counts as in step.
     const qint64 offered = list.rows.isEmpty() ? time : list.rows.last().iTime;
     const bool again = offered == machine.iOffered;
-    list.iTime = !machine.bMet && time > 0 ? 0 : again ? time : offered;
+    list.iTime = !machine.bCaughtUp && time > 0 ? 0 : again ? time : offered;
     if (place.bStampedAnew && list.iTime > 0 && !list.rows.isEmpty())
         list.iTime = offered - 1; // so that it sends the newest of them back, which tells that it has them
     machine.iOffered = offered;
     return good && Offer(place, machine, list);
 }
 
-// The machine may have the rows from now on, or still what it had.
+// The machine may hold the rows from now on, or still what it had.
 bool CSyncStore::Offer(const SPlace &place, const SMachine &machine, const SSyncList &list)
 {
     if (!place.bStampedAnew || list.rows.isEmpty())
         return true;
-    const QString &id = place.strList;
-    const QString &name = place.strMachine;
     const qint64 oldest = list.rows.first().iTime; // all from there on are offered
     QSqlQuery query;
     return Run(query,
-               QStringLiteral("INSERT INTO tbl_held SELECT ROW_cList, ?, ROW_cKey, ?, 0 FROM tbl_row"
-                              " WHERE ROW_cList = ? AND ROW_iStamp >= ? AND NOT EXISTS (SELECT 1 FROM tbl_held"
-                              " WHERE HLD_cList = ROW_cList AND HLD_cMachine = ? AND HLD_cKey = ROW_cKey)"),
-               {name, SyncJson::NO_NOTE, id, oldest, name}) &&
-           Run(query,
-               QStringLiteral("INSERT OR REPLACE INTO tbl_held SELECT ROW_cList, ?, ROW_cKey, ROW_cContent, ?"
-                              " FROM tbl_row WHERE ROW_cList = ? AND ROW_iStamp >= ?"),
-               {name, machine.iOffered, id, oldest});
+               QStringLiteral("INSERT INTO tbl_held SELECT ROW_cList, ?, ROW_cKey, ROW_cContent, ?, NOT EXISTS"
+                              " (SELECT 1 FROM tbl_held WHERE HLD_cList = ROW_cList AND HLD_cMachine = ?"
+                              " AND HLD_cKey = ROW_cKey) FROM tbl_row WHERE ROW_cList = ? AND ROW_iStamp >= ?"
+                              " ON CONFLICT DO UPDATE SET HLD_iOffer = excluded.HLD_iOffer"),
+               {place.strMachine, machine.iOffered, place.strMachine, place.strList, oldest});
 }
 
-// The offer has arrived, and a machine stores all rows of an answer or none.
+// The offer has arrived, and a machine stores all rows of an answer or none. So of the keys in it the machine holds
+// nothing from before.
 bool CSyncStore::Confirm(const SPlace &place, qint64 offer)
 {
+    const QString ofMachine = QStringLiteral(" WHERE HLD_cList = ? AND HLD_cMachine = ?");
+    const QString inOffer =
+        QStringLiteral(" AND (HLD_iOffer = ? OR EXISTS (SELECT 1 FROM tbl_held AS other"
+                       " WHERE other.HLD_cList = tbl_held.HLD_cList AND other.HLD_cMachine = tbl_held.HLD_cMachine"
+                       " AND other.HLD_cKey = tbl_held.HLD_cKey AND other.HLD_iOffer = ?))");
     QSqlQuery query;
     return !place.bStampedAnew ||
-           Run(query,
-               QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ? AND HLD_iOffer < ?"
-                              " AND HLD_cKey IN (SELECT HLD_cKey FROM tbl_held WHERE HLD_cList = ?"
-                              " AND HLD_cMachine = ? AND HLD_iOffer = ?)"),
-               {place.strList, place.strMachine, offer, place.strList, place.strMachine, offer});
+           (Run(query,
+                QStringLiteral("DELETE FROM tbl_held") + ofMachine + QStringLiteral(" AND HLD_iOffer < ?") + inOffer,
+                {place.strList, place.strMachine, offer, offer, offer}) &&
+            Run(query,
+                QStringLiteral("UPDATE tbl_held SET HLD_bEmpty = 0") + ofMachine + QStringLiteral(" AND HLD_bEmpty") +
+                    inOffer,
+                {place.strList, place.strMachine, offer, offer}));
 }
 
 QSqlQuery CSyncStore::Prepare(const QString &sql)

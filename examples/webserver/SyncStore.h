@@ -14,14 +14,20 @@ struct SOwner
 };
 
 /// What the server knows of a list on one machine.
+///
+/// Rows are offered to a machine when an answer to it has them. Whether the answer arrives shows only later, by what
+/// the machine asks for or sends next, or never.
+///
+/// A machine is new until it is known to have had the rows that were here before it. It is so again once its time has
+/// gone back, for then it has lost its rows.
 struct SMachine
 {
     /// The newest time that the machine is known to have had, with all of its rows here by then, and all from here
-    /// there. While it is a stranger only the first is so.
+    /// there. While it is new only the first is so.
     qint64 iBase = 0;
-    qint64 iOffered = 0; ///< How far the last answer brings it that had rows.
-    bool bMet = false;   ///< No stranger: it has had the rows that were here before it.
-    bool bKnown = false; ///< There is anything about it at all.
+    qint64 iOffered = 0;    ///< How far the last offer brings it.
+    bool bCaughtUp = false; ///< It isn't new any more.
+    bool bKnown = false;    ///< There is anything about it at all.
 };
 
 /// Keeps what is in step, and by which session whose machine speaks. All rows have two times: that of the user's
@@ -46,7 +52,7 @@ public:
     bool Merge(const SOwner &owner, SyncJson::TLists &lists);
 
 protected:
-    unsigned int GetMaxVersion() override { return 2; }
+    unsigned int GetMaxVersion() override { return 3; }
     bool CreateDBVersion(unsigned int version) override;
 
 private:

@@ -86,7 +86,7 @@ public:
                 rows.append(QJsonValue::fromVariant(QVariantMap{{m_strKey, row.key()},
                                                                 {m_strValue, row->first},
                                                                 {"area"_s, ""_s},
-                                                                {"tag"_s, "1"_s},
+                                                                {"tag"_s, row->first.isEmpty() ? "0"_s : "1"_s},
                                                                 {"flags"_s, "0"_s},
                                                                 {"time"_s, QString::number(row->second)}}));
         }
@@ -203,6 +203,29 @@ private Q_SLOTS:
         QCOMPARE(machine.Send(), 403);
     }
 
+    // What machines may hold is known as before: B a note that it loads again later, C one without any text, as it
+    // comes from a rating, or the one that it has been offered.
+    void upgrade()
+    {
+        std::map<QChar, CMachine> machines;
+        for (const QString &name : {"A"_s, "B"_s, "C"_s})
+            machines.emplace(name.at(0), CMachine(m_pWeb, "Lyra"_s, name, true));
+        const auto run = [&machines](const QString &script) {
+            for (const QString &step : script.split(QLatin1Char(' ')))
+                machines.at(step.at(0)).Do(step);
+        };
+        run("A:x=1@100 A! B! A:x=2@110 A! C?"_s);
+        m_server.kill();
+        QVERIFY(m_server.waitForFinished());
+        MakeVersion2();
+        Start();
+        run("B:x=1@120 B! C:x=@130 C^ A! B! C! A! B! C!"_s);
+        for (const auto &machine : machines) {
+            QCOMPARE(machine.second.GetValues(), "x=2"_s);
+            QVERIFY(machine.second.IsInStep());
+        }
+    }
+
     // A row's name is its script, through which both lists go. A, B and C are machines. "A:x=1@100" is a change there
     // and its time, "A!" an exchange, "A?" one whose first answer is lost, "A^" is sending without asking, "A-" loses
     // all rows.
@@ -248,6 +271,22 @@ private Q_SLOTS:
     }
 
 private:
+    // Of the file, as servers of that version have left it.
+    void MakeVersion2() const
+    {
+        CLocalDB database(m_dir.filePath("db"_s), true, true);
+        QVERIFY(database.Init());
+        for (const QString &sql :
+             {"CREATE TABLE held2 (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT, HLD_cContent TEXT,"
+              " HLD_iOffer INTEGER, PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent))"_s,
+              "INSERT INTO held2 SELECT HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent, HLD_iOffer FROM tbl_held"_s,
+              "INSERT OR IGNORE INTO held2 SELECT HLD_cList, HLD_cMachine, HLD_cKey,"
+              " '{\"flags\":0,\"note\":\"\",\"tag\":0}', 0 FROM tbl_held WHERE HLD_bEmpty"_s,
+              "DROP TABLE tbl_held"_s, "ALTER TABLE held2 RENAME TO tbl_held"_s,
+              "UPDATE tbl_dbinfo SET DBI_cValue = '2' WHERE DBI_cKey = 'version'"_s})
+            QVERIFY2(database.Exec(sql), qPrintable(sql));
+    }
+
     void Start()
     {
         const quint16 port = StartServer(m_server, QStringLiteral(WEBSERVER_PATH),
