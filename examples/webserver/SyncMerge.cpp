@@ -92,13 +92,13 @@ bool CSyncMerge::ReadHeld()
 {
     if (!m_place.bStampedAnew)
         return true;
-    const bool arrived = std::any_of(m_list.rows.cbegin(), m_list.rows.cend(), [this](const SSyncRow &sent) {
+    m_bArrived = std::any_of(m_list.rows.cbegin(), m_list.rows.cend(), [this](const SSyncRow &sent) {
         const SRow row = m_rows.value(sent.strKey);
         return sent.iTime == m_machine.iOffered && sent.iTime == row.iStamp && sent.strContent == row.strContent;
     });
-    if (arrived)
+    if (m_bArrived)
         m_machine.iBase = std::max(m_machine.iBase, m_machine.iOffered);
-    bool good = !arrived || m_store.Confirm(m_place, m_machine.iOffered);
+    bool good = !m_bArrived || m_store.Confirm(m_place, m_machine.iOffered);
     QSqlQuery query =
         m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_bEmpty FROM tbl_held WHERE HLD_cList = ?"
                                        " AND HLD_cMachine = ? AND HLD_cKey = ?"));
@@ -180,10 +180,11 @@ bool CSyncMerge::Take(const SSyncRow &sent)
 }
 
 // The machine's newest time may now be beyond rows that it never got, since it had changes of its own. They get a
-// stamp beyond it, or the machine would never ask for them.
+// stamp beyond it, or the machine would never ask for them. What an offer is known to have brought a new machine
+// isn't sent again.
 bool CSyncMerge::SendAgain()
 {
-    const qint64 had = m_machine.bCaughtUp ? m_machine.iBase : 0;
+    const qint64 had = m_machine.bCaughtUp ? m_machine.iBase : m_bArrived ? m_machine.iOffered : 0;
     bool good = ReadOtherRows(had, m_list.iTime);
     qint64 beyond = std::max(m_iNewest, m_list.iTime);
     for (const SRow &row : qAsConst(m_rows))

@@ -55,6 +55,7 @@ private:
     QHash<QString, SRow> m_rows;          // of those that the machine sends or lacks, by key
     QHash<QString, QSet<QString>> m_held; // contents by key
     qint64 m_iNewest = 0;                 // that any machine may have had
+    bool m_bArrived = false;              // the offer has, as what is sent shows
     bool m_bEmpty = false;                // nothing was here
     bool m_bAddsOnly = false;
 };

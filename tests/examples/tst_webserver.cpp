@@ -203,6 +203,23 @@ private Q_SLOTS:
         QCOMPARE(machine.Send(), 403);
     }
 
+    // What a new machine has got is sent again neither to it nor to the others, or each new one would cost all of
+    // them the whole list.
+    void newMachine()
+    {
+        CMachine first(m_pWeb, "Rigel"_s, "first"_s, true);
+        CMachine second(m_pWeb, "Rigel"_s, "second"_s, true);
+        for (const char *step : {"A:x=1@100", "A:y=2@101", "A!"})
+            first.Do(QString::fromLatin1(step));
+        for (int exchange = 0; exchange < 2; ++exchange) {
+            second.Do("B!"_s);
+            first.Do("A!"_s);
+        }
+        QCOMPARE(second.GetValues(), "x=1 y=2"_s);
+        QCOMPARE(second.GetNewest(), 101);
+        QCOMPARE(first.GetNewest(), 101);
+    }
+
     // What machines may hold is known as before: B a note that it loads again later, C one without any text, as it
     // comes from a rating, or the one that it has been offered.
     void upgrade()
