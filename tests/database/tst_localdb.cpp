@@ -2,14 +2,13 @@
 #include <database/LocalDB.h>
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/Rows.h>
 #include <support/ShortLock.h>
 
 #include <QProcess>
-#include <QRandomGenerator>
 #include <QtTest>
 
-#include <cstdio>
-#include <functional>
+#include <future>
 #include <optional>
 #include <unistd.h>
 
@@ -39,21 +38,20 @@ public:
     ~CLadder() override { QSqlDatabase::removeDatabase(m_strPath); }
 
     unsigned int m_uiFailingStep = 0; ///< does its work, then answers false
-    int m_iRows = 3;                  ///< rows that a step inserts
-    QString m_strText = TEXT;
-    std::function<void()> m_Inserted = [] {};
-    TSteps m_steps; ///< those that ran
+    QStringList m_statements;         ///< executed after each row
+    TSteps m_steps;                   ///< those that ran
 
     using CLocalDB::UseWriteAheadLog;
 
     bool Fill(const QString &table)
     {
         bool done = true;
-        for (int row = 0; row < m_iRows; ++row) {
-            done &= Insert(table, {{TEXT, m_strText}});
-            m_Inserted();
+        for (int row = 0; row < 3; ++row) {
+            done &= Insert(table, {{TEXT, TEXT}});
+            for (const QString &statement : qAsConst(m_statements))
+                Exec(statement);
         }
-        return done && Update(STEP1, {{TEXT, m_strText + table}}, {});
+        return done && Update(STEP1, {{TEXT, TEXT + table}}, {});
     }
 
 protected:
@@ -71,72 +69,37 @@ private:
     unsigned int m_uiMaxVersion;
 };
 
-void Announce(const char *what, int number)
+// The one value that a query answers.
+QVariant Ask(CLocalDB &database, const QString &table, const QString &field, const TRow &where = {})
 {
-    std::printf("%s %d\n", what, number);
-    std::fflush(stdout);
+    TRow row;
+    database.SelectOne(row, table, {field}, where);
+    return row.value(field);
 }
 
-// A second process on the file. In the modes "report" and "report log" it climbs without the rights of root and
-// prints the answer and how many rows the first step's table holds. In the others, "lock", "climb" and "insert", it
-// prints a line for whatever it has done and goes on until killed.
-int RunChild(const QString &mode, const QString &path)
+QVariant GetVersion(CLocalDB &database)
+{
+    return Ask(database, "tbl_dbinfo"_s, "DBI_cValue"_s);
+}
+
+// A second process, without the rights of root, who may write anywhere. Its exit code is how many rows the first
+// step's table holds, and 100 more if the file couldn't be opened.
+int RunClient(const QString &path, bool writeAheadLog)
 {
     CLadder database(path);
-    if (mode.startsWith("report"_s)) {
-        if (mode == "report log"_s)
-            database.UseWriteAheadLog();
-        if (geteuid() == 0 && setuid(65534) != 0)
-            return 1;
-        const bool done = database.Init();
-        TRows rows;
-        database.SelectAll(rows, STEP1, {}, {}, 0);
-        Announce(done ? "true" : "false", rows.size());
-        return 0;
-    }
-
-    int inserted = 0;
-    database.m_iRows = 50;
-    database.m_strText = QString(2000, QLatin1Char('x'));
-    database.m_Inserted = [&] {
-        if (inserted == 0) // a small cache, so that the file is written to long before the commit
-            database.Exec("PRAGMA cache_size = 5"_s);
-        Announce("row", ++inserted);
-    };
-    const bool done = database.Init();
-    if (mode == "lock"_s)
-        Announce("locked", database.Exec("BEGIN EXCLUSIVE"_s));
-    Announce("open", done);
-    for (int batch = 1; mode == "insert"_s; ++batch) {
-        database.StartTransaction();
-        database.Fill(STEP1);
-        database.EndTransaction(true);
-        Announce("batch", batch);
-    }
-    return pause();
+    if (writeAheadLog)
+        database.UseWriteAheadLog();
+    if (geteuid() == 0 && setuid(65534) != 0)
+        return -1;
+    const int failure = database.Init() ? 0 : 100;
+    return failure + Ask(database, STEP1, "COUNT(*)"_s).toInt();
 }
 
-// It ends with the object.
-class CChild : public QProcess
+int StartClient(const QString &path, bool writeAheadLog)
 {
-public:
-    CChild(const QString &mode, const QString &path)
-    {
-        start(QCoreApplication::applicationFilePath(), {"child"_s, mode, path}, ReadOnly);
-    }
-    ~CChild() override { End(); }
-    void End()
-    {
-        kill();
-        waitForFinished();
-    }
-    QByteArray NextLine()
-    {
-        while (!canReadLine() && waitForReadyRead(20000)) {
-        }
-        return readLine().trimmed();
-    }
-};
+    return QProcess::execute(QCoreApplication::applicationFilePath(),
+                             {"client"_s, path, writeAheadLog ? "log"_s : QString()});
+}
 
 } // namespace
 
@@ -153,22 +116,29 @@ class tst_localdb : public QObject
         return ReadFile(m_strPath);
     }
 
-    bool Insert(int id, const QVariant &text) { return m_database->Insert(TABLE, {{ID, id}, {TEXT, text}}); }
+    // The exit code of another client that starts while the folder has these permissions.
+    int StartClientWith(int permissions, bool writeAheadLog = false) const
+    {
+        QFile::setPermissions(m_dir.path(), QFile::Permissions(permissions));
+        const int code = StartClient(m_strPath, writeAheadLog);
+        QFile::setPermissions(m_dir.path(), QFile::Permissions(READABLE));
+        return code;
+    }
+
+    bool Insert(int id, const QVariant &text = TEXT) { return m_database->Insert(TABLE, {{ID, id}, {TEXT, text}}); }
 
     // The table as "1:text 2:text".
     QString Rows(const TRow &where = {})
     {
-        TRow row;
-        m_database->SelectOne(row, TABLE, {"group_concat(id || ':' || ifnull(text, ''), ' ') AS list"_s}, where);
-        return row.value("list"_s).toString();
+        return Ask(*m_database, TABLE, "group_concat(id || ':' || ifnull(text, ''), ' ')"_s, where).toString();
     }
+
+    enum { READABLE = 0x7755, WRITABLE = 0x7777, READ_ONLY = 0x5555 };
 
     QTemporaryDir m_dir;
     QString m_strPath; ///< no file yet
     int m_iFiles = 0;
     std::optional<CLadder> m_database; ///< a file with an empty table of the columns ID and TEXT
-
-    void KilledAnywhere(const QString &mode, int version);
 
 private Q_SLOTS:
     void init()
@@ -179,55 +149,34 @@ private Q_SLOTS:
     }
     void cleanupTestCase() { m_database.reset(); }
 
-    void ValuesPassUnchanged()
+    void Values_data()
     {
-        QCOMPARE(CLocalDB::Escape("'it's'"_s), "''it''s''"_s);
-        QVariantList values{true, -1.5, QVariant()};
-        for (const char *text : {"'it's'", "'; DROP TABLE tbl_test; --", "back\\slash\\", "\"100 %\" _", "a\nb\t\x01",
-                                 ":name ? @x $1 %1", "/* x", "ß 🂡", " "})
-            values.append(QString::fromUtf8(text));
-        for (const QVariant &value : values) {
-            const QString text = value.toString();
-            QVERIFY(Insert(1, value) && Insert(2, "other"_s));
-            QCOMPARE(Rows({{TEXT, value}}), "1:"_s + text);
-            QVERIFY(m_database->Update(TABLE, {{TEXT, value}}, {{ID, 2}}));
-            QCOMPARE(Rows(), "1:"_s + text + " 2:"_s + text);
-            QVERIFY(m_database->Delete(TABLE, {{TEXT, value}}));
-            QCOMPARE(Rows(), QString());
-        }
+        AddRows<QVariant, QString>(
+            {"value", "stored"},
+            {{"number", -1.5, "-1.5"_s},
+             {"null", QVariant(), QString()},
+             {"marks", "'it's' \"100 %\" _\\a\n\x01; -- /* x"_s, "'it's' \"100 %\" _\\a\n\x01; -- /* x"_s},
+             {"placeholders", ":name ? @x $1 %1"_s, ":name ? @x $1 %1"_s},
+             // Texts that SQLite's way through UTF-16 would change or cut.
+             {"NUL", "a\0'b"_s, "a\0'b"_s},
+             {"pair of surrogates", "ß \U0001f0a1"_s, "ß \U0001f0a1"_s},
+             {"byte order marks", "\ufeff\ufeff"_s, "\ufeff\ufeff"_s},
+             {"reserved", "\ufffea\uffff"_s, "\ufffda\ufffd"_s},
+             {"first halves", QChar(0xd83c) + "a"_s + QChar(0xd83c), "\ufffda\ufffd"_s},
+             {"wrong order", QString(QChar(0xdca1)) + QChar(0xd83c), "\ufffd\ufffd"_s}});
     }
 
-    // Texts that SQLite's way through UTF-16 would change or cut.
-    void OddCharacters_data()
+    void Values()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("stored");
-        const auto add = [](const char *name, const QString &text, const QString &stored) {
-            QTest::newRow(name) << text << stored;
-        };
-        add("byte order mark", "\ufeffa"_s, "\ufeffa"_s);
-        add("two byte order marks", "\ufeff\ufeff"_s, "\ufeff\ufeff"_s);
-        add("NUL", "a\0'b"_s, "a\0'b"_s);
-        add("pair of surrogates", "\U0001f0a1"_s, "\U0001f0a1"_s);
-        add("swapped byte order mark", "\ufffea"_s, "\ufffda"_s);
-        add("reserved", "a\uffff"_s, "a\ufffd"_s);
-        add("first half", QChar(0xd83c) + "a"_s, "\ufffda"_s);
-        add("first half at the end", "a"_s + QChar(0xd83c), "a\ufffd"_s);
-        add("halves in the wrong order", QString(QChar(0xdca1)) + QChar(0xd83c), "\ufffd\ufffd"_s);
-    }
-
-    void OddCharacters()
-    {
-        QFETCH(QString, text);
+        QFETCH(QVariant, value);
         QFETCH(QString, stored);
-        QVERIFY(Insert(1, "before"_s));
-        QVERIFY(m_database->Update(TABLE, {{TEXT, text}}, {{TEXT, "before"_s}}));
-        TRow row;
-        QVERIFY(m_database->SelectOne(row, TABLE, {TEXT}, {{TEXT, text}}));
-        QCOMPARE(row.value(TEXT).toString(), stored);
-        QVERIFY(m_database->InsertOrUpdate(TABLE, {{ID, 2}}, {{TEXT, text}})); // finds the row
+        QVERIFY(Insert(1, value));
+        QCOMPARE(Ask(*m_database, TABLE, TEXT, {{TEXT, value}}), QVariant(stored));
+        QVERIFY(m_database->Update(TABLE, {{TEXT, "other"_s}}, {{TEXT, value}}));
+        QVERIFY(m_database->Update(TABLE, {{TEXT, value}}, {{TEXT, "other"_s}}));
+        QVERIFY(m_database->InsertOrUpdate(TABLE, {{ID, 2}}, {{TEXT, value}})); // finds the row
         QCOMPARE(Rows({{TEXT, stored}}), "2:"_s + stored);
-        QVERIFY(m_database->Delete(TABLE, {{TEXT, stored}}));
+        QVERIFY(m_database->Delete(TABLE, {{TEXT, value}}));
         QCOMPARE(Rows(), QString());
     }
 
@@ -241,7 +190,8 @@ private Q_SLOTS:
         QVERIFY(m_database->SelectAll(rows, TABLE, {}, {}, 0)); // nothing found, but something there
         QCOMPARE(rows, TRows{(TRow{{"kept"_s, 1}})});
 
-        QVERIFY(Insert(1, TEXT) && Insert(2, TEXT) && Insert(3, TEXT));
+        for (const int id : {1, 2, 3})
+            QVERIFY(Insert(id));
         QVERIFY(m_database->SelectAll(rows, TABLE, {}, {{TEXT, TEXT}}, 2));
         QCOMPARE(rows.mid(1), TRows({{{ID, 1}, {TEXT, TEXT}}, {{ID, 2}, {TEXT, TEXT}}}));
         QVERIFY(m_database->SelectOne(row, TABLE, {"MAX(id)"_s, "COUNT(*)"_s}, {}));
@@ -255,9 +205,11 @@ private Q_SLOTS:
     void Writes()
     {
         int id = 0;
-        QVERIFY(!m_database->Insert(TABLE, {}) && !m_database->Insert(QString(), {{ID, 1}}));
+        QVERIFY(!m_database->Insert(TABLE, {}));
+        QVERIFY(!m_database->Insert(QString(), {{ID, 1}}));
         QVERIFY(!m_database->Update(TABLE, {}, {}));
-        QVERIFY(Insert(7, TEXT) && m_database->GetLastInsertID(id));
+        QVERIFY(Insert(7));
+        QVERIFY(m_database->GetLastInsertID(id));
         QCOMPARE(id, 7);
         QVERIFY(!Insert(7, "again"_s));
         QVERIFY(m_database->InsertOrReplace(TABLE, {{ID, 7}}));
@@ -270,26 +222,30 @@ private Q_SLOTS:
         QCOMPARE(Rows(), "7:text 8:text"_s);
         QVERIFY(m_database->CreateTable(QString(CREATE_TABLE).replace(", "_s, ",  "_s), TABLE)); // one blank more
         QCOMPARE(Rows(), QString());
-        QVERIFY(Insert(1, TEXT) && m_database->Delete(TABLE, {}));
+        QVERIFY(Insert(1));
+        QVERIFY(m_database->Delete(TABLE, {}));
         QCOMPARE(Rows(), QString());
     }
 
     void Transactions()
     {
         QVERIFY(!m_database->EndTransaction(true));
-        QVERIFY(m_database->StartTransaction() && Insert(1, TEXT) && m_database->EndTransaction(false));
+        QVERIFY(m_database->StartTransaction() && Insert(1));
+        QVERIFY(m_database->EndTransaction(false));
         QCOMPARE(Rows(), QString());
-        QVERIFY(m_database->StartTransaction() && Insert(1, TEXT));
-        QVERIFY(m_database->StartTransaction() && Insert(2, TEXT)); // doesn't nest
-        QVERIFY(m_database->EndTransaction(true) && !m_database->EndTransaction(false));
+        QVERIFY(m_database->StartTransaction() && Insert(1));
+        QVERIFY(m_database->StartTransaction() && Insert(2)); // doesn't nest
+        QVERIFY(m_database->EndTransaction(true));
+        QVERIFY(!m_database->EndTransaction(false));
         QCOMPARE(Rows(), "1:text 2:text"_s);
 
         // A deferred reference without its row is refused at the commit.
         QVERIFY(m_database->Exec(
             "CREATE TABLE tbl_reference (id INTEGER REFERENCES tbl_test DEFERRABLE INITIALLY DEFERRED)"_s));
-        QVERIFY(m_database->StartTransaction() && Insert(3, TEXT));
+        QVERIFY(m_database->StartTransaction() && Insert(3));
         QVERIFY(m_database->Insert("tbl_reference"_s, {{ID, 99}}));
-        QVERIFY(m_database->EndTransaction(true) && !m_database->EndTransaction(true));
+        QVERIFY(m_database->EndTransaction(true));
+        QVERIFY(!m_database->EndTransaction(true));
         QCOMPARE(Rows(), "1:text 2:text"_s);
     }
 
@@ -298,69 +254,85 @@ private Q_SLOTS:
         CLadder database(m_strPath, 3, true);
         TRow row;
         int id = 0;
-        QVERIFY(!database.Init() && !database.IsOpen()); // the file is required
-        QVERIFY(!QFile::exists(m_strPath));
-        QVERIFY(!database.SelectOne(row, TABLE, {}, {}) && !database.CreateTable(CREATE_TABLE, TABLE));
-        QVERIFY(!database.Insert(TABLE, {{ID, 1}}) && !database.InsertOrReplace(TABLE, {{ID, 1}}));
-        QVERIFY(!database.InsertOrUpdate(TABLE, {{ID, 1}}, {}) && !database.Update(TABLE, {{ID, 1}}, {}));
-        QVERIFY(!database.Delete(TABLE, {}) && !database.Exec("SELECT 1"_s));
-        QVERIFY(!database.StartTransaction() && !database.EndTransaction(true) && !database.GetLastInsertID(id));
+        QVERIFY(!database.Init()); // the file is required
+        QVERIFY(!database.IsOpen());
+        QVERIFY(!database.SelectOne(row, TABLE, {}, {}));
+        QVERIFY(!database.Insert(TABLE, {{ID, 1}}));
+        QVERIFY(!database.Exec("SELECT 1"_s));
+        QVERIFY(!database.StartTransaction());
+        QVERIFY(!database.EndTransaction(true));
+        QVERIFY(!database.GetLastInsertID(id));
         QCOMPARE(id, -1);
+        QVERIFY(!QFile::exists(m_strPath));
         MakeFile(1);
-        QVERIFY(database.Init() && database.m_steps.isEmpty()); // is used as it is
+        QVERIFY(database.Init());
+        QCOMPARE(database.m_steps, TSteps()); // is used as it is
+    }
+
+    void Climbs_data()
+    {
+        AddRows<int, unsigned int, TSteps>({"fileVersion", "failingStep", "steps"},
+                                           {{"new file", -1, 0, {1, 2, 3}},
+                                            {"older file", 1, 0, {2, 3}},
+                                            {"file of today", 3, 0, {}},
+                                            {"newer file", 4, 0, {}},
+                                            {"first step fails", 0, 1, {1}},
+                                            {"last step fails", 1, 3, {2, 3}}});
     }
 
     void Climbs()
     {
-        // The file's version, or -1 for none; the step that fails; those that run.
-        const std::tuple<int, unsigned int, TSteps> climbs[] = {{-1, 0, {1, 2, 3}}, {1, 0, {2, 3}}, {3, 0, {}},
-                                                                {4, 0, {}},         {0, 1, {1}},    {1, 3, {2, 3}}};
-        for (const auto &[fileVersion, failingStep, steps] : climbs) {
-            init();
-            const QByteArray before = MakeFile(fileVersion);
-            CLadder database(m_strPath);
-            database.m_uiFailingStep = failingStep;
-            QCOMPARE(database.Init(), failingStep == 0);
-            QCOMPARE(ReadFile(m_strPath) == before, failingStep != 0 || steps.isEmpty());
-            QVERIFY(database.Init());
-            QCOMPARE(database.m_steps, steps);
-            TRow row;
-            QVERIFY(database.SelectOne(row, "tbl_dbinfo"_s, {"DBI_cValue"_s}, {}));
-            const int version = failingStep == 0 ? qMax(fileVersion, 3) : fileVersion;
-            QCOMPARE(row.values(), QVariantList{QString::number(version)});
-            QVERIFY(CLocalDB(m_strPath, true, true).IsOpen()); // the connection is the file's, not the object's
-        }
+        QFETCH(int, fileVersion);
+        QFETCH(unsigned int, failingStep);
+        QFETCH(TSteps, steps);
+        const QByteArray before = MakeFile(fileVersion);
+        CLadder database(m_strPath);
+        database.m_uiFailingStep = failingStep;
+        QCOMPARE(database.Init(), failingStep == 0);
+        QCOMPARE(ReadFile(m_strPath) == before, failingStep != 0 || steps.isEmpty());
+        QVERIFY(database.Init());
+        QCOMPARE(database.m_steps, steps);
+        QCOMPARE(GetVersion(database).toInt(), failingStep == 0 ? qMax(fileVersion, 3) : fileVersion);
+        QVERIFY(CLocalDB(m_strPath, true, true).IsOpen()); // the connection is the file's, not the object's
     }
 
-    void DamagedFilesStay()
+    void RefusedClimb_data()
     {
-        // Bytes off the end, or with 0 a text over the beginning. The last page is the third step's table.
-        for (const int cut : {0, 2048, 4096 + 2048}) {
-            init();
-            MakeFile(3);
-            QFile file(m_strPath);
-            QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(file.size() - cut));
-            QVERIFY(cut > 0 || file.write("A text that is no database.") > 0);
-            file.close();
-            const QByteArray contents = ReadFile(m_strPath);
-            CLadder database(m_strPath);
-            TRows rows;
-            QCOMPARE(database.Init(), cut == 2048);
-            database.SelectAll(rows, STEP1, {}, {}, 0);
-            QCOMPARE(rows.size(), cut == 2048 ? 3 : 0);
-            QCOMPARE(ReadFile(m_strPath), contents);
-        }
+        const QString reference = "CREATE TABLE IF NOT EXISTS tbl_reference"
+                                  " (id INTEGER REFERENCES tbl_step1 DEFERRABLE INITIALLY DEFERRED)"_s;
+        AddRows<QStringList>(
+            {"statements"},
+            {{"the commit finds that a reference has no row", {reference, "INSERT INTO tbl_reference VALUES (99)"_s}},
+             {"the version can't be written",
+              {"CREATE TRIGGER IF NOT EXISTS refuse UPDATE ON tbl_dbinfo BEGIN SELECT RAISE(FAIL, ''); END"_s}}});
+    }
+
+    void RefusedClimb()
+    {
+        QFETCH(QStringList, statements);
+        CLadder database(m_strPath);
+        database.m_statements = statements;
+        QVERIFY(!database.Init());
+        QCOMPARE(GetVersion(database), QVariant("0"_s));
+        QVERIFY(!Ask(database, STEP1, "COUNT(*)"_s).isValid());
+        QVERIFY(!database.EndTransaction(true));
     }
 
     void FileThatCannotBeOpened()
     {
         QVERIFY(!CLadder(m_dir.path()).Init()); // a folder at its place
+        QFile noDatabase(m_strPath);
+        QVERIFY(noDatabase.open(QIODevice::WriteOnly) && noDatabase.write("A text.") > 0);
+        noDatabase.close();
+        QVERIFY(!CLadder(m_strPath).Init());
+        QCOMPARE(ReadFile(m_strPath), QByteArray("A text."));
         const QString path = m_dir.filePath("missing/folder.sqlite"_s);
         CLadder database(path);
         QVERIFY(!database.Init());
         QVERIFY(!database.Insert(TABLE, {{ID, 1}}));
         QVERIFY(QDir(m_dir.path()).mkdir("missing"_s));
-        QVERIFY(!database.IsOpen() && !database.StartTransaction()); // only Init() opens what may be a new file
+        QVERIFY(!database.IsOpen());
+        QVERIFY(!database.StartTransaction()); // only Init() opens what may be a new file
         QVERIFY(!QFile::exists(path));
         QVERIFY(database.Init());
         QCOMPARE(database.m_steps, TSteps({1, 2, 3}));
@@ -368,68 +340,47 @@ private Q_SLOTS:
         QVERIFY(database.Insert(STEP1, {{ID, 4}})); // it was open
     }
 
-    // The commit finds that a reference has no row.
-    void RefusedCommitOfAClimb()
+    void LockedFile_data()
     {
-        CLadder database(m_strPath);
-        database.m_Inserted = [&database] {
-            database.Exec("CREATE TABLE IF NOT EXISTS tbl_reference"
-                          " (id INTEGER REFERENCES tbl_step1 DEFERRABLE INITIALLY DEFERRED)"_s);
-            database.Insert("tbl_reference"_s, {{ID, 99}});
-        };
-        QVERIFY(!database.Init());
-        TRow row;
-        QVERIFY(database.SelectOne(row, "tbl_dbinfo"_s, {"DBI_cValue"_s}, {}));
-        QCOMPARE(row.values(), QVariantList{"0"_s});
-        QVERIFY(!database.SelectOne(row, STEP1, {}, {}) && !database.EndTransaction(true));
+        AddRows<int, QString, TSteps>({"fileVersion", "lock", "steps"},
+                                      {{"another client makes it", -1, "BEGIN IMMEDIATE"_s, {1, 2, 3}},
+                                       {"another client has it for itself", 3, "BEGIN EXCLUSIVE"_s, {}}});
     }
 
-    void LockedFileIsLeftAlone()
+    void LockedFile()
     {
-        MakeFile(3);
-        CChild child("lock"_s, m_strPath);
-        QCOMPARE(child.NextLine(), QByteArrayLiteral("locked 1"));
-        const QByteArray contents = ReadFile(m_strPath);
+        QFETCH(int, fileVersion);
+        QFETCH(QString, lock);
+        const QByteArray before = MakeFile(fileVersion);
         constexpr int WAIT_MS = 400;
         // The driver would wait five seconds.
         QSqlDatabase::addDatabase("QSQLITE"_s, m_strPath) // clazy:exclude=writing-to-temporary (a handle)
             .setConnectOptions("QSQLITE_BUSY_TIMEOUT=%1"_s.arg(WAIT_MS));
         CLadder database(m_strPath);
         database.UseWriteAheadLog();
-        QElapsedTimer wait;
-        wait.start();
-        QVERIFY(!database.Init());
-        QVERIFY(!database.IsOpen() && !database.Insert(STEP1, {{ID, 4}}));
-        QVERIFY2(wait.elapsed() < 2 * WAIT_MS, QByteArray::number(wait.elapsed())); // once
-        child.End();
-        QCOMPARE(ReadFile(m_strPath), contents);
-        QVERIFY(database.Init() && database.m_steps.isEmpty() && database.Insert(STEP1, {{ID, 4}}));
+        {
+            const CShortLock other(m_strPath, lock, 4 * WAIT_MS);
+            QElapsedTimer wait;
+            wait.start();
+            QVERIFY(!database.Init());
+            QVERIFY(!database.IsOpen());
+            QVERIFY(!database.Insert(STEP1, {{ID, 4}}));
+            QVERIFY2(wait.elapsed() < 2 * WAIT_MS, QByteArray::number(wait.elapsed())); // once
+        }
+        QVERIFY(fileVersion < 0 || ReadFile(m_strPath) == before);
+        QVERIFY(database.Init());
+        QTEST(database.m_steps, "steps");
+        QVERIFY(database.Insert(STEP1, {{ID, 4}}));
     }
 
-    // A file that isn't one yet, as another client is about to make it.
-    void LockedNewFile()
+    void ShortlyLockedFile_data()
     {
-        QSqlDatabase::addDatabase("QSQLITE"_s, m_strPath) // clazy:exclude=writing-to-temporary (a handle)
-            .setConnectOptions("QSQLITE_BUSY_TIMEOUT=10"_s);
-        CLadder database(m_strPath);
-        {
-            const CShortLock other(m_strPath);
-            QVERIFY(!database.Init() && !database.IsOpen());
-        }
-        QVERIFY(database.Init());
-        QCOMPARE(database.m_steps, TSteps({1, 2, 3}));
+        AddRows<int, QString>({"fileVersion", "lock"}, {{"a new file", 0, "BEGIN EXCLUSIVE"_s},
+                                                        {"a step is pending", 1, "BEGIN IMMEDIATE"_s},
+                                                        {"a transaction reads and writes", 3, "BEGIN IMMEDIATE"_s}});
     }
 
     // Another program writes for a moment: it is waited for.
-    void ShortlyLockedFile_data()
-    {
-        QTest::addColumn<int>("fileVersion");
-        QTest::addColumn<QString>("lock");
-        QTest::newRow("a new file") << 0 << "BEGIN EXCLUSIVE"_s;
-        QTest::newRow("a step is pending") << 1 << "BEGIN IMMEDIATE"_s;
-        QTest::newRow("a transaction reads and writes") << 3 << "BEGIN IMMEDIATE"_s;
-    }
-
     void ShortlyLockedFile()
     {
         QFETCH(int, fileVersion);
@@ -441,48 +392,48 @@ private Q_SLOTS:
         const CShortLock other(m_strPath, lock);
         QVERIFY(database.Init());
         QCOMPARE(database.m_steps.size(), 3 - fileVersion);
-        TRow row;
-        QVERIFY(database.StartTransaction() && database.SelectOne(row, STEP1, {}, {{ID, 1}}));
-        QVERIFY(database.Insert(STEP1, {{ID, 4}}) && database.EndTransaction(true));
-        QVERIFY(database.SelectOne(row, STEP1, {}, {{ID, 4}}));
+        QVERIFY(database.StartTransaction());
+        QCOMPARE(Ask(database, STEP1, ID, {{ID, 1}}), QVariant(1));
+        QVERIFY(database.Insert(STEP1, {{ID, 4}}));
+        QVERIFY(database.EndTransaction(true));
+        QCOMPARE(Ask(database, STEP1, ID, {{ID, 4}}), QVariant(4));
     }
 
     void ClientsStartTogether()
     {
-        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7777)));
+        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(WRITABLE)));
         for (int start = 0; start < 10; ++start) {
             init();
-            CChild first("report log"_s, m_strPath);
-            CChild second("report log"_s, m_strPath);
-            QCOMPARE(first.NextLine() + ", " + second.NextLine(), QByteArrayLiteral("true 3, true 3"));
+            auto first = std::async(std::launch::async, StartClient, m_strPath, true);
+            const int second = StartClient(m_strPath, true);
+            QCOMPARE(std::tuple(first.get(), second), std::tuple(3, 3));
         }
-        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7755)));
     }
 
-    // Root may write anywhere, so that a process without its rights tries.
+    void FolderWithoutWritePermission_data()
+    {
+        AddRows<int, int>({"fileVersion", "code"},
+                          {{"no file", -1, 100}, {"a step is pending", 1, 103}, {"file of today", 3, 3}});
+    }
+
     void FolderWithoutWritePermission()
     {
-        using TCase = std::pair<int, const char *>;
-        for (const auto &[version, answer] : {TCase(-1, "false 0"), TCase(1, "false 3"), TCase(3, "true 3")}) {
-            init();
-            const QByteArray contents = MakeFile(version);
-            QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x5555)));
-            const QByteArray line = CChild("report"_s, m_strPath).NextLine();
-            QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7755)));
-            QCOMPARE(line, QByteArray(answer));
-            QCOMPARE(ReadFile(m_strPath), contents);
-            QCOMPARE(QFile::exists(m_strPath), version >= 0);
-        }
+        QFETCH(int, fileVersion);
+        const QByteArray contents = MakeFile(fileVersion);
+        QTEST(StartClientWith(READ_ONLY), "code");
+        QCOMPARE(ReadFile(m_strPath), contents);
+        QCOMPARE(QFile::exists(m_strPath), fileVersion >= 0);
     }
 
-    void AnotherProcessReads()
+    void AnotherClientReads()
     {
         CLadder database(m_strPath);
-        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7755)));
-        QVERIFY(database.Init() && database.StartTransaction() && database.Insert(STEP1, {{ID, 4}}));
-        QCOMPARE(CChild("report"_s, m_strPath).NextLine(), QByteArrayLiteral("true 3"));
+        QVERIFY(database.Init());
+        QVERIFY(database.StartTransaction() && database.Insert(STEP1, {{ID, 4}}));
+        QVERIFY(QFile::exists(m_strPath + "-journal"_s)); // from which it is undone if this client is killed
+        QCOMPARE(StartClientWith(READABLE), 3);
         QVERIFY(database.EndTransaction(true));
-        QCOMPARE(CChild("report"_s, m_strPath).NextLine(), QByteArrayLiteral("true 4"));
+        QCOMPARE(StartClientWith(READABLE), 4);
     }
 
     // A write is there for others without a wait for the disk, and a log that can't be written doesn't hide the file.
@@ -491,86 +442,46 @@ private Q_SLOTS:
         {
             CLadder database(m_strPath);
             database.UseWriteAheadLog();
-            QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7777)) && database.Init());
-            TRow row;
-            QVERIFY(database.SelectOne(row, "pragma_synchronous"_s, {}, {}) && row.value("synchronous"_s) == 1);
-            QVERIFY(database.Insert(STEP1, {{ID, 4}}) && QFile::exists(m_strPath + "-wal"_s));
-            QVERIFY(QFile::setPermissions(m_strPath, QFile::Permissions(0x6666)));
-            for (const char *file : {"-wal", "-shm"})
-                QVERIFY(QFile::setPermissions(m_strPath + QLatin1String(file), QFile::Permissions(0x6666)));
-            QCOMPARE(CChild("report log"_s, m_strPath).NextLine(), QByteArrayLiteral("true 4"));
+            QVERIFY(database.Init());
+            QCOMPARE(Ask(database, "pragma_synchronous"_s, "synchronous"_s), QVariant(1));
+            QVERIFY(database.Insert(STEP1, {{ID, 4}}));
+            for (const QString &suffix : {QString(), "-wal"_s, "-shm"_s})
+                QVERIFY2(QFile::setPermissions(m_strPath + suffix, QFile::Permissions(0x6666)), qPrintable(suffix));
+            QCOMPARE(StartClientWith(WRITABLE, true), 4);
         }
         QVERIFY(!QFile::exists(m_strPath + "-wal"_s));
-        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x5555)));
-        const QByteArray line = CChild("report log"_s, m_strPath).NextLine();
-        QVERIFY(QFile::setPermissions(m_dir.path(), QFile::Permissions(0x7755)));
-        QCOMPARE(line, QByteArrayLiteral("true 4"));
+        QCOMPARE(StartClientWith(READ_ONLY, true), 4);
     }
-
-    void KilledWhileClimbing() { KilledAnywhere("climb"_s, 1); }
-    void KilledWhileInserting() { KilledAnywhere("insert"_s, 3); }
 
     void Conversions()
     {
         using namespace DBValue;
-        std::tuple<bool, bool, int, double, QString> values(true, false, 0, 0, QString());
-        auto &[off, byDefault, number, real, text] = values;
-        QVERIFY(!ToInt(number, TEXT, DBT_Int) && !ToDouble(real, TEXT, DBT_Double));
-        QVERIFY(ToBool(off, "Off"_s, DBT_Int) && ToBool(byDefault, QVariant(), DBT_Int));
-        QVERIFY(ToInt(number, "-7"_s, DBT_Bool) && ToDouble(real, "2.5"_s, DBT_Bool) && ToString(text, 2.5, DBT_Int));
-        QVERIFY(values == std::tuple(false, true, -7, 2.5, "2.5"_s));
+        bool off = true, byDefault = false;
+        int number = 0;
+        double real = 0;
+        QString text;
+        const QList<bool> converted{ToInt(number, TEXT, DBT_Int),      ToDouble(real, TEXT, DBT_Double),
+                                    ToBool(off, "Off"_s, DBT_Int),     ToInt(number, "-7"_s, DBT_Bool),
+                                    ToDouble(real, "2.5"_s, DBT_Bool), ToBool(byDefault, QVariant(), DBT_Int),
+                                    ToString(text, 2.5, DBT_Int)};
+        QCOMPARE(converted, (QList<bool>{false, false, true, true, true, true, true}));
+        QCOMPARE(std::tuple(off, byDefault, number, real, text), std::tuple(false, true, -7, 2.5, "2.5"_s));
+        QStringList types{ToTypeString(static_cast<DBConfigType>(7))};
         for (const QVariant &value : {QVariant(true), QVariant(1), QVariant(1.), QVariant(TEXT), QVariant(1LL)})
-            text += QLatin1Char(' ') + ToTypeString(ToType(value));
+            types += ToTypeString(ToType(value));
         for (const QVariant &value : {QVariant(0), QVariant("2"_s), QVariant(4), QVariant(-1), QVariant(TEXT)})
-            text += QLatin1Char(' ') + QString::number(ToTypeFromDB(value));
-        QCOMPARE(text + ToTypeString(static_cast<DBConfigType>(7)), "2.5 bool int double string string 0 2 3 3 3"_s);
+            types += QString::number(ToTypeFromDB(value));
+        QCOMPARE(types.join(QLatin1Char(' ')), " bool int double string string 0 2 3 3 3"_s);
+        QCOMPARE(CLocalDB::Escape("'it's'"_s), "''it''s''"_s);
     }
 };
-
-void tst_localdb::KilledAnywhere(const QString &mode, int version)
-{
-    const bool climbing = version == 1;
-    const QString original = m_strPath;
-    const QByteArray before = MakeFile(version);
-    QByteArray after;
-    QRandomGenerator random(25);
-    int interrupted = 0;
-    for (int kill = 0; kill <= 25; ++kill) {
-        m_strPath = original + QLatin1Char('.') + QString::number(kill);
-        QVERIFY(QFile::copy(original, m_strPath));
-        CChild child(mode, m_strPath);
-        int rowLines = 0;
-        // 101 lines are the whole climb with its two times 50 rows, which the first child comes to.
-        const int lines = kill == 0 ? 101 : random.bounded(1, 102);
-        for (int line = 0; line < lines; ++line)
-            rowLines += child.NextLine().startsWith("row");
-        const bool climbed = climbing && rowLines < lines;
-        child.End();
-        QCOMPARE(child.exitStatus(), QProcess::CrashExit);
-        interrupted += QFile::exists(m_strPath + "-journal"_s);
-
-        CLadder database(m_strPath, unsigned(version));
-        TRows rows;
-        TRow sound;
-        QVERIFY(database.Init() && database.SelectAll(rows, STEP1, {ID}, {}, 0));
-        QVERIFY(database.SelectOne(sound, "pragma_integrity_check"_s, {}, {}));
-        QCOMPARE(sound, (TRow{{"integrity_check"_s, "ok"_s}}));
-        QCOMPARE(rows.size() % 50, 3);
-        if (kill == 0)
-            after = ReadFile(m_strPath);
-        if (climbing)
-            QVERIFY(ReadFile(m_strPath) == after || (ReadFile(m_strPath) == before && !climbed));
-        else
-            QVERIFY(rows.size() / 50 >= lines - rowLines - 1); // without the line "open"
-    }
-    QVERIFY(interrupted > 0 && after.size() > before.size() + 50 * 2000);
-}
 
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    if (argc == 4 && argv[1] == "child"_s.toUtf8())
-        return RunChild(application.arguments().at(2), application.arguments().at(3));
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == "client"_s)
+        return RunClient(arguments.value(2), !arguments.value(3).isEmpty());
     tst_localdb test;
     return QTest::qExec(&test, argc, argv);
 }
