@@ -14,7 +14,6 @@
 
 using TRow = QHash<QString, QVariant>;
 using TRows = QList<TRow>;
-using TSteps = QList<unsigned int>;
 
 namespace {
 
@@ -29,8 +28,8 @@ const QString STEP1 = QStringLiteral("tbl_step1");
 class CLadder : public CLocalDB
 {
 public:
-    explicit CLadder(const QString &path, unsigned int maxVersion = 3, bool fileRequired = false)
-        : CLocalDB(path, fileRequired, false)
+    explicit CLadder(const QString &path, unsigned int maxVersion = 3)
+        : CLocalDB(path, false, false)
         , m_strPath(path)
         , m_uiMaxVersion(maxVersion)
     {
@@ -39,7 +38,7 @@ public:
 
     unsigned int m_uiFailingStep = 0; ///< does its work, then answers false
     QStringList m_statements;         ///< executed after each row
-    TSteps m_steps;                   ///< those that ran
+    QStringList m_steps;              ///< those that ran
 
     using CLocalDB::UseWriteAheadLog;
 
@@ -58,8 +57,8 @@ protected:
     unsigned int GetMaxVersion() override { return m_uiMaxVersion; }
     bool CreateDBVersion(unsigned int version) override
     {
-        m_steps.append(version);
-        const QString table = "tbl_step"_s + QString::number(version);
+        m_steps.append(QString::number(version));
+        const QString table = "tbl_step"_s + m_steps.last();
         return CreateTable("CREATE TABLE "_s + table + " (id INTEGER PRIMARY KEY, text TEXT)"_s, table) &&
                Fill(table) && version != m_uiFailingStep;
     }
@@ -249,49 +248,24 @@ private Q_SLOTS:
         QCOMPARE(Rows(), "1:text 2:text"_s);
     }
 
-    void NothingWorksBeforeInit()
-    {
-        CLadder database(m_strPath, 3, true);
-        TRow row;
-        int id = 0;
-        QVERIFY(!database.Init()); // the file is required
-        QVERIFY(!database.IsOpen());
-        QVERIFY(!database.SelectOne(row, TABLE, {}, {}));
-        QVERIFY(!database.Insert(TABLE, {{ID, 1}}));
-        QVERIFY(!database.Exec("SELECT 1"_s));
-        QVERIFY(!database.StartTransaction());
-        QVERIFY(!database.EndTransaction(true));
-        QVERIFY(!database.GetLastInsertID(id));
-        QCOMPARE(id, -1);
-        QVERIFY(!QFile::exists(m_strPath));
-        MakeFile(1);
-        QVERIFY(database.Init());
-        QCOMPARE(database.m_steps, TSteps()); // is used as it is
-    }
-
     void Climbs_data()
     {
-        AddRows<int, unsigned int, TSteps>({"fileVersion", "failingStep", "steps"},
-                                           {{"new file", -1, 0, {1, 2, 3}},
-                                            {"older file", 1, 0, {2, 3}},
-                                            {"file of today", 3, 0, {}},
-                                            {"newer file", 4, 0, {}},
-                                            {"first step fails", 0, 1, {1}},
-                                            {"last step fails", 1, 3, {2, 3}}});
+        AddRows("new file|-1|0|1 2 3;older file|1|0|2 3;file of today|3|0|;newer file|4|0|;"
+                "first step fails|0|1|1;last step fails|1|3|2 3"_s);
     }
 
     void Climbs()
     {
-        QFETCH(int, fileVersion);
-        QFETCH(unsigned int, failingStep);
-        QFETCH(TSteps, steps);
+        QFETCH(QStringList, in); // the file's version, or -1 for none; the step that fails; those that run
+        const int fileVersion = in[1].toInt();
+        const unsigned int failingStep = in[2].toUInt();
         const QByteArray before = MakeFile(fileVersion);
         CLadder database(m_strPath);
         database.m_uiFailingStep = failingStep;
         QCOMPARE(database.Init(), failingStep == 0);
-        QCOMPARE(ReadFile(m_strPath) == before, failingStep != 0 || steps.isEmpty());
+        QCOMPARE(ReadFile(m_strPath) == before, failingStep != 0 || in[3].isEmpty());
         QVERIFY(database.Init());
-        QCOMPARE(database.m_steps, steps);
+        QCOMPARE(database.m_steps.join(QLatin1Char(' ')), in[3]);
         QCOMPARE(GetVersion(database).toInt(), failingStep == 0 ? qMax(fileVersion, 3) : fileVersion);
         QVERIFY(CLocalDB(m_strPath, true, true).IsOpen()); // the connection is the file's, not the object's
     }
@@ -331,26 +305,30 @@ private Q_SLOTS:
         QVERIFY(!database.Init());
         QVERIFY(!database.Insert(TABLE, {{ID, 1}}));
         QVERIFY(QDir(m_dir.path()).mkdir("missing"_s));
+        TRow row;
+        int id = 0;
+        QVERIFY(!database.SelectOne(row, TABLE, {}, {}));
+        QVERIFY(!database.Exec("SELECT 1"_s));
+        QVERIFY(!database.GetLastInsertID(id));
+        QCOMPARE(id, -1);
         QVERIFY(!database.IsOpen());
         QVERIFY(!database.StartTransaction()); // only Init() opens what may be a new file
         QVERIFY(!QFile::exists(path));
         QVERIFY(database.Init());
-        QCOMPARE(database.m_steps, TSteps({1, 2, 3}));
+        QCOMPARE(database.m_steps.size(), 3);
         QSqlDatabase::database(path, false).close();
         QVERIFY(database.Insert(STEP1, {{ID, 4}})); // it was open
     }
 
     void LockedFile_data()
     {
-        AddRows<int, QString, TSteps>({"fileVersion", "lock", "steps"},
-                                      {{"another client makes it", -1, "BEGIN IMMEDIATE"_s, {1, 2, 3}},
-                                       {"another client has it for itself", 3, "BEGIN EXCLUSIVE"_s, {}}});
+        AddRows("another client makes it|-1|BEGIN IMMEDIATE;another client has it for itself|3|BEGIN EXCLUSIVE"_s);
     }
 
     void LockedFile()
     {
-        QFETCH(int, fileVersion);
-        QFETCH(QString, lock);
+        QFETCH(QStringList, in); // the file's version; the other's lock
+        const int fileVersion = in[1].toInt();
         const QByteArray before = MakeFile(fileVersion);
         constexpr int WAIT_MS = 400;
         // The driver would wait five seconds.
@@ -359,7 +337,7 @@ private Q_SLOTS:
         CLadder database(m_strPath);
         database.UseWriteAheadLog();
         {
-            const CShortLock other(m_strPath, lock, 4 * WAIT_MS);
+            const CShortLock other(m_strPath, in[2], 4 * WAIT_MS);
             QElapsedTimer wait;
             wait.start();
             QVERIFY(!database.Init());
@@ -369,27 +347,26 @@ private Q_SLOTS:
         }
         QVERIFY(fileVersion < 0 || ReadFile(m_strPath) == before);
         QVERIFY(database.Init());
-        QTEST(database.m_steps, "steps");
+        QCOMPARE(database.m_steps.size(), fileVersion < 0 ? 3 : 0);
         QVERIFY(database.Insert(STEP1, {{ID, 4}}));
     }
 
     void ShortlyLockedFile_data()
     {
-        AddRows<int, QString>({"fileVersion", "lock"}, {{"a new file", 0, "BEGIN EXCLUSIVE"_s},
-                                                        {"a step is pending", 1, "BEGIN IMMEDIATE"_s},
-                                                        {"a transaction reads and writes", 3, "BEGIN IMMEDIATE"_s}});
+        AddRows("a new file|0|BEGIN EXCLUSIVE;a step is pending|1|BEGIN IMMEDIATE;"
+                "a transaction reads and writes|3|BEGIN IMMEDIATE"_s);
     }
 
     // Another program writes for a moment: it is waited for.
     void ShortlyLockedFile()
     {
-        QFETCH(int, fileVersion);
-        QFETCH(QString, lock);
+        QFETCH(QStringList, in); // the file's version; the other's lock
+        const int fileVersion = in[1].toInt();
         if (fileVersion > 0)
             MakeFile(fileVersion);
         CLadder database(m_strPath);
         QVERIFY(fileVersion < 3 || database.Init());
-        const CShortLock other(m_strPath, lock);
+        const CShortLock other(m_strPath, in[2]);
         QVERIFY(database.Init());
         QCOMPARE(database.m_steps.size(), 3 - fileVersion);
         QVERIFY(database.StartTransaction());

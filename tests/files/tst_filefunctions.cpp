@@ -2,6 +2,7 @@
 
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/Rows.h>
 
 #include <QtTest>
 
@@ -26,7 +27,7 @@ static QString GetMessage(TOperation operation, const QString &from, const QStri
 }
 
 // Trees are copied, moved and removed; every step that fails is tried again.
-class tst_FileFunctions : public QObject
+class tst_filefunctions : public QObject
 {
     Q_OBJECT
 
@@ -34,6 +35,11 @@ class tst_FileFunctions : public QObject
     void Write(const char *name, const QByteArray &contents = "old") const
     {
         m_tree->WriteFile("Tmp/"_s + QLatin1String(name), contents);
+    }
+    void Link(const char *target, const char *name) const
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(Tmp(name)).path()));
+        QVERIFY(QFile::link(Tmp(target), Tmp(name)));
     }
     QString GetRelativePaths(const char *dir) const
     {
@@ -55,135 +61,124 @@ private Q_SLOTS:
     void cleanupTestCase() { m_tree.reset(); }
 
     // Links are followed, but not in circles; one that is removed leaves alone what it leads to.
-    void listedAndRemoved()
+    void ListedAndRemoved()
     {
         for (const char *name : {"from/b/2", "from/b/1", "from/a/x/deep", "from/0", "from/.hidden", "from/empty.svn",
                                  "from/.svn/entries", "from/a/.svn/entries", "from/empty/.svn", "outside/file"})
             Write(name);
-        QVERIFY(QFile::link(Tmp("from"), Tmp("from/a/back")) && QFile::link(Tmp("outside"), Tmp("from/out")));
-        QVERIFY(QFile::link(Tmp("missing"), Tmp("from/dangling")));
+        Link("from", "from/a/back");
+        Link("outside", "from/out");
+        Link("missing", "from/dangling");
         QCOMPARE(GetRelativePaths("from"), "a a/back a/x a/x/deep b b/1 b/2 empty out out/file .hidden 0 dangling"_s);
         for (const QString &path : {QString(), Tmp("from/.svn"), Tmp("from/0"), Tmp("missing")})
-            QCOMPARE(GetFilePaths(path), QStringList());
+            QVERIFY2(GetFilePaths(path).isEmpty(), qPrintable(path));
 
-        QVERIFY2(RemoveDir(Tmp("from"), m_strError) && m_strError.isEmpty(), qPrintable(m_strError));
-        QVERIFY(!QFileInfo::exists(Tmp("from")) && RemoveDir(Tmp("from"), m_strError));
+        QVERIFY(RemoveDir(Tmp("from"), m_strError));
+        QCOMPARE(m_strError, QString());
+        QVERIFY(!QFileInfo::exists(Tmp("from")));
+        QVERIFY(RemoveDir(Tmp("from"), m_strError)); // nothing is left to be done
         QCOMPARE(ReadFile(Tmp("outside/file")), QByteArray("old"));
     }
 
-    void copiedAndMoved()
+    void CopiedAndMoved_data()
     {
-        for (const bool move : {false, true}) {
-            init();
-            for (const char *name : {"from/a/file", "from/replaced", "from/.svn/entries", "from/empty/.svn"})
-                Write(name, "new");
-            Write("to/replaced", "old and longer");
-            Write("to/kept");
-
-            QVERIFY(CopyFile(Tmp("from/replaced"), Tmp("to/kept"), m_strError));
-            QCOMPARE(m_strError, "before"_s); // the only one that leaves it alone
-            QVERIFY2(CopyDir(Tmp("from/"), Tmp("x/../to//"), m_strError, move), qPrintable(m_strError));
-            QCOMPARE(m_strError, QString());
-            QCOMPARE(GetRelativePaths("to"), "a a/file kept replaced"_s);
-            QCOMPARE(ReadFile(Tmp("to/a/file")) + ReadFile(Tmp("to/replaced")) + ReadFile(Tmp("to/kept")),
-                     QByteArray("newnewnew"));
-            QCOMPARE(GetRelativePaths("from"), QLatin1String(move ? "a empty" : "a a/file empty replaced"));
-
-            QVERIFY(MoveDir(Tmp("from/."), Tmp("to"), m_strError) && m_strError.isEmpty());
-            QCOMPARE(GetRelativePaths("to"), "a a/file kept replaced"_s);
-            QVERIFY(!QFileInfo::exists(Tmp("from")));
-        }
+        AddRows<bool, QString>({"move", "left"},
+                               {{"copied", false, "a a/file empty replaced"_s}, {"moved", true, "a empty"_s}});
     }
 
-    void moveAble()
+    void CopiedAndMoved()
+    {
+        QFETCH(bool, move);
+        for (const char *name : {"from/a/file", "from/replaced", "from/.svn/entries", "from/empty/.svn"})
+            Write(name, "new");
+        Write("to/replaced", "old and longer");
+        Write("to/kept");
+        QVERIFY(CopyFile(Tmp("from/replaced"), Tmp("to/kept"), m_strError));
+        QCOMPARE(m_strError, "before"_s); // the only one that leaves it alone
+        QVERIFY(CopyDir(Tmp("from/"), Tmp("x/../to//"), m_strError, move));
+        QCOMPARE(m_strError, QString());
+        QCOMPARE(GetRelativePaths("to"), "a a/file kept replaced"_s);
+        QCOMPARE(ReadFile(Tmp("to/a/file")) + ReadFile(Tmp("to/replaced")) + ReadFile(Tmp("to/kept")),
+                 QByteArray("newnewnew"));
+        QTEST(GetRelativePaths("from"), "left");
+
+        QVERIFY(MoveDir(Tmp("from/."), Tmp("to"), m_strError));
+        QCOMPARE(m_strError, QString());
+        QCOMPARE(GetRelativePaths("to"), "a a/file kept replaced"_s);
+        QVERIFY(!QFileInfo::exists(Tmp("from")));
+    }
+
+    void MoveAble()
     {
         Write("from/file");
         Write("to/file");
-        QVERIFY(IsMoveAbleDir(Tmp("from"), Tmp("to"), m_strError) && m_strError.isEmpty());
+        QVERIFY(IsMoveAbleDir(Tmp("from"), Tmp("to"), m_strError));
+        QCOMPARE(m_strError, QString());
 
         // A program that runs can't be opened for writing, whoever the user is.
         QVERIFY(QDir().mkdir(Tmp("busy")) && QFile::link(QCoreApplication::applicationFilePath(), Tmp("busy/file")));
         QVERIFY(!IsMoveAbleDir(Tmp("from"), Tmp("busy"), m_strError));
         QCOMPARE(m_strError, "move: not writeable: "_s + Tmp("busy/file"));
 
-        QVERIFY(QFile::link(Tmp("missing"), Tmp("from/dangling")));
+        Link("missing", "from/dangling");
         QVERIFY(!IsMoveAbleDir(Tmp("from"), Tmp("to"), m_strError));
         QCOMPARE(m_strError, "move: from not found: %1 - permissions 0"_s.arg(Tmp("from/dangling")));
     }
 
-    // The old file is removed before the new one comes, which here is the same.
-    void ontoItself()
+    void IntoItself_data()
     {
-        const QString alias = Tmp("alias");
-        Write("tree/a/file");
-        QVERIFY(QFile::link(Tmp("tree"), alias));
-        QVERIFY(!CopyDir(Tmp("tree"), Tmp("tree/."), m_strError, false));
-        QVERIFY(!CopyDir(Tmp("tree"), Tmp("tree/."), m_strError, true));
-        QVERIFY(!CopyDir(Tmp("tree"), alias, m_strError, true));
-        QVERIFY(!MoveDir(Tmp("tree"), Tmp("tree/below"), m_strError));
-        QCOMPARE(m_strError, "move: failed to rename: "_s + Tmp("tree to ") + Tmp("tree/below"));
-        QVERIFY(RemoveDir(alias, m_strError) && !QFileInfo::exists(alias));
-        QCOMPARE(ReadFile(Tmp("tree/a/file")), QByteArray("old"));
+        AddRows<QString, QString>({"from", "to"}, {{"below", "tree"_s, "tree/below"_s},
+                                                   {"through a link", "tree"_s, "alias/below"_s},
+                                                   {"from a link", "alias"_s, "tree/below"_s},
+                                                   {"to a relative path", "tree"_s, "../Tmp/tree/below"_s},
+                                                   {"below a link in the target", "tree"_s, "target"_s},
+                                                   {"up, with the same name within", "tree"_s, "."_s}});
     }
 
-    void intoItself_data()
-    {
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        QTest::newRow("through a link") << "tree"_s
-                                        << "alias/below"_s;
-        QTest::newRow("from a link") << "alias"_s
-                                     << "tree/below"_s;
-        QTest::newRow("to a relative path") << "tree"_s
-                                            << "../Tmp/tree/below"_s;
-        QTest::newRow("below a link in the target") << "tree"_s
-                                                    << "target"_s;
-        QTest::newRow("up, with the same name within") << "tree"_s
-                                                       << "."_s;
-    }
     // What comes to lie within the tree would be removed with it.
-    void intoItself()
+    void IntoItself()
     {
-        QFETCH(const QString, from);
-        QFETCH(const QString, to);
+        QFETCH(QString, from);
+        QFETCH(QString, to);
         Write("tree/tree/file");
-        QVERIFY(QDir().mkpath(Tmp("target")) && QFile::link(Tmp("tree"), Tmp("target/tree")));
-        QVERIFY(QFile::link(Tmp("tree"), Tmp("alias")));
-        const QDir tmp(m_strTmp);
-        const QString target = to.startsWith("../"_s) ? to : tmp.absoluteFilePath(to);
-        QVERIFY(!MoveDir(tmp.absoluteFilePath(from), target, m_strError));
+        Link("tree", "target/tree");
+        Link("tree", "alias");
+        const QString target = to.startsWith("../"_s) ? to : m_strTmp + QLatin1Char('/') + to;
+        QVERIFY(!MoveDir(m_strTmp + QLatin1Char('/') + from, target, m_strError));
         QVERIFY2(m_strError.startsWith("move: failed to rename: "_s), qPrintable(m_strError));
         QCOMPARE(ReadFile(Tmp("tree/tree/file")), QByteArray("old"));
     }
 
-    void linkWithTail()
+    void LinkIsRemoved()
     {
         Write("tree/file");
-        for (const char *path : {"alias/", "alias/.", "alias/.//"}) {
-            QVERIFY(QFile::link(Tmp("tree"), Tmp("alias")));
-            QVERIFY(RemoveDir(Tmp(path), m_strError) && !QFileInfo::exists(Tmp("alias")));
+        for (const char *path : {"alias", "alias/", "alias/.", "alias/.//"}) {
+            Link("tree", "alias");
+            QVERIFY2(RemoveDir(Tmp(path), m_strError) && !QFileInfo::exists(Tmp("alias")), path);
         }
         QCOMPARE(ReadFile(Tmp("tree/file")), QByteArray("old"));
     }
 
-    void nothingThere()
+    void NothingThere()
     {
         for (const QString &from : {QString(), Tmp("missing")}) {
             QVERIFY2(CopyDir(from, Tmp("other"), m_strError, false), qPrintable(m_strError));
-            QVERIFY2(MoveDir(from, Tmp("missing/below"), m_strError) && m_strError.isEmpty(), qPrintable(m_strError));
+            QVERIFY2(MoveDir(from, Tmp("missing/below"), m_strError), qPrintable(m_strError));
+            QCOMPARE(m_strError, QString());
         }
     }
 
     // Every step that can be tried again fails for good, and all of them at the same time, since each takes its time.
     // Permissions would stop nobody who is root; directories, files and links in the way stop everybody.
-    void failures()
+    void Failures()
     {
         Write("from/a/file");
         Write("over/file/in the way");
         Write("across/a", "a file, where a directory is needed");
-        QVERIFY(QDir().mkpath(Tmp("dangling/a")) && QDir().mkpath(Tmp("removed/a/file")));
-        QVERIFY(QFile::link(Tmp("missing/file"), Tmp("dangling/a/file")));
-        QVERIFY(QDir().mkpath(Tmp("back")) && QFile::link(Tmp("from/a"), Tmp("back/a")));
+        QVERIFY(QDir().mkpath(Tmp("removed/a/file")));
+        Link("missing/file", "dangling/a/file");
+        Link("from/a", "back/a");
+        Link("from", "alias");
 
         const TOperation copy = [](const auto &from, const auto &to, auto &e) { return CopyDir(from, to, e, false); };
         const TOperation move = [](const auto &from, const auto &to, auto &e) { return CopyDir(from, to, e, true); };
@@ -197,6 +192,8 @@ private Q_SLOTS:
             {CopyFile, "from/a/file", "over/file", "copy: failed to remove file: ~/over/file"},
             {CopyFile, "from/a/file", "from/a/file", "copy: failed to copy file: ~/from/a/file to ~/from/a/file"},
             {CopyFile, "from", "across/a", "copy: failed to copy file: ~/from to ~/across/a"}, // a directory
+            {move, "from", "from/.", "move: failed to rename: ~/from/a/file to ~/from/a/file"},
+            {move, "from", "alias", "move: failed to rename: ~/from/a/file to ~/alias/a/file"},
             {copy, "from", "back", "copy: failed to copy: ~/from/a/file to ~/back/a/file"},
             {CopyFile, "missing", "from/a/file", "copy: failed to copy file: ~/missing to ~/from/a/file"},
             {remove, "across/a", "", "remove: failed to remove dir: ~/across/a"},
@@ -214,7 +211,7 @@ private Q_SLOTS:
         QCOMPARE(QDir(Tmp("across")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
     }
 
-    void laterAttempt()
+    void LaterAttempt()
     {
         Write("obstacle");
         // Another program lets go of the file after a moment; the call below blocks this thread.
@@ -226,5 +223,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_FileFunctions)
+QTEST_GUILESS_MAIN(tst_filefunctions)
 #include "tst_filefunctions.moc"

@@ -4,18 +4,19 @@
 
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/Rows.h>
 
 #include <QtTest>
 
 // Where the files of an installation lie; whole files and texts; the bounded list of messages.
-class tst_Files : public QObject
+class tst_files : public QObject
 {
     Q_OBJECT
 
     static void Add(int n) { CConsole::AddMessage("a"_s, CConsole::MC_Network, CConsole::ML_Warning, "b"_s, n); }
 
 private Q_SLOTS:
-    void composed()
+    void Composed()
     {
         using namespace Pathes;
         const CInstallationTree tree; // the answers follow the process's current directory
@@ -41,13 +42,13 @@ private Q_SLOTS:
                  "T/rsyncbin/rsyncqt.exe "_s);
     }
 
-    void withArguments()
+    void WithArguments()
     {
         const CInstallationTree tree;
         for (const QString &name : {"Tmp/a_0.png"_s, "Tmp/a_1.png"_s, "Tmp/a_3.png"_s})
             tree.WriteFile(name);
-        for (const QString &dir : {tree.GetPath("Tmp"_s), tree.GetPath("Tmp/"_s)})
-            QCOMPARE(Pathes::UniqueFilePath(dir, "a"_s, "png"_s), tree.GetPath("Tmp/a_2.png"_s));
+        QCOMPARE(Pathes::UniqueFilePath(tree.GetPath("Tmp"_s), "a"_s, "png"_s), tree.GetPath("Tmp/a_2.png"_s));
+        QCOMPARE(Pathes::UniqueFilePath(tree.GetPath("Tmp/"_s), "a"_s, "png"_s), tree.GetPath("Tmp/a_2.png"_s));
 
         QVERIFY(QDir::isAbsolutePath(Pathes::PersonalDir()));
         QCOMPARE(Pathes::ThemeRoot("dark"_s), Pathes::Resources() + "/themes/dark"_s);
@@ -57,7 +58,7 @@ private Q_SLOTS:
     }
 
     // In this order, since the answers are remembered as long as the process lives.
-    void commonResource()
+    void CommonResource()
     {
         const CInstallationTree tree;
         for (const QString &name :
@@ -81,24 +82,23 @@ private Q_SLOTS:
         QCOMPARE(ask("late", false), QByteArray());
     }
 
-    void write()
+    void Write_data() { AddRows("-1|-1|abcdef;2|3|cde;2|-5|cdef;-5|2|ab;4|100|ef;100|3|"_s); }
+
+    void Write()
     {
+        QFETCH(QStringList, in); // position, length, what is written of "abcdef"
+        const int position = in[0].toInt(), length = in[1].toInt();
         const CInstallationTree tree;
-        const QString overLongerFile = tree.WriteFile("Tmp/longer"_s, "0123456789");
-        const std::tuple<int, int, const char *> parts[] = {{-1, -1, "abcdef"}, {2, 3, "cde"}, {2, -5, "cdef"},
-                                                            {-5, 2, "ab"},      {0, 0, ""},    {4, 100, "ef"},
-                                                            {100, 3, ""}};
-        for (const auto &[position, length, expected] : parts) {
-            for (const QString &path : {tree.GetPath("Tmp/a/b/file"_s), overLongerFile, "inCurrentDir"_s}) {
-                QVERIFY(Globals::WriteToFile(path, "abcdef", position, length));
-                QCOMPARE(ReadFile(path), QByteArray(expected));
-            }
+        const QString longer = tree.WriteFile("Tmp/longer"_s, "0123456789");
+        for (const QString &path : {tree.GetPath("Tmp/a/b/file"_s), longer, "inCurrentDir"_s}) {
+            QVERIFY2(Globals::WriteToFile(path, "abcdef", position, length), qPrintable(path));
+            QCOMPARE(ReadFile(path), in[2].toLatin1());
         }
-        QVERIFY(!Globals::WriteToFile(overLongerFile + "/below"_s, "abcdef", -1, -1));
-        QVERIFY(!Globals::WriteToFile(tree.GetPath("Tmp"_s), "abcdef", -1, -1));
+        QVERIFY(!Globals::WriteToFile(longer + "/below"_s, "abcdef", position, length));
+        QVERIFY(!Globals::WriteToFile(tree.GetPath("Tmp"_s), "abcdef", position, length));
     }
 
-    void writeOnlyChanges()
+    void WriteOnlyChanges()
     {
         const CInstallationTree tree;
         QFile file(tree.WriteFile("Tmp/file"_s, "cde"));
@@ -111,7 +111,7 @@ private Q_SLOTS:
         QVERIFY(QFileInfo(file.fileName()).lastModified() > longAgo);
     }
 
-    void contentsAndDigests()
+    void ContentsAndDigests()
     {
         const CInstallationTree tree;
         const QString file = tree.WriteFile("Tmp/file"_s, "abc");
@@ -125,32 +125,33 @@ private Q_SLOTS:
         QCOMPARE(Globals::GetMD5(QByteArray()), "d41d8cd98f00b204e9800998ecf8427e"_s);
     }
 
-    void between()
+    void Between_data()
     {
-        const std::tuple<const char *, int, const char *, int> rows[] = {
-            {" <<text>> ", 0, "text", 9},    {"<<a>><<b>>", 1, "b", 10},      {" <<>>", 0, "", 5},
-            {"<<text>>", 0, "before", -7}, // a marker at the start isn't seen
-            {">> <<text>", 0, "before", -7}, {" <<text>> ", 2, "before", -7}, {" <<text>> ", 100, "before", -7}};
-        for (const auto &[data, from, expected, expectedNext] : rows) {
-            QByteArray result("before");
-            int next = -7;
-            QCOMPARE(Globals::GetBetween(data, from, "<<", ">>", result, next), expectedNext > 0);
-            QCOMPARE(result, QByteArray(expected));
-            QCOMPARE(next, expectedNext);
-        }
+        AddRows(" <<text>> |0|text|9;<<a>><<b>>|1|b|10; <<>>|0||5;<<text>>|0|before|-7;>> <<text>|0|before|-7;"
+                " <<text>> |2|before|-7"_s); // a marker at the start isn't seen
     }
 
-    void boolean()
+    void Between()
     {
-        QByteArray answers; // with either default
-        for (const char *text :
-             {"true", "ON", "Yes", "1", "FALSE", "off", "nO", "0", "", "2", "maybe", " true", "00"})
-            for (const bool byDefault : {false, true})
-                answers += Globals::ToBool(QLatin1String(text), byDefault) ? '1' : '0';
-        QCOMPARE(answers, QByteArray("11111111000000000101010101"));
+        QFETCH(QStringList, in); // data, where to begin, result, the next place
+        QByteArray result("before");
+        int next = -7;
+        QCOMPARE(Globals::GetBetween(in[0].toLatin1(), in[1].toInt(), "<<", ">>", result, next), in[3] != "-7"_s);
+        QCOMPARE(result, in[2].toLatin1());
+        QCOMPARE(next, in[3].toInt());
     }
 
-    void console()
+    void Boolean()
+    {
+        QString answers; // with either default
+        for (const char *text : {"true", "ON", "Yes", "1", "FALSE", "off", "nO", "0", "", "2", " true", "00"})
+            answers += "%1=%2%3 "_s.arg(QLatin1String(text))
+                           .arg(Globals::ToBool(QLatin1String(text), false))
+                           .arg(Globals::ToBool(QLatin1String(text), true));
+        QCOMPARE(answers, "true=11 ON=11 Yes=11 1=11 FALSE=00 off=00 nO=00 0=00 =01 2=01  true=01 00=01 "_s);
+    }
+
+    void Console()
     {
         Add(1);
         QVERIFY(!CConsole::IsExisting()); // the message is kept, and creates nothing
@@ -165,9 +166,10 @@ private Q_SLOTS:
         const auto announced = added.value(0).value(0).value<CConsole::SConsoleMessage>();
         for (const CConsole::SConsoleMessage &message : {CConsole::GetMessages().value(1), announced}) {
             QVERIFY(before <= message.dtTimestamp && message.dtTimestamp <= QDateTime::currentDateTime());
-            QCOMPARE(message.strMessage + message.strDetail, "ab"_s);
-            QVERIFY(message.eCategory == CConsole::MC_Network && message.eLevel == CConsole::ML_Warning);
-            QCOMPARE(message.iDetail, -5);
+            QCOMPARE(std::tuple(message.strMessage, message.strDetail, message.iDetail),
+                     std::tuple("a"_s, "b"_s, -5));
+            QCOMPARE(message.eCategory, CConsole::MC_Network);
+            QCOMPARE(message.eLevel, CConsole::ML_Warning);
         }
         QTRY_COMPARE(queued, QList<int>{-5});
 
@@ -184,5 +186,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_Files)
+QTEST_GUILESS_MAIN(tst_files)
 #include "tst_files.moc"

@@ -1,4 +1,5 @@
 #include <support/Languages.h>
+#include <support/Rows.h>
 
 #include <cmath>
 
@@ -108,23 +109,26 @@ private Q_SLOTS:
         QVERIFY(m_recorder.waitForFinished() && m_server.waitForFinished());
     }
 
+    void Gates_data()
+    {
+        AddRows(
+            "none|ABCDE;soundsenabled|E;soundeffects|BCDE;alertsounds|ACDE;winningsounds|ABDE;dealerspeech|ABCE"_s);
+    }
+
     void Gates()
     {
-        for (QStringList in : Rows("none|ABCDE;soundsenabled|E;soundeffects|BCDE;alertsounds|ACDE;"
-                                   "winningsounds|ABDE;dealerspeech|ABCE"_s)) {
-            CSettings *settings = CSettings::GetInstance();
-            for (const char *name : {"winningsounds", "dealerspeech"}) // the others are on
-                settings->setProperty(name, true);
-            settings->setProperty(qPrintable(in[0]), false);
-            PlayAll("ABCD"_s, "E"_s);
-            QTRY_COMPARE(GetTones(Listen()), in[1]);
-            settings->SetSoundsEnabled(false); // what plays goes on
-            PlayAll("GHIJ"_s, "F"_s);
-            QTRY_COMPARE(GetTones(Listen()), in[1].replace("E"_s, "F"_s));
-            QTest::qWait(100);
-            QCOMPARE(GetTones(Listen()), in[1]);
-            cleanup();
-        }
+        QFETCH(QStringList, in); // what is off, what is heard
+        CSettings *settings = CSettings::GetInstance();
+        settings->SetWinningSounds(true); // the others are on
+        settings->SetDealerSpeech(true);
+        settings->setProperty(qPrintable(in[0]), false);
+        PlayAll("ABCD"_s, "E"_s);
+        QTRY_COMPARE(GetTones(Listen()), in[1]);
+        settings->SetSoundsEnabled(false); // what plays goes on
+        PlayAll("GHIJ"_s, "F"_s);
+        QTRY_COMPARE(GetTones(Listen()), in[1].replace("E"_s, "F"_s));
+        QTest::qWait(100);
+        QCOMPARE(GetTones(Listen()), in[1]);
     }
 
     void Volume()
@@ -150,18 +154,16 @@ private Q_SLOTS:
         }
         CSoundPlayer::DestroyInstance("NOBODY"_s);
         CSoundPlayer::DestroyInstance(further);
-        QVERIFY(CSoundPlayer::IsExisting("EFFECT"_s) && !CSoundPlayer::IsExisting(further));
+        QVERIFY(CSoundPlayer::IsExisting("EFFECT"_s));
+        QVERIFY(!CSoundPlayer::IsExisting(further));
         QTRY_COMPARE(GetTones(Listen()), "AB"_s);
     }
 
     void Order_data()
     {
         // Channel; calls, + queued, ! until it is heard as usual, _ until nothing is, ~ a moment; what was heard.
-        QTest::addColumn<QStringList>("in");
-        for (const QStringList &in :
-             Rows("3 speech|a b+ c+|abc;3 speech|A! b+ c|Ac;3 speech|a! _ b+|ab;3 speech|a! :/b+ none+ c+|ac;"
-                  "3 speech|A! :/b|A;1 warning|A! none|A;0 effect|A! b+|Ab;1 warning|a! b+|ab;2 winning|a! b+|ab"_s))
-            QTest::newRow(qPrintable(in[0] + " "_s + in[1])) << in;
+        AddRows("3 speech|a b+ c+|abc;3 speech|A! b+ c|Ac;3 speech|a! _ b+|ab;3 speech|a! :/b+ none+ c+|ac;"
+                "3 speech|A! :/b|A;1 warning|A! none|A;0 effect|A! b+|Ab;1 warning|a! b+|ab;2 winning|a! b+|ab"_s);
         QTest::newRow("200 times") << QStringList{"0 effect"_s, "A~ "_s.repeated(200) + "A! b"_s, ".*Ab"_s};
     }
 

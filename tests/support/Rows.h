@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <QTest>
 
 #include <initializer_list>
@@ -15,4 +16,13 @@ void AddRows(std::initializer_list<const char *> columns,
     (QTest::addColumn<Values>(*column++), ...);
     for (const auto &row : rows)
         std::apply([](const char *name, const auto &...values) { (QTest::newRow(name) << ... << values); }, row);
+}
+
+/// Rows of texts, in the column "in": "a|b;c|d" is two rows, whose names are "a|b" and "c|d".
+inline void AddRows(const QString &text)
+{
+    QTest::addColumn<QStringList>("in");
+    const QStringList rows = text.split(QLatin1Char(';'));
+    for (const QString &row : rows)
+        QTest::newRow(qPrintable(row)) << row.split(QLatin1Char('|'));
 }
