@@ -80,27 +80,23 @@ private Q_SLOTS:
         QCOMPARE(ReadFile(Tmp("outside/file")), QByteArray("old"));
     }
 
-    void CopiedAndMoved_data()
-    {
-        AddRows<bool, QString>({"move", "left"},
-                               {{"copied", false, "a a/file empty replaced"_s}, {"moved", true, "a empty"_s}});
-    }
+    void CopiedAndMoved_data() { AddRows("copied|a a/file empty replaced;moved|a empty"_s); }
 
     void CopiedAndMoved()
     {
-        QFETCH(bool, move);
+        QFETCH(QStringList, in); // what is done, what is left
         for (const char *name : {"from/a/file", "from/replaced", "from/.svn/entries", "from/empty/.svn"})
             Write(name, "new");
         Write("to/replaced", "old and longer");
         Write("to/kept");
         QVERIFY(CopyFile(Tmp("from/replaced"), Tmp("to/kept"), m_strError));
         QCOMPARE(m_strError, "before"_s); // the only one that leaves it alone
-        QVERIFY(CopyDir(Tmp("from/"), Tmp("x/../to//"), m_strError, move));
+        QVERIFY(CopyDir(Tmp("from/"), Tmp("x/../to//"), m_strError, in[0] == "moved"_s));
         QCOMPARE(m_strError, QString());
         QCOMPARE(GetRelativePaths("to"), "a a/file kept replaced"_s);
         QCOMPARE(ReadFile(Tmp("to/a/file")) + ReadFile(Tmp("to/replaced")) + ReadFile(Tmp("to/kept")),
                  QByteArray("newnewnew"));
-        QTEST(GetRelativePaths("from"), "left");
+        QCOMPARE(GetRelativePaths("from"), in[1]);
 
         QVERIFY(MoveDir(Tmp("from/."), Tmp("to"), m_strError));
         QCOMPARE(m_strError, QString());
@@ -127,24 +123,18 @@ private Q_SLOTS:
 
     void IntoItself_data()
     {
-        AddRows<QString, QString>({"from", "to"}, {{"below", "tree"_s, "tree/below"_s},
-                                                   {"through a link", "tree"_s, "alias/below"_s},
-                                                   {"from a link", "alias"_s, "tree/below"_s},
-                                                   {"to a relative path", "tree"_s, "../Tmp/tree/below"_s},
-                                                   {"below a link in the target", "tree"_s, "target"_s},
-                                                   {"up, with the same name within", "tree"_s, "."_s}});
+        AddRows("tree|tree/below;tree|alias/below;alias|tree/below;tree|../Tmp/tree/below;tree|target;tree|."_s);
     }
 
     // What comes to lie within the tree would be removed with it.
     void IntoItself()
     {
-        QFETCH(QString, from);
-        QFETCH(QString, to);
+        QFETCH(QStringList, in);
         Write("tree/tree/file");
         Link("tree", "target/tree");
         Link("tree", "alias");
-        const QString target = to.startsWith("../"_s) ? to : m_strTmp + QLatin1Char('/') + to;
-        QVERIFY(!MoveDir(m_strTmp + QLatin1Char('/') + from, target, m_strError));
+        const QString above = m_strTmp + QLatin1Char('/');
+        QVERIFY(!MoveDir(above + in[0], in[1].startsWith("../"_s) ? in[1] : above + in[1], m_strError));
         QVERIFY2(m_strError.startsWith("move: failed to rename: "_s), qPrintable(m_strError));
         QCOMPARE(ReadFile(Tmp("tree/tree/file")), QByteArray("old"));
     }

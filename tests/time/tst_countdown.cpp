@@ -1,4 +1,5 @@
 #include <support/Languages.h>
+#include <support/Rows.h>
 #include <time/CountDown.h>
 
 struct SClock : CCasinoTime
@@ -13,15 +14,19 @@ class tst_countdown : public QObject
     const CLanguages m_languages{"1|core|days|days"_s};
 
 private Q_SLOTS:
+    void Texts_data()
+    {
+        AddRows("0|00:00:00|00:00|0|;3661|01:01:01|01:01|3661|;172799|47:59:59|59:59|172799|;"
+                "172800|2 days|00:00|172800|;4294967295|49710 days|28:15|4294967295|"_s);
+    }
+
     void Texts()
     {
-        for (const QStringList &in : // seconds, and the texts of the three types and of one that is none
-             Rows("0|00:00:00|00:00|0|;3661|01:01:01|01:01|3661|;172799|47:59:59|59:59|172799|;"
-                  "172800|2 days|00:00|172800|;4294967295|49710 days|28:15|4294967295|"_s))
-            for (int type = 0; type < 4; ++type)
-                QCOMPARE(Globals::GetCountDownString(in[0].toUInt(), GlobalDefines::CountdownStringType(type))
-                             .GetTranslatedText(),
-                         in.at(type + 1));
+        QFETCH(QStringList, in); // seconds, and the texts of the three types and of one that is none
+        for (const int type : {0, 1, 2, 3})
+            QCOMPARE(Globals::GetCountDownString(in[0].toUInt(), GlobalDefines::CountdownStringType(type))
+                         .GetTranslatedText(),
+                     in.at(type + 1));
     }
 
     void Runs()
@@ -41,14 +46,17 @@ private Q_SLOTS:
         };
         countDown.Start(3); // the clock stands at 0
         countDown.Start(3);
-        QVERIFY(run(0) == "00:00:00 1"_s && countDown.IsRunning());
-        QVERIFY(run(3) == "00:00:02 00:00:01 00:00:00 00:00:00 1"_s && run(1) == "end 00:00:00 0"_s);
+        QCOMPARE(run(0), "00:00:00 1"_s);
+        QVERIFY(countDown.IsRunning());
+        QCOMPARE(run(3), "00:00:02 00:00:01 00:00:00 00:00:00 1"_s);
+        QCOMPARE(run(1), "end 00:00:00 0"_s);
         countDown.StartEndTime(7); // the clock stands at 4
-        QVERIFY(countDown.IsRunning() && countDown.GetLeft() == 3 && countDown.GetSince() == 0);
+        QCOMPARE(std::tuple(countDown.GetLeft(), countDown.GetSince()), std::tuple(3, 0));
         countDown.StartEndTime(4);
         QCOMPARE(run(2), "00:00:03 00:00:00 00:00:00 0"_s);
         countDown.StartFromTime(7); // the clock stands at 6
-        QVERIFY(run(3) == "00:00:01 00:00:02 00:00:02 1"_s && countDown.GetLeft() == 0 && countDown.GetSince() == 2);
+        QCOMPARE(run(3), "00:00:01 00:00:02 00:00:02 1"_s);
+        QCOMPARE(std::tuple(countDown.GetLeft(), countDown.GetSince()), std::tuple(0, 2));
         countDown.Start(172801);
         QCOMPARE(run(2), "2 days 47:59:59 47:59:59 1"_s);
         countDown.StartFromTime(1);
@@ -61,16 +69,14 @@ private Q_SLOTS:
 
     void SlotInterferes_data()
     {
-        QTest::addColumn<QString>("state"); // is running, ends, others' ticks
-        QTest::newRow("starts down") << "1 1 6";
-        QTest::newRow("starts up") << "1 1 6";
-        QTest::newRow("runs an event loop") << "0 1 7";
-        QTest::newRow("deletes at the end") << "0 1 4";
-        QTest::newRow("deletes at another text") << "0 0 2";
+        AddRows("starts down|1 1 6;starts up|1 1 6;runs an event loop|0 1 7;deletes at the end|0 1 4;"
+                "deletes at another text|0 0 2"_s);
     }
+
     void SlotInterferes()
     {
-        const QString how = QLatin1String(QTest::currentDataTag());
+        QFETCH(const QStringList, in); // what it does; whether it runs then, ends, others' ticks
+        const QString &how = in[0];
         CCasinoTime *clock = CCasinoTime::GetInstance();
         const QPointer<CCountDown> countDown = new CCountDown;
         const auto ticks = std::make_shared<int>(0);
@@ -94,7 +100,7 @@ private Q_SLOTS:
         countDown->Start(2);
         for (int tick = 0; tick < 5; ++tick)
             clock->IncreaseCurrentTime();
-        QTEST("%1 %2 %3"_s.arg(countDown && countDown->IsRunning()).arg(ends).arg(*ticks), "state");
+        QCOMPARE("%1 %2 %3"_s.arg(countDown && countDown->IsRunning()).arg(ends).arg(*ticks), in[1]);
         delete countDown;
     }
 };
