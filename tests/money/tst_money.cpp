@@ -46,7 +46,8 @@ private Q_SLOTS:
         AddRows(
             "12|1200|12;1,5|150|1;1.23|123|1;1,234|123400|1234;1.234,56|123456|1234;.5|50|-1;|0|-1;$-\u0663|0|-1;"
             "1 234 567,89|123456789|1234567;1,234,567.89|123456789|1234567;1.234.567|123456700|1234567;"
-            "1234.567|123456|1234;1.234.5678|123456|1234;1.23.45|123|1;1.234.56.7|123456|1234;.123|12|-1;"
+            "1234.567|123456|1234;1234.567.89|123456|1234;1.234.5678|123456|1234;1.23.45|123|1;1.234.56.7|123456|"
+            "1234;.123|12|-1;"
             "123.456|12345600|123456;1..5|100|1;..5|0|-1;21474836.47|2147483647|21474836;21474836,48|-1|21474836"_s);
     }
 
@@ -128,12 +129,13 @@ private Q_SLOTS:
         CMoneySpinner spinner(500, GlobalDefines::MONEYTYPE_DOLLAR);
         const CMoneySpinnerWidget widget(&spinner);
         QCOMPARE(widget.accessibleName(), "$5"_s);
-        for (const QStringList &in : Rows("12345678|$123,456.78;1009|$10.09"_s)) { // up and down
-            spinner.slot_SetValue(in[0].toUInt());
-            QCOMPARE(widget.accessibleName(), in[1]); // while it still runs
-            QTRY_COMPARE(spinner.GetValue(), in[0].toUInt());
-            QCOMPARE(widget.accessibleName(), in[1]);
-        }
+        spinner.slot_SetValue(12345678);
+        QCOMPARE(widget.accessibleName(), "$123,456.78"_s); // while it still runs
+        QTRY_COMPARE(spinner.GetValue(), 12345678u);
+        spinner.slot_SetValue(1009);
+        QCOMPARE(widget.accessibleName(), "$10.09"_s);
+        QTRY_COMPARE(spinner.GetValue(), 1009u);
+        QCOMPARE(widget.accessibleName(), "$10.09"_s);
         CSettings::GetInstance()->SetSelectedLanguage(2);
         spinner.slot_SetMoneyType(GlobalDefines::MONEYTYPE_TOURN);
         QCOMPARE(widget.accessibleName(), "10~09"_s);
