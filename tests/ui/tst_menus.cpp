@@ -4,6 +4,7 @@
 #include <ui/OptionsDialogManager.h>
 
 #include <support/Languages.h>
+#include <support/Rows.h>
 
 #include <QtWidgets>
 
@@ -92,36 +93,16 @@ private Q_SLOTS:
 
     void OwnersDelete_data()
     {
-        QTest::addColumn<QString>("teller");
-        QTest::addColumn<QString>("victims");
-        QTest::addColumn<QString>("told"); // in all, and when it is used once more
-        QTest::newRow("nobody") << ""
-                                << ""
-                                << "1235db45dca 1235db45dca";
-        QTest::newRow("the action itself") << "1"
-                                           << "1"
-                                           << "1235db45dca 235db45dca";
-        QTest::newRow("the next action") << "1"
-                                         << "2"
-                                         << "135db45dca 135db45dca";
-        QTest::newRow("a submenu") << "1"
-                                   << "b"
-                                   << "1245dca 1245dca";
-        QTest::newRow("a submenu from within") << "3"
-                                               << "b"
-                                               << "12345dca 1245dca";
-        QTest::newRow("the shared submenu") << "5"
-                                            << "d"
-                                            << "1235b4ca 123b4ca";
-        QTest::newRow("the menu") << "1"
-                                  << "a"
-                                  << "1 ";
-        QTest::newRow("the menu from below") << "5"
-                                             << "a"
-                                             << "1235db45dc ";
-        QTest::newRow("everything") << "3"
-                                    << "dcba"
-                                    << "123 ";
+        AddRows<QString, QString, QString>({"teller", "victims", "told"}, // in all, and when it is used once more
+                                           {{"nobody", ""_s, ""_s, "1235db45dca 1235db45dca"_s},
+                                            {"the action itself", "1"_s, "1"_s, "1235db45dca 235db45dca"_s},
+                                            {"the next action", "1"_s, "2"_s, "135db45dca 135db45dca"_s},
+                                            {"a submenu", "1"_s, "b"_s, "1245dca 1245dca"_s},
+                                            {"a submenu from within", "3"_s, "b"_s, "12345dca 1245dca"_s},
+                                            {"the shared submenu", "5"_s, "d"_s, "1235b4ca 123b4ca"_s},
+                                            {"the menu", "1"_s, "a"_s, "1 "_s},
+                                            {"the menu from below", "5"_s, "a"_s, "1235db45dc "_s},
+                                            {"everything", "3"_s, "dcba"_s, "123 "_s}});
     }
     void OwnersDelete()
     {
@@ -130,10 +111,9 @@ private Q_SLOTS:
         STree tree;
         tree.teller = teller;
         tree.victims = victims;
-        QString told = tree.Use();
+        const QString first = tree.Use();
         tree.teller.clear();
-        told += " "_s + tree.Use();
-        QTEST(told, "told");
+        QTEST(first + " "_s + tree.Use(), "told");
     }
 
     // A QMenu forgets whom it listened to when an action leaves it.
@@ -152,14 +132,17 @@ private Q_SLOTS:
         tree.Menu('a')->AddParameter("table"_s, 7);
         CAction later("later"_s);
         tree.Menu('d')->AddAction(&later);
-        QCOMPARE(action->GetParameter("table"_s), QVariant(7));
-        QVERIFY(tree.Menu('c')->GetParameter("table"_s) == 7 && !later.GetParameter("table"_s).isValid());
+        // Of the menu on the way, the action below it, and the one that came later.
+        const auto parameters = [&] {
+            return QVariantList{tree.Menu('c')->GetParameter("table"_s), action->GetParameter("table"_s),
+                                later.GetParameter("table"_s)};
+        };
+        QCOMPARE(parameters(), (QVariantList{7, 7, {}}));
         later.AddParameter("table"_s, 8);
         tree.Menu('b')->RemoveParameter("table"_s);
-        QVERIFY(!action->GetParameter("table"_s).isValid() && !later.GetParameter("table"_s).isValid());
-        QVERIFY(tree.Menu('c')->GetParameter("table"_s) == 7);
+        QCOMPARE(parameters(), (QVariantList{7, {}, {}}));
         tree.Menu('a')->ClearParameters();
-        QVERIFY(!tree.Menu('c')->GetParameter("table"_s).isValid());
+        QCOMPARE(parameters(), (QVariantList{{}, {}, {}}));
     }
 
     void TextsFollowTheLanguage()
@@ -181,19 +164,21 @@ private Q_SLOTS:
         auto window = std::make_unique<QMainWindow>();
         window->setMenuBar(manager->GetMenuBar());
         const QList<QAction *> entries = manager->GetMenuBar()->actions();
-        QVERIFY(entries.size() == 2 && entries[0]->menu() == manager->GetMenu("MENU_MYACCOUNT"_s) &&
-                entries[1]->menu() == manager->GetMenu("MENU_OPTIONS"_s));
+        QCOMPARE(entries.size(), 2);
+        QCOMPARE(entries[0]->menu(), manager->GetMenu("MENU_MYACCOUNT"_s));
+        QCOMPARE(entries[1]->menu(), manager->GetMenu("MENU_OPTIONS"_s));
         QVERIFY(!manager->GetMenu("x"_s));
         CMenu *menu = manager->GetMenu("x"_s, "X"_s);
         CMenu *below = manager->GetMenu("y"_s, "Y"_s);
         manager->AddToMenuBar(menu);
         menu->AddMenu(below);
         manager->SetMenuBarStyleSheet("QMenu {}"_s);
-        QVERIFY(!menu->styleSheet().isEmpty() && !below->styleSheet().isEmpty());
+        QCOMPARE(menu->styleSheet() + below->styleSheet(), "QMenu {}QMenu {}"_s);
         menu->SetVisible(false);
         QVERIFY(!menu->menuAction()->isVisible());
         delete menu;
-        QVERIFY(!manager->GetMenu("x"_s) && manager->GetMenuBar()->actions().size() == 2);
+        QVERIFY(!manager->GetMenu("x"_s));
+        QCOMPARE(manager->GetMenuBar()->actions(), entries);
         manager->SetMenuBarStyleSheet(QString());
         window.reset();
         QVERIFY(!manager->GetMenuBar());
@@ -205,8 +190,7 @@ private Q_SLOTS:
         COptionsDialogManager *manager = COptionsDialogManager::GetInstance();
         auto page = std::make_unique<CPage>();
         CPage other;
-        for (COptionsPage *added : {static_cast<COptionsPage *>(page.get()), static_cast<COptionsPage *>(nullptr),
-                                    static_cast<COptionsPage *>(&other), static_cast<COptionsPage *>(page.get())})
+        for (COptionsPage *added : QList<COptionsPage *>{page.get(), nullptr, &other, page.get()})
             manager->AddPage(added);
         QCOMPARE(manager->GetPages(), QList<COptionsPage *>({page.get(), &other, page.get()}));
         page.reset();
