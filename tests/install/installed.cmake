@@ -4,25 +4,24 @@ include("${CMAKE_CURRENT_LIST_DIR}/common.cmake")
 file(REMOVE_RECURSE "${WORK_DIR}")
 run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
 
-# Private headers stay at home, and the consumer includes each of the others.
+# The headers of the sources but for the private ones, each of which the consumer includes.
+file(GLOB_RECURSE public_headers RELATIVE "${SOURCE_DIR}/src" "${SOURCE_DIR}/src/*.h")
+list(FILTER public_headers EXCLUDE REGEX "_p\\.h$")
 set(include_dir "${WORK_DIR}/prefix/include/plugininterface")
 file(GLOB_RECURSE headers RELATIVE "${include_dir}" "${include_dir}/*")
-if(NOT headers)
-    message(FATAL_ERROR "no headers in ${include_dir}")
+if(NOT headers STREQUAL public_headers)
+    message(FATAL_ERROR "installed headers: ${headers}\npublic headers: ${public_headers}")
 endif()
-foreach(header IN LISTS headers)
-    if(header MATCHES "_p\\.h$")
-        message(FATAL_ERROR "private header installed: ${header}")
-    endif()
-    list(APPEND includes "#include <${header}>")
-endforeach()
-expect_texts("${CONSUMER_DIR}/main.cpp" ${includes})
+list(TRANSFORM headers REPLACE "(.+)" "#include <\\1>\n")
+list(JOIN headers "" includes)
+file(WRITE "${WORK_DIR}/every_header.cpp" "${includes}")
 expect_texts("${WORK_DIR}/prefix/share/plugininterface/qml/GlobalDefines/plugins.qmltypes"
     "exports: [\"GlobalDefines/GlobalDefines 1.0\"]" "\"MONEYTYPE_DOLLAR\"")
 
 # Once as a CMake package, once with nothing but a compiler and pkg-config, and once asked for what will be another
 # interface.
-configure_consumer("${WORK_DIR}/build" -D "CMAKE_PREFIX_PATH=${WORK_DIR}/prefix")
+configure_consumer("${WORK_DIR}/build" -D "CMAKE_PREFIX_PATH=${WORK_DIR}/prefix"
+    -D "CONSUMER_SOURCES=${WORK_DIR}/every_header.cpp")
 run("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
 run("${WORK_DIR}/build/consumer")
 
