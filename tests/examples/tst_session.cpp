@@ -2,8 +2,9 @@
 
 #include <client/Synchronisation.h>
 
-#include <settings/PlayerInfo.h>
 #include <support/InstallationTree.h>
+#include <support/Literal.h>
+#include <support/Rows.h>
 #include <support/Singletons.h>
 
 #include <QtTest>
@@ -14,12 +15,17 @@ class tst_session : public QObject
 {
     Q_OBJECT
 
+    const QByteArray JACKPOT = Payload::Encode(SJackpot{GlobalDefines::MONEYTYPE_EURO, 4294967295u});
+
 private Q_SLOTS:
     void init()
     {
         CConsole::Clear();
         m_sent.clear();
-        m_pSession.reset(new CSession(Sender()));
+        m_pSession.reset(new CSession([this](const QByteArray &packet) {
+            m_sent.append(packet);
+            return true;
+        }));
     }
 
     void cleanup()
@@ -28,7 +34,7 @@ private Q_SLOTS:
         DestroySingletons();
     }
 
-    void loginAndLogout()
+    void LoginAndLogout()
     {
         const CUserInfo *user = CUserInfo::GetInstance();
         QString seenAtLogin;
@@ -38,47 +44,43 @@ private Q_SLOTS:
             QCOMPARE(loggedIn, user->IsLoggedIn());
         });
         Receive(Payload::Encode(STime{1700000000}));
-        m_pSession->LogIn(QStringLiteral("magnolia"), QStringLiteral("hash"));
-        QCOMPARE(m_sent, {Payload::ToPackets(
-                             GROUP, {Payload::Encode(SLogin{QStringLiteral("magnolia"), QStringLiteral("hash")})})});
-        Receive(Payload::Encode(SAccount{QStringLiteral("Robin"), {}})); // who hasn't asked
+        m_pSession->LogIn("magnolia"_s, "hash"_s);
+        QCOMPARE(m_sent, {Payload::ToPackets(GROUP, {Payload::Encode(SLogin{"magnolia"_s, "hash"_s})})});
+        Receive(Payload::Encode(SAccount{"Robin"_s, {}})); // who hasn't asked
         QVERIFY(!user->IsLoggedIn());
         QCOMPARE(CConsole::GetMessages().size(), 1);
 
         Receive(Accepted(500));
-        QCOMPARE(seenAtLogin, QStringLiteral("hash500"));
-        QCOMPARE(CUserInfo::GetInstance()->GetNickname(), QStringLiteral("Magnolia"));
+        QCOMPARE(seenAtLogin, "hash500"_s);
+        QCOMPARE(CUserInfo::GetInstance()->GetNickname(), "Magnolia"_s);
         QCOMPARE(user->GetLoginTime(), 1700000000u);
-        QVERIFY(user->GetAccountCurrency() == GlobalDefines::MONEYTYPE_EURO && user->GetPlayMoney() == 7);
+        QCOMPARE(user->GetAccountCurrency(), GlobalDefines::MONEYTYPE_EURO);
+        QCOMPARE(user->GetPlayMoney(), 7u);
 
         m_pSession->LogOut();
         QCOMPARE(m_sent.last(), Payload::ToPackets(AccountProtocol::GROUP, {LOGOUT}));
-        QCOMPARE(seenAtLogin, QStringLiteral("0"));
+        QCOMPARE(seenAtLogin, "0"_s);
         Receive(Accepted(500)); // again, but nobody asked
         QVERIFY(!user->IsLoggedIn());
     }
 
-    void everyLoginEnds_data()
+    void EveryLoginEnds_data()
     {
-        QTest::addColumn<QByteArray>("record");
-        QTest::addColumn<QString>("key");
-        const QString magnolia = QStringLiteral("Magnolia");
-        QTest::newRow("refused") << Payload::Encode(SRefusal{magnolia, RF_NO_ACCOUNT})
-                                 << QStringLiteral("LOGIN_NO_ACCOUNT");
-        QTest::newRow("unknown reason") << Payload::Encode(SRefusal{magnolia, ERefusal('?')})
-                                        << QStringLiteral("LOGIN_REFUSED");
-        QTest::newRow("link lost") << QByteArray() << QStringLiteral("LOGIN_LOST_LINK");
-        QTest::newRow("no answer") << QByteArray() << QStringLiteral("LOGIN_NO_ANSWER");
+        const QByteArray noAccount = Payload::Encode(SRefusal{"Magnolia"_s, RF_NO_ACCOUNT});
+        const QByteArray unknownReason = Payload::Encode(SRefusal{"Magnolia"_s, ERefusal('?')});
+        AddRows<QByteArray, QString>({"record", "key"}, {{"refused", noAccount, "LOGIN_NO_ACCOUNT"_s},
+                                                         {"unknown reason", unknownReason, "LOGIN_REFUSED"_s},
+                                                         {"link lost", {}, "LOGIN_LOST_LINK"_s},
+                                                         {"no answer", {}, "LOGIN_NO_ANSWER"_s}});
     }
-
-    void everyLoginEnds()
+    void EveryLoginEnds()
     {
         QFETCH(QByteArray, record);
         const QByteArray end(QTest::currentDataTag());
         QSignalSpy refused(m_pSession.data(), &CSession::signal_LoginRefused);
         QSignalSpy cancelled(CUserInfo::GetInstance(), &CUserInfo::signal_LoginCanceled);
         m_pSession->SetAnswerLimit(end == "no answer" ? 1 : 60000);
-        m_pSession->LogIn(QStringLiteral("Magnolia"), QStringLiteral("hash"));
+        m_pSession->LogIn("Magnolia"_s, "hash"_s);
         Receive(record);
         if (end == "link lost")
             m_pSession->SetConnectionState(EConnectionState::Reconnecting);
@@ -87,75 +89,80 @@ private Q_SLOTS:
         QVERIFY(cancelled.isEmpty()); // the user may try again
         Receive(Accepted(500));       // too late
         QVERIFY(!CUserInfo::GetInstance()->IsLoggedIn());
-        QCOMPARE(m_sent.contains(Payload::ToPackets(AccountProtocol::GROUP, {LOGOUT})), end == "no answer");
+        QCOMPARE(m_sent.contains(Payload::ToPackets(GROUP, {LOGOUT})), end == "no answer");
     }
 
-    void linkComesBack()
+    void LinkComesBack()
     {
         CUserInfo *user = CUserInfo::GetInstance();
         LogIn();
         QSignalSpy states(user, &CUserInfo::signal_LoginStateChanged);
-        for (const QByteArray &answer :
-             {Accepted(300), Payload::Encode(SRefusal{QStringLiteral("Magnolia"), RF_WRONG_PASSWORD})}) {
+        for (const QByteArray &answer : {Accepted(300), Payload::Encode(SRefusal{"Magnolia"_s, RF_WRONG_PASSWORD})}) {
             m_pSession->SetConnectionState(EConnectionState::Reconnecting);
             QVERIFY(user->IsLoggedIn());
             m_pSession->SetConnectionState(EConnectionState::Connected);
-            QCOMPARE(m_sent.last(), Payload::ToPackets(GROUP, {Payload::Encode(SLogin{QStringLiteral("Magnolia"),
-                                                                                      QStringLiteral("hash")})}));
+            QCOMPARE(m_sent.last(), Payload::ToPackets(GROUP, {Payload::Encode(SLogin{"Magnolia"_s, "hash"_s})}));
             QVERIFY(states.isEmpty());
             Receive(answer);
         }
         QCOMPARE(states, (QList<QVariantList>{{false}}));
     }
 
-    void malformedRecordsChangeNothing()
+    void MalformedRecordsChangeNothing_data()
     {
+        AddRows<QByteArray>({"record"}, {{"accepted", Accepted(9)},
+                                         {"refused", Payload::Encode(SRefusal{"Magnolia"_s, RF_WRONG_PASSWORD})},
+                                         {"time", Payload::Encode(STime{99})},
+                                         {"jackpot", JACKPOT}});
+    }
+    void MalformedRecordsChangeNothing()
+    {
+        QFETCH(QByteArray, record);
+        QSignalSpy jackpots(CCasinoInfo::GetInstance(), &CCasinoInfo::signal_BadBeatJackpotChanged);
         LogIn();
         m_pSession->SetConnectionState(EConnectionState::Connected); // so that answers are waited for
-        const QByteArray jackpot = Payload::Encode(SJackpot{GlobalDefines::MONEYTYPE_EURO, 4294967295u});
-        QSignalSpy jackpots(CCasinoInfo::GetInstance(), &CCasinoInfo::signal_BadBeatJackpotChanged);
-        const QByteArray refused = Payload::Encode(SRefusal{QStringLiteral("Magnolia"), RF_WRONG_PASSWORD});
-        for (const QByteArray &record : {Accepted(9), refused, Payload::Encode(STime{99}), jackpot}) {
-            for (int length = 4; length <= record.size(); ++length) {
-                CConsole::Clear();
-                Receive(length < record.size() ? record.left(length) : record + 'x');
-                QVERIFY2(CConsole::GetMessages().size() == 1, record.left(length).toHex());
-            }
-        }
-        QVERIFY(CUserInfo::GetInstance()->IsLoggedIn() && CUserInfo::GetInstance()->GetRealMoney() == 500);
+        for (const QByteArray &wrong : {record.left(4), record.chopped(1), record + 'x'})
+            Receive(wrong);
+        QCOMPARE(CConsole::GetMessages().size(), 3);
+        QVERIFY(CUserInfo::GetInstance()->IsLoggedIn());
+        QCOMPARE(CUserInfo::GetInstance()->GetRealMoney(), 500u);
         QCOMPARE(CCasinoTime::GetInstance()->GetTimeUTCServer(), 0u);
         QVERIFY(jackpots.isEmpty());
-        Receive(jackpot);
+        Receive(JACKPOT);
         QCOMPARE(jackpots.value(0).value(0).toUInt(), 4294967295u);
     }
 
-    void balancesOfTheUser()
+    void BalancesOfTheUser()
     {
         const CUserInfo *user = CUserInfo::GetInstance();
         const auto balances = [](const QString &nickname) {
             return Payload::Encode(SAccount{nickname, GlobalDefines::MONEYTYPE_DOLLAR, 600, 8}, BALANCES);
         };
-        QVERIFY(!m_pSession->RequestBalances() && m_sent.isEmpty());
+        QVERIFY(!m_pSession->RequestBalances());
+        QVERIFY(m_sent.isEmpty());
         LogIn();
         QVERIFY(m_pSession->RequestBalances());
-        Receive(balances(QStringLiteral("Robin")));
-        QVERIFY(user->GetRealMoney() == 500 && CConsole::GetMessages().size() == 1);
+        Receive(balances("Robin"_s));
+        QCOMPARE(user->GetRealMoney(), 500u);
+        QCOMPARE(CConsole::GetMessages().size(), 1);
         Receive(balances(user->GetNickname()));
-        QVERIFY(user->GetRealMoney() == 600 && user->GetPlayMoney() == 8 && user->GetLoginBalance() == 500);
+        QCOMPARE(std::tuple(user->GetRealMoney(), user->GetPlayMoney(), user->GetLoginBalance()),
+                 std::tuple(600u, 8u, 500u));
         m_pSession->LogOut();
-        Receive(balances(QStringLiteral("Magnolia")));
+        Receive(balances("Magnolia"_s));
         QCOMPARE(user->GetRealMoney(), 0u);
     }
 
-    void webSessions()
+    void WebSessions()
     {
         const CInstallationTree tree;
-        tree.MakeDir(QStringLiteral("Tmp"));
+        tree.MakeDir("Tmp"_s);
         CSynchronisation synchronisation(*m_pSession);
         synchronisation.SetIntervals(1, 60000);
         const QByteArray none = Payload::Encode(SWebSession{WebLinks::SettingsSyncFetch, QString()});
         LogIn();
-        QVERIFY(m_sent.size() == 2 && m_sent.last().contains(SWebRequest::TAG));
+        QCOMPARE(m_sent.size(), 2);
+        QVERIFY(m_sent.last().contains(SWebRequest::TAG));
         QVERIFY(synchronisation.HandleRecord(ToEvent(none)));
         QTRY_COMPARE(m_sent.size(), 3); // there may be one by now
         m_pSession->LogOut();
@@ -163,44 +170,20 @@ private Q_SLOTS:
         QVERIFY(synchronisation.HandleRecord(ToEvent(none))); // for a login that has ended
         QVERIFY(synchronisation.HandleRecord(ToEvent(none.left(5))));
         QTest::qWait(20);
-        QVERIFY(m_sent.isEmpty() && CConsole::GetMessages().size() == 1);
-    }
-
-    void notesStayWithTheirUser()
-    {
-        const CInstallationTree tree;
-        tree.MakeDir(QStringLiteral("Tmp"));
-        QVERIFY(CPlayerInfoDB::GetInstance()->Init());
-        const CSynchronisation synchronisation(*m_pSession);
-        const QString robin = QStringLiteral("Robin");
-        LogIn();
-        CPlayerModel::GetInstance(robin)->SetNotes(QStringLiteral("Bluffs")); // and waits to be stored
-        m_pSession->LogOut();
-        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Fern"));
-        QVERIFY(CPlayerModel::GetInstance(robin)->GetNotes().isEmpty());
-        m_pSession->LogOut();
-        LogIn();
-        QCOMPARE(CPlayerModel::GetInstance(robin)->GetNotes(), QStringLiteral("Bluffs"));
+        QVERIFY(m_sent.isEmpty());
+        QCOMPARE(CConsole::GetMessages().size(), 1);
     }
 
 private:
     static QByteArray Accepted(GlobalDefines::MoneyValue realMoney)
     {
-        return Payload::Encode(SAccount{QStringLiteral("Magnolia"), GlobalDefines::MONEYTYPE_EURO, realMoney, 7});
+        return Payload::Encode(SAccount{"Magnolia"_s, GlobalDefines::MONEYTYPE_EURO, realMoney, 7});
     }
 
     void LogIn()
     {
-        m_pSession->LogIn(QStringLiteral("Magnolia"), QStringLiteral("hash"));
+        m_pSession->LogIn("Magnolia"_s, "hash"_s);
         Receive(Accepted(500));
-    }
-
-    CSession::TSend Sender()
-    {
-        return [this](const QByteArray &packet) {
-            m_sent.append(packet);
-            return true;
-        };
     }
 
     static CEvent ToEvent(const QByteArray &record)

@@ -1,6 +1,7 @@
 #include <protocol/LobbyProtocol.h>
 #include <protocol/TableProtocol.h>
 
+#include <support/Literal.h>
 #include <support/Singletons.h>
 
 #include <QtTest>
@@ -14,7 +15,7 @@ class tst_table : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void linesThatAreShown()
+    void LinesThatAreShown()
     {
         QDir::setCurrent(QStringLiteral(CLIENT_FOLDER));
         QPluginLoader loader(QStringLiteral(TABLE_PLUGIN_PATH));
@@ -29,22 +30,21 @@ private Q_SLOTS:
             plugin->emit_ReceiveEvent(event);
         };
         QWidget lobby;
-        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Magnolia"));
+        CUserInfo::GetInstance()->SetLoggedIn("Magnolia"_s);
         CSettings::GetInstance()->SetDisableTablePopup(true); // the test has no front to bring a window to
         QTest::ignoreMessage(QtWarningMsg, "This plugin does not support propagateSizeHints()");
         for (QWidget *widget : {static_cast<QWidget *>(nullptr), &lobby, &lobby}) // null as of a game server
-            deliver("SEATGIVN", Payload::Encode(LobbyProtocol::STable{7, QStringLiteral("Aare")}), widget);
+            deliver("SEATGIVN", Payload::Encode(LobbyProtocol::STable{7, "Aare"_s}), widget);
         const auto chats = lobby.findChildren<QTextBrowser *>();
         QCOMPARE(chats.size(), 1);
 
-        CPlayerModel::GetInstance(QStringLiteral("Robin"))->SetChatBlock(true);
+        CPlayerModel::GetInstance("Robin"_s)->SetChatBlock(true);
         CChatModel::GetInstance()->SetSettings({false, 2, 3}); // without observers
-        for (const SLine &line : {SLine{7, QStringLiteral("<i>a</i> &amp; :-):))"), QStringLiteral("<Fern>"), 0},
-                                  SLine{7, QStringLiteral("blocked"), QStringLiteral("Robin"), 0},
-                                  SLine{7, QStringLiteral("observes"), QStringLiteral("Tom"), 1},
-                                  SLine{8, QStringLiteral("elsewhere"), QStringLiteral("Tom"), 0}})
+        for (const SLine &line :
+             {SLine{7, "<i>a</i> &amp; :-):))"_s, "<Fern>"_s, 0}, SLine{7, "blocked"_s, "Robin"_s, 0},
+              SLine{7, "observes"_s, "Tom"_s, 1}, SLine{8, "elsewhere"_s, "Tom"_s, 0}})
             deliver("TABLSAID", Payload::Encode(line, SAID), nullptr);
-        QCOMPARE(chats.constFirst()->toPlainText(), QStringLiteral("<Fern>: <i>a</i> &amp; \uFFFC\uFFFC)"));
+        QCOMPARE(chats.constFirst()->toPlainText(), "<Fern>: <i>a</i> &amp; \uFFFC\uFFFC)"_s);
 
         QSignalSpy sent(plugin, &CPluginInterface::signal_SendEvent);
         chats.constFirst()->window()->close();

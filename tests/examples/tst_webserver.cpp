@@ -34,7 +34,7 @@ public:
     {
     }
 
-    void Do(const QString &step) // see convergence_data()
+    void Do(const QString &step) // see Convergence_data()
     {
         const QStringList change = step.split(QRegularExpression("[:=@]"_s));
         const char what = step.at(1).toLatin1();
@@ -131,7 +131,7 @@ private Q_SLOTS:
 
     // Requests are method, target, and body; in a body S stands for a session with what follows it, in a target for
     // what of it goes there.
-    void answers_data()
+    void Answers_data()
     {
         QTest::addColumn<QByteArray>("request");
         QTest::addColumn<int>("status");
@@ -168,7 +168,7 @@ private Q_SLOTS:
             row(404, "GET /pictures/" + QByteArray(path) + " ");
     }
 
-    void answers()
+    void Answers()
     {
         QFETCH(QByteArray, request);
         const QByteArray session = AskForSession(m_pWeb, "Zoë"_s, "desk"_s);
@@ -185,7 +185,7 @@ private Q_SLOTS:
         QVERIFY(other.GetValues().isEmpty());
     }
 
-    void restart()
+    void Restart()
     {
         CMachine machine(m_pWeb, "Vega"_s, "desk"_s, true);
         for (const char *step : {"A:x=1@100", "A^"})
@@ -246,7 +246,7 @@ private Q_SLOTS:
     // A row's name is its script, through which both lists go. A, B and C are machines. "A:x=1@100" is a change there
     // and its time, "A!" an exchange, "A?" one whose first answer is lost, "A^" is sending without asking, "A-" loses
     // all rows.
-    void convergence_data()
+    void Convergence_data()
     {
         QTest::addColumn<QString>("values");
         const auto row = [](const char *script, const QString &values) { QTest::newRow(script) << values; };
@@ -268,7 +268,7 @@ private Q_SLOTS:
         row("A:x=1@100 A! B! B:y=2@110 B! A- A! A:x=4@120 A! B-", "x=4 y=2"_s);
     }
 
-    void convergence()
+    void Convergence()
     {
         QFETCH(QString, values);
         const QString script = QString::fromUtf8(QTest::currentDataTag()) + " A! B! C!"_s.repeated(4);
