@@ -9,12 +9,20 @@
 #include <functional>
 #include <initializer_list>
 
+/// A text in UTF-8.
+inline QString operator""_s(const char *text, std::size_t size)
+{
+    return QString::fromUtf8(text, static_cast<int>(size));
+}
+
 /// One of the accounts of the example's game server.
-inline const QString FIRST_NICKNAME = QStringLiteral("Magnolia");
-inline const QString FIRST_PASSWORD = QStringLiteral("river");
-inline const QString SECOND_NICKNAME = QStringLiteral("Robin");
+inline const QString FIRST_NICKNAME = "Magnolia"_s;
+inline const QString FIRST_PASSWORD = "river"_s;
+inline const QString SECOND_NICKNAME = "Robin"_s;
+/// By their own names. The last one is in effect when all have been shown.
+inline const QStringList LANGUAGES{"Deutsch"_s, "Français"_s, "English"_s};
 /// What game server and web server know of each other.
-inline const QString WEB_KEY = QStringLiteral("between the servers of the tour");
+inline const QString WEB_KEY = "between the servers of the tour"_s;
 
 struct STourOptions
 {
@@ -68,6 +76,11 @@ private:
     using TWords = std::initializer_list<const char *>;
 
     void Step(const QString &text, const TAction &action, const TLook &look);
+    // A step for which nothing is done.
+    void See(const QString &text, const TLook &look);
+    void TakePicture(QWidget &widget, const QString &name);
+    // A step for each language, whose text has a place for its name.
+    void ShowInLanguages(const QString &text, const std::function<QString(const QString &language)> &look);
 
     void ShowStart();
     void ShowLobby();
@@ -86,10 +99,7 @@ private:
     void ShowSettings();
     void ShowSecondUser();
     void ShowFirstUserAgain();
-    void ShowPluginMenu();
     void ShowOptions();
-    void ShowColumns();
-    void ShowReopenedClient();
     void ShowTransfers();
     void ShowKeyboard();
     void ShowLooks();
@@ -101,7 +111,6 @@ private:
     void ShowFreshMachine();
     void ShowWhatStays();
     void ShowLostServer();
-    void ShowBadServers();
     void ShowReturn();
 
     void StartGameServer();
@@ -134,10 +143,7 @@ private:
     QString SeeFilledLobby() const;
     QString SaveScreenshot(QWidget &widget, const QString &name) const;
 
-    void OpenOptions() const;
     void ChooseOptionsPage(int page) const;
-    QString DescribeColumns() const;
-    QString DescribePlace() const;
 
     void ChooseTable() const;
     void TypeFilter(const QString &text) const;
@@ -168,10 +174,8 @@ private:
     CServerProcess m_gameServer;
     CServerProcess m_webServer;
     CSecondMachine m_secondMachine;
-    QString m_strServerLine;  // what the game server said when it started
-    QString m_strLastRequest; // the last packet that a plugin sent
-    QString m_strFault;       // why the last step doesn't see what it waits for, if it knows
-    int m_iCountChanges = 0;  // player counts that changed in the lobby
+    QString m_strServerLine; // what the game server said when it started
+    QString m_strFault;      // why the last step doesn't see what it waits for, if it knows
     int m_iSteps = 0;
     bool m_bFailed = false;
 };

@@ -16,34 +16,37 @@ namespace {
 
 constexpr int START_COLUMN = 5;
 constexpr int FOREIGN_OFFSET_SECONDS = 19800;
-const QString FOREIGN_TIMEZONE = QStringLiteral("GMT+5:30");
+const QString FOREIGN_TIMEZONE = "GMT+5:30"_s;
 
-struct SLanguage
+struct SReading
 {
-    QString strName;
     QString strShort;
     QString strLogIn;   // title of the dialog
     QString strRefusal; // of a wrong password
     QString strCashier; // of the first user
     QString strPlayers; // title of a column
+    QString strType;    // of a table
+    QString strStatus;  // how the lobby's begins
 };
 
-// What a reader of the language expects, and not what the catalogue says. The last one stays in effect.
-const QVector<SLanguage> LANGUAGES{
-    {QStringLiteral("Deutsch"), QStringLiteral("de"), QStringLiteral("Anmelden"),
-     QStringLiteral("Spielername und Passwort passen nicht zusammen."),
-     QStringLiteral("Echtgeld €\u00A01.250,50, Spielgeld 20.000"), QStringLiteral("Spieler")},
-    {QStringLiteral("Français"), QStringLiteral("fr"), QStringLiteral("Se connecter"),
-     QStringLiteral("Le pseudo et le mot de passe ne correspondent pas."),
-     QStringLiteral("Argent réel €\u00A01\u202F250,50, argent fictif 20\u202F000"), QStringLiteral("Joueurs")},
-    {QStringLiteral("English"), QStringLiteral("en"), QStringLiteral("Log in"),
-     QStringLiteral("Nickname and password don't fit together."),
-     QStringLiteral("Real money €1,250.50, play money 20,000"), QStringLiteral("Players")}};
+// What a reader of each language expects, and not what the catalogue says.
+const QVector<SReading> READINGS{
+    {"de"_s, "Anmelden"_s, "Spielername und Passwort passen nicht zusammen."_s,
+     "Echtgeld €\u00A01.250,50, Spielgeld 20.000"_s, "Spieler"_s, "Cash Game"_s, "264 Tische – "_s},
+    {"fr"_s, "Se connecter"_s, "Le pseudo et le mot de passe ne correspondent pas."_s,
+     "Argent réel €\u00A01\u202F250,50, argent fictif 20\u202F000"_s, "Joueurs"_s, "Cash game"_s, "264 tables – "_s},
+    {"en"_s, "Log in"_s, "Nickname and password don't fit together."_s, "Real money €1,250.50, play money 20,000"_s,
+     "Players"_s, "Ring game"_s, "264 tables - "_s}};
+
+const SReading &GetReading(const QString &language)
+{
+    return READINGS.at(LANGUAGES.indexOf(language));
+}
 
 // The first row in view that counts down, or an invalid index.
 QModelIndex FindCountDown(const QTableView &table)
 {
-    static const QRegularExpression time(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d$"));
+    static const QRegularExpression time("^\\d\\d:\\d\\d:\\d\\d$"_s);
     for (int row = qMax(0, table.rowAt(0)); row < table.model()->rowCount(); ++row) {
         const QModelIndex cell = table.model()->index(row, START_COLUMN);
         if (time.match(cell.data().toString()).hasMatch())
@@ -85,43 +88,35 @@ QString CTour::SeeTexts(const QString &language)
     const QVector<SVisibleText> texts = CollectVisibleTexts(m_window);
     m_strFault = FindTextFault(texts);
     const bool isSeen = m_strFault.isEmpty() && GetChosenEntry("languages") == language;
-    return isSeen ? QStringLiteral("%1 texts").arg(texts.size()) : QString();
+    return isSeen ? "%1 texts"_s.arg(texts.size()) : QString();
 }
 
 void CTour::ShowDialogLanguages()
 {
-    for (const SLanguage &language : LANGUAGES) {
-        Step(
-            QStringLiteral("The dialog is in the language %1 at once").arg(language.strName),
-            [&] { ChooseEntry("languages", language.strName); },
-            [&] {
-                const bool isSeen = Find<CLoginDialog>()->windowTitle() == language.strLogIn &&
-                                    Find<QLabel>("loginMessage")->text() == language.strRefusal;
-                return isSeen ? SeeTexts(language.strName) : QString();
-            });
-        Step(
-            QStringLiteral("A picture of the dialog"), [] {},
-            [&] { return SaveScreenshot(*Find<CLoginDialog>(), QLatin1String("login-") + language.strShort); });
-    }
+    const auto look = [this](const QString &language) {
+        const SReading &reading = GetReading(language);
+        const bool isSeen = Find<CLoginDialog>()->windowTitle() == reading.strLogIn &&
+                            Find<QLabel>("loginMessage")->text() == reading.strRefusal &&
+                            !SeeTexts(language).isEmpty();
+        return isSeen ? SaveScreenshot(*Find<CLoginDialog>(), "login-"_s + reading.strShort) : QString();
+    };
+    ShowInLanguages("The dialog is in the language %1 at once"_s, look);
 }
 
+// With a user, a jackpot and countdowns.
 void CTour::ShowLanguages()
 {
-    for (const SLanguage &language : LANGUAGES) {
-        Step(
-            QStringLiteral("So is the window in %1").arg(language.strName),
-            [&] { ChooseEntry("languages", language.strName); },
-            [&] {
-                const auto *table = Find<QTableView>("lobbyTable");
-                const bool isSeen = Find<QLabel>("cashier")->text() == language.strCashier &&
-                                    table->model()->headerData(4, Qt::Horizontal) == language.strPlayers &&
-                                    FindCountDown(*table).isValid() && SeeJackpot() > 0;
-                return isSeen ? SeeTexts(language.strName) : QString();
-            });
-        Step(
-            QStringLiteral("A picture with a user, a jackpot and countdowns"), [] {},
-            [&] { return SaveScreenshot(m_window, QLatin1String("lobby-") + language.strShort); });
-    }
+    const auto look = [this](const QString &language) {
+        const SReading &reading = GetReading(language);
+        const auto *table = Find<QTableView>("lobbyTable");
+        const bool isSeen = Find<QLabel>("cashier")->text() == reading.strCashier &&
+                            table->model()->headerData(4, Qt::Horizontal) == reading.strPlayers &&
+                            table->model()->index(0, 1).data() == reading.strType &&
+                            Find<QLabel>("lobbyStatus")->text().startsWith(reading.strStatus) &&
+                            FindCountDown(*table).isValid() && SeeJackpot() > 0 && !SeeTexts(language).isEmpty();
+        return isSeen ? SaveScreenshot(m_window, "lobby-"_s + reading.strShort) : QString();
+    };
+    ShowInLanguages("So is the window in %1"_s, look);
 }
 
 // The digits in view, in cents; 0 if there is no jackpot.
@@ -140,11 +135,10 @@ void CTour::ShowRunningNumbers()
 {
     int jackpot = 0;
     Step(
-        QStringLiteral("The jackpot rises"), [&] { jackpot = SeeJackpot(); },
+        "The jackpot rises"_s, [&] { jackpot = SeeJackpot(); },
         [&] {
             const int later = SeeJackpot();
-            return jackpot > 0 && later > jackpot ? QStringLiteral("%1 to %2 cents").arg(jackpot).arg(later)
-                                                  : QString();
+            return jackpot > 0 && later > jackpot ? "%1 to %2 cents"_s.arg(jackpot).arg(later) : QString();
         });
     const auto *table = Find<QTableView>("lobbyTable");
     const QModelIndex cell = FindCountDown(*table);
@@ -155,8 +149,7 @@ void CTour::ShowRunningNumbers()
         if (changed.column() == cell.column())
             after = cell.data().toString();
     });
-    Step(
-        QStringLiteral("A countdown runs"), [] {},
+    See("A countdown runs"_s,
         [&] { return !after.isEmpty() && after < before ? before + QLatin1String(" to ") + after : QString(); });
 }
 
@@ -168,21 +161,20 @@ void CTour::ShowTimezones()
         start = start.siblingAtRow(start.row() + 1);
     const QString before = start.data().toString();
     Step(
-        QStringLiteral("Clock and starts are in the time zone that the user chooses"),
+        "Clock and starts are in the time zone that the user chooses"_s,
         [&] { ChooseEntry("timezones", FOREIGN_TIMEZONE); },
         [&] {
             // Behind a change of the zone the clock stands at the last time that the server has told.
             const auto *clock = CCasinoTime::GetInstance();
             const QDateTime now = QDateTime::fromSecsSinceEpoch(clock->GetTimeUTCClient(), Qt::UTC);
-            const QString expected =
-                now.addSecs(FOREIGN_OFFSET_SECONDS).toString(QStringLiteral("hh:mm ")) + FOREIGN_TIMEZONE;
+            const QString expected = now.addSecs(FOREIGN_OFFSET_SECONDS).toString("hh:mm "_s) + FOREIGN_TIMEZONE;
             const bool isSeen =
                 Find<QLabel>("clock")->text() == expected && !before.isEmpty() && start.data().toString() != before;
             return isSeen ? expected + QLatin1String(", ") + before + QLatin1String(" is ") + start.data().toString()
                           : QString();
         });
     Step(
-        QStringLiteral("And back in the machine's own"),
+        "And back in the machine's own"_s,
         [&] { ChooseEntry("timezones", CCasinoTime::GetInstance()->GetTimezoneList().constLast()); },
         [&] { return start.data().toString() == before ? before : QString(); });
 }
@@ -190,7 +182,7 @@ void CTour::ShowTimezones()
 void CTour::ChooseLanguage(const QString &language, const QStringList &rows)
 {
     Step(
-        QStringLiteral("The user chooses %1").arg(language), [&] { ChooseEntry("languages", language); },
+        "The user chooses %1"_s.arg(language), [&] { ChooseEntry("languages", language); },
         [&] {
             const QString seen = SeeTexts(language);
             return rows.isEmpty() || !SeeRows(rows).isEmpty() ? seen : QString();

@@ -49,7 +49,7 @@ void CTour::TakeStep(const QStringList &step)
 {
     const QString subject = step.value(2);
     const QString value = step.value(3);
-    const QString row = QStringLiteral("magnolia|%1|") + value;
+    const QString row = "magnolia|%1|"_s + value;
     const TAction nothing = [] {};
     const QHash<QByteArray, QPair<TAction, TLook>> verbs{
         {"connect", {nothing, [&] { return SeeState(EConnectionState::Connected); }}},
@@ -68,14 +68,6 @@ void CTour::TakeStep(const QStringList &step)
         {"sounds",
          {[&] { Trigger(Find<QAction>("sounds")); },
           [&] { return SeeRows({row.arg(QLatin1String("soundsenabled"))}); }}},
-        {"see place", {nothing, [&] { return DescribePlace() == value ? value : QString(); }}},
-        {"see columns", {nothing, [&] { return DescribeColumns() == value ? value : QString(); }}},
-        {"see option",
-         {[&] { OpenOptions(); },
-          [&] {
-              const auto *box = m_window.findChild<QCheckBox *>(subject);
-              return box && box->isChecked() ? box->text() : QString();
-          }}},
         {"see language", {nothing, [&] { return SeeTexts(value); }}},
         {"language", {[&] { ChooseEntry("languages", value); }, [&] { return SeeTexts(value); }}},
         {"colours",
@@ -139,10 +131,9 @@ QString CTour::SeePlayer(const QString &nickname, const QString &value)
 {
     if (!ChoosePlayer(nickname))
         return QString();
-    m_strFault = QStringLiteral("%1|tag %2|")
-                     .arg(Find<QPlainTextEdit>("note")->toPlainText())
-                     .arg(Find<QComboBox>("tag")->currentIndex()) +
-                 (Find<QCheckBox>("buddy")->isChecked() ? QStringLiteral("buddy") : QString());
+    m_strFault =
+        "%1|tag %2|"_s.arg(Find<QPlainTextEdit>("note")->toPlainText()).arg(Find<QComboBox>("tag")->currentIndex()) +
+        (Find<QCheckBox>("buddy")->isChecked() ? "buddy"_s : QString());
     return m_strFault == value ? nickname + QLatin1String(": ") + value : QString();
 }
 
@@ -152,14 +143,13 @@ QString CTour::SeeAvatar(const QString &nickname, const QString &number) const
     ChoosePlayer(nickname);
     const QPixmap picture = Find<QLabel>("picture")->pixmap(Qt::ReturnByValue);
     const bool isSeen = Find<QSpinBox>("avatar")->text() == number && !picture.isNull();
-    return isSeen ? QStringLiteral("%1, %2 by %3 pixels").arg(number).arg(picture.width()).arg(picture.height())
-                  : QString();
+    return isSeen ? "%1, %2 by %3 pixels"_s.arg(number).arg(picture.width()).arg(picture.height()) : QString();
 }
 
 QString CTour::SeePlayerRow(const QString &nickname, const QString &value)
 {
     const QString row = FIRST_NICKNAME + QLatin1Char('|') + nickname + QLatin1Char('|') + value;
-    const QString sql = QStringLiteral("SELECT PIN_cUser, PIN_cPlayer, PIN_cNote, 'tag ' || PIN_iTagID, CASE "
-                                       "PIN_iPlayerFlags & 1 WHEN 1 THEN 'buddy' END FROM tbl_playerinfo");
+    const QString sql = "SELECT PIN_cUser, PIN_cPlayer, PIN_cNote, 'tag ' || PIN_iTagID, CASE "
+                        "PIN_iPlayerFlags & 1 WHEN 1 THEN 'buddy' END FROM tbl_playerinfo"_s;
     return QueryDatabase(Pathes::PlayerInfoDB(), sql).contains(row) ? row : QString();
 }

@@ -32,25 +32,34 @@ void CTour::ShowQml()
         for (const Qt::Key key : keys)
             QTest::keyClick(findView(), key);
     };
-    Step(QStringLiteral("An option shows the same tables in QML"), switchLobby,
+    Step("An option shows the same tables in QML"_s, switchLobby,
          [&] { return findView() && findView()->isVisible() ? seeTables() : QString(); });
+    See("And the account's line"_s, [&] { return read("quickMoney", "text"); });
     Step(
-        QStringLiteral("And the account's line"), [] {}, [&] { return read("quickMoney", "text"); });
+        "In the user's language at once"_s, [this] { ChooseEntry("languages", "Deutsch"_s); },
+        [&] {
+            return read("quickType", "displayText") == "Alle Tische"_s ? read("quickStatus", "text") : QString();
+        });
+    ChooseLanguage("English"_s, {});
+    Step(
+        "A filter that the widgets' line has is in its field"_s, [this] { TypeFilter("omaha"_s); },
+        [&] { return read("quickFilter", "text"); });
     const auto typeFilter = [&] {
+        TypeFilter(QString());
         findView()->setFocus(Qt::TabFocusReason);
         press({Qt::Key_Tab, Qt::Key_S, Qt::Key_T, Qt::Key_U, Qt::Key_D});
     };
     Step(
-        QStringLiteral("The window is in front again"), [this] { m_window.activateWindow(); },
+        "The window is in front again"_s, [this] { m_window.activateWindow(); },
         [this] { return m_window.isActiveWindow() ? m_window.windowTitle() : QString(); });
-    Step(QStringLiteral("A filter is typed"), typeFilter,
+    Step("A filter is typed"_s, typeFilter,
          [&] { return widgets->model()->rowCount() < 100 ? seeTables() : QString(); });
     const auto choose = [&] { press({Qt::Key_Return, Qt::Key_End, Qt::Key_Up, Qt::Key_Return}); };
     const auto seeSeat = [this] {
-        return SeeSeat(FIRST_NICKNAME).isEmpty() ? QString() : SaveScreenshot(m_window, QStringLiteral("lobby-qml"));
+        return SeeSeat(FIRST_NICKNAME).isEmpty() ? QString() : SaveScreenshot(m_window, "lobby-qml"_s);
     };
-    Step(QStringLiteral("Keys choose a table for a seat"), choose, seeSeat);
+    Step("Keys choose a table for a seat"_s, choose, seeSeat);
     TypeFilter(QString());
-    Step(QStringLiteral("And back to the widgets"), switchLobby,
+    Step("And back to the widgets"_s, switchLobby,
          [&] { return widgets->isVisible() && !Find<QQuickWidget>() ? SeeFilledLobby() : QString(); });
 }

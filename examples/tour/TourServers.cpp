@@ -1,7 +1,6 @@
 #include "TourServers.h"
 
 #include <QCoreApplication>
-#include <QTcpSocket>
 #include <QTextStream>
 #include <QtTest>
 
@@ -61,17 +60,4 @@ bool CSecondMachine::End()
 {
     m_process.closeWriteChannel();
     return m_process.waitForFinished() && m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
-}
-
-CBadServer::CBadServer(quint16 port, const QByteArray &bytes, bool hangUp)
-{
-    QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this, bytes, hangUp] {
-        ++m_iLinks;
-        QTcpSocket *socket = m_server.nextPendingConnection();
-        socket->write(bytes);
-        socket->flush();
-        if (hangUp)
-            socket->disconnectFromHost();
-    });
-    m_server.listen(QHostAddress::LocalHost, port);
 }

@@ -2,7 +2,6 @@
 
 #include <QProcess>
 #include <QStringList>
-#include <QTcpServer>
 
 /// A real server, as a process of its own.
 class CServerProcess
@@ -35,17 +34,4 @@ public:
 
 private:
     QProcess m_process;
-};
-
-/// A server gone wrong: sends the same bytes to whoever comes, and hangs up on them if so told.
-class CBadServer
-{
-public:
-    CBadServer(quint16 port, const QByteArray &bytes, bool hangUp);
-
-    int GetLinkCount() const { return m_iLinks; }
-
-private:
-    QTcpServer m_server;
-    int m_iLinks = 0;
 };

@@ -28,7 +28,7 @@ constexpr double MAX_GROWTH = 1.01;
 // What the process has of the machine's memory, in kB.
 double ReadMemory()
 {
-    QFile status(QStringLiteral("/proc/self/status"));
+    QFile status("/proc/self/status"_s);
     status.open(QIODevice::ReadOnly);
     const QByteArray lines = status.readAll();
     return lines.mid(lines.indexOf("VmRSS:") + 6).split('\n').first().simplified().split(' ').first().toDouble();
@@ -76,9 +76,9 @@ int CTour::RunSoak()
                 !QTest::qWaitFor([this] { return !SeeFilledLobby().isEmpty(); }, MINUTE_MS);
     if (m_bFailed)
         return 1;
-    CEvent event = CEvent::Create(QStringLiteral("SOAK"), QStringLiteral("BEAT"));
+    CEvent event = CEvent::Create("SOAK"_s, "BEAT"_s);
     event.data = QByteArray(100, 'x');
-    plugins.last()->RegisterForEvent(QStringLiteral("SOAK"), QString());
+    plugins.last()->RegisterForEvent("SOAK"_s, QString());
     int passed = 0;
     QTimer beat; // ends before what the lambdas refer to: clazy:excludeall=lambda-in-connect
     QObject::connect(&m_host, &CHost::signal_EventPassed, &beat, [&passed] { ++passed; });

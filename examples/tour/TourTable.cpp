@@ -18,8 +18,8 @@
 namespace {
 
 // A table with a fixed limit of €0.25/€0.50, where few play.
-const QString TABLE_NAME = QStringLiteral("Malmo");
-const QString TABLE_OBJECT = QStringLiteral("table1036");
+const QString TABLE_NAME = "Malmo"_s;
+const QString TABLE_OBJECT = "table1036"_s;
 constexpr QSize SIZE(1000, 680); // of the lobby's window, but for when a table needs room
 
 // Chooses an entry of the plugins' menu, as far as it can be chosen.
@@ -51,13 +51,13 @@ int CountPictures(const QTextDocument &document)
 
 QString SeeTopUp(const QWidget &table)
 {
-    const QString text = table.findChild<QLabel *>(QStringLiteral("topUpText"))->text();
+    const QString text = table.findChild<QLabel *>("topUpText"_s)->text();
     const QStringList stored =
-        QueryDatabase(Pathes::SettingsDB(), QStringLiteral("SELECT URS_cValue FROM tbl_settings WHERE URS_cKey = "
-                                                           "'autotopupsettings' AND URS_cUser = 'magnolia'"));
+        QueryDatabase(Pathes::SettingsDB(), "SELECT URS_cValue FROM tbl_settings WHERE URS_cKey = "
+                                            "'autotopupsettings' AND URS_cUser = 'magnolia'"_s);
     const QString setting = QString::fromLatin1(CSettings::GetInstance()->GetAutoTopUpSettings());
-    const bool isSeen = text == QStringLiteral("Below €20 the stack is topped up to €50.") && !setting.isEmpty() &&
-                        stored.contains(setting);
+    const bool isSeen =
+        text == "Below €20 the stack is topped up to €50."_s && !setting.isEmpty() && stored.contains(setting);
     return isSeen ? text : QString();
 }
 
@@ -67,7 +67,7 @@ void CTour::ShowTable()
 {
     QPointer<QWidget> table;
     Step(
-        QStringLiteral("The lobby makes room and shows one table"),
+        "The lobby makes room and shows one table"_s,
         [this] {
             m_window.resize(0, SIZE.height()); // which makes it as narrow as can be
             m_window.move(0, 0);
@@ -80,29 +80,26 @@ void CTour::ShowTable()
             return isSeen ? list->model()->index(0, 0).data().toString() : QString();
         });
     Step(
-        QStringLiteral("A seat that is taken by the menu opens the table beside the lobby"),
+        "A seat that is taken by the menu opens the table beside the lobby"_s,
         [] { ChooseTablesEntry("ACTION_TAKE_SEAT"); },
         [&] {
             table = Find<QWidget>(TABLE_OBJECT.toLatin1());
             // Their frames, which the window manager adds afterwards, may lie upon each other.
             const bool isSeen =
                 table && table->isActiveWindow() && table->geometry().left() >= m_window.geometry().right();
-            return isSeen ? table->findChild<QLabel *>(QStringLiteral("tableFacts"))->text() : QString();
+            return isSeen ? table->findChild<QLabel *>("tableFacts"_s)->text() : QString();
         });
     if (m_bFailed)
         return;
     ShowChat(*table);
     ShowTopUp(*table);
+    TakePicture(*table, "table"_s);
+    ShowInLanguages("The table is in %1"_s, [this](const QString &language) { return SeeTexts(language); });
     Step(
-        QStringLiteral("A picture of the table"), [] {},
-        [&] { return SaveScreenshot(*table, QStringLiteral("table")); });
-    for (const char *language : {"Deutsch", "Français", "English"})
-        ChooseLanguage(QString::fromUtf8(language), {});
+        "The user leaves all tables"_s, [] { ChooseTablesEntry("ACTION_LEAVE_TABLES"); },
+        [&] { return table ? QString() : "the window is gone"_s; });
     Step(
-        QStringLiteral("The user leaves all tables"), [] { ChooseTablesEntry("ACTION_LEAVE_TABLES"); },
-        [&] { return table ? QString() : QStringLiteral("the window is gone"); });
-    Step(
-        QStringLiteral("And sees the whole lobby again"),
+        "And sees the whole lobby again"_s,
         [this] {
             m_window.resize(SIZE);
             TypeFilter(QString());
@@ -113,14 +110,14 @@ void CTour::ShowTable()
 void CTour::ShowChat(const QWidget &table)
 {
     Step(
-        QStringLiteral("A line goes to the game server and comes back with a smiley, and no other markup"),
+        "A line goes to the game server and comes back with a smiley, and no other markup"_s,
         [&] {
-            auto *line = table.findChild<QLineEdit *>(QStringLiteral("chatLine"));
-            QTest::keyClicks(line, QStringLiteral("Good <b>luck</b> :-)"));
+            auto *line = table.findChild<QLineEdit *>("chatLine"_s);
+            QTest::keyClicks(line, "Good <b>luck</b> :-)"_s);
             QTest::keyClick(line, Qt::Key_Return);
         },
         [&] {
-            const auto *chat = table.findChild<QTextBrowser *>(QStringLiteral("chat"));
+            const auto *chat = table.findChild<QTextBrowser *>("chat"_s);
             const QString text = chat->toPlainText();
             const bool isSeen = text.startsWith(FIRST_NICKNAME + QLatin1String(": Good <b>luck</b> ")) &&
                                 !text.contains(QLatin1String(":-)")) && CountPictures(*chat->document()) == 1;
@@ -131,12 +128,12 @@ void CTour::ShowChat(const QWidget &table)
 void CTour::ShowTopUp(const QWidget &table)
 {
     Step(
-        QStringLiteral("The user lets chips be bought, which is stored, and what it comes to is shown"),
+        "The user lets chips be bought, which is stored, and what it comes to is shown"_s,
         [&] {
-            QTest::keyClick(table.findChild<QCheckBox *>(QStringLiteral("topUp")), Qt::Key_Space);
-            auto *limit = table.findChild<QSpinBox *>(QStringLiteral("lowerLimit"));
+            QTest::keyClick(table.findChild<QCheckBox *>("topUp"_s), Qt::Key_Space);
+            auto *limit = table.findChild<QSpinBox *>("lowerLimit"_s);
             limit->selectAll();
-            QTest::keyClicks(limit, QStringLiteral("4"));
+            QTest::keyClicks(limit, "4"_s);
         },
         [&] { return SeeTopUp(table); });
 }

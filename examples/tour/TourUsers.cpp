@@ -16,15 +16,14 @@
 
 namespace {
 
-const QString SECOND_PASSWORD = QStringLiteral("guest"); // opens an account under any new nickname
-const char NOBODY[] = "USER_NONE";                       // key of what stands in place of a nickname
+const QString SECOND_PASSWORD = "guest"_s; // opens an account under any new nickname
+const char NOBODY[] = "USER_NONE";         // key of what stands in place of a nickname
 
 // The users' settings as "user|key|value", read with another program. Rows without a time aren't counted.
 QStringList ReadSettingsRows()
 {
-    return QueryDatabase(
-        Pathes::SettingsDB(),
-        QStringLiteral("SELECT URS_cUser, URS_cKey, URS_cValue FROM tbl_settings WHERE URS_iTimestamp > 0"));
+    return QueryDatabase(Pathes::SettingsDB(),
+                         "SELECT URS_cUser, URS_cKey, URS_cValue FROM tbl_settings WHERE URS_iTimestamp > 0"_s);
 }
 
 int CountFreeSeats(const QModelIndex &row)
@@ -37,33 +36,30 @@ int CountFreeSeats(const QModelIndex &row)
 
 void CTour::ShowClock()
 {
-    Step(
-        QStringLiteral("The clock shows the server's time in the machine's time zone"), [] {},
-        [this] {
-            const CCasinoTime *clock = CCasinoTime::GetInstance();
-            const auto seconds = static_cast<unsigned int>(QDateTime::currentSecsSinceEpoch());
-            const QString now = clock->GetTimeString(seconds) + QLatin1Char(' ') + clock->GetTimezoneString();
-            return Find<QLabel>("clock")->text() == now ? now : QString();
-        });
+    See("The clock shows the server's time in the machine's time zone"_s, [this] {
+        const CCasinoTime *clock = CCasinoTime::GetInstance();
+        const auto seconds = static_cast<unsigned int>(QDateTime::currentSecsSinceEpoch());
+        const QString now = clock->GetTimeString(seconds) + u' ' + clock->GetTimezoneString();
+        return Find<QLabel>("clock")->text() == now ? now : QString();
+    });
 }
 
 void CTour::ShowCancelledLogin()
 {
     Step(
-        QStringLiteral("The user is asked for a nickname"), [this] { Trigger(Find<QAction>("logIn")); },
+        "The user is asked for a nickname"_s, [this] { Trigger(Find<QAction>("logIn")); },
         [this] { return SeeDialog(); });
     Step(
-        QStringLiteral("The user gives it up"), [this] { QTest::keyClick(Find<CLoginDialog>(), Qt::Key_Escape); },
+        "The user gives it up"_s, [this] { QTest::keyClick(Find<CLoginDialog>(), Qt::Key_Escape); },
         [this] { return SeeUser(Texts::Get(NOBODY)); });
 }
 
 void CTour::ShowLogin()
 {
     Step(
-        QStringLiteral("Whoever wants a seat has to log in"), [this] { ChooseTable(); },
-        [this] { return SeeDialog(); });
+        "Whoever wants a seat has to log in"_s, [this] { ChooseTable(); }, [this] { return SeeDialog(); });
     Step(
-        QStringLiteral("A wrong password is refused"), [this] { TypeLogin(FIRST_NICKNAME, QStringLiteral("flop")); },
+        "A wrong password is refused"_s, [this] { TypeLogin(FIRST_NICKNAME, "flop"_s); },
         [this] {
             const auto *message = Find<QLabel>("loginMessage");
             const bool isSeen =
@@ -72,30 +68,27 @@ void CTour::ShowLogin()
         });
     ShowDialogLanguages();
     Step(
-        QStringLiteral("The user logs in"), [this] { TypeLogin(FIRST_NICKNAME, FIRST_PASSWORD); },
+        "The user logs in"_s, [this] { TypeLogin(FIRST_NICKNAME, FIRST_PASSWORD); },
         [this] { return SeeUser(FIRST_NICKNAME); });
-    Step(
-        QStringLiteral("What waited for it goes out, and is answered"), [] {},
-        [this] { return SeeSeat(FIRST_NICKNAME); });
+    See("What waited for it goes out, and is answered"_s, [this] { return SeeSeat(FIRST_NICKNAME); });
 }
 
 void CTour::ShowSettings()
 {
     Step(
-        QStringLiteral("The user's choices are rows of the user, and of the next one"),
+        "The user's choices are rows of the user, and of the next one"_s,
         [this] {
-            TypeFilter(QStringLiteral("omaha"));
+            TypeFilter("omaha"_s);
             QTest::keyClick(Find<QComboBox>("lobbyType"), Qt::Key_Down);
             Trigger(Find<QAction>("sounds"));
         },
         [this] {
-            return SeeRows({QStringLiteral("magnolia|ringgamefilter|omaha"), QStringLiteral("|ringgamefilter|omaha"),
-                            QStringLiteral("magnolia|selectedgametype|78"), QStringLiteral("|selectedgametype|78"),
-                            QStringLiteral("magnolia|soundsenabled|false"), QStringLiteral("|soundsenabled|false"),
-                            QStringLiteral("|lastusername|Magnolia")});
+            return SeeRows({"magnolia|ringgamefilter|omaha"_s, "|ringgamefilter|omaha"_s,
+                            "magnolia|selectedgametype|78"_s, "|selectedgametype|78"_s,
+                            "magnolia|soundsenabled|false"_s, "|soundsenabled|false"_s, "|lastusername|Magnolia"_s});
         });
     Step(
-        QStringLiteral("The window's place is a row of the installation"),
+        "The window's place is a row of the installation"_s,
         [this] {
             m_window.move(60, 40);
             m_window.resize(1080, 720);
@@ -104,46 +97,31 @@ void CTour::ShowSettings()
             const QString place = QString::fromLatin1(m_window.saveGeometry().toBase64());
             const bool isSeen = m_window.size() == QSize(1080, 720) &&
                                 !SeeRows({QLatin1String("|winpos[client]|") + place}).isEmpty();
-            return isSeen ? QStringLiteral("1080 by 720 pixels") : QString();
+            return isSeen ? "1080 by 720 pixels"_s : QString();
         });
 }
 
 void CTour::ShowSecondUser()
 {
-    ChooseLanguage(QStringLiteral("Deutsch"),
-                   {QStringLiteral("magnolia|selectedlanguage|3"), QStringLiteral("|selectedlanguage|3")});
+    ChooseLanguage("Deutsch"_s, {"magnolia|selectedlanguage|3"_s, "|selectedlanguage|3"_s});
     LogOut();
     LogIn(SECOND_NICKNAME, SECOND_PASSWORD, FIRST_NICKNAME);
+    See("A new user begins with what was chosen last, in rows of the own"_s, [this] {
+        const bool isSeen = !SeeFilter("omaha"_s).isEmpty() && !SeeTexts("Deutsch"_s).isEmpty();
+        return isSeen ? SeeRows({"robin|ringgamefilter|omaha"_s, "robin|soundsenabled|false"_s,
+                                 "robin|selectedlanguage|3"_s})
+                      : QString();
+    });
+    ChooseLanguage("English"_s, {"robin|selectedlanguage|2"_s, "magnolia|selectedlanguage|3"_s});
     Step(
-        QStringLiteral("A new user begins with what was chosen last"), [] {},
-        [this] { return SeeFilter(QStringLiteral("omaha")); });
-    Step(
-        QStringLiteral("Which are the new user's rows now"), [] {},
+        "Other choices leave the first user's as they are"_s,
         [this] {
-            return SeeRows(
-                {QStringLiteral("robin|ringgamefilter|omaha"), QStringLiteral("robin|soundsenabled|false")});
-        });
-    Step(
-        QStringLiteral("The language as well"), [] {},
+            TypeFilter("stud"_s);
+            Trigger(Find<QAction>("sounds"));
+        },
         [this] {
-            return SeeTexts(QStringLiteral("Deutsch")).isEmpty()
-                       ? QString()
-                       : SeeRows({QStringLiteral("robin|selectedlanguage|3")});
-        });
-    ChooseLanguage(QStringLiteral("English"),
-                   {QStringLiteral("robin|selectedlanguage|2"), QStringLiteral("magnolia|selectedlanguage|3")});
-    Step(
-        QStringLiteral("Another choice leaves the first user's as it is"),
-        [this] { TypeFilter(QStringLiteral("stud")); },
-        [this] {
-            return SeeRows({QStringLiteral("robin|ringgamefilter|stud"), QStringLiteral("|ringgamefilter|stud"),
-                            QStringLiteral("magnolia|ringgamefilter|omaha")});
-        });
-    Step(
-        QStringLiteral("The sounds as well"), [this] { Trigger(Find<QAction>("sounds")); },
-        [this] {
-            return SeeRows(
-                {QStringLiteral("robin|soundsenabled|true"), QStringLiteral("magnolia|soundsenabled|false")});
+            return SeeRows({"robin|ringgamefilter|stud"_s, "magnolia|ringgamefilter|omaha"_s,
+                            "robin|soundsenabled|true"_s, "magnolia|soundsenabled|false"_s});
         });
     LogOut();
 }
@@ -151,14 +129,13 @@ void CTour::ShowSecondUser()
 void CTour::ShowFirstUserAgain()
 {
     LogIn(FIRST_NICKNAME, FIRST_PASSWORD, SECOND_NICKNAME);
+    See("The first user finds the own choices"_s, [this] {
+        const bool isSeen = !SeeFilter("omaha"_s).isEmpty() && !Find<QAction>("sounds")->isChecked();
+        return isSeen ? SeeTexts("Deutsch"_s) : QString();
+    });
+    ChooseLanguage("English"_s, {"magnolia|selectedlanguage|2"_s});
     Step(
-        QStringLiteral("The first user finds the own choices"), [] {},
-        [this] { return Find<QAction>("sounds")->isChecked() ? QString() : SeeFilter(QStringLiteral("omaha")); });
-    Step(
-        QStringLiteral("And the own language"), [] {}, [this] { return SeeTexts(QStringLiteral("Deutsch")); });
-    ChooseLanguage(QStringLiteral("English"), {QStringLiteral("magnolia|selectedlanguage|2")});
-    Step(
-        QStringLiteral("Without them the list is whole again"),
+        "Without them the list is whole again"_s,
         [this] {
             QTest::keyClick(Find<QComboBox>("lobbyType"), Qt::Key_Up);
             TypeFilter(QString());
@@ -190,21 +167,20 @@ void CTour::TypeFilter(const QString &text) const
 void CTour::LogIn(const QString &nickname, const QString &password, const QString &lastNickname)
 {
     Step(
-        QStringLiteral("The dialog knows who was here last"), [&] { Trigger(Find<QAction>("logIn")); },
+        "The dialog knows who was here last"_s, [&] { Trigger(Find<QAction>("logIn")); },
         [&] {
             const bool isSeen = !SeeDialog().isEmpty() && Find<QLineEdit>("loginNickname")->text() == lastNickname;
-            const QString seen = lastNickname.isEmpty() ? QStringLiteral("nobody") : lastNickname;
+            const QString seen = lastNickname.isEmpty() ? "nobody"_s : lastNickname;
             return isSeen ? seen : QString();
         });
     Step(
-        QStringLiteral("%1 logs in").arg(nickname), [&] { TypeLogin(nickname, password); },
-        [&] { return SeeUser(nickname); });
+        "%1 logs in"_s.arg(nickname), [&] { TypeLogin(nickname, password); }, [&] { return SeeUser(nickname); });
 }
 
 void CTour::LogOut()
 {
     Step(
-        QStringLiteral("The user logs out"), [this] { Trigger(Find<QAction>("logOut")); },
+        "The user logs out"_s, [this] { Trigger(Find<QAction>("logOut")); },
         [this] { return SeeUser(Texts::Get(NOBODY)); });
 }
 
