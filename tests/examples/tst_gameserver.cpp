@@ -53,7 +53,8 @@ private Q_SLOTS:
                                {"--data"_s, QStringLiteral(TABLES_PATH), "--accounts"_s,
                                 QStringLiteral(ACCOUNTS_PATH), "--idle-ms"_s, "700"_s, "--web-server"_s,
                                 "127.0.0.1:%1"_s.arg(m_usWebPort), "--web-key"_s, "k&"_s});
-        QVERIFY(m_usWebPort != 0 && m_usPort != 0);
+        QVERIFY(m_usWebPort != 0);
+        QVERIFY(m_usPort != 0);
     }
 
     void cleanupTestCase() { m_server.close(); }
@@ -73,7 +74,7 @@ private Q_SLOTS:
             tables.insert(table.uiID, table);
         QCOMPARE(record, Payload::Encode(SListEnd{quint32(tables.size())}));
         STable cup = tables.value(3002);
-        QVERIFY(cup.uiStart > QDateTime::currentSecsSinceEpoch());
+        QVERIFY(qAbs(cup.uiStart - QDateTime::currentSecsSinceEpoch() - 11700) < 60);
         cup.usPlayers = 0; // they have come and gone since
         cup.uiStart = 0;
         QCOMPARE(
@@ -98,8 +99,7 @@ private Q_SLOTS:
         const QByteArray zoe = Payload::Encode(SAccount{"Zoë"_s, GlobalDefines::MONEYTYPE_DOLLAR, 0, 100000});
         AddRows<QString, QString, QByteArray>(
             {"nickname", "password", "answer"},
-            {{"known", "Magnolia"_s, "river"_s, magnolia},
-             {"known, in capitals", "MAGNOLIA"_s, "river"_s, magnolia},
+            {{"known, in capitals", "MAGNOLIA"_s, "river"_s, magnolia},
              {"new", "Zoë"_s, "guest"_s, zoe},
              {"wrong password", "magnolia"_s, "guest"_s, refused("magnolia"_s, RF_WRONG_PASSWORD)},
              {"new, wrong password", "Zoë"_s, "river"_s, refused("Zoë"_s, RF_WRONG_PASSWORD)},
@@ -177,7 +177,7 @@ private Q_SLOTS:
              {"an unknown or malformed record on", OnAccount(Payload::Encode(SWebRequest{40, QString()}))},
              {"more than one record",
               QByteArray(login + login.mid(11)).replace(9, 1, QByteArray(1, char(2 * login.size() - 11)))},
-             {"left a packet half-sent", good + good.left(5)},
+             {"left a packet half-sent", good + good.left(12)},
              {"doesn't read", good.repeated(20000)}});
     }
     void Nonsense()
