@@ -1,8 +1,9 @@
 #include <support/InstallationTree.h>
+#include <support/Literal.h>
+#include <support/Rows.h>
 #include <support/Singletons.h>
 
 #include <QPluginLoader>
-#include <QSignalSpy>
 #include <QtTest>
 
 using TLoadHints = QLibrary::LoadHints;
@@ -12,7 +13,7 @@ Q_DECLARE_METATYPE(TLoadHints)
 static QPair<QMap<QString, quint64>, QStringList> Ask(CPluginInterface *plugin, const QString &tag2)
 {
     const QSignalSpy sent(plugin, &CPluginInterface::signal_SendEvent);
-    plugin->emit_ReceiveEvent(CEvent::Create(QStringLiteral("TEST"), tag2));
+    plugin->emit_ReceiveEvent(CEvent::Create("TEST"_s, tag2));
     QPair<QMap<QString, quint64>, QStringList> report;
     QDataStream in(sent.value(0).value(0).value<CEvent>().data);
     in >> report;
@@ -20,7 +21,7 @@ static QPair<QMap<QString, quint64>, QStringList> Ask(CPluginInterface *plugin, 
 }
 
 // A host and two real plugins, and what they see of each other through the library.
-class tst_SharedInstances : public QObject
+class tst_sharedinstances : public QObject
 {
     Q_OBJECT
 
@@ -31,20 +32,17 @@ private Q_SLOTS:
         DestroySingletons();
     }
 
-    void oneOfEach_data()
+    void OneOfEach_data()
     {
-        QTest::addColumn<TLoadHints>("hints");
-
-        QTest::newRow("as the loader does by itself") << QPluginLoader().loadHints();
-        QTest::newRow("local symbols") << TLoadHints();
-        QTest::newRow("all symbols at once") << TLoadHints(QLibrary::ResolveAllSymbolsHint);
-        QTest::newRow("global symbols") << TLoadHints(QLibrary::ExportExternalSymbolsHint);
+        AddRows<TLoadHints>({"hints"}, {{"as the loader does by itself", QPluginLoader().loadHints()},
+                                        {"all symbols at once", QLibrary::ResolveAllSymbolsHint},
+                                        {"global symbols", QLibrary::ExportExternalSymbolsHint}});
 #if defined(TEST_DEEP_BIND)
         QTest::newRow("own symbols first") << TLoadHints(QLibrary::DeepBindHint);
 #endif
     }
 
-    void oneOfEach()
+    void OneOfEach()
     {
         QFETCH(TLoadHints, hints);
         // A file is loaded once in a process, under the first hints, so each row has copies of its own.
@@ -52,7 +50,7 @@ private Q_SLOTS:
         QPluginLoader loaders[2];
         CPluginInterface *plugins[2] = {};
         for (int i = 0; i < 2; ++i) {
-            const QString file = tree.GetPath(QStringLiteral("Client/%1.so").arg(i));
+            const QString file = tree.GetPath("Client/%1.so"_s.arg(i));
             QVERIFY(QFile::copy(i == 0 ? QStringLiteral(PLUGIN_FIRST) : QStringLiteral(PLUGIN_SECOND), file));
             loaders[i].setFileName(file);
             loaders[i].setLoadHints(hints);
@@ -60,37 +58,24 @@ private Q_SLOTS:
             QVERIFY2(plugins[i], qPrintable(loaders[i].errorString()));
         }
 
-        const QString report = QStringLiteral("RPRT");
+        const QString report = "RPRT"_s;
         const auto seen = Ask(plugins[0], report).first; // the plugin is the one that creates the singletons
-        QVERIFY(!seen.isEmpty() && seen.key(0).isEmpty());
+        QVERIFY(!seen.isEmpty());
+        QCOMPARE(seen.key(0), QString());
         QCOMPARE(GetSharedAddresses(), seen);
 
         const QSignalSpy added(CConsole::GetInstance(), &CConsole::signal_MessageAdded);
-        Ask(plugins[1], QStringLiteral("LOGM"));
+        Ask(plugins[1], "LOGM"_s);
         QCOMPARE(added.size(), 1);
         for (CPluginInterface *plugin : plugins)
-            QCOMPARE(Ask(plugin, report), qMakePair(seen, QStringList{QStringLiteral("second")}));
+            QCOMPARE(Ask(plugin, report), qMakePair(seen, QStringList{"second"_s}));
 
         QVERIFY(loaders[0].unload());
         QCOMPARE(Ask(plugins[1], report).first, seen); // they don't go with the plugin that created them
         QVERIFY(loaders[1].unload());
-        QCOMPARE(CConsole::GetMessages().value(0).strMessage, QStringLiteral("second"));
-    }
-
-    // A host can tell by the metadata, and no code of the plugin runs for that.
-    void wrongInterface()
-    {
-        const CInstallationTree tree;
-        const QString marker = tree.GetPath(QStringLiteral("Tmp/marker"));
-        qputenv("PLUGIN_MARKER", marker.toUtf8());
-        QPluginLoader loader(QStringLiteral(PLUGIN_WRONGINTERFACE));
-        const QJsonValue interface = loader.metaData().value(QLatin1String("IID"));
-        QVERIFY(interface.isString() && interface.toString() != QLatin1String(CPluginInterface_iid));
-        QVERIFY(!QFile::exists(marker));
-        QVERIFY2(loader.load(), qPrintable(loader.errorString()));
-        QVERIFY(QFile::exists(marker)); // it would have shown
+        QCOMPARE(CConsole::GetMessages().value(0).strMessage, "second"_s);
     }
 };
 
-QTEST_MAIN(tst_SharedInstances)
+QTEST_MAIN(tst_sharedinstances)
 #include "tst_sharedinstances.moc"
