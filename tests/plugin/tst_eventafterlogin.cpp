@@ -1,4 +1,6 @@
 
+#include <support/Literal.h>
+#include <support/Rows.h>
 #include <support/Singletons.h>
 #include <support/StubPlugin.h>
 
@@ -7,16 +9,15 @@
 
 namespace {
 
-const QString ANN = QStringLiteral("Ann");
+const QString ANN = "Ann"_s;
 
 // Lets the 30 s go by at once: their real timers fire. Answers how many there are.
 int FireTimeLimits()
 {
-    QObject *dispatcher = QAbstractEventDispatcher::instance();
+    auto *dispatcher = QAbstractEventDispatcher::instance();
     int fired = 0;
     for (QObject *timer : dispatcher->children()) {
-        const auto infos = static_cast<QAbstractEventDispatcher *>(dispatcher)->registeredTimers(timer);
-        for (const auto &info : infos) {
+        for (const auto &info : dispatcher->registeredTimers(timer)) {
             if (info.interval != 30000 || info.timerType != Qt::PreciseTimer)
                 continue;
             QTimerEvent event(info.timerId);
@@ -56,12 +57,11 @@ private Q_SLOTS:
         CUserInfo::GetInstance()->SetLoggedIn(ANN);
         Send(0, "ONE1");
         Send(0, "TWO2");
-        QCOMPARE(m_sent, QStringLiteral("LGND LGND ")); // the events themselves come from the event loop
+        QCOMPARE(m_sent, "LGND LGND "_s); // the events themselves come from the event loop
         QCoreApplication::processEvents();
-        QCOMPARE(m_sent, QStringLiteral("LGND LGND ONE1 TWO2 "));
+        QCOMPARE(m_sent, "LGND LGND ONE1 TWO2 "_s);
         QCOMPARE(FireTimeLimits(), 0);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(m_plugins->at(0).children().isEmpty());
+        QCOMPARE(CountWaiting(), std::pair(0, 0));
     }
 
     void NewestWaits()
@@ -73,21 +73,15 @@ private Q_SLOTS:
         CUserInfo::GetInstance()->SetLoggedIn(ANN);
         QCOMPARE(m_sent, QString());
         QCoreApplication::processEvents();
-        QCOMPARE(m_sent, QStringLiteral("SIX6 "));
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(m_plugins->at(0).children().size() == 1 && m_plugins->at(1).children().isEmpty());
+        QCOMPARE(m_sent, "SIX6 "_s);
+        QCOMPARE(CountWaiting(), std::pair(1, 0));
         FireTimeLimits(); // which is when the event that went out ends
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(m_plugins->at(0).children().isEmpty());
+        QCOMPARE(CountWaiting(), std::pair(0, 0));
     }
 
     void Dropped_data()
     {
-        QTest::addColumn<int>("how");
-        QTest::newRow("cancelled") << 0;
-        QTest::newRow("logged out") << 1;
-        QTest::newRow("30 s") << 2;
-        QTest::newRow("with its plugin") << 3;
+        AddRows<int>({"how"}, {{"cancelled", 0}, {"logged out", 1}, {"30 s", 2}, {"with its plugin", 3}});
     }
 
     void Dropped()
@@ -114,28 +108,23 @@ private Q_SLOTS:
 
     void SlotInterferes_data()
     {
-        QTest::addColumn<QString>("heard");
-        QTest::addColumn<QString>("sent");
-        QTest::newRow("plugin deleted at the login dialog") << "LGND"
-                                                            << "LGND ";
-        QTest::newRow("plugin deleted when the older event is cancelled") << "cancel"
-                                                                          << "LGND ";
-        QTest::newRow("plugin deleted at the event itself") << "ONE1"
-                                                            << "LGND ONE1 ";
-        QTest::newRow("newer event when the older one is cancelled") << "once"
-                                                                     << "LGND LGND TWO2 ";
+        AddRows<QString, QString>({"heard", "sent"},
+                                  {{"plugin deleted at the login dialog", "LGND"_s, "LGND "_s},
+                                   {"plugin deleted when the older event is cancelled", "cancel"_s, "LGND "_s},
+                                   {"plugin deleted at the event itself", "ONE1"_s, "LGND ONE1 "_s},
+                                   {"newer event when the older one is cancelled", "once"_s, "LGND LGND TWO2 "_s}});
     }
 
     void SlotInterferes()
     {
         QFETCH(QString, heard);
         CUserInfo *user = CUserInfo::GetInstance();
-        if (heard == QLatin1String("ONE1"))
+        if (heard == "ONE1"_s)
             user->SetLoggedIn(ANN);
         connect(user, &CUserInfo::signal_LoginCanceled, this, [this, heard]() mutable {
-            if (heard == QLatin1String("cancel"))
+            if (heard == "cancel"_s)
                 m_plugins.reset();
-            else if (std::exchange(heard, QString()) == QLatin1String("once"))
+            else if (std::exchange(heard, QString()) == "once"_s)
                 Send(1, "TWO2");
         });
         connect(&m_plugins->at(0), &CPluginInterface::signal_SendEvent, this, [this, heard](const CEvent &event) {
@@ -149,9 +138,16 @@ private Q_SLOTS:
     }
 
 private:
+    // By plugin.
+    std::pair<int, int> CountWaiting() const
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return {m_plugins->at(0).children().size(), m_plugins->at(1).children().size()};
+    }
+
     void Send(std::size_t plugin, const char *tag2)
     {
-        m_plugins->at(plugin).SendInternEvent(1, 2, QStringLiteral("P2ME"), QLatin1String(tag2), true);
+        m_plugins->at(plugin).SendInternEvent(1, 2, "P2ME"_s, QLatin1String(tag2), true);
     }
 
     std::unique_ptr<std::array<CStubPlugin, 2>> m_plugins;

@@ -1,4 +1,5 @@
 #include <support/Literal.h>
+#include <support/Rows.h>
 #include <support/StubPlugin.h>
 
 #include <QtTest>
@@ -8,8 +9,8 @@
 
 namespace {
 
-const QString CHAT = QStringLiteral("CHAT");
-const QString TEXT = QStringLiteral("TEXT");
+const QString CHAT = "CHAT"_s;
+const QString TEXT = "TEXT"_s;
 const QString EURO = QChar(0x20ac); // three bytes in UTF-8, nothing in Latin-1
 
 QByteArray ToText(const CEvent &event)
@@ -48,12 +49,12 @@ public:
 } // namespace
 
 // Both directions of the bus between a plugin and its host.
-class tst_PluginInterface : public QObject
+class tst_plugininterface : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void sentEvents()
+    void SentEvents()
     {
         CRecordingPlugin plugin;
         char bytes[] = "TAG1\x05\x06";
@@ -84,7 +85,7 @@ private Q_SLOTS:
     }
 
     // The login dialog at once, the event itself not.
-    void sentAfterLogin()
+    void SentAfterLogin()
     {
         CRecordingPlugin plugin;
         plugin.SendToServer("ABCD", 7, 8, "TAG1", 4, true);
@@ -95,7 +96,7 @@ private Q_SLOTS:
         QCOMPARE(plugin.m_sent, (QByteArrayList{login, login, login, login}));
     }
 
-    void neverSent()
+    void NeverSent()
     {
         CRecordingPlugin plugin;
         char bytes[32755] = {};
@@ -108,51 +109,59 @@ private Q_SLOTS:
         QCOMPARE(plugin.m_sent, QByteArrayList());
     }
 
-    void designerPage()
+    // Letters before two characters of three bytes each, and how many bytes are sent of it.
+    void DesignerPage_data()
     {
-        // Letters before two characters of three bytes each, and how many bytes are sent of it.
-        using TCase = std::pair<int, int>;
-        for (const auto &[letters, length] :
-             {TCase(0, 6), TCase(65532, 65535), TCase(65534, 65534), TCase(65533, 65533)}) {
-            const QString name = QString(letters, QLatin1Char('a')) + EURO + EURO;
-            const QByteArray data =
-                QByteArray(1, char(length & 0xff)) + char(length >> 8) + name.toUtf8().left(length);
-            CRecordingPlugin plugin;
-            QList<CEvent> events; // as they arrive directly, and from the queue
-            const auto record = [&events](const CEvent &e) { events << e; };
-            connect(&plugin, &CPluginInterface::signal_SendEvent, &plugin, record);
-            connect(&plugin, &CPluginInterface::signal_SendEvent, &plugin, record, Qt::QueuedConnection);
-            auto page = std::make_unique<QWidget>();
-            plugin.AddDesignerPage(QString(), page.get());
-            plugin.AddDesignerPage(name, nullptr);
-            QCOMPARE(plugin.m_sent, QByteArrayList());
-            plugin.AddDesignerPage(name, page.get());
-            QCOMPARE(plugin.m_sent, QByteArrayList{"DESI ADDW 0 0 " + data.toHex()});
-            QCOMPARE(events.at(0).widget.data(), page.get());
-            page.reset();
-            QTRY_COMPARE(events.size(), 2);
-            QVERIFY(!events.at(1).widget);
-        }
+        AddRows<int, int>({"letters", "length"}, {{"short", 0, 6},
+                                                  {"the longest", 65532, 65535},
+                                                  {"cut in the second", 65534, 65534},
+                                                  {"cut before the first", 65533, 65533}});
     }
 
-    void receivedEvents()
+    void DesignerPage()
     {
-        for (const char *row :
-             {"M2PE SCOE 0180ffff=link 32769", "M2PE SCOE 01=link 0", "M2PE SCOC 02000000ff=state 2",
-              "M2PE SCOC feffffff=state -2", "M2PE SCOC 020000=state 0", "M2PE LGNF e282ac61006162=refused \u20aca",
-              "M2PE LGNF 6162=refused ab", "M2PE LGNF =refused ", "M2PE SCOX 0102=event M2PE SCOX 0 0 0102",
-              "M2PE scoe 0102=event M2PE scoe 0 0 0102", "P2ME SCOE 0102=event P2ME SCOE 0 0 0102"}) {
-            const QByteArrayList receivedAndCall = QByteArray(row).split('=');
-            const QString received = QString::fromLatin1(receivedAndCall.at(0));
-            CEvent event = CEvent::Create(received.left(4), received.mid(5));
-            event.data = QByteArray::fromHex(received.mid(10).toLatin1());
+        QFETCH(int, letters);
+        QFETCH(int, length);
+        const QString name = QString(letters, QLatin1Char('a')) + EURO + EURO;
+        const QByteArray data = QByteArray(1, char(length & 0xff)) + char(length >> 8) + name.toUtf8().left(length);
+        CRecordingPlugin plugin;
+        QList<CEvent> events; // as they arrive directly, and from the queue
+        const auto record = [&events](const CEvent &e) { events << e; };
+        connect(&plugin, &CPluginInterface::signal_SendEvent, &plugin, record);
+        connect(&plugin, &CPluginInterface::signal_SendEvent, &plugin, record, Qt::QueuedConnection);
+        auto page = std::make_unique<QWidget>();
+        plugin.AddDesignerPage(QString(), page.get());
+        plugin.AddDesignerPage(name, nullptr);
+        QCOMPARE(plugin.m_sent, QByteArrayList());
+        plugin.AddDesignerPage(name, page.get());
+        QCOMPARE(plugin.m_sent, QByteArrayList{"DESI ADDW 0 0 " + data.toHex()});
+        QCOMPARE(events.at(0).widget.data(), page.get());
+        page.reset();
+        QTRY_COMPARE(events.size(), 2);
+        QVERIFY(!events.at(1).widget);
+    }
+
+    void ReceivedEvents()
+    {
+        const auto receive = [](const QString &tags, const QByteArray &data) {
+            CEvent event = CEvent::Create(tags.left(4), tags.mid(5));
+            event.data = QByteArray::fromHex(data);
             CRecordingPlugin plugin;
             plugin.emit_ReceiveEvent(event);
-            QCOMPARE(plugin.m_calls, QByteArrayList{receivedAndCall.at(1)});
-        }
+            return plugin.m_calls.join(", ");
+        };
+        QCOMPARE(receive("M2PE SCOE"_s, "0180ffff"), QByteArray("link 32769"));
+        QCOMPARE(receive("M2PE SCOE"_s, "01"), QByteArray("link 0"));
+        QCOMPARE(receive("M2PE SCOC"_s, "02000000ff"), QByteArray("state 2"));
+        QCOMPARE(receive("M2PE SCOC"_s, "feffffff"), QByteArray("state -2"));
+        QCOMPARE(receive("M2PE SCOC"_s, "020000"), QByteArray("state 0"));
+        QCOMPARE(receive("M2PE LGNF"_s, "e282ac61006162"), QByteArray("refused \u20aca"));
+        QCOMPARE(receive("M2PE LGNF"_s, ""), QByteArray("refused "));
+        for (const QString &tags : {"M2PE SCOX"_s, "M2PE scoe"_s, "P2ME SCOE"_s})
+            QCOMPARE(receive(tags, "0102"), "event " + tags.toLatin1() + " 0 0 0102");
     }
 
-    void registration()
+    void Registration()
     {
         CRecordingPlugin plugin;
         plugin.RegisterEvents();
@@ -163,7 +172,7 @@ private Q_SLOTS:
         QVERIFY(!unwanted);
     }
 
-    void otherThread()
+    void OtherThread()
     {
         CRecordingPlugin plugin;
         const CEvent event = CEvent::Create(CHAT, TEXT);
@@ -173,5 +182,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(tst_PluginInterface)
+QTEST_MAIN(tst_plugininterface)
 #include "tst_plugininterface.moc"

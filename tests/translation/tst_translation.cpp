@@ -16,24 +16,34 @@ private Q_SLOTS:
     void Choice()
     {
         const QString own = QLocale::system().name().left(2).toUpper().replace(QRegularExpression("^C$"_s), "EN"_s);
-        for (const QStringList &in : // languages, the selected one, the operator's, the one to be chosen
-             Rows("2 own -,5 xx -|5|2|5;2 own -,5 xx -|9|5|5;2 xx -,5 own -|9|9|5;5 xx -,2 xx -|-1|-1|2;"
-                  "5 xx -,1 xx -|-1|-1|5"_s)) {
-            const CLanguages languages("1|||"_s, QString(in[0]).replace("own"_s, own));
-            CConfig::GetInstance()->SetConfigs({{"defaultlanguage"_s, in[2]}});
-            CSettings::GetInstance()->SetSelectedLanguage(in[1].toInt());
-            QCOMPARE(CTranslation::GetInstance()->GetLanguage().iID, in[3].toInt());
-            QCOMPARE(CSettings::GetInstance()->GetSelectedLanguage(), in[3].toInt());
-        }
+        const auto choose = [&own](QString languages, int selected, int operators) { // as "id code name"
+            const CLanguages installation("1|||"_s, languages.replace("own"_s, own));
+            CConfig::GetInstance()->SetConfigs({{"defaultlanguage"_s, operators}});
+            CSettings::GetInstance()->SetSelectedLanguage(selected);
+            const int chosen = CTranslation::GetInstance()->GetLanguage().iID;
+            return chosen == CSettings::GetInstance()->GetSelectedLanguage() ? chosen : -2;
+        };
+        QCOMPARE(choose("2 own -,5 xx -"_s, 5, 2), 5);
+        QCOMPARE(choose("2 own -,5 xx -"_s, 9, 5), 5);
+        QCOMPARE(choose("2 xx -,5 own -"_s, 9, 9), 5);
+        QCOMPARE(choose("5 xx -,2 xx -"_s, -1, -1), 2);
+        QCOMPARE(choose("5 xx -,1 xx -"_s, -1, -1), 5);
     }
 
     void Lookup()
     {
-        for (const QStringList &in : // area, key, language, text
-             Rows("LOBBY|HELLO|-1|Hi;Table|hello|-1|Hello;Lobby|ENGLISH|-1|;Lobby|HELLO|5|Hallo;"
-                  "CORE|HELLO|0|Zero;Core|English|5|core/english\nNOT IN TRANSLATION;"
-                  "Game|FO'O|-1|game/fo'o\nNOT IN TRANSLATION;CORE||-1|;|HELLO|-1|"_s))
-            QCOMPARE(CTranslation::GetInstance()->GetTranslatedString(in[1], in[0], in[2].toInt()), in[3]);
+        const auto find = [](const QString &area, const QString &key, int language) {
+            return CTranslation::GetInstance()->GetTranslatedString(key, area, language);
+        };
+        QCOMPARE(find("LOBBY"_s, "HELLO"_s, -1), "Hi"_s);
+        QCOMPARE(find("Table"_s, "hello"_s, -1), "Hello"_s);
+        QCOMPARE(find("Lobby"_s, "ENGLISH"_s, -1), QString());
+        QCOMPARE(find("Lobby"_s, "HELLO"_s, 5), "Hallo"_s);
+        QCOMPARE(find("CORE"_s, "HELLO"_s, 0), "Zero"_s);
+        QCOMPARE(find("Core"_s, "English"_s, 5), "core/english\nNOT IN TRANSLATION"_s);
+        QCOMPARE(find("Game"_s, "FO'O"_s, -1), "game/fo'o\nNOT IN TRANSLATION"_s);
+        QCOMPARE(find("CORE"_s, ""_s, -1), QString());
+        QCOMPARE(find(""_s, "HELLO"_s, -1), QString());
     }
 
     void NewSelection()
@@ -50,49 +60,69 @@ private Q_SLOTS:
             settings->SetSelectedLanguage(id, this);
         QCOMPARE(catalogue->GetTranslatedString("HELLO"_s, "CORE"_s, -1) + catalogue->GetLanguage().strLong,
                  "HalloDeutsch"_s);
-        QVERIFY(changed.size() == 3 && callers.size() == 8 && callers.count(catalogue) == 3);
+        QCOMPARE(changed.size(), 3);
+        QCOMPARE(std::pair(callers.size(), callers.count(catalogue)), std::pair(8, 3));
         QCOMPARE(callers.mid(0, 3), (QList<const QObject *>{this, this, catalogue}));
     }
 
     void Tidying()
     {
-        for (const QStringList &in : // template, value, text: pairs of blanks in one pass, before points
-             Rows("#m# and #m#|x|x and x;#M# #m|x|#M# #m;\t a  b\n|x|a b;a #m# b #m#.||a b.;"
-                  "a   b    c|x|a  b  c;a  . b   .|x|a. b .;#m#|#n#|nested"_s)) {
+        const auto tidy = [](const QString &text, const QString &value) {
             CTranslationItem nested, item;
             nested.SetText(" nested "_s);
             item.SetPlaceholder("#n#"_s, nested);
-            item.SetPlaceholder("#m#"_s, QVariant(in[1]));
-            QVERIFY(item.SetText(in[0]) && item.GetText() == in[0]);
-            QCOMPARE(item.GetTranslatedText(), in[2]);
-        }
+            item.SetPlaceholder("#m#"_s, QVariant(value));
+            item.SetText(text);
+            return item.GetText() == text ? item.GetTranslatedText() : item.GetText();
+        };
+        QCOMPARE(tidy("#m# and #m#"_s, "x"_s), "x and x"_s);
+        QCOMPARE(tidy("#M# #m"_s, "x"_s), "#M# #m"_s);
+        QCOMPARE(tidy("\t a  b\n"_s, "x"_s), "a b"_s);
+        QCOMPARE(tidy("a #m# b #m#."_s, ""_s), "a b."_s);
+        QCOMPARE(tidy("a   b    c"_s, "x"_s), "a  b  c"_s); // pairs of blanks in one pass
+        QCOMPARE(tidy("a  . b   ."_s, "x"_s), "a. b ."_s);
+        QCOMPARE(tidy("#m#"_s, "#n#"_s), "nested"_s);
     }
 
     void Placeholders()
     {
         CTranslationObject object;
         const QSignalSpy changed(&object, &CTranslationObject::signal_TextChanged);
-        QVERIFY(!object.SetPlaceholder(QString(), 5) && !object.SetPlaceholder(QString(), CTranslationItem()));
-        QVERIFY(!object.SetPlaceholder(QString(), "HELLO"_s, "CORE"_s) && changed.isEmpty());
-        QVERIFY(object.SetTranslationKey("NAME"_s, "Lobby"_s) && !object.SetTranslationKey("NAME"_s, "Lobby"_s));
-        QVERIFY(object.SetPlaceholder("#other#"_s, 5) && changed.size() == 2); // not in the text
-        QVERIFY(object.SetPlaceholder("#n#"_s, 5) && object.GetTranslatedText() == "I am 5."_s);
-        QVERIFY(object.SetPlaceholder("#n#"_s, "HELLO"_s, "CORE"_s) && changed.size() == 4);
-        QVERIFY(object.GetTranslatedText() == "I am Hello."_s && object.GetPlaceholders().size() == 1);
-        QVERIFY(object.SetPlaceholder("#n#"_s, "#n#6"_s) && object.GetTranslatedText() == "I am #n#6."_s);
-        QVERIFY(object.GetPlaceholder("#n#"_s) == "#n#6"_s && !object.GetPlaceholder("am"_s).isValid());
-        QVERIFY(object.setProperty("text", " am literal, #n# "_s) && object.GetTranslationKey().isEmpty());
+        QVERIFY(!object.SetPlaceholder(QString(), 5));
+        QVERIFY(!object.SetPlaceholder(QString(), CTranslationItem()));
+        QVERIFY(!object.SetPlaceholder(QString(), "HELLO"_s, "CORE"_s));
+        QCOMPARE(changed.size(), 0);
+        QVERIFY(object.SetTranslationKey("NAME"_s, "Lobby"_s));
+        QVERIFY(!object.SetTranslationKey("NAME"_s, "Lobby"_s));
+        QVERIFY(object.SetPlaceholder("#other#"_s, 5)); // which isn't in the text
+        QCOMPARE(changed.size(), 2);
+        object.SetPlaceholder("#n#"_s, 5);
+        QCOMPARE(object.GetTranslatedText(), "I am 5."_s);
+        object.SetPlaceholder("#n#"_s, "HELLO"_s, "CORE"_s);
+        QCOMPARE(object.GetTranslatedText(), "I am Hello."_s);
+        QCOMPARE(object.GetPlaceholders().size(), 1);
+        object.SetPlaceholder("#n#"_s, "#n#6"_s);
+        QCOMPARE(object.GetTranslatedText(), "I am #n#6."_s);
+        QCOMPARE(object.GetPlaceholder("#n#"_s), QVariant("#n#6"_s));
+        QCOMPARE(object.GetPlaceholder("am"_s), QVariant());
+        QVERIFY(object.setProperty("text", " am literal, #n# "_s));
+        QCOMPARE(object.GetTranslationKey(), QString());
         CSettings::GetInstance()->SetSelectedLanguage(5);
-        QVERIFY(object.property("text").toString() == "literal, #n#6"_s && changed.size() == 7);
+        QCOMPARE(object.property("text"), QVariant("literal, #n#6"_s));
+        QCOMPARE(changed.size(), 7);
     }
 
     void Nesting()
     {
         CTranslationItem inner, middle;
-        QVERIFY(inner.SetTranslationKey("HELLO"_s, "CORE"_s) && middle.SetTranslationKey("NAME"_s, "CORE"_s));
-        QVERIFY(middle.SetPlaceholder("#n#"_s, inner) && inner.SetText("a #n#"_s)); // a copy went in
-        QVERIFY(inner.SetPlaceholder("#n#"_s, inner) && inner.GetTranslatedText() == "a a #n#"_s);
-        QVERIFY(inner.SetPlaceholder("#n#"_s, middle) && inner.SetText("<#n#>"_s));
+        inner.SetTranslationKey("HELLO"_s, "CORE"_s);
+        middle.SetTranslationKey("NAME"_s, "CORE"_s);
+        QVERIFY(middle.SetPlaceholder("#n#"_s, inner)); // a copy goes in
+        inner.SetText("a #n#"_s);
+        inner.SetPlaceholder("#n#"_s, inner);
+        QCOMPARE(inner.GetTranslatedText(), "a a #n#"_s);
+        inner.SetPlaceholder("#n#"_s, middle);
+        inner.SetText("<#n#>"_s);
         CTranslationObject object;
         const QSignalSpy changed(&object, &CTranslationObject::signal_TextChanged);
         object.SetItem(inner);
@@ -101,7 +131,8 @@ private Q_SLOTS:
         object.SetItem(inner);         // looks nothing up
         CTranslationItem copy(object); // NOLINT(cppcoreguidelines-slicing): its text alone
         object.Clear();
-        QVERIFY(changed.size() == 3 && object.GetTranslatedText().isEmpty() && object.GetText().isEmpty());
+        QCOMPARE(changed.size(), 3);
+        QCOMPARE(object.GetTranslatedText() + object.GetText(), QString());
         QCOMPARE(copy.GetTranslatedText(), "<I am Hello.>"_s);
     }
 };
