@@ -1,12 +1,21 @@
+#include <files/Pathes.h>
 #include <network/Download.h>
 #include <settings/PlayerInfo.h>
 
-#include <support/Languages.h>
+#include <support/InstallationTree.h>
+#include <support/Literal.h>
+#include <support/Rows.h>
 #include <support/ShortLock.h>
+#include <support/Singletons.h>
+
+#include <QtTest>
 
 #include <httplib.h>
 
 #include <thread>
+
+using TAction = void (*)();
+Q_DECLARE_METATYPE(TAction)
 
 namespace {
 
@@ -67,40 +76,46 @@ private Q_SLOTS:
 
     void cleanup() { DestroySingletons(); }
 
-    void Store()
+    void SaveAndUpdate()
     {
-        CUserInfo *user = CUserInfo::GetInstance();
         CPlayerModel *bob = Player("bOB"_s);
         bob->SetLoadedInfo("it's \"so\""_s, 7, 5, 9, true, true);
         bob->SetBuddy(true);
-        QVERIFY(PlayerInfo::SaveInfo("bOB"_s) && !PlayerInfo::SaveInfo(QString()));
+        QVERIFY(PlayerInfo::SaveInfo("bOB"_s));
+        QVERIFY(!PlayerInfo::SaveInfo(QString()));
         QCOMPARE(Stored(), "/bOB=it's \"so\",7,13,9,5@100"_s);
         QCOMPARE(PlayerInfo::GetLastTimestamp(ANN), 100u);
-        QVERIFY(PlayerInfo::GetSyncList(ANN, 99).size() == 1 && PlayerInfo::GetSyncList(ANN, 100).isEmpty());
+        QCOMPARE(PlayerInfo::GetSyncList(ANN, 99).size(), 1);
+        QCOMPARE(PlayerInfo::GetSyncList(ANN, 100).size(), 0);
         CCasinoTime::GetInstance()->SetTimeUTCServer(109);
         bob->SetLoadedInfo("new"_s, 8, 0, 1, false, false);
-        QVERIFY(PlayerInfo::UpdateInfo("bOB"_s) && PlayerInfo::UpdateInfo("Carl"_s));
+        QVERIFY(PlayerInfo::UpdateInfo("bOB"_s));
+        QVERIFY(PlayerInfo::UpdateInfo("Carl"_s)); // who has no row
         QCOMPARE(Stored(), "/bOB=new,7,1,1,0@100"_s);
         for (const char *now : {"slot_DBSaveTimer", "slot_DBUpdateTimer"}) { // the row comes, and changes
             Player("Dora"_s)->SetRating(now[8] == 'S' ? 2 : 3);
             QVERIFY(QMetaObject::invokeMethod(Player("Dora"_s), now));
             QCOMPARE(Stored(), "/Dora=,0,0,%1,0@109 /bOB=new,7,1,1,0@100"_s.arg(Player("Dora"_s)->GetRating()));
         }
-        user->SetLoggedIn(QString()); // stores what waits
-        CPlayerInfoDB::GetInstance()->Exec("DELETE FROM tbl_playerinfo WHERE PIN_cPlayer = 'Dora'"_s);
-        QVERIFY(!PlayerInfo::SaveInfo("bOB"_s) && !PlayerInfo::UpdateInfo("bOB"_s) && !PlayerInfo::LoadInfo());
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
+        QCOMPARE(std::tuple(PlayerInfo::SaveInfo("bOB"_s), PlayerInfo::UpdateInfo("bOB"_s), PlayerInfo::LoadInfo()),
+                 std::tuple(false, false, false));
+    }
 
+    void InsertAndLoad()
+    {
+        CUserInfo *user = CUserInfo::GetInstance();
         QVERIFY(PlayerInfo::InsertPlayerInfo({ANN, "bOB"_s, "old"_s, 2, 1 | 2, 6}));
         QVERIFY(PlayerInfo::InsertPlayerInfo({ANN, "bob"_s, "n"_s, 3, 1 | 8, 7}));
-        QCOMPARE(Stored(), "/bOB=old,2,3,1,0@6 /bob=n,3,9,0,0@7"_s);
-        user->SetLoggedIn(ANN);
-        QVERIFY(PlayerInfo::LoadInfo() && !Player("bob"_s)->GetBuddy() && Player("bob"_s)->GetChatBlock());
+        QCOMPARE(Stored(), "/bOB=old,2,3,0,0@6 /bob=n,3,9,0,0@7"_s);
+        QVERIFY(PlayerInfo::LoadInfo());
+        QCOMPARE(std::pair(Player("bob"_s)->GetBuddy(), Player("bob"_s)->GetChatBlock()), std::pair(false, true));
         user->SetLoggedIn(QString());
-        QCOMPARE(Stored(), "/bOB=old,2,1,1,0@109 /bob=n,3,9,0,0@109"_s);
+        QCOMPARE(Stored(), "/bOB=old,2,1,0,0@100 /bob=n,3,9,0,0@100"_s);
         user->SetLoggedIn(ANN);
         CPlayerLists::GetInstance()->RemoveFromBuddyList("bob"_s);
         user->SetLoggedIn("Zoe"_s);
-        QVERIFY(Stored().endsWith(" /bob=n,3,8,0,0@109"_s));
+        QVERIFY2(Stored().endsWith(" /bob=n,3,8,0,0@100"_s), qPrintable(Stored()));
     }
 
     // Only what the table holds is stored, under the nickname by which it does.
@@ -127,26 +142,22 @@ private Q_SLOTS:
     // However a login ends, what waits is stored for its user, and for no other.
     void EndsOfALogin_data()
     {
-        QTest::addColumn<QString>("end");
-        for (const char *end : {"logout", "reset", "end of the own model", "end of all models"})
-            QTest::newRow(end) << end;
+        AddRows<TAction>({"end"},
+                         {{"logout", [] { CUserInfo::GetInstance()->SetLoggedIn(QString()); }},
+                          {"reset", [] { static_cast<CUserInfoDataModel *>(CUserInfo::GetInstance())->Reset(); }},
+                          {"end of the own model", [] { CPlayerModel::DestroyInstance(ANN); }},
+                          {"end of all models", &CPlayerModel::DestroyInstances}});
     }
 
     void EndsOfALogin()
     {
-        QFETCH(QString, end);
+        QFETCH(TAction, end);
         CUserInfo *user = CUserInfo::GetInstance();
         Player("Bob"_s)->SetNotes("Ann's"_s);
-        if (end == "logout"_s)
-            user->SetLoggedIn(QString());
-        else if (end == "reset"_s)
-            static_cast<CUserInfoDataModel *>(user)->Reset();
-        else if (end == "end of the own model"_s)
-            CPlayerModel::DestroyInstance(ANN);
-        else
-            CPlayerModel::DestroyInstances();
+        end();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!user->IsLoggedIn() && CSettings::GetInstance()->GetNickname().isEmpty());
+        QVERIFY(!user->IsLoggedIn());
+        QCOMPARE(CSettings::GetInstance()->GetNickname(), QString());
         Player("Carl"_s)->SetNotes("nobody's"_s);
         user->SetLoggedIn("Zoe"_s);
         QCOMPARE(CSettings::GetInstance()->GetNickname(), "Zoe"_s);
@@ -154,27 +165,24 @@ private Q_SLOTS:
         QCOMPARE(Stored(), "/Bob=Ann's,0,0,0,0@100"_s);
     }
 
-    // A listener of a load that ends the login, or turns the event loop for long, doesn't get half a row stored.
+    // A listener of a load that ends the login, or turns the event loop for longer than a save waits, doesn't get
+    // half a row stored.
     void ListenersOfALoad_data()
     {
-        QTest::addColumn<bool>("logout");
-        QTest::newRow("logout") << true;
-        QTest::newRow("event loop") << false;
+        AddRows<TAction, QString>(
+            {"listener", "expected"},
+            {{"logout", [] { CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s); }, "/Bob=note,4,12,0,0@50"_s},
+             {"event loop", [] { QTest::qWait(3500); }, "/Bob=note,4,12,0,0@100"_s}});
     }
 
     void ListenersOfALoad()
     {
-        QFETCH(bool, logout);
+        QFETCH(TAction, listener);
         QVERIFY(PlayerInfo::InsertPlayerInfo({ANN, "Bob"_s, "note"_s, 4, 12, 50}));
-        connect(Player("Bob"_s), &CPlayerModel::signal_NotesChanged, this, [logout] {
-            if (logout)
-                CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s);
-            else
-                QTest::qWait(3500);
-        });
+        connect(Player("Bob"_s), &CPlayerModel::signal_NotesChanged, this, listener);
         PlayerInfo::LoadInfo();
         CUserInfo::GetInstance()->SetLoggedIn(QString());
-        QCOMPARE(Stored(), logout ? "/Bob=note,4,12,0,0@50"_s : "/Bob=note,4,12,0,0@100"_s);
+        QTEST(Stored(), "expected");
     }
 
     // Neither another own model nor another object takes what a user has changed.
@@ -190,13 +198,10 @@ private Q_SLOTS:
     // The file is locked at a logout, and another machine's row comes in meanwhile, or an older one is there.
     void KeptRows_data()
     {
-        QTest::addColumn<uint>("other");
-        QTest::addColumn<uint>("own");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("older") << 99u << 100u << "new"_s;
-        QTest::newRow("of the same second") << 100u << 100u << "new"_s;
-        QTest::newRow("newer") << 101u << 100u << "old"_s;
-        QTest::newRow("newer than an unknown time") << 101u << 0u << "new"_s;
+        AddRows<uint, uint, QString>({"other", "own", "expected"}, {{"older", 99, 100, "new"_s},
+                                                                    {"of the same second", 100, 100, "new"_s},
+                                                                    {"newer", 101, 100, "old"_s},
+                                                                    {"newer than an unknown time", 101, 0, "new"_s}});
     }
 
     void KeptRows()
@@ -244,45 +249,54 @@ private Q_SLOTS:
         QCOMPARE(Stored(), "/Bob=a,0,0,3,0@100 /Carl=,2,0,0,0@100 /Dora=,0,1,0,0@100 /Fay=,1,0,0,0@109"_s);
     }
 
-    // Whose pictures are chosen one after the other, or "=" come with the player. Expected are the number at once
-    // and in the end, how often it signals, and the requests.
+    // Pictures are chosen one after the other; one that comes with the player begins with "=". Then the number of the
+    // picture at once and in the end, how often it signals, and the requests.
     void Pictures_data()
     {
-        QTest::addColumn<QString>("expected");
-        for (const QStringList &row :
-             Rows("Bob 12345|5 12345 2 /12/12345.png;Bob =12345|12345 12345 2 /12/12345.png;Bob 404|5 5 0 /0/404.png;"
-                  "Ann 12345|12345 12345 2 /12/12345.png;Ann 404|404 404 1 /0/404.png;Bob 3000|5 5 0 /3/3000.png;"
-                  "Bob 8|5 5 0 /0/8.png;Bob =8|8 8 1 /0/8.png;Bob 9 12345|5 12345 2 /0/9.png /12/12345.png;"
-                  "Bob 9 0|0 0 1 /0/9.png;Bob 9 5|5 5 0 /0/9.png"_s))
-            QTest::newRow(qPrintable(row.at(0))) << row.at(1);
+        AddRows<QString, QString, uint, uint, int, QString>(
+            {"player", "pictures", "now", "end", "signals", "requests"},
+            {{"chosen", "Bob"_s, "12345"_s, 5, 12345, 2, "/12/12345.png"_s},
+             {"of another player", "Bob"_s, "=12345"_s, 12345, 12345, 2, "/12/12345.png"_s},
+             {"own", ANN, "12345"_s, 12345, 12345, 2, "/12/12345.png"_s},
+             {"not on the server", "Bob"_s, "404"_s, 5, 5, 0, "/0/404.png"_s},
+             {"own, not on the server", ANN, "404"_s, 404, 404, 1, "/0/404.png"_s},
+             {"can't be stored", "Bob"_s, "3000"_s, 5, 5, 0, "/3/3000.png"_s},
+             {"no picture", "Bob"_s, "8"_s, 5, 5, 0, "/0/8.png"_s},
+             {"no picture, of another player", "Bob"_s, "=8"_s, 8, 8, 1, "/0/8.png"_s},
+             {"another one meanwhile", "Bob"_s, "9 12345"_s, 5, 12345, 2, "/0/9.png /12/12345.png"_s},
+             {"none meanwhile", "Bob"_s, "9 0"_s, 0, 0, 1, "/0/9.png"_s},
+             {"the former meanwhile", "Bob"_s, "9 5"_s, 5, 5, 0, "/0/9.png"_s}});
     }
 
     void Pictures()
     {
-        QStringList script = QString::fromLatin1(QTest::currentDataTag()).split(QLatin1Char(' '));
-        const bool own = script.takeFirst() == "Ann"_s;
-        CPlayerModel *player = Player(own ? ANN : "Bob"_s);
-        player->SetNewCustomAvatar(5);
+        QFETCH(QString, player);
+        QFETCH(QString, pictures);
+        QFETCH(uint, end);
+        CPlayerModel *model = Player(player);
+        model->SetNewCustomAvatar(5);
         m_requests.clear();
-        const QSignalSpy changed(player, &CPlayerModel::signal_CustomAvatarChanged);
-        for (const QString &id : qAsConst(script)) {
-            const bool comes = id.startsWith(QLatin1Char('='));
-            (player->*(comes ? &CPlayerModel::SetCustomAvatar : &CPlayerModel::SetNewCustomAvatar))(
-                id.midRef(comes ? 1 : 0).toUInt());
+        const QSignalSpy changed(model, &CPlayerModel::signal_CustomAvatarChanged);
+        const QStringList ids = pictures.split(QLatin1Char(' '));
+        for (const QString &id : ids) {
+            if (id.startsWith(QLatin1Char('=')))
+                model->SetCustomAvatar(id.midRef(1).toUInt());
+            else
+                model->SetNewCustomAvatar(id.toUInt());
             QTRY_VERIFY(id != "9"_s || !m_requests.isEmpty());
         }
-        const unsigned int now = player->GetCustomAvatar();
-        QTRY_VERIFY(!player->findChild<CDownload *>());
-        const QString id = QString::number(player->GetCustomAvatar());
-        if (own) // the change of the setting comes back and asks too
-            m_requests.removeDuplicates();
-        QTEST("%1 %2 %3 %4"_s.arg(now).arg(id).arg(changed.size()).arg(m_requests.join(QLatin1Char(' '))),
-              "expected");
-        QCOMPARE(ReadFile(Pathes::CustomAvatar(12345)) == PICTURE, id == "12345"_s);
+        QTEST(model->GetCustomAvatar(), "now");
+        QTRY_VERIFY(!model->findChild<CDownload *>());
+        QCOMPARE(model->GetCustomAvatar(), end);
+        QTEST(changed.size(), "signals");
+        m_requests.removeDuplicates(); // a change of the own setting comes back and asks too
+        QTEST(m_requests.join(QLatin1Char(' ')), "requests");
+        QCOMPARE(ReadFile(Pathes::CustomAvatar(12345)) == PICTURE, end == 12345);
         QCOMPARE(QDir(Pathes::Tmp() + "/CustomAvatars/0"_s).entryList(QDir::Files), QStringList("5.png"_s));
+        if (player == ANN)
+            QCOMPARE(CSettings::GetInstance()->GetCustomCurrent(), int(end));
         CUserInfo::GetInstance()->SetLoggedIn(QString());
-        QVERIFY(Stored().contains(",0,0,0,"_s + id + "@"_s));
-        QVERIFY(!own || CSettings::GetInstance()->GetCustomCurrent() == id.toInt());
+        QVERIFY2(Stored().contains(",0,0,0,%1@"_s.arg(end)), qPrintable(Stored()));
     }
 
     void OwnAvatars()
@@ -290,7 +304,8 @@ private Q_SLOTS:
         CSettings *settings = CSettings::GetInstance();
         settings->SetCustomCurrent(5);
         settings->SetCartoonAvatar(3);
-        QVERIFY(Player(ANN)->GetCustomAvatar() == 5 && Player(ANN)->GetCartoonAvatar() == 3);
+        QCOMPARE(Player(ANN)->GetCustomAvatar(), 5u);
+        QCOMPARE(Player(ANN)->GetCartoonAvatar(), 3);
         Player(ANN)->SetCartoonAvatar(4);
         Player("Bob"_s)->SetCartoonAvatar(9);
         QCOMPARE(settings->GetCartoonAvatar(), 4);

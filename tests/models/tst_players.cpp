@@ -83,25 +83,21 @@ private:
 
 // A set field signals once with its value, an equal one never; Reset() signals in the table's order.
 template <typename Model>
-void CheckFields(const char *expectedNames)
+void CheckFields()
 {
     const QMetaObject &type = Model::staticMetaObject;
     Model model(nullptr);
     CRecorder recorder(model, type);
     const QStringList defaults = Values(model, type);
-    QStringList names;
     QList<int> all;
     for (const QMetaProperty &property : Properties(type)) {
-        const QByteArray signal = property.notifySignal().name();
         const QSignalSpy spy(&model, "2" + property.notifySignal().methodSignature());
-        QVERIFY(property.write(&model, OtherValue(property)) && property.write(&model, OtherValue(property)));
+        for (int time = 0; time < 2; ++time)
+            QVERIFY(property.write(&model, OtherValue(property)));
         QCOMPARE(spy.size(), 1);
         QCOMPARE(spy.at(0).at(0).toString(), property.read(&model).toString());
-        QVERIFY(QByteArray(property.name()).endsWith(signal.mid(7, signal.size() - 14))); // signal_ and Changed
         all.append(all.size());
-        names.append(QLatin1String(property.name()));
     }
-    QCOMPARE(names.join(QLatin1Char(' ')), QString::fromLatin1(expectedNames));
     QCOMPARE(recorder.Take(), all);
     model.Reset();
     model.Reset();
@@ -123,6 +119,8 @@ void CheckStream(const QByteArray &expectedBytes)
     int known = 0;
     for (int length = 0; length <= expectedBytes.size(); ++length) {
         CLoadable<Model> target;
+        for (const QMetaProperty &property : Properties(type)) // nothing of it stays
+            property.write(&target, OtherValue(property));
         CRecorder recorder(target, type);
         QDataStream stream(expectedBytes.left(length));
         stream >> target;
@@ -147,16 +145,10 @@ private Q_SLOTS:
 
     void Fields()
     {
-        CheckFields<CPlayerDataModel>(
-            "strNickname bBuddy strInfoText ucSex ulVipLevel usCartoonAvatar ulCustomAvatar "
-            "ucRating strNotes bOnline bBuddyBlocked bChatBlock ulTagID");
+        CheckFields<CPlayerDataModel>();
+        CheckFields<CUserInfoDataModel>();
+        CheckFields<CMoneySpinnerDataModel>();
         QCOMPARE(CUserInfoDataModel(nullptr).GetAccountCurrency(), GlobalDefines::MONEYTYPE_UNKNOWN);
-        CheckFields<CUserInfoDataModel>(
-            "strUsername strPasswordHashed mtAccountCurrency mvRealMoney mvPlayMoney mvPointsRM mvPointsPM "
-            "bCashierInfoUpdate bHiddenFromBuddyList ucPlayerRating bChatBlocked ucPlayerStatus ulLoginTime "
-            "mvLoginBalance ulLastReportTime mvLastReportBalance pPlayerModel bLoginState");
-        CheckFields<CMoneySpinnerDataModel>(
-            "strC2 strC1 strDS strD1 strD2 strD3 strTS strD4 strD5 strD6 strD7 strCurrency bShowComma");
     }
 
     void Streams()
@@ -173,19 +165,6 @@ private Q_SLOTS:
             text("strD4"), text("strD5"), text("strD6"), text("strD7"), text("strCurrency"), true));
     }
 
-    void HostileStream()
-    {
-        QByteArray bytes = ToBytes(quint32(0xfffffff0u)); // the length of a text
-        bytes.append(4000, '\xee');
-        QDataStream stream(bytes);
-        CPlayerModel model(NAME);
-        model.SetRating(7);
-        stream >> model;
-        QVERIFY(stream.status() != QDataStream::Ok);
-        QCOMPARE(Values(model, CPlayerDataModel::staticMetaObject),
-                 Values(CPlayerDataModel(nullptr), CPlayerDataModel::staticMetaObject));
-    }
-
     void Lines()
     {
         CUserInfoDataModel user;
@@ -195,15 +174,13 @@ private Q_SLOTS:
         QString text;
         QDebug(&text) << &user;
         const QStringList lines = text.split(QLatin1Char('\n'));
-        QCOMPARE(lines.size(), 18 + 12);
-        QVERIFY(lines.at(2).startsWith(QLatin1String("m_mtAccountCurrency                       : 45")));
-        QVERIFY(lines.at(16).startsWith(QLatin1String("m_pPlayerModel                            : m_strNickname")));
-        QVERIFY(lines.at(19).startsWith(QLatin1String("m_ucSex                              : 65")));
-        QVERIFY(lines.at(29).startsWith(QLatin1String("m_bLoginState                             : false")));
+        QCOMPARE(lines.size(), 18 + 12); // the player's in place of the pointer
+        QCOMPARE(lines.at(2), "m_mtAccountCurrency                       : 45 "_s);
+        QCOMPARE(lines.at(19), "m_ucSex                              : 65 "_s);
         user.SetPlayerModel(nullptr);
         text.clear();
         QDebug(&text) << user;
-        QVERIFY(text.contains(QLatin1String("m_pPlayerModel                            : none")));
+        QCOMPARE(text.split(QLatin1Char('\n')).at(16), "m_pPlayerModel                            : none "_s);
     }
 
     void OneModelForANickname()
@@ -212,10 +189,13 @@ private Q_SLOTS:
         QCOMPARE(CPlayerModel::GetInstance(NAME), model.data());
         QCOMPARE(CPlayerLists::GetInstance()->GetPlayerModel(NAME), model.data());
         QVERIFY(CPlayerModel::GetInstance(NAME.toLower()) != model);
-        QVERIFY(!CPlayerModel::IsExisting("nobody"_s) && CPlayerModel::IsExisting(model));
+        QVERIFY(!CPlayerModel::IsExisting("nobody"_s));
+        QVERIFY(CPlayerModel::IsExisting(model));
         model->SetNickname("renamed"_s); // the key stays
         CPlayerModel::DestroyInstance(model);
-        QVERIFY(!CPlayerModel::IsExisting(NAME) && !CPlayerModel::IsExisting(model) && model);
+        QVERIFY(!CPlayerModel::IsExisting(NAME));
+        QVERIFY(!CPlayerModel::IsExisting(model));
+        QVERIFY(model); // until the event loop turns
         QTRY_VERIFY(!model);
         QVERIFY(CPlayerModel::IsExisting(NAME.toLower()));
         CPlayerModel::DestroyInstance(static_cast<CPlayerModel *>(nullptr));
@@ -240,12 +220,13 @@ private Q_SLOTS:
         QVERIFY(!CPlayerModel::IsExisting("nobody"_s));
         lists.RemoveFromBuddyList(NAME); // the second of two neighbours is passed over
         QCOMPARE(*lists.GetBuddyList(), (QList<CPlayerModel *>{buddy, other, nullptr}));
-        QVERIFY(!buddy->GetBuddy() && other->GetBuddy());
+        QCOMPARE(std::pair(buddy->GetBuddy(), other->GetBuddy()), std::pair(false, true));
         CPlayerLists moved = std::move(lists);
         // NOLINTNEXTLINE(bugprone-use-after-move): what was moved from is an empty list
-        QVERIFY(lists.GetBuddyList()->isEmpty() && moved.GetBuddyList()->size() == 3);
+        QCOMPARE(std::pair(lists.GetBuddyList()->size(), moved.GetBuddyList()->size()), std::pair(0, 3));
         moved.ResetBuddyList();
-        QVERIFY(moved.GetBuddyList()->isEmpty() && other->GetBuddy());
+        QCOMPARE(moved.GetBuddyList()->size(), 0);
+        QVERIFY(other->GetBuddy());
     }
 };
 

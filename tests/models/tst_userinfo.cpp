@@ -1,6 +1,7 @@
 
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/Rows.h>
 #include <support/Singletons.h>
 
 #include <QKeyEvent>
@@ -14,26 +15,6 @@ class tst_userinfo : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // A listener that ends the login, or begins one, has the last word.
-    void ListenersOfTheOwnModel()
-    {
-        CUserInfo *user = CUserInfo::GetInstance();
-        QString next;
-        const auto connection = connect(user, &CUserInfo::signal_PlayerModelChanged, this, [&] {
-            if (user->GetNickname() != next)
-                user->SetLoggedIn(next);
-        });
-        user->SetLoggedIn("Ann"_s);
-        QVERIFY(!user->IsLoggedIn() && !user->GetLoginState());
-        disconnect(connection);
-        user->SetLoggedIn("Ann"_s);
-        next = "Zoe"_s;
-        connect(user, &CUserInfo::signal_PlayerModelChanged, user, [user, next] { user->SetLoggedIn(next); });
-        user->SetLoggedIn(QString());
-        QVERIFY(user->GetNickname() == next && user->GetLoginState());
-        DestroySingletons();
-    }
-
     void cleanup() { DestroySingletons(); }
 
     void LoginAndLogout()
@@ -56,30 +37,46 @@ private Q_SLOTS:
         user->SetLoggedIn("Ann"_s);
         CPlayerModel::DestroyInstances();
         QTRY_VERIFY(!user->IsLoggedIn());
-        QVERIFY(user->GetLoginState() && user->GetNickname().isEmpty());
+        QCOMPARE(std::pair(user->GetNickname(), user->GetLoginState()), std::pair(QString(), true));
+    }
+
+    // A listener that ends the login, or begins one, has the last word.
+    void ListenersOfTheOwnModel()
+    {
+        CUserInfo *user = CUserInfo::GetInstance();
+        QString next;
+        const auto connection = connect(user, &CUserInfo::signal_PlayerModelChanged, this, [&] {
+            if (user->GetNickname() != next)
+                user->SetLoggedIn(next);
+        });
+        user->SetLoggedIn("Ann"_s);
+        QCOMPARE(std::pair(user->IsLoggedIn(), user->GetLoginState()), std::pair(false, false));
+        disconnect(connection);
+        user->SetLoggedIn("Ann"_s);
+        next = "Zoe"_s;
+        connect(user, &CUserInfo::signal_PlayerModelChanged, user, [user, next] { user->SetLoggedIn(next); });
+        user->SetLoggedIn(QString());
+        QCOMPARE(std::pair(user->GetNickname(), user->GetLoginState()), std::pair(next, true));
     }
 
     void AvatarDisplayModes_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<TModes>("modes");
         const auto cartoon = CUserInfo::ADM_CartoonAvatars;
         const auto custom = CUserInfo::ADM_CustomAvatars;
         const auto none = CUserInfo::ADM_NoAvatars;
-        QTest::newRow("empty") << QString() << TModes{cartoon, custom, none};
-        QTest::newRow("two") << "custom,noavatar"_s << TModes{custom, none};
-        QTest::newRow("capitals") << "  CUSTOM"_s << TModes{custom};
-        QTest::newRow("no separator") << "cartooncustom"_s << TModes{cartoon};
-        QTest::newRow("repeated") << "noavatar noavatar"_s << TModes{none, none};
-        QTest::newRow("no word") << "cartoo"_s << TModes{none};
+        AddRows<QString, TModes>({"text", "modes"}, {{"empty", QString(), {cartoon, custom, none}},
+                                                     {"two", "custom,noavatar"_s, {custom, none}},
+                                                     {"capitals", "  CUSTOM"_s, {custom}},
+                                                     {"no separator", "cartooncustom"_s, {cartoon}},
+                                                     {"repeated", "noavatar noavatar"_s, {none, none}},
+                                                     {"no word", "cartoo"_s, {none}}});
     }
 
     void AvatarDisplayModes()
     {
         QFETCH(QString, text);
-        QFETCH(TModes, modes);
         CConfig::GetInstance()->SetConfigs({{"avatardisplaymode"_s, text}});
-        QCOMPARE(CUserInfo::GetInstance()->GetAvatarDisplayModes(), modes);
+        QTEST(CUserInfo::GetInstance()->GetAvatarDisplayModes(), "modes");
     }
 
     void Activity()
@@ -118,22 +115,24 @@ private Q_SLOTS:
     void TablesAndReset()
     {
         CUserInfo *user = CUserInfo::GetInstance();
-        user->AddWaitingListTable(7, 2);
-        user->AddWaitingListTable(7, 1);
+        const auto describe = [user] {
+            return std::tuple(int(user->GetPositionOnWaitingList(7)), int(user->GetPositionOnWaitingList(8)),
+                              user->IsInTournament(7), user->IsInTournament(8));
+        };
+        for (const int position : {2, 1})
+            user->AddWaitingListTable(7, static_cast<unsigned char>(position));
         user->AddWaitingListTable(8, 3);
         user->AddTournament(7);
         user->AddTournament(8);
         user->RemoveWaitingListTable(8);
         user->RemoveTournament(8);
-        QCOMPARE(std::pair(int(user->GetPositionOnWaitingList(7)), int(user->GetPositionOnWaitingList(8))),
-                 std::pair(1, 0));
-        QVERIFY(user->IsInTournament(7) && !user->IsInTournament(8));
+        QCOMPARE(describe(), std::tuple(1, 0, true, false));
         user->SetLoggedIn("Ann"_s);
         user->SetUserActivity(false);
         QSignalSpy activity(user, &CUserInfo::signal_ActivityChanged);
         static_cast<CUserInfoDataModel *>(user)->Reset();
-        QVERIFY(!user->IsLoggedIn() && !user->GetLoginState());
-        QVERIFY(!user->IsInTournament(7) && user->GetPositionOnWaitingList(7) == 0);
+        QCOMPARE(std::pair(user->IsLoggedIn(), user->GetLoginState()), std::pair(false, false));
+        QCOMPARE(describe(), std::tuple(0, 0, false, false));
         QCOMPARE(activity.size(), 1);
     }
 

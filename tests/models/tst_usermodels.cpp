@@ -1,4 +1,5 @@
 #include <support/Languages.h>
+#include <support/Rows.h>
 
 #include <QPropertyAnimation>
 
@@ -20,6 +21,17 @@ class tst_usermodels : public QObject
         return tags->GetText(index) + Name(tags->GetBackgroundColor(index)) + Name(tags->GetTextColor(index));
     }
 
+    static std::tuple<bool, int, int> Chat()
+    {
+        const CChatModel::SSettings settings = CChatModel::GetInstance()->GetSettings();
+        return {settings.bOption, settings.iObserverLevel, settings.iLevel};
+    }
+    static std::tuple<bool, int, int> StoreChat(const char *hex)
+    {
+        Settings()->SetChatOptions(QByteArray::fromHex(hex).toBase64());
+        return Chat();
+    }
+
 private Q_SLOTS:
     void init()
     {
@@ -39,10 +51,12 @@ private Q_SLOTS:
         tags->SetText(5, "Fish"_s);
         Settings()->SetSelectedLanguage(2);
         QCOMPARE(Tag(4) + Tag(5), "vier#800000#ffffffFish#ff0000#ffffff"_s);
-        QVERIFY(changes.isEmpty() && !Settings()->GetPlayerTags().contains("Fish"_s));
+        QCOMPARE(changes.size(), 0);
+        QVERIFY(!Settings()->GetPlayerTags().contains("Fish"_s));
         tags->Save();
         const QString stored = Settings()->GetPlayerTags().simplified();
-        QVERIFY(stored.contains("\"5\": { \"c\": \"#ff0000\", \"n\": \"Fish\" }"_s) && stored.count("\"c\""_s) == 10);
+        QVERIFY2(stored.contains("\"5\": { \"c\": \"#ff0000\", \"n\": \"Fish\" }"_s), qPrintable(stored));
+        QCOMPARE(stored.count("\"c\""_s), 10);
         Configure({{"playertags"_s, "{\"5\": {\"c\": \"blue\"}}"_s}});
         tags->RestoreDefault();
         QCOMPARE(Tag(4) + Name(tags->GetColor(5)), "vier#7fff00#000000#0000ff"_s);
@@ -53,19 +67,19 @@ private Q_SLOTS:
         QCOMPARE(Tag(0) + Tag(4) + Tag(1), "kein--Rock#7fff00#000000eins-#ffffff"_s);
         const QImage icon = tags->GetIcon(4).pixmap(32).toImage(); // up to the right edge and no other
         QCOMPARE(icon, tags->GetIcon(QColor(0x7fff00)).pixmap(32).toImage());
-        QVERIFY(icon.pixelColor(30, 16) == tags->GetColor(4) && icon.pixelColor(31, 16) != tags->GetColor(4));
-        QVERIFY(qAlpha(icon.pixel(6, 16)) + qAlpha(icon.pixel(20, 2)) + qAlpha(icon.pixel(20, 30)) == 0);
+        QCOMPARE(icon.pixelColor(30, 16), tags->GetColor(4));
+        QVERIFY(icon.pixelColor(31, 16) != tags->GetColor(4));
+        QCOMPARE(qAlpha(icon.pixel(6, 16)) + qAlpha(icon.pixel(20, 2)) + qAlpha(icon.pixel(20, 30)), 0);
         CUserInfo::GetInstance()->SetLoggedIn(QString());
-        QVERIFY(Tag(4) == "--"_s && Name(tags->GetColor(4)) == "#7fff00"_s && tags->GetIcon(4).isNull());
+        QCOMPARE(Tag(4) + Name(tags->GetColor(4)), "--#7fff00"_s);
+        QVERIFY(tags->GetIcon(4).isNull());
     }
 
     // From the second start on the values in force before a login are already those of the user, and no setting
     // changes.
     void TagsOfOneUserAfterTheOther_data()
     {
-        QTest::addColumn<bool>("between");
-        QTest::newRow("after a logout") << true;
-        QTest::newRow("from one to the other") << false;
+        AddRows<bool>({"between"}, {{"after a logout", true}, {"from one to the other", false}});
     }
 
     void TagsOfOneUserAfterTheOther()
@@ -117,49 +131,65 @@ private Q_SLOTS:
         CAutoTopUpModel *model = CAutoTopUpModel::GetInstance();
         const QSignalSpy loads(model, &CAutoTopUpModel::signal_AutoTopUpChanged);
         CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
-        QVERIFY(model->IsSaved() && !model->IsNotificationEnabled());
-        QCOMPARE(loads.size(), 1);
+        QCOMPARE(std::tuple(model->IsSaved(), model->IsNotificationEnabled(), loads.size()),
+                 std::tuple(true, false, 1));
         CUserInfo::GetInstance()->SetLoggedIn(QString());
         CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s);
-        QVERIFY(!model->IsSaved() && model->IsNotificationEnabled());
-        QCOMPARE(loads.size(), 2);
+        QCOMPARE(std::tuple(model->IsSaved(), model->IsNotificationEnabled(), loads.size()),
+                 std::tuple(false, true, 2));
     }
 
-    void TopUp()
+    void TopUpOfTables()
+    {
+        using G = GlobalDefines;
+        CAutoTopUpModel *model = CAutoTopUpModel::GetInstance();
+        // With that limit in tenths and that mode: whether it is enabled at a table, the limit in chips, and the
+        // target.
+        const auto choose = [model](G::MoneyType money, G::LimitType limit, unsigned int lower, unsigned int mode) {
+            CAutoTopUpModel::SAutoTopUp choices{true, lower, mode, 10, false, 1, 1, 1, true};
+            if (limit != G::LT_FIXED_LIMIT)
+                choices = {false, 1, 1, 1, true, lower, mode, 10, true};
+            model->SetAutoTopUp(choices, true);
+            return std::tuple(model->IsEnabled(money, limit), model->GetLowerLimitChips(money, limit, 1005),
+                              model->GetTargetChips(money, limit, 3, 4, 5, 6));
+        };
+        QCOMPARE(choose(G::MONEYTYPE_DOLLAR, G::LT_FIXED_LIMIT, 3, 0), std::tuple(true, 301u, 5u));
+        QCOMPARE(choose(G::MONEYTYPE_EURO, G::LT_NO_LIMIT, 10, 1), std::tuple(true, 1005u, 3u));
+        QCOMPARE(choose(G::MONEYTYPE_UNKNOWN, G::LT_POT_LIMIT, 11, 2), std::tuple(true, 0u, 40u));
+        QCOMPARE(choose(G::MONEYTYPE_DOLLAR, G::LT_FIXED_LIMIT, 1, 3), std::tuple(true, 100u, 6u));
+        QCOMPARE(choose(G::MONEYTYPE_DOLLAR, G::LT_NO_LIMIT, 0, 4), std::tuple(true, 0u, 0u));
+        QCOMPARE(choose(G::MONEYTYPE_PLAY, G::LT_FIXED_LIMIT, 3, 0), std::tuple(false, 0u, 0u));
+        QCOMPARE(choose(G::MONEYTYPE_POINTS, G::LT_NO_LIMIT, 3, 1), std::tuple(false, 0u, 0u));
+        QCOMPARE(choose(G::MONEYTYPE_TOURN, G::LT_POT_LIMIT, 3, 2), std::tuple(false, 0u, 0u));
+        QCOMPARE(Settings()->GetAutoTopUpSettings(), QByteArray()); // without a login, in memory alone
+    }
+
+    void StoredTopUp()
     {
         CAutoTopUpModel *model = CAutoTopUpModel::GetInstance();
-        for (const QStringList &in : // money, limit, lower limit, target mode; the limit and the target of the table
-             Rows("R|F|3|0|301|5;E|N|10|1|1005|3;-|P|11|2|0|40;R|F|1|3|100|6;R|N|0|4|0|0;P|F|3|0|0|0;S|N|3|1|0|0;"
-                  "T|P|3|2|0|0"_s)) {
-            const auto money = Globals::GetMoneyType(in[0][0].toLatin1());
-            const auto limit = Globals::GetLimitType(in[1][0].toLatin1());
-            CAutoTopUpModel::SAutoTopUp choices{true, in[2].toUInt(), in[3].toUInt(), 10, false, 1, 1, 1, true};
-            if (limit != GlobalDefines::LT_FIXED_LIMIT)
-                choices = {false, 1, 1, 1, true, in[2].toUInt(), in[3].toUInt(), 10, true};
-            model->SetAutoTopUp(choices, true);
-            QCOMPARE(model->IsEnabled(money, limit), !"PST"_s.contains(in[0]));
-            QCOMPARE(model->GetLowerLimitChips(money, limit, 1005), in[4].toUInt());
-            QCOMPARE(model->GetTargetChips(money, limit, 3, 4, 5, 6), in[5].toUInt());
-        }
-        QVERIFY(Settings()->GetAutoTopUpSettings().isEmpty()); // without a login, in memory alone
+        const auto describe = [model] {
+            return std::tuple(model->IsSaved(), model->IsNotificationEnabled(), model->GetAutoTopUp().bFixedEnabled,
+                              model->GetAutoTopUp().bOtherEnabled);
+        };
         const auto whole = QByteArray::fromBase64("AQAAAAMAAAACAAAACgAAAAAAAAALAAAABAAAAP7///8AAAAA");
         Settings()->Save("Ann"_s, QString(), "autotopupsettings"_s, whole.toBase64(), 0);
         CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
+        QCOMPARE(describe(), std::tuple(true, false, true, false));
         const CAutoTopUpModel::SAutoTopUp choices = model->GetAutoTopUp();
-        QVERIFY(model->IsSaved() && choices.bFixedEnabled && !choices.bOtherEnabled);
         model->SetAutoTopUp(choices, false); // until the next load
-        QVERIFY(!model->IsSaved() && !model->IsNotificationEnabled() && Settings()->GetAutoTopUpSettings().isEmpty());
+        QCOMPARE(describe(), std::tuple(false, false, true, false));
+        QCOMPARE(Settings()->GetAutoTopUpSettings(), QByteArray());
         model->SetAutoTopUp(choices, true);
         QCOMPARE(Settings()->GetAutoTopUpSettings(), whole.toBase64());
         for (const QByteArray &wrong : {whole.left(35), whole + 'x', QByteArray()}) {
             Settings()->SetAutoTopUpSettings(whole.toBase64());
-            QVERIFY(model->IsSaved() && !model->IsNotificationEnabled());
+            QCOMPARE(describe(), std::tuple(true, false, true, false));
             Settings()->SetAutoTopUpSettings(wrong.toBase64());
-            QVERIFY(!model->IsSaved() && model->IsNotificationEnabled() && !model->GetAutoTopUp().bFixedEnabled);
+            QCOMPARE(describe(), std::tuple(false, true, false, false));
         }
     }
 
-    void Casino()
+    void Jackpot()
     {
         CCasinoInfo *casino = CCasinoInfo::GetInstance();
         const auto *run = casino->GetBadBeatJackpotSpinner()->findChild<QPropertyAnimation *>();
@@ -170,44 +200,50 @@ private Q_SLOTS:
         casino->SetBadBeatJackpot('E', 0);
         casino->SetBadBeatJackpot('R', 500);
         QCOMPARE(seen + casino->BadBeatJackpotToString(), "c2v2$5"_s); // a run is under way each time
+    }
+
+    void TableRatings()
+    {
+        CCasinoInfo *casino = CCasinoInfo::GetInstance();
+        const auto rate = [casino](const QString &configured) {
+            Configure({{"tablerating"_s, configured}, {"tablerating_warning"_s, "0,(7,7)"_s}});
+            casino->InitCasinoInfo();
+            QString ratings;
+            for (unsigned char row = 0; row < 6; ++row)
+                ratings += "%1%2 "_s.arg(casino->GetRatingSetting(row, 0)).arg(casino->GetRatingSetting(row, 1));
+            return ratings;
+        };
+        const QString defaults = "05 04 13 22 31 40 "_s;
+        QCOMPARE(rate(QString()), defaults);
+        QCOMPARE(rate("2,(3,4),3,(1,1)"_s), "05 04 34 11 31 40 "_s);
+        QCOMPARE(rate("2,(x,4),3,(,)"_s), "05 04 04 00 31 40 "_s);
+        for (const QString &wrong : {"6,(1,1)"_s, "-1,(1,1)"_s, "7)3,4("_s, "4,(256,1)"_s, "4,(-1,1)"_s, ")(,(("_s})
+            QCOMPARE(wrong + rate(wrong), wrong + defaults);
+        QCOMPARE(rate("99999999999,(1,2),1,(7,7)"_s), "05 77 13 22 31 40 "_s);
+        QCOMPARE(casino->GetRatingWarningSetting(0, 1), 7);
+        QCOMPARE(casino->GetRatingWarningSetting(3, 0), 3);
+    }
+
+    // The user's folder moves to the casino's new name.
+    void PersonalFolder()
+    {
         const QDir documents(m_languages.MakeDir("Home/Documents"_s));
         for (const char *name : {"HOME", "XDG_CONFIG_HOME"})
             qputenv(name, QFile::encodeName(m_languages.GetPath("Home"_s)));
-        for (const QStringList &in : // what is configured, where that changes the table, and to what
-             Rows("|0|;2,(3,4),3,(1,1)|6|34 11;2,(x,4)|6|04;3,(,)|9|00;6,(1,1)|0|;-1,(1,1)|0|;7)3,4(|0|;4,(256,1)|0|;"
-                  "4,(-1,1)|0|;)(,((|0|;99999999999,(1,2),1,(7,7)|3|77"_s)) {
-            Configure({{"tablerating"_s, in[0]}, {"tablerating_warning"_s, "0,(7,7)"_s}});
-            casino->InitCasinoInfo();
-            QString table;
-            for (unsigned char row = 0; row < 6; ++row)
-                table += "%1%2 "_s.arg(casino->GetRatingSetting(row, 0)).arg(casino->GetRatingSetting(row, 1));
-            QCOMPARE(table, "05 04 13 22 31 40 "_s.replace(in[1].toInt(), in[2].size(), in[2]));
-        }
-        QVERIFY(casino->GetRatingWarningSetting(0, 1) == 7 && casino->GetRatingWarningSetting(3, 0) == 3);
-        CUserInfo::GetInstance()->SetLoggedIn("Ann"_s); // and the folder moves to the casino's new name
+        CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
         m_languages.WriteFile("Home/Documents/letter"_s);
         for (const QString &product : {"Old"_s, "New"_s}) {
             Configure({{"productname"_s, product}});
-            casino->InitCasinoInfo();
-            QCOMPARE(casino->GetPersonalDirPath(), documents.filePath(product));
+            CCasinoInfo::GetInstance()->InitCasinoInfo();
+            QCOMPARE(CCasinoInfo::GetInstance()->GetPersonalDirPath(), documents.filePath(product));
             m_languages.WriteFile("Home/Documents/%1/%1"_s.arg(product));
         }
-        QVERIFY(!documents.exists("Old"_s) && documents.exists("New/Old"_s) && documents.exists("letter"_s));
+        QCOMPARE(documents.entryList(QDir::NoDotAndDotDot | QDir::AllEntries), (QStringList{"letter"_s, "New"_s}));
+        QVERIFY(documents.exists("New/Old"_s));
     }
 
-    // What each property tells, and how often it signals, before and after the host has set twice what it sets.
     void CasinoProperties()
     {
-        const auto describe = [](const CCasinoInfo &casino) {
-            QStringList values;
-            for (const char *name :
-                 {"currentPlayers", "currentTables", "currentTournaments", "usesJackpot", "jackpotValue",
-                  "jackpotLink", "hasJackpotLink", "playmoneyOnly", "upgradeAvailable", "showPlayerAndTableCounts"})
-                values += casino.property(name).toString();
-            return values.join(QLatin1Char('|'));
-        };
-        Configure({});
-        QCOMPARE(describe(CCasinoInfo()), "0|0|0|false|0||false|true|false|true"_s);
         Configure({{"displaybadbeatjackpot"_s, true},
                    {"link_bbj"_s, "bbj"_s},
                    {"moneytype"_s, 2},
@@ -215,43 +251,52 @@ private Q_SLOTS:
                    {"showplayerandtablecounts"_s, false}});
         CCasinoInfo casino;
         const QSignalSpy players(&casino, &CCasinoInfo::signal_CurrentPlayersChanged);
-        const QSignalSpy tables(&casino, &CCasinoInfo::signal_CurrentTablesChanged);
-        const QSignalSpy tournaments(&casino, &CCasinoInfo::signal_CurrentTournamentsChanged);
-        for (int round = 0; round < 2; ++round) {
+        for (int time = 0; time < 2; ++time)
             casino.SetPokerPlayerCount(70000);
-            casino.SetPokerTableCount(65535);
-            casino.SetPokerTournamentCount(12);
-            casino.SetBadBeatJackpot('R', 500);
-        }
-        QCOMPARE(describe(casino), "70000|65535|12|true|500|bbj|true|false|true|false"_s);
-        QVERIFY(players.size() == 1 && tables.size() == 1 && tournaments.size() == 1);
-        QCOMPARE(casino.property("jackpotCurrency").toString(), "$"_s);
+        QCOMPARE(players.size(), 1);
+        casino.SetPokerTableCount(65535);
+        casino.SetPokerTournamentCount(12);
+        casino.SetBadBeatJackpot('R', 500);
+        QStringList values;
+        for (const char *name :
+             {"currentPlayers", "currentTables", "currentTournaments", "usesJackpot", "jackpotValue", "jackpotLink",
+              "hasJackpotLink", "playmoneyOnly", "upgradeAvailable", "showPlayerAndTableCounts", "jackpotCurrency"})
+            values += casino.property(name).toString();
+        QCOMPARE(values.join(QLatin1Char('|')), "70000|65535|12|true|500|bbj|true|false|true|false|$"_s);
         QCOMPARE(casino.GetBadBeatJackpotMoneyType(), GlobalDefines::MONEYTYPE_DOLLAR);
     }
 
     void ChatSettings()
     {
         CChatModel *model = CChatModel::GetInstance();
-        QSignalSpy changes(model, &CChatModel::signal_SettingsChanged);
-        const auto store = [](const char *hex) { Settings()->SetChatOptions(QByteArray::fromHex(hex).toBase64()); };
-        using S = CChatModel::SSettings;
+        const QSignalSpy changes(model, &CChatModel::signal_SettingsChanged);
         model->SetSettings({true, 1, -2});
         QCOMPARE(Settings()->GetChatOptions(), QByteArray("AQAAAAEAAAD+////"));
         for (const char *wrong : {"01", "01000000010000000200000000", ""}) {
-            store("01abcdef0100000002000000");
-            QVERIFY(model->GetSettings() == (S{true, 1, 2}));
-            store(wrong);
-            QVERIFY(model->GetSettings() == (S{false, 3, 3}));
+            QCOMPARE(StoreChat("01abcdef0100000002000000"), std::tuple(true, 1, 2));
+            QCOMPARE(StoreChat(wrong), std::tuple(false, 3, 3));
         }
-        for (const QStringList &in : Rows("true|1|3;true|7|3;false|3|2;false|1|1;false|0|2"_s)) {
-            Configure({{"optionobserverchatselectable"_s, "false"_s}, {"optionobserverchat"_s, in[0]}});
-            model->SetSettings({true, in[1].toInt(), 5});
-            QVERIFY(model->GetSettings() == (S{true, in[2].toInt(), 5}));
-        }
-        store("010000000900000005000000");
+        QCOMPARE(changes.size(), 7);
+    }
+
+    // The operator has taken the choice from the user.
+    void ObserverChat()
+    {
+        const auto choose = [](bool allowed, int level) {
+            Configure({{"optionobserverchatselectable"_s, "false"_s},
+                       {"optionobserverchat"_s, QVariant(allowed).toString()}});
+            CChatModel::GetInstance()->SetSettings({true, level, 5});
+            return Chat();
+        };
+        QCOMPARE(choose(true, 1), std::tuple(true, 3, 5));
+        QCOMPARE(choose(true, 7), std::tuple(true, 3, 5));
+        QCOMPARE(choose(false, 3), std::tuple(true, 2, 5));
+        QCOMPARE(choose(false, 1), std::tuple(true, 1, 5));
+        QCOMPARE(choose(false, 0), std::tuple(true, 2, 5));
+        StoreChat("010000000900000005000000");
         const QByteArray stored = Settings()->GetChatOptions();
-        model->SetSettings({true, 3, 5}); // no other than those here
-        QVERIFY(changes.size() == 11 && Settings()->GetChatOptions() == stored);
+        CChatModel::GetInstance()->SetSettings({true, 3, 5}); // no other than those in force
+        QCOMPARE(Settings()->GetChatOptions(), stored);
     }
 
     void Smileys()
@@ -271,7 +316,8 @@ private Q_SLOTS:
         for (const char *part : {"1.0", "version", "smileyconfig", "/smileyconfig"}) {
             const auto smileys = load(good);
             QCOMPARE(smileys[":D"_s].strFile, m_languages.GetPath("Resources/chat/../chat/there.gif"_s));
-            QVERIFY(smileys.size() == 2 && !smileys[":D"_s].bAnimate && smileys[" :P "_s].bAnimate);
+            QCOMPARE(smileys.size(), 2);
+            QCOMPARE(std::pair(smileys[":D"_s].bAnimate, smileys[" :P "_s].bAnimate), std::pair(false, true));
             QVERIFY(load(QByteArray(good).replace(part, "x")).isEmpty());
         }
         QCOMPARE(changes.size(), 4);
@@ -282,18 +328,18 @@ private Q_SLOTS:
 
     void HarmfulSmileys_data()
     {
-        QTest::addColumn<QByteArray>("type");
-        QTest::addColumn<QByteArray>("contents");
-        QTest::newRow("deep") << QByteArray()
-                              << QByteArray("<a>").repeated(30000) + QByteArray("</a>").repeated(30000);
         QByteArray attributes;
         for (int i = 0; i < 50000; ++i)
             attributes += " a" + QByteArray::number(i) + "=''";
-        QTest::newRow("attributes") << QByteArray() << "<a" + attributes + "/>";
-        QTest::newRow("entities") << "<!DOCTYPE a [<!ENTITY b '" + QByteArray("<b/>").repeated(1000) + "'>]>"
-                                  << QByteArray("&b;").repeated(10000);
-        QTest::newRow("long") << QByteArray() << QByteArray("<a/>").repeated(1 << 18);
+        AddRows<QByteArray, QByteArray>(
+            {"type", "contents"},
+            {{"deep", "", QByteArray("<a>").repeated(30000) + QByteArray("</a>").repeated(30000)},
+             {"attributes", "", "<a" + attributes + "/>"},
+             {"entities", "<!DOCTYPE a [<!ENTITY b '" + QByteArray("<b/>").repeated(1000) + "'>]>",
+              QByteArray("&b;").repeated(10000)},
+             {"long", "", QByteArray("<a/>").repeated(1 << 18)}});
     }
+
     // Files that would end the process, or take minutes or gigabytes.
     void HarmfulSmileys()
     {
