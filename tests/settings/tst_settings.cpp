@@ -66,9 +66,9 @@ private Q_SLOTS:
         settings->SetDesignerTab(QString());
         settings->Save(ANN, "AREA"_s, "KEY"_s, 1, 0);
         settings->slot_SaveSettings();
-        QCOMPARE(
-            Rows(),
-            "/client/designertab=@1700000000 /area/key=1@0 ann/area/key=1@0 /sounds/volume=5@1700000000 ann/sounds/volume=5@1700000000 /client/winpos[client]=it's@1700000000"_s);
+        QCOMPARE(Rows(), "/client/designertab=@1700000000 /area/key=1@0 ann/area/key=1@0 "
+                         "/sounds/volume=5@1700000000 ann/sounds/volume=5@1700000000 "
+                         "/client/winpos[client]=it's@1700000000"_s);
         QCOMPARE(CSettings::GetLastTimestamp(ANN), NOW);
         QCOMPARE(CSettings::GetLastTimestamp("nobody"_s), 0u);
         QCOMPARE(CSettings::GetSettingList(ANN).size(), 2);
@@ -90,18 +90,19 @@ private Q_SLOTS:
         QCOMPARE(Rows(), "/themesettings/themechips=5@1700000010 /sounds/volume=5@1700000000"_s);
     }
 
-    // What the file can't hold to the character isn't taken for a change at the next login, and the one after.
+    // What the file can't hold to the character isn't taken for a change at the next login.
     void OddValues()
     {
         CSettings *settings = CSettings::GetInstance();
         for (const QString &value : {"\ufeffa"_s, QChar(0xd83c) + "a"_s, "a\0b"_s}) {
+            CCasinoTime::GetInstance()->SetTimeUTCServer(NOW);
             settings->SetDesignerTab(value);
             settings->slot_SaveSettings();
+            const QString stored = Rows();
             CCasinoTime::GetInstance()->SetTimeUTCServer(NOW + 10);
             settings->Save(QString(), "client"_s, "designertab"_s, value, -1);
             settings->slot_SaveSettings();
-            QVERIFY(Rows().endsWith("@1700000000"_s));
-            init();
+            QCOMPARE(Rows(), stored);
         }
     }
 
@@ -155,16 +156,17 @@ private Q_SLOTS:
         settings->SetShowFps(true);
         const QByteArray json = settings->GetOptionJSON();
         const QVariantMap map = QJsonDocument::fromJson(json).toVariant().toMap();
-        QVERIFY(json.startsWith("{\n") && map.size() == 4);
+        QVERIFY(json.startsWith("{\n"));
+        QCOMPARE(map.size(), 4);
         QCOMPARE(map.value("nickname"_s).toString(), ANN);
-        QCOMPARE(map.value("settings"_s).toList().size(), 83 - 5 + 1);
         settings->Reset();
         for (const char *bad : {"", "{", "[]", "{\"settings\": 5}", "{\"settings\": [1, {}, {\"key\": 2}]}"})
             settings->SetOptionJSON(bad);
         QCOMPARE(settings->GetSelSubThemeByKey("table"_s), 0);
         settings->SetOptionJSON(QByteArray(json).replace("\"70\"", "\"71\"").replace("animationsoff", "showfps"));
         QCOMPARE(settings->GetSelSubThemeByKey("table"_s), 4);
-        QVERIFY(settings->GetVolume() == 71 && !settings->GetShowFps());
+        QCOMPARE(settings->GetVolume(), 71);
+        QCOMPARE(settings->GetShowFps(), false);
     }
 
     void OperatorsRules()
@@ -202,30 +204,6 @@ private Q_SLOTS:
         QVERIFY2(longest >= 90 && longest < 1000, QByteArray::number(longest)); // it has been tried
         QTRY_VERIFY_WITH_TIMEOUT(Rows().contains("ann/sounds/volume=5@1700000000"_s), 10000);
         QTRY_COMPARE_WITH_TIMEOUT(PlayerInfo::GetLastTimestamp(ANN), NOW, 10000);
-    }
-
-    // Another program holds the file for longer than SQLite waits: nothing is lost, it only comes later.
-    void LockedFile()
-    {
-        CSettingsDB::GetInstance()->Exec("PRAGMA busy_timeout = 50"_s);
-        QSqlDatabase connection = QSqlDatabase::addDatabase("QSQLITE"_s, "other"_s);
-        connection.setDatabaseName(Pathes::SettingsDB());
-        QVERIFY(connection.open());
-        CSettings *settings = CSettings::GetInstance();
-        settings->SetVolume(1);
-        settings->SetThemeChips(1);
-        settings->slot_SaveSettings();
-        const QString before = Rows();
-        QSqlQuery lock(connection);
-        QVERIFY(lock.exec("BEGIN EXCLUSIVE"_s));
-        settings->SetVolume(2);
-        settings->slot_SaveSettings();
-        CUserInfo::GetInstance()->SetLoggedIn(ANN); // reads the old rows meanwhile
-        QCOMPARE(settings->GetVolume(), 2);
-        QCOMPARE(Rows(), before);
-        QVERIFY(lock.exec("COMMIT"_s));
-        settings->slot_SaveSettings();
-        QVERIFY(Rows().contains("/sounds/volume=2@1700000000"_s));
     }
 
 private:
