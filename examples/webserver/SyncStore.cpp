@@ -86,6 +86,7 @@ bool CSyncStore::FindSession(const QString &session, SOwner &owner)
         !query.next() || (!rest.isEmpty() && rest != query.value(2).toString()))
         return false;
     owner = {query.value(0).toString(), query.value(1).toString()};
+    query.finish();
     return true;
 }
 
@@ -130,6 +131,8 @@ bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, bool ask
                Run(query, QStringLiteral("INSERT OR REPLACE INTO tbl_machine VALUES (?, ?, ?, ?, ?)"),
                    {id, owner.strMachine, machine.iBase, machine.iOffered, machine.bCaughtUp});
     }
+    for (QSqlQuery &query : m_queries)
+        query.finish(); // or it would go on reading beyond the transaction
     good = good && Exec(QStringLiteral("COMMIT"));
     if (!good)
         Exec(QStringLiteral("ROLLBACK"));
@@ -211,11 +214,15 @@ bool CSyncStore::Confirm(const SPlace &place, qint64 offer)
                 {place.strList, place.strMachine, offer, offer}));
 }
 
+// Each statement once, for it takes longer to prepare than to run.
 QSqlQuery CSyncStore::Prepare(const QString &sql)
 {
-    QSqlQuery query = GetQuery();
-    query.prepare(sql);
-    return query;
+    auto query = m_queries.find(sql);
+    if (query == m_queries.end()) {
+        query = m_queries.insert(sql, GetQuery());
+        query->prepare(sql);
+    }
+    return *query;
 }
 
 bool CSyncStore::Run(QSqlQuery &query, const QString &sql, const QVariantList &values)

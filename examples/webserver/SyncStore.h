@@ -4,6 +4,9 @@
 
 #include <database/LocalDB.h>
 
+#include <QHash>
+#include <QSqlQuery>
+
 #include <functional>
 
 /// Whose request it is, and from where.
@@ -74,4 +77,6 @@ private:
     QSqlQuery Prepare(const QString &sql);
     bool Run(QSqlQuery &query, const QString &sql, const QVariantList &values);
     static bool Execute(QSqlQuery &query, const QVariantList &values);
+
+    QHash<QString, QSqlQuery> m_queries; ///< Prepared, by their SQL.
 };
