@@ -157,12 +157,12 @@ void CPlayerSaves::WriteAll()
     RunTimer();
 }
 
-QList<QVariantList> CPlayerSaves::GetKept(const QString &user) const
+QList<CPlayerSaves::SKept> CPlayerSaves::GetKept(const QString &user) const
 {
-    QList<QVariantList> rows;
+    QList<SKept> rows;
     for (const SKept &entry : m_kept) {
         if (entry.row.constFirst() == user)
-            rows.append(entry.row);
+            rows.append(entry);
     }
     return rows;
 }
@@ -177,9 +177,10 @@ bool CPlayerSaves::WriteKept(int most)
         return false;
     const int count = qMin(most, m_kept.size());
     {
-        PlayerInfo::CSaver saver(PlayerInfo::CSaver::NotOlder);
+        PlayerInfo::CSaver changes(PlayerInfo::CSaver::NotOlder);
+        PlayerInfo::CSaver others(PlayerInfo::CSaver::OwnFields);
         for (int row = 0; row < count; ++row) {
-            if (!saver.Write(m_kept.at(row).row))
+            if (!(m_kept.at(row).bChange ? changes : others).Write(m_kept.at(row).row))
                 return false;
         }
     }

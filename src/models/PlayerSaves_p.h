@@ -62,8 +62,14 @@ public:
     void WriteAll();
     /// Does the same for the end of the login.
     void EndLogin();
-    /// The kept rows of the user, oldest first, in the order of PlayerInfo::CSaver::GetRow().
-    QList<QVariantList> GetKept(const QString &user) const;
+    /// A row of a user who has logged out before the file could be written.
+    struct SKept
+    {
+        QVariantList row; ///< In the order of PlayerInfo::CSaver::GetRow().
+        bool bChange;     ///< Else of what the user has changed only what stays on the machine is in it.
+    };
+    /// The kept rows of the user, oldest first.
+    QList<SKept> GetKept(const QString &user) const;
 
 private:
     struct SSave
@@ -73,11 +79,6 @@ private:
         qint64 iDue; // milliseconds of m_clock
         bool bChange;
         QString strUser; // who was logged in at the last change; empty for nobody, for whom nothing is stored
-    };
-    struct SKept
-    {
-        QVariantList row;
-        bool bChange;
     };
 
     explicit CPlayerSaves(QObject *owner);
@@ -91,7 +92,7 @@ private:
     // The delay is the same for all, so that the order of their restarts is that in which they are due.
     std::list<SSave> m_waiting;
     QHash<const CPlayerModel *, std::list<SSave>::iterator> m_places;
-    QList<SKept> m_kept; // rows of users who have logged out before the file could be written
+    QList<SKept> m_kept;
     QVector<const CPlayerModel *> m_loading;
     int m_iPauseMs = 0; // until the next attempt to write, while the file can't be used
     QTimer m_timer;

@@ -78,21 +78,21 @@ bool IsOpen()
 
 // INSERT, or where the user has a row of the player already, UPDATE; the values are bound in the order of the
 // columns, the first two of which are the key.
-QSqlQuery PrepareUpsert(const QStringList &columns, bool notOlder = false)
+QSqlQuery PrepareUpsert(const QStringList &columns, PlayerInfo::CSaver::ERows rows = PlayerInfo::CSaver::All)
 {
     if (!IsOpen())
         return QSqlQuery();
     QStringList values;
-    QStringList updates;
-    for (const QString &column : columns) {
+    for (int column = 0; column < columns.size(); ++column)
         values.append(QStringLiteral("?"));
+    QStringList updates;
+    const bool own = rows == PlayerInfo::CSaver::OwnFields;
+    for (const QString &column : own ? QStringList{COLUMN_RATING, COLUMN_AVATAR} : columns.mid(2))
         updates.append(column + QLatin1String(" = excluded.") + column);
-    }
-    QString sql =
-        QStringLiteral("INSERT INTO %1 (%2) VALUES (%3) ON CONFLICT (%4, %5) DO UPDATE SET %6")
-            .arg(CPlayerInfoDB::strTableNameInfo, columns.join(QLatin1Char(',')), values.join(QLatin1Char(',')),
-                 COLUMN_USER, COLUMN_PLAYER, updates.mid(2).join(QLatin1Char(',')));
-    if (notOlder)
+    QString sql = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3) ON CONFLICT (%4, %5) DO UPDATE SET %6")
+                      .arg(CPlayerInfoDB::strTableNameInfo, columns.join(QLatin1Char(',')),
+                           values.join(QLatin1Char(',')), COLUMN_USER, COLUMN_PLAYER, updates.join(QLatin1Char(',')));
+    if (rows == PlayerInfo::CSaver::NotOlder)
         sql += QStringLiteral(" WHERE excluded.%1 = 0 OR excluded.%1 >= ifnull(%2.%1, 0)")
                    .arg(COLUMN_TIMESTAMP, CPlayerInfoDB::strTableNameInfo);
     QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
@@ -115,18 +115,21 @@ SLoaded ToLoaded(const QVariantList &saved)
 void LayKeptOver(QVector<SLoaded> &rows, const QString &user)
 {
     const CPlayerSaves *saves = CPlayerSaves::Get();
-    const QList<QVariantList> kept = saves ? saves->GetKept(user) : QList<QVariantList>();
+    const QList<CPlayerSaves::SKept> kept = saves ? saves->GetKept(user) : QList<CPlayerSaves::SKept>();
     if (kept.isEmpty())
         return;
     QHash<QString, int> places;
     for (int place = 0; place < rows.size(); ++place)
         places.insert(rows.at(place).strPlayer, place);
-    for (const QVariantList &saved : kept) {
-        const SLoaded row = ToLoaded(saved);
+    for (const CPlayerSaves::SKept &entry : kept) {
+        const SLoaded row = ToLoaded(entry.row);
         const auto place = places.constFind(row.strPlayer);
         if (place == places.cend()) {
             places.insert(row.strPlayer, rows.size());
             rows.append(row);
+        } else if (!entry.bChange) {
+            rows[*place].ucRating = row.ucRating;
+            rows[*place].ulCustomAvatar = row.ulCustomAvatar;
         } else if (row.ulTimestamp == 0 || row.ulTimestamp >= rows.at(*place).ulTimestamp) {
             rows[*place] = row;
         }
@@ -288,7 +291,7 @@ bool PlayerInfo::InsertPlayerInfo(const PlayerInfo::SPlayerInfoSyncElement &elem
 }
 
 PlayerInfo::CSaver::CSaver(ERows rows)
-    : m_query(PrepareUpsert(SAVED_COLUMNS, rows == NotOlder))
+    : m_query(PrepareUpsert(SAVED_COLUMNS, rows))
     , m_buddies(GetBuddies())
 {
 }

@@ -25,7 +25,8 @@ class CSaver
 public:
     enum ERows {
         All,
-        NotOlder, ///< Than the stored ones; a row whose time isn't known is none.
+        NotOlder,  ///< Than the stored ones; a row whose time isn't known is none.
+        OwnFields, ///< Of a row that is there only what stays on the machine: rating and picture.
     };
 
     explicit CSaver(ERows rows = All);

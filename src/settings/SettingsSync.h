@@ -35,11 +35,11 @@ class CLocalChanges;
 /// - An answer makes the buddy list what the rows say: who is no buddy any more leaves it, and nobody joins it twice.
 /// - What an answer has left alone is stamped anew, or the server's newest time could hide it.
 /// - All players of an answer are stored, or none. Those that aren't the server sends again if it sees by the
-/// machine's
-///   time that they haven't arrived.
+///   machine's time that they haven't arrived.
 /// - What can't be written at a logout is kept as a row of its user. At the user's next load it lies over what is
 ///   stored, and once the file can be written it goes there, each time only where it isn't older; a row from before
-///   the server's time was known counts as newer.
+///   the server's time was known counts as newer. Of a row that no change of the user is in, only the rating and the
+///   picture go there, for the rest was loaded and may have been changed elsewhere since.
 /// - Rows belong to whom they were changed by. A logout, CUserInfoDataModel::Reset() and the end of the own player's
 ///   model store them first; what was changed while nobody was logged in is nobody's.
 ///

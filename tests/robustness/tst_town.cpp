@@ -100,10 +100,12 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
     switch (random.bounded(4)) {
     case 0: // a note is kept over a logout
         return {login, lock, {machine, "note"_s, player, "kept"_s, Draw(random, WAITS)}, logout, again, free};
-    case 1: // what is kept is older than what another machine has sent
-        return {login,  {other, "login"_s, user, QString(), 4000},   lock,  {machine, "rate"_s, player, "9"_s, 0},
-                logout, {other, "note"_s, player, "later"_s, 12000}, again, free,
-                sync};
+    case 1: { // what is kept, and is no change, meets what another machine has sent
+        QVector<SStep> steps{
+            login, {other, "login"_s, user, QString(), 4000}, lock, {machine, "rate"_s, player, "9"_s, 0}, logout};
+        steps.insert(3 + random.bounded(3), {other, "note"_s, player, "later"_s, 12000});
+        return steps + QVector<SStep>{again, free, sync};
+    }
     case 2: // two machines change a setting, one of them just before an exchange
         return {login,
                 {other, "login"_s, user, QString(), 4000},
