@@ -1,6 +1,6 @@
 #include "PlayerDataModel.h"
 
-#include <models/DataModel_p.h>
+#include <DataModel_p.h>
 
 CPlayerDataModel::CPlayerDataModel(QObject *parent)
     : QObject(parent)

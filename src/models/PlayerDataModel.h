@@ -1,7 +1,7 @@
 #pragma once
 
+#include <DataModel.h>
 #include <Export.h>
-#include <models/DataModel.h>
 #include <models/PlayerDataTable.h>
 
 /// What is known of a player, as plain fields for widgets and QML; it knows nothing of the rest of the system.

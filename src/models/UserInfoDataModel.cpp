@@ -1,6 +1,6 @@
 #include "UserInfoDataModel.h"
 
-#include <models/DataModel_p.h>
+#include <DataModel_p.h>
 
 CUserInfoDataModel::CUserInfoDataModel(QObject *parent)
     : QObject(parent)

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <DataModel.h>
 #include <Export.h>
-#include <models/DataModel.h>
 #include <models/PlayerModel.h>
 #include <models/UserInfoDataTable.h>
 #include <plugin/GlobalDefines.h>

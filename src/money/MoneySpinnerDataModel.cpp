@@ -1,6 +1,6 @@
 #include "MoneySpinnerDataModel.h"
 
-#include <models/DataModel_p.h>
+#include <DataModel_p.h>
 
 CMoneySpinnerDataModel::CMoneySpinnerDataModel(QObject *parent)
     : QObject(parent)

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <DataModel.h>
 #include <Export.h>
-#include <models/DataModel.h>
 #include <money/MoneySpinnerDataTable.h>
 
 /// An amount of money place by place, so that a view can draw each digit in a field of its own.

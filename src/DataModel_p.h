@@ -1,6 +1,6 @@
 #pragma once
 
-#include <models/DataModel.h>
+#include <DataModel.h>
 
 #include <QDataStream>
 #include <QDebug>
