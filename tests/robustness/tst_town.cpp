@@ -97,7 +97,7 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
     const SStep lock{machine, "lock"_s, "playerinfo"_s, QString(), 0};
     const SStep free{machine, "free"_s, QString(), QString(), Draw(random, WAITS)};
     const SStep again{machine, "login"_s, user, QString(), 0};
-    switch (random.bounded(4)) {
+    switch (random.bounded(5)) {
     case 0: // a note is kept over a logout
         return {login, lock, {machine, "note"_s, player, "kept"_s, Draw(random, WAITS)}, logout, again, free};
     case 1: { // what is kept, and is no change, meets what another machine has sent
@@ -112,6 +112,15 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
                 {machine, "set"_s, key, "71"_s, 65000},
                 {other, "set"_s, key, "72"_s, 12000},
                 {machine, "set"_s, key, "73"_s, 100},
+                sync};
+    case 3: // a change comes between two exchanges, the first of which is answered last
+        return {login,
+                {other, "login"_s, user, QString(), 4000},
+                {other, "note"_s, player, "other"_s, 12000},
+                {machine, "fate"_s, QString::number(CTown::Slow), "9000"_s, 0},
+                {machine, "sync"_s, QString(), QString(), 100},
+                {machine, "note"_s, player, "own"_s, 4000},
+                sync,
                 sync};
     default: // what stays on the machine is changed just before an exchange
         return {login,
