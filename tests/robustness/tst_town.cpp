@@ -119,6 +119,7 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
                 {other, "note"_s, player, "other"_s, 12000},
                 {machine, "fate"_s, QString::number(CTown::Slow), "9000"_s, 0},
                 {machine, "sync"_s, QString(), QString(), 100},
+                {machine, "sync"_s, QString(), QString(), 500}, // which brings the other's note
                 {machine, "note"_s, player, "own"_s, 4000},
                 sync,
                 sync};
