@@ -177,8 +177,8 @@ bool CPlayerSaves::WriteKept(int most)
         return false;
     const int count = qMin(most, m_kept.size());
     {
-        PlayerInfo::CSaver changes(PlayerInfo::CSaver::NotOlder);
-        PlayerInfo::CSaver others(PlayerInfo::CSaver::OwnFields);
+        PlayerInfo::CSaver changes(PlayerInfo::NotOlder);
+        PlayerInfo::CSaver others(PlayerInfo::OwnFields);
         for (int row = 0; row < count; ++row) {
             if (!(m_kept.at(row).bChange ? changes : others).Write(m_kept.at(row).row))
                 return false;

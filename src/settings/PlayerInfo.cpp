@@ -78,7 +78,7 @@ bool IsOpen()
 
 // INSERT, or where the user has a row of the player already, UPDATE; the values are bound in the order of the
 // columns, the first two of which are the key.
-QSqlQuery PrepareUpsert(const QStringList &columns, PlayerInfo::CSaver::ERows rows = PlayerInfo::CSaver::All)
+QSqlQuery PrepareUpsert(const QStringList &columns, PlayerInfo::ERows rows = PlayerInfo::All)
 {
     if (!IsOpen())
         return QSqlQuery();
@@ -86,13 +86,13 @@ QSqlQuery PrepareUpsert(const QStringList &columns, PlayerInfo::CSaver::ERows ro
     for (int column = 0; column < columns.size(); ++column)
         values.append(QStringLiteral("?"));
     QStringList updates;
-    const bool own = rows == PlayerInfo::CSaver::OwnFields;
+    const bool own = rows == PlayerInfo::OwnFields;
     for (const QString &column : own ? QStringList{COLUMN_RATING, COLUMN_AVATAR} : columns.mid(2))
         updates.append(column + QLatin1String(" = excluded.") + column);
     QString sql = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3) ON CONFLICT (%4, %5) DO UPDATE SET %6")
                       .arg(CPlayerInfoDB::strTableNameInfo, columns.join(QLatin1Char(',')),
                            values.join(QLatin1Char(',')), COLUMN_USER, COLUMN_PLAYER, updates.join(QLatin1Char(',')));
-    if (rows == PlayerInfo::CSaver::NotOlder)
+    if (rows == PlayerInfo::NotOlder)
         sql += QStringLiteral(" WHERE excluded.%1 = 0 OR excluded.%1 >= ifnull(%2.%1, 0)")
                    .arg(COLUMN_TIMESTAMP, CPlayerInfoDB::strTableNameInfo);
     QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
@@ -327,8 +327,9 @@ bool PlayerInfo::CSaver::Write(const QVariantList &row)
     return written;
 }
 
-PlayerInfo::CInserter::CInserter()
-    : m_query(PrepareUpsert({COLUMN_USER, COLUMN_PLAYER, COLUMN_NOTE, COLUMN_TAG, COLUMN_FLAGS, COLUMN_TIMESTAMP}))
+PlayerInfo::CInserter::CInserter(ERows rows)
+    : m_query(
+          PrepareUpsert({COLUMN_USER, COLUMN_PLAYER, COLUMN_NOTE, COLUMN_TAG, COLUMN_FLAGS, COLUMN_TIMESTAMP}, rows))
 {
 }
 

@@ -20,15 +20,16 @@ bool UpdateRow(const QString &player, const CPlayerModel &model);
 // SaveInfo() and InsertPlayerInfo() for many rows in a row: each prepares its statement once. They live on the stack,
 // no longer than the transaction that they work in, if there is one.
 
+/// Which rows that are there are overwritten.
+enum ERows {
+    All,
+    NotOlder,  ///< Than the stored ones; a row whose time isn't known is none.
+    OwnFields, ///< Of a row that is there only what stays on the machine: rating and picture.
+};
+
 class CSaver
 {
 public:
-    enum ERows {
-        All,
-        NotOlder,  ///< Than the stored ones; a row whose time isn't known is none.
-        OwnFields, ///< Of a row that is there only what stays on the machine: rating and picture.
-    };
-
     explicit CSaver(ERows rows = All);
 
     /// Writes the row of a user, who needn't be logged in any more, and of the model that the table holds under the
@@ -46,7 +47,7 @@ private:
 class CInserter
 {
 public:
-    CInserter();
+    explicit CInserter(ERows rows = All);
 
     bool Insert(const SPlayerInfoSyncElement &element);
 

@@ -39,6 +39,16 @@ const QLatin1String JSON_SETTINGS("settings");
 const QLatin1String JSON_KEY("key");
 const QLatin1String JSON_VALUE("value");
 
+// Of the user's stored row of the key; 0 without one.
+qint64 GetTimestamp(const CSettings::SSetting &setting)
+{
+    QHash<QString, QVariant> row;
+    CSettingsDB::GetInstance()->SelectOne(
+        row, CSettingsDB::strTableName, {COLUMN_TIMESTAMP},
+        {{COLUMN_USER, setting.strUser.toLower()}, {COLUMN_KEY, setting.strKey.toLower()}});
+    return row.value(COLUMN_TIMESTAMP).toLongLong();
+}
+
 } // namespace
 
 CSettings::CSettings()
@@ -226,11 +236,18 @@ bool CSettings::YieldsToChange(const SSetting &fromServer, quint64 known)
         return true;
     }
     // A change that left the row as it was, for the value had been tried without being stored, has no later time.
-    QHash<QString, QVariant> row;
-    CSettingsDB::GetInstance()->SelectOne(
-        row, CSettingsDB::strTableName, {COLUMN_TIMESTAMP},
-        {{COLUMN_USER, fromServer.strUser.toLower()}, {COLUMN_KEY, fromServer.strKey.toLower()}});
-    return row.value(COLUMN_TIMESTAMP).toLongLong() >= fromServer.iTimestamp;
+    return GetTimestamp(fromServer) >= fromServer.iTimestamp;
+}
+
+// Whether the row that is here, or waits to be written, is newer.
+bool CSettings::IsOlder(const SSetting &fromServer) const
+{
+    const bool waits =
+        std::any_of(m_lstPending.cbegin(), m_lstPending.cend(), [&fromServer](const SSetting &setting) {
+            return setting.strUser == fromServer.strUser && setting.iTimestamp > fromServer.iTimestamp &&
+                   setting.strKey.compare(fromServer.strKey, Qt::CaseInsensitive) == 0;
+        });
+    return waits || GetTimestamp(fromServer) > fromServer.iTimestamp;
 }
 
 // Of the user's settings: those whose rows are older than that would never be sent.

@@ -83,6 +83,7 @@ private:
     bool HasUnwrittenChange(const QString &key) const;
     void NumberUnwrittenChanges() const;
     bool YieldsToChange(const SSetting &fromServer, quint64 known);
+    bool IsOlder(const SSetting &fromServer) const;
     void StampAnew(const QStringList &keys, qint64 notOlder);
     QHash<QString, QVariant> GetValues(const QString &user) const;
 

@@ -25,7 +25,8 @@ constexpr int SESSION_LENGTH_IN_ADDRESS = 32;
 // Of a request: who was logged in when it went out, and the last change that its times tell of.
 const char USER_PROPERTY[] = "user";
 const char KNOWN_PROPERTY[] = "known";
-const char LOGIN_PROPERTY[] = "login"; // which, as the same user may have come back
+const char LOGIN_PROPERTY[] = "login";   // which, as the same user may have come back
+const char NUMBER_PROPERTY[] = "number"; // of a first request
 
 // No exchange is under way that a change could belong to.
 constexpr quint64 ALL_CHANGES = std::numeric_limits<quint64>::max();
@@ -152,16 +153,17 @@ void CSettingsSync::InitialWebRequest(QString session)
     address.replace(SETTINGS_MARKER, QString::number(m_ulLocalSettingsTime));
     CDownload *request = CreateRequest(address, QByteArray());
     request->setProperty(KNOWN_PROPERTY, m_ulKnownChange);
+    request->setProperty(NUMBER_PROPERTY, ++m_iFetches);
     connect(request, &CDownload::signal_Finished, this, &CSettingsSync::slot_IntialWebRequestFinished);
     request->Start();
 }
 
 void CSettingsSync::ReadJSON(QByteArray data)
 {
-    TakeAnswer(data, m_ulKnownChange);
+    TakeAnswer(data, m_ulKnownChange, false);
 }
 
-void CSettingsSync::TakeAnswer(const QByteArray &data, quint64 known)
+void CSettingsSync::TakeAnswer(const QByteArray &data, quint64 known, bool overtaken)
 {
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(data, &error);
@@ -169,14 +171,15 @@ void CSettingsSync::TakeAnswer(const QByteArray &data, quint64 known)
     if (error.error != QJsonParseError::NoError || nickname.isEmpty())
         return;
     const QJsonObject answer = document.object();
-    SetServerTimes(answer);
+    if (!overtaken)
+        SetServerTimes(answer);
     const auto settings = answer.constFind(JSON_SETTINGS);
     const auto infos = answer.constFind(JSON_PLAYER_INFOS);
     if (settings != answer.constEnd())
-        TakeSettings(nickname, settings->toArray(), known);
+        TakeSettings(nickname, settings->toArray(), known, overtaken);
     // Not for a user whom a listener has logged out on the way.
     if (infos != answer.constEnd() && GetUser() == nickname)
-        TakePlayerInfos(nickname, infos->toArray(), known);
+        TakePlayerInfos(nickname, infos->toArray(), known, overtaken);
     if ((settings != answer.constEnd() || infos != answer.constEnd()) && GetUser() == nickname)
         CUserInfo::GetInstance()->SetLoggedIn(nickname);
     if (GetUser() == nickname)
@@ -207,7 +210,10 @@ void CSettingsSync::slot_IntialWebRequestFinished(bool status, QByteArray data)
     if (!TakeFinished() || !status)
         return;
     const QString user = GetUser();
-    TakeAnswer(data, known);
+    const quint64 number = request ? request->property(NUMBER_PROPERTY).toULongLong() : m_iFetches;
+    const bool overtaken = number < m_iAnswered;
+    m_iAnswered = qMax(m_iAnswered, number);
+    TakeAnswer(data, known, overtaken);
     if (GetUser() != user)
         return; // a listener has ended the login
     GetLocalTimestamps();
@@ -266,7 +272,7 @@ void CSettingsSync::RequestSessionIfBehind()
         Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncSend);
 }
 
-void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &settings, quint64 known)
+void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &settings, quint64 known, bool overtaken)
 {
     CSettings *store = CSettings::GetInstance();
     QHash<QString, QVariant> values;
@@ -278,7 +284,8 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &sett
             continue;
         const QString area = setting.value(JSON_AREA).toString();
         const int time = qMax(0, setting.value(JSON_TIME).toInt());
-        if (store->YieldsToChange({nickname, area, key, value, time}, known))
+        const CSettings::SSetting row{nickname, area, key, value, time};
+        if (store->YieldsToChange(row, known) || (overtaken && store->IsOlder(row)))
             continue;
         store->Save(nickname, area, key, value, time);
         values.insert(key.toLower(), value.toString());
@@ -287,9 +294,10 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &sett
     store->SetSettings({}, values, false);
 }
 
-void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known) const
+void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known,
+                                    bool overtaken) const
 {
-    StorePlayerInfos(nickname, infos, known);
+    StorePlayerInfos(nickname, infos, known, overtaken);
     PlayerInfo::LoadAnswered(known);
 }
 
@@ -302,14 +310,15 @@ void CSettingsSync::StampLaterChanges(quint64 known)
 }
 
 // All of them or none: what isn't stored now comes with the next exchange, for the newest local time stays as it is.
-void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known) const
+void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known,
+                                     bool overtaken) const
 {
     const CBusyWait wait(*CPlayerInfoDB::GetInstance(), CBusyWait::RETRY_MS);
     CTransaction transaction(*CPlayerInfoDB::GetInstance());
     if (!transaction.IsBegun())
         return;
     {
-        PlayerInfo::CInserter inserter;
+        PlayerInfo::CInserter inserter(overtaken ? PlayerInfo::NotOlder : PlayerInfo::All);
         for (const QJsonValue &element : infos) {
             const QJsonObject info = element.toObject();
             const QString nick = info.value(JSON_NICK).toVariant().toString();

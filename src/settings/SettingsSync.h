@@ -27,7 +27,8 @@ class CLocalChanges;
 ///
 /// - Each change of the user, of a setting or of a player's note, tag, buddy flag or block, has a number. A request
 ///   carries the number of the last change that its times tell of, and its answer leaves alone what has a later one.
-///   So requests may overlap, fail, and be answered late.
+///   So requests may overlap, fail, and be answered late. Of an answer that a later request's answer has overtaken
+///   no row is taken that is older than the one that is here.
 /// - A change that waits to be written, 250 ms for settings and 3 s for players, is in no time yet, so it counts as
 ///   later than any request. Nothing is written for a request.
 /// - What a login stores again, what a load has changed, a rating and a picture are no changes of the user. A rating
@@ -98,11 +99,11 @@ private:
     bool TakeFinished() const;
     void SetServerTimes(const QJsonObject &answer);
     void RequestSessionIfBehind();
-    void TakeAnswer(const QByteArray &data, quint64 known);
+    void TakeAnswer(const QByteArray &data, quint64 known, bool overtaken);
     void StampLaterChanges(quint64 known);
-    static void TakeSettings(const QString &nickname, const QJsonArray &settings, quint64 known);
-    void TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known) const;
-    void StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known) const;
+    static void TakeSettings(const QString &nickname, const QJsonArray &settings, quint64 known, bool overtaken);
+    void TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known, bool overtaken) const;
+    void StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known, bool overtaken) const;
     QJsonArray GetSettingsToSend(const QString &nickname) const;
     QJsonArray GetPlayerInfosToSend(const QString &nickname) const;
 
@@ -115,6 +116,9 @@ private:
     QString m_strUser; // whose times the server's are
     const QSharedPointer<CLocalChanges> m_changes;
     quint64 m_ulKnownChange; // the last change of the user's of which the local times tell
+
+    quint64 m_iFetches = 0;  // how many first requests have gone out
+    quint64 m_iAnswered = 0; // the last of them whose answer has been taken
 
     static QSharedPointer<CSettingsSync> m_Instance;
 };

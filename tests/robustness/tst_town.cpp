@@ -97,7 +97,7 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
     const SStep lock{machine, "lock"_s, "playerinfo"_s, QString(), 0};
     const SStep free{machine, "free"_s, QString(), QString(), Draw(random, WAITS)};
     const SStep again{machine, "login"_s, user, QString(), 0};
-    switch (random.bounded(5)) {
+    switch (random.bounded(6)) {
     case 0: // a note is kept over a logout
         return {login, lock, {machine, "note"_s, player, "kept"_s, Draw(random, WAITS)}, logout, again, free};
     case 1: { // what is kept, and is no change, meets what another machine has sent
@@ -123,6 +123,14 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
                 {machine, "note"_s, player, "own"_s, 4000},
                 sync,
                 sync};
+    case 4: // an answer comes after that to a later request, which had more to tell
+        return {login,
+                {other, "login"_s, user, QString(), 4000},
+                {other, "note"_s, player, "first"_s, 12000},
+                {machine, "fate"_s, QString::number(CTown::Slow), "11900"_s, 0},
+                {machine, "sync"_s, QString(), QString(), 100},
+                {other, "note"_s, player, "second"_s, 10000},
+                {machine, "sync"_s, QString(), QString(), 12000}};
     default: // what stays on the machine is changed just before an exchange
         return {login,
                 {other, "login"_s, user, QString(), 4000},
