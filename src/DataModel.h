@@ -11,19 +11,19 @@
 class QDataStream;
 class QDebug;
 
-// What all data models have in common. A data model is a QObject of plain fields, and its table names each field
+// The macros that all data models share. A data model is a QObject with plain fields, and its table names each field
 // once: ROW(type, prefix, Name, signalType, default)
 //
-// DATA_MODEL_FIELDS expands the table inside the class. Of a row it makes the member m_prefixName, the property
-// prefixName, GetName(), SetName(), which emits only where the value differs, and signal_NameChanged(signalType). A
-// field that is a pointer to a QObject is guarded: it reads as null once the object is gone, and no stream carries
-// it.
+// DATA_MODEL_FIELDS expands the table inside the class. Each row becomes the member m_prefixName, the property
+// prefixName, GetName(), SetName(), which emits only if the value differs, and signal_NameChanged(signalType). A
+// field that is a pointer to a QObject is held as a QPointer: it reads as null once the object is destroyed, and is
+// never streamed.
 //
-// DATA_MODEL_WATCHED_FIELDS is the same for a class that declares `FieldChanged(EField field)`, which its setters
-// call between the storing of a value and its signal. A class that acts on its own changes so needs no connection to
-// itself, of which each object would have to carry one a field.
+// DATA_MODEL_WATCHED_FIELDS does the same for a class that declares `FieldChanged(EField field)`. Each setter calls
+// it after storing the value and before emitting the signal. A class that acts on its own changes therefore needs no
+// connection to itself, which would cost each object one connection per field.
 //
-// An enumeration travels in a stream as 32 bits; its own operator>> reads it.
+// Streams hold an enumeration as 32 bits; its own operator>> reads it.
 
 namespace DataModel {
 
@@ -59,7 +59,7 @@ using TGetter = std::conditional_t<std::is_same_v<Type, QString>, const QString 
 #define DATA_MODEL_MEMBER(Type, prefix, Name, SignalType, defaultValue) \
     DataModel::TMember<Type> m_##prefix##Name = defaultValue;
 
-// Both stand in the class behind Q_OBJECT; what follows them is private.
+// Place one of these two in the class, after Q_OBJECT. What follows it is private.
 #define DATA_MODEL_FIELDS(Class, TABLE) DATA_MODEL_FIELDS_WITH(Class, TABLE, DATA_MODEL_ACCESS)
 #define DATA_MODEL_WATCHED_FIELDS(Class, TABLE)    \
 protected:                                         \

@@ -7,7 +7,7 @@
 
 #include <cstddef>
 
-// How the source file of a data model expands its table.
+// Expands the table of a data model in its source file.
 
 namespace DataModel {
 
@@ -25,8 +25,8 @@ void Write(QDataStream &, const QPointer<Object> &)
 {
 }
 
-// A field that the stream doesn't hold whole gets its default, not what could be made of its front. The default's
-// type follows from the field's alone.
+// If the stream doesn't hold a field completely, the field gets its default rather than a value made from the first
+// bytes. std::decay_t lets the field alone determine the type.
 template <typename Type>
 void Read(QDataStream &stream, Type &field, const std::decay_t<Type> &defaultValue)
 {
@@ -40,7 +40,7 @@ void Read(QDataStream &, QPointer<Object> &, std::nullptr_t)
 {
 }
 
-// Numbers of a single byte are no characters.
+// Prints an enumeration or a single byte as a number; a byte would be a character.
 template <typename Type>
 void Print(QDebug &debug, const Type &field)
 {
@@ -70,7 +70,7 @@ void PrintLine(QDebug &debug, int line, const char *label, int labelWidth, const
 
 } // namespace DataModel
 
-// Rows of the functions that DATA_MODEL_DEFINE makes, whose names they use.
+// Statements for one row in the functions of DATA_MODEL_DEFINE, whose variables they use.
 #define DATA_MODEL_RESET(Type, prefix, Name, SignalType, defaultValue) Set##Name(defaultValue);
 #define DATA_MODEL_WRITE(Type, prefix, Name, SignalType, defaultValue) \
     DataModel::Write(stream, model.m_##prefix##Name);
@@ -79,8 +79,8 @@ void PrintLine(QDebug &debug, int line, const char *label, int labelWidth, const
 #define DATA_MODEL_PRINT(Type, prefix, Name, SignalType, defaultValue) \
     DataModel::PrintLine(debug, line++, "m_" #prefix #Name, labelWidth, model.m_##prefix##Name);
 
-// Stands in the source file: Reset() and LoadedFromStream(), which the class declares, and its stream operators. A
-// label takes so many columns before its colon.
+// Defines, in the source file of the class, its declared Reset() and LoadedFromStream(), and the stream operators.
+// labelColumns is the width of a label before its colon.
 #define DATA_MODEL_DEFINE(Class, TABLE, labelColumns)                \
     void Class::Reset()                                              \
     {                                                                \

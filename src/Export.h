@@ -2,8 +2,8 @@
 
 #include <QtGlobal>
 
-// Everything in the library is hidden but what bears this macro: host and plugins see the public classes and
-// functions and nothing else.
+// Exports a class or function. Everything else in the library is hidden, so the host and the plugins see the public
+// classes and functions only.
 #if defined(PLUGININTERFACE_LIBRARY)
 #define PLUGININTERFACE_EXPORT Q_DECL_EXPORT
 #else

@@ -7,8 +7,8 @@
 
 namespace Singleton {
 
-// A QObject may be in the middle of delivering one of its own signals when it is destroyed, so it ends at the next
-// turn of the event loop; other classes end at once.
+// A QObject may be emitting one of its own signals when it is released, so it is deleted at the next turn of the
+// event loop. Objects of other classes are deleted at once.
 template <typename T>
 QSharedPointer<T> MakeShared(T *instance)
 {
@@ -20,10 +20,11 @@ QSharedPointer<T> MakeShared(T *instance)
 
 } // namespace Singleton
 
-// Defines the static member m_Instance and the operations GetInstance(), IsExisting() and DestroyInstance() that the
-// class declares. It stands in exactly one source file of the library. In a header, each shared object could end up
-// with an m_Instance of its own, and host and plugins would talk to different objects. Main thread. The constructor
-// must not lead back to GetInstance() of its own class, which would create another one, and so on.
+// Defines the static member m_Instance and the functions GetInstance(), IsExisting() and DestroyInstance(), which the
+// class declares. It is used in exactly one source file of the library: if it were in a header, each shared object
+// could have an m_Instance of its own, and the host and the plugins would use different objects. The functions are
+// for the main thread. The constructor of the class must not call GetInstance() of the class, not even indirectly:
+// that would create objects without end.
 #define PLUGININTERFACE_DEFINE_SINGLETON(Class)            \
     QSharedPointer<Class> Class::m_Instance;               \
     Class *Class::GetInstance()                            \
