@@ -2,15 +2,16 @@
 
 #include <QMetaType>
 
-/// State of the host's link to the game server, as the host tells it to the plugins.
+/// The state of the host's connection to the game server, as the host reports it to the plugins.
 namespace EConnectionState {
 
-/// Travels as four bytes in the event "M2PE" "SCOC". The library hands any value on, known or not.
+/// The states. A state is sent as four bytes in the event "M2PE" "SCOC". The library passes on any value, known or
+/// not.
 enum type : qint32 {
-    Disconnected = 0, ///< No link, and no attempt under way.
-    Connecting = 1,   ///< An attempt is under way.
+    Disconnected = 0, ///< Not connected, and not trying to connect.
+    Connecting = 1,   ///< Trying to connect.
     Connected = 2,    ///< Packets can be sent.
-    Reconnecting = 3, ///< The link was lost; the host tries again by itself.
+    Reconnecting = 3, ///< The connection was lost; the host tries to restore it.
 };
 
 } // namespace EConnectionState

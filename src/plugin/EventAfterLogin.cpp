@@ -9,7 +9,7 @@ namespace {
 
 constexpr int WAIT_MS = 30000;
 
-unsigned int waits = 0; // how many events have begun to wait
+unsigned int waits = 0; // the number of events that have had to wait
 
 } // namespace
 
@@ -38,14 +38,14 @@ void CEventAfterLogin::slot_SendEvent()
     Q_EMIT signal_Event(m_event);
 }
 
-// It is nobody's child until others have heard the cancel: one of them may delete the parent, or send an event that
-// is newer than this one.
+// The object has no parent until the slots that are called by the cancelling have returned: one of them may delete
+// the parent, or send a newer event.
 void CEventAfterLogin::WaitForLogin(QObject *parent)
 {
     CUserInfo *user = CUserInfo::GetInstance();
     const QPointer<QObject> owner = parent;
     const unsigned int wait = ++waits;
-    // Older events that wait hear this; the own connection comes after it.
+    // Drops the older event that waits. This object connects to the signal only afterwards.
     user->EmitLoginCanceled();
     if (!owner || wait != waits) {
         deleteLater();
@@ -54,7 +54,7 @@ void CEventAfterLogin::WaitForLogin(QObject *parent)
     setParent(parent);
     connect(user, &CUserInfo::signal_LoginStateChanged, this, &CEventAfterLogin::slot_LoginStateChanged);
     connect(user, &CUserInfo::signal_LoginCanceled, this, &CEventAfterLogin::Drop);
-    // A coarse timer could take a second and a half longer.
+    // A coarse timer could fire 1.5 s later.
     QTimer::singleShot(WAIT_MS, Qt::PreciseTimer, this, &CEventAfterLogin::Drop);
 }
 
@@ -63,8 +63,8 @@ void CEventAfterLogin::SendFromEventLoop()
     QTimer::singleShot(0, this, &CEventAfterLogin::slot_SendEvent);
 }
 
-// The object may outlive this for a while, where an event loop runs within the one that deletes it; nobody hears it
-// then.
+// A nested event loop may delay the deletion. Nothing may receive the event in the meantime, so the signal is
+// disconnected.
 void CEventAfterLogin::Drop()
 {
     disconnect(this, &CEventAfterLogin::signal_Event, nullptr, nullptr);

@@ -4,21 +4,21 @@
 
 #include <QObject>
 
-/// An event that is kept back until the user is logged in. At most one waits in the whole client: a newer one drops
-/// those before it. It is dropped, too, when the login is cancelled, when a login state of false arrives, and 30 s
-/// after its creation. With a user logged in already it goes out at the next turn of the event loop, and the object
-/// ends after that; one that has waited ends after its 30 s.
+/// An event that is held back until a user is logged in. At most one waits in the whole client: a newer one replaces
+/// it. It is also dropped when the login is cancelled, when a login state of false is reported, and 30 s after its
+/// creation. If a user is already logged in, the event is sent at the next turn of the event loop and the object is
+/// destroyed afterwards. An object that has waited is destroyed after its 30 s.
 class CEventAfterLogin : public QObject
 {
     Q_OBJECT
 
 public:
-    /// \a parent isn't null. It may be deleted while this runs, by somebody who hears that an older event is
-    /// cancelled; the object then ends at the next turn of the event loop.
+    /// Creates a child of \a parent, which isn't null. A slot that reacts to the cancelling of an older event may
+    /// delete \a parent meanwhile; the object is then destroyed at the next turn of the event loop.
     CEventAfterLogin(const CEvent &event, QObject *parent);
 
 Q_SIGNALS:
-    /// The event goes out; never from within the constructor.
+    /// Emitted when \a e is to be sent, never by the constructor.
     void signal_Event(CEvent e);
 
 private Q_SLOTS:

@@ -1,10 +1,10 @@
 #pragma once
 
-// Every event of the bus that the library itself composes or takes apart: ROW(Name, tag1, tag2, payload, meaning)
+// The events of the bus that the library itself creates or reads: ROW(Name, tag1, tag2, payload, meaning)
 //
-// The tags and the reference page of the events are expanded from it. Hosts and plugins compiled elsewhere hold the
-// tags and payloads, so a released row is never changed. Numbers are little-endian; a counted text is 16 bits of
-// length and then its bytes.
+// The tags and the reference page of the events are made from this table. Hosts and plugins that are compiled
+// elsewhere contain the tags and payloads, so a released row never changes. Numbers are little-endian. A counted text
+// is a 16-bit length followed by its bytes.
 // clang-format off
 #define EVENT_TABLE(ROW) \
     ROW(ServerPacket, "P2ME", "RSRV", "the bytes of a packet", "Send it to the game server.") \

@@ -7,23 +7,23 @@
 
 class QDataStream;
 
-/// The vocabulary that the library, the host and every plugin share.
+/// The enumerations that the library, the host and all plugins share.
 ///
-/// The numbers are fixed: packets of the game server and stored streams hold them. Each enumeration is an `int`
-/// underneath, so that any number read from outside is a valid, if unknown, value of it. In QML the enumerators are
-/// reached as `GlobalDefines.MONEYTYPE_DOLLAR` once RegisterQML() was called.
+/// The numbers are fixed because packets of the game server and stored streams contain them. Each enumeration is
+/// based on `int`, so any number read from outside is a valid, if unknown, value of it. After RegisterQML(), QML code
+/// refers to an enumerator as `GlobalDefines.MONEYTYPE_DOLLAR`.
 class PLUGININTERFACE_EXPORT GlobalDefines : public QObject
 {
     Q_OBJECT
-    // For the description that QML tools read; the type itself is registered by RegisterQML().
+    // QML tools read this for their description of the type. RegisterQML() registers the type itself.
     Q_CLASSINFO("QML.Element", "GlobalDefines")
 
 public:
-    /// An amount in the smallest unit of its MoneyType: hundredths, but whole chips for MONEYTYPE_PLAY and
+    /// An amount in the smallest unit of its MoneyType: hundredths, or whole chips for MONEYTYPE_PLAY and
     /// MONEYTYPE_TOURN.
     using MoneyValue = unsigned int;
 
-    /// ASCII codes of the server's one-letter money code.
+    /// The types of money, as ASCII codes of the server's letters.
     enum MoneyType : int {
         MONEYTYPE_DOLLAR = 'R',
         MONEYTYPE_PLAY = 'P',
@@ -34,7 +34,7 @@ public:
     };
     Q_ENUM(MoneyType)
 
-    /// ASCII codes of the server's one-letter limit code.
+    /// The betting limits, as ASCII codes of the server's letters.
     enum LimitType : int {
         LT_NO_LIMIT = 'N',
         LT_POT_LIMIT = 'P',
@@ -42,7 +42,7 @@ public:
     };
     Q_ENUM(LimitType)
 
-    /// ASCII codes of the server's one-letter table code.
+    /// The types of tables, as ASCII codes of the server's letters.
     enum TableType : int {
         TT_NORMAL = 'N',
         TT_PRIVATE = 'P',
@@ -52,7 +52,7 @@ public:
     };
     Q_ENUM(TableType)
 
-    /// Games; for the server's four letters see Globals::GetGameType().
+    /// The games. Globals::GetGameType() converts the server's codes of four letters.
     enum GameType : int {
         GT_HOLDEM = 1,
         GT_OMAHA = 2,
@@ -67,7 +67,7 @@ public:
     };
     Q_ENUM(GameType)
 
-    /// How a table came to be opened; single bits.
+    /// The ways in which a table was opened, as single bits.
     enum TableConnectTypes : int {
         TCT_Standard = 1,
         TCT_Reseated = 2,
@@ -75,7 +75,7 @@ public:
     };
     Q_ENUM(TableConnectTypes)
 
-    /// How far a tournament is, in the server's numbers.
+    /// The status of a tournament, in the server's numbers.
     enum TournamentStatus : int {
         TRNSTATUS_ANNOUNCED = 1,
         TRNSTATUS_REGISTERING = 2,
@@ -96,7 +96,7 @@ public:
     };
     Q_ENUM(TournamentStatus)
 
-    /// Kinds of tournaments, in the server's numbers.
+    /// The types of tournaments, in the server's numbers.
     enum TournamentType : int {
         TRNTYPE_Regular = 1,
         TRNTYPE_Satellite = 2,
@@ -109,7 +109,7 @@ public:
     };
     Q_ENUM(TournamentType)
 
-    /// How a countdown is written.
+    /// The formats of a countdown.
     enum CountdownStringType : int {
         CST_Normal = 0,
         CST_MinAndSecs = 1,
@@ -117,7 +117,7 @@ public:
     };
     Q_ENUM(CountdownStringType)
 
-    /// In which directions a window lies outside the screen; used as QFlags.
+    /// The directions in which a window lies outside the screen; used as QFlags.
     enum ScreenPositionOutside : int {
         SPO_None = 0,
         SPO_Horizontal = 1,
@@ -133,8 +133,8 @@ public:
     static void RegisterQML();
 };
 
-/// Reads one signed 32-bit integer straight into the enumeration: whatever number the stream holds, without a
-/// range check, and 0 at the stream's end. Writing an enumeration needs no operator of its own.
+/// Reads a signed 32-bit integer into \a value, without a range check; at the end of the stream \a value becomes 0.
+/// Writing an enumeration needs no operator of its own.
 /// @{
 PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, GlobalDefines::MoneyType &value);
 PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, GlobalDefines::LimitType &value);
@@ -142,40 +142,40 @@ PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, GlobalDefine
 PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, GlobalDefines::GameType &value);
 /// @}
 
-/// Free functions of several headers. What those of a header have in common, their thread above all, stands with the
-/// file; those of plugin/GlobalDefines.h turn the shared enumerations into server codes and translation keys, and
-/// back, have no state, and may be called from any thread.
+/// Free functions that are declared in several headers. The page of each file says what its functions have in common,
+/// above all their thread. Those of plugin/GlobalDefines.h convert between the shared enumerations and server codes,
+/// and from both to translation keys. They have no state and may be called from any thread.
 namespace Globals {
 
-/// The money type of a server letter, MONEYTYPE_UNKNOWN for a letter that is none.
+/// Returns the type of money for a letter of the server, or MONEYTYPE_UNKNOWN for an unknown letter.
 PLUGININTERFACE_EXPORT GlobalDefines::MoneyType GetMoneyType(char letter);
-/// The limit of a server letter, LT_NO_LIMIT for a letter that is none.
+/// Returns the limit for a letter of the server, or LT_NO_LIMIT for an unknown letter.
 PLUGININTERFACE_EXPORT GlobalDefines::LimitType GetLimitType(char letter);
-/// The table type of a server letter, TT_NORMAL for a letter that is none.
+/// Returns the type of table for a letter of the server, or TT_NORMAL for an unknown letter.
 PLUGININTERFACE_EXPORT GlobalDefines::TableType GetTableType(char letter);
-/// The game of a server code. Case and everything behind the fourth character are ignored; an unknown code is
-/// GT_HOLDEM.
+/// Returns the game for a code of the server, or GT_HOLDEM for an unknown code. Ignores case and all characters after
+/// the fourth.
 PLUGININTERFACE_EXPORT GlobalDefines::GameType GetGameType(const QString &code);
-/// Writes the server code of \a type, exactly four letters without a terminator, to \a code. An unknown game leaves
-/// the buffer as it is.
+/// Writes the server's code for \a type to \a code: exactly four letters, without a terminator. Leaves the buffer
+/// unchanged for an unknown game.
 PLUGININTERFACE_EXPORT void GetGameType(GlobalDefines::GameType type, char *code);
 
-/// Translation key of a game's name, empty for an unknown game.
+/// Returns the translation key of a game's name, or an empty string for an unknown game.
 PLUGININTERFACE_EXPORT QString GetGameNameKey(GlobalDefines::GameType type);
-/// The same for a server code, where an unknown code reads as Hold'em.
+/// Returns the translation key of the game's name for a code of the server. An unknown code counts as Hold'em.
 PLUGININTERFACE_EXPORT QString GetGameNameKey(QString code);
-/// Translation key of a limit, in its long or short form; empty for an unknown limit.
+/// Returns the translation key of a limit in its long or short form, or an empty string for an unknown limit.
 PLUGININTERFACE_EXPORT QString GetLimitKey(GlobalDefines::LimitType limit, bool shortForm);
-/// The same for the server's letter.
+/// Returns the translation key of the limit for a letter of the server, in its long or short form.
 PLUGININTERFACE_EXPORT QString GetLimitKey(QChar letter, bool shortForm);
-/// Translation key of a month, 1 to 12; empty for any other number.
+/// Returns the translation key of \a month, 1 to 12, or an empty string for any other number.
 PLUGININTERFACE_EXPORT QString GetMonthKey(int month);
-/// Translation key of a GlobalDefines::TournamentStatus. Transitional statuses read as the one a player knows;
-/// "UNKNOWN" for any other number.
+/// Returns the translation key of a GlobalDefines::TournamentStatus, or "UNKNOWN" for any other number. A
+/// transitional status has the key of the status that players know.
 PLUGININTERFACE_EXPORT QString GetTournamentStatusLongKey(int status);
 
-/// English name of a game with its limit, such as "NL Hold'em". It is not translated. Fixed and unknown limits have
-/// no prefix, an unknown game has no name.
+/// Returns the English name of a game with its limit, such as "NL Hold'em". The name is not translated. Fixed and
+/// unknown limits have no prefix, and an unknown game has no name.
 PLUGININTERFACE_EXPORT QString GetUntranslatedGameName(GlobalDefines::GameType type, GlobalDefines::LimitType limit);
 
 } // namespace Globals

@@ -44,7 +44,7 @@ CPacketLayerWrapper::CPacketLayerWrapper(const char *packet)
 
 void CPacketLayerWrapper::SetPacket(const char *packet)
 {
-    // The bytes may be this object's own, so the old buffer lives until they are copied.
+    // The bytes may belong to this object, so the old buffer is kept until they are copied.
     std::vector<char> bytes;
     if (packet) {
         const auto size = qFromLittleEndian<quint16>(packet + ucPacketSizePos);
@@ -66,7 +66,7 @@ bool CPacketLayerWrapper::AddPacket(const char *data, unsigned short length)
     const size_t oldSize = m_buffer.size();
     const char *buffer = m_buffer.data();
     if (std::less_equal<>()(buffer, data) && std::less<>()(data, buffer + oldSize)) {
-        // Growing would pull the buffer away from under its own bytes.
+        // Resizing the buffer would invalidate data, which points into it.
         const std::vector<char> payload(data, data + length);
         return AddPacket(payload.data(), length);
     }

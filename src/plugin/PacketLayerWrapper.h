@@ -9,80 +9,85 @@
 #include <algorithm>
 #include <vector>
 
-/// Offset of the 16-bit packet size within a packet; whoever reads packets off a byte stream needs these two bytes.
+/// The offset of the 16-bit packet size within a packet. Code that splits a byte stream into packets reads it there.
 inline constexpr unsigned short ucPacketSizePos = 9;
 
-/// One packet of the game server or the web server: builds it, or walks the records of one that arrived.
+/// Builds a packet for the game server or the web server, or reads the records of a received one.
 ///
-/// A packet is an 11-byte header (group, module id, target id, packet size) and a chain of records; a record is a
-/// 16-bit length that counts itself, and a payload whose first four bytes are its tag. All numbers are little-endian.
-/// A packet holds at most 32767 bytes, header included.
+/// A packet is an 11-byte header (group, module id, target id, packet size) followed by records. A record is a 16-bit
+/// length, which counts itself, and a payload whose first four bytes are its tag. All numbers are little-endian. A
+/// packet has at most 32767 bytes, including the header.
 ///
-/// To build: construct with group, module and target, then AddPacket(). The cursor stands on the first record.
-/// To read: construct from the bytes, or SetPacket(); then, as long as GetNext() answers true, ask for the payload.
+/// To build a packet, construct it with group, module and target, then call AddPacket(). The cursor is at the first
+/// record. To read a packet, construct it from the bytes or call SetPacket(), then read the payload as long as
+/// GetNext() returns true.
 ///
-/// Bytes from outside are never trusted. A packet size below 11 or above 32767 makes an empty object. A record whose
-/// length is below 2 or runs past the packet ends the walk like the end of the packet: it and what lies behind it are
-/// not delivered. While the cursor stands on no record there is no payload, and its length is 0.
+/// Bytes from outside are never trusted. A packet size below 11 or above 32767 makes the object empty. A record whose
+/// length is below 2 or exceeds the packet counts as the end of the packet: this record and everything after it are
+/// not returned. While the cursor is at no record, there is no payload and its length is 0.
 ///
-/// Copies are deep; an object that was moved from is empty. Not safe for use by two threads at once.
+/// Copies are deep. A moved-from object is empty. Two threads must not use an object at the same time.
 class PLUGININTERFACE_EXPORT CPacketLayerWrapper
 {
 public:
-    static constexpr unsigned short HEADER_SIZE = 11;        ///< Bytes before the first record.
-    static constexpr unsigned short MAX_PACKET_SIZE = 32767; ///< Bytes, header included.
-    static constexpr unsigned short RECORD_LENGTH_SIZE = 2;  ///< Bytes of a record's length, which counts itself.
+    static constexpr unsigned short HEADER_SIZE = 11;        ///< The size of the header in bytes.
+    static constexpr unsigned short MAX_PACKET_SIZE = 32767; ///< The largest packet in bytes, header included.
+    static constexpr unsigned short RECORD_LENGTH_SIZE = 2;  ///< The size of a record's length, in bytes.
 
-    /// An empty object: no buffer, size 0.
+    /// Creates an empty object, with no buffer and size 0.
     CPacketLayerWrapper() = default;
-    /// Starts a packet. Of \a group four bytes are taken; a shorter one is filled up with zero bytes.
+    /// Starts a packet. Uses the first four bytes of \a group; a shorter one is padded with zero bytes.
     CPacketLayerWrapper(const char *group, unsigned char moduleID, unsigned int targetID);
-    /// The same with the Latin-1 form of \a group.
+    /// Starts a packet. Uses the first four bytes of \a group in Latin-1; a shorter one is padded with zero bytes.
     CPacketLayerWrapper(const QString &group, unsigned char moduleID, unsigned int targetID);
-    /// Reads a copy of \a packet, see SetPacket().
+    /// Creates an object that reads a copy of \a packet, see SetPacket().
     explicit CPacketLayerWrapper(const char *packet);
 
-    /// Replaces the packet by a copy of \a packet and stands before its first record. The caller's buffer holds at
-    /// least the 11 header bytes and is as long as its size field says. Null, or a size that no packet can have,
-    /// makes the object empty.
+    /// Replaces the packet with a copy of \a packet and sets the cursor before its first record. The caller's buffer
+    /// holds at least the 11 bytes of the header and is as long as its size field says. If \a packet is null or has
+    /// an invalid size, the object becomes empty.
     void SetPacket(const char *packet);
 
-    /// Appends one record with \a length payload bytes. False, with nothing changed, if the object is empty, the
-    /// packet would pass 32767 bytes, or \a data is null although \a length is not 0. The cursor doesn't move.
-    /// Behind a broken chain of records that was read, the walk doesn't reach the new one.
+    /// Appends a record with a payload of \a length bytes. Returns false and changes nothing if the object is empty,
+    /// if the packet would exceed 32767 bytes, or if \a data is null although \a length is not 0. The cursor doesn't
+    /// move. If the packet was read and contains an invalid record, GetNext() doesn't reach the new one.
     bool AddPacket(const char *data, unsigned short length);
 
-    /// Moves to the next record; true if there is one.
+    /// Moves the cursor to the next record. Returns whether there is one.
     bool GetNext();
 
-    /// The packet's bytes, null if empty. Owned by the object and valid until it is changed.
+    /// Returns the bytes of the packet, or null if the object is empty. The object owns them; they are valid until it
+    /// is changed.
     char *GetPacket();
-    /// The packet size of the header, 0 if empty.
+    /// Returns the packet size from the header, or 0 if the object is empty.
     unsigned short GetPacketSize() const;
-    /// The group's letters up to the first zero byte, empty if the object is.
+    /// Returns the letters of the group up to the first zero byte, or an empty string if the object is empty.
     QString GetGroup() const;
-    /// 0 if the object is empty.
+    /// Returns the module id, or 0 if the object is empty.
     unsigned char GetModuleID() const;
-    /// 0 if the object is empty.
+    /// Returns the target id, or 0 if the object is empty.
     unsigned int GetTargetID() const;
 
-    /// Payload of the current record, tag included; null if there is none. Valid until the object is changed.
+    /// Returns the payload of the current record, including the tag, or null if there is none. Valid until the object
+    /// is changed.
     char *GetPayload();
-    /// Bytes of the current payload, 0 if there is none.
+    /// Returns the length of the current payload in bytes, or 0 if there is none.
     unsigned short GetPayloadLength() const;
-    /// The first four bytes of the current payload, or fewer where it is shorter, up to the first zero byte.
+    /// Returns the tag of the current payload: its first four bytes, or fewer if it is shorter, up to the first zero
+    /// byte.
     QString GetPayloadTag() const;
 
 private:
     int GetRecordLength() const;
 
-    std::vector<char> m_buffer;    // always exactly the packet
-    unsigned short m_usCursor = 0; // offset of the current record; 0 is before the first
+    std::vector<char> m_buffer;    // exactly the bytes of the packet
+    unsigned short m_usCursor = 0; // offset of the current record, or 0 before the first one
 };
 
-// A walk's steps are inline, calls would take several times as long.
+// The functions that read a packet are inline because calls would take several times as long.
 
-// The length of the whole record at the cursor, 0 if none lies there. Nothing of a record is read before this check.
+// Returns the length of the whole record at the cursor, or 0 if there is none. Nothing of a record is read before
+// this check.
 inline int CPacketLayerWrapper::GetRecordLength() const
 {
     const int available = static_cast<int>(m_buffer.size()) - m_usCursor;

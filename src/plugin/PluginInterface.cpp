@@ -50,14 +50,14 @@ void AppendLittleEndian(QByteArray &data, Number value)
     data.append(bytes, sizeof bytes);
 }
 
-// The payload may be shorter than its event wants; it reads as 0 then.
+// A payload that is too short for its event counts as 0.
 template <typename Number>
 Number ReadLittleEndian(const QByteArray &data)
 {
     return data.size() < int(sizeof(Number)) ? Number(0) : qFromLittleEndian<Number>(data.constData());
 }
 
-// A 16-bit count of the bytes, then the bytes.
+// Appends the number of bytes, in 16 bits, and then the bytes.
 void AppendCounted(QByteArray &data, const QByteArray &bytes)
 {
     AppendLittleEndian(data, static_cast<quint16>(bytes.size()));
@@ -69,7 +69,7 @@ QByteArray ToUtf8WithinCount(const QString &text)
     QByteArray bytes = text.toUtf8();
     if (bytes.size() <= MAX_COUNTED_BYTES)
         return bytes;
-    // The byte at the cut has to begin a character; those that continue one look like 10xxxxxx.
+    // The first byte that is cut off must begin a character. Continuation bytes have the form 10xxxxxx.
     int length = MAX_COUNTED_BYTES;
     while (length > 0 && (static_cast<unsigned char>(bytes.at(length)) & 0xC0u) == 0x80u)
         --length;
@@ -87,7 +87,7 @@ QString TextUpToZero(const QByteArray &data)
 
 CPluginInterfaceFunctions::CPluginInterfaceFunctions()
 {
-    // A queued delivery finds the type by its name.
+    // Queued connections look up the type by its name.
     qRegisterMetaType<CEvent>("CEvent");
     connect(this, &CPluginInterfaceFunctions::signal_ReceiveEvent, this,
             &CPluginInterfaceFunctions::slot_ReceiveEvent, Qt::AutoConnection);
@@ -122,8 +122,8 @@ void CPluginInterfaceFunctions::SendInternEvent(CEvent e, bool afterLogin)
         Q_EMIT signal_SendEvent(e);
         return;
     }
-    // The host may delete the plugin when it is asked for the dialog, and whoever hears that an older event is
-    // cancelled may do so too.
+    // The host may delete the plugin when it is asked for the dialog. So may a slot that reacts to the cancelling of
+    // an older event.
     const QPointer<CPluginInterfaceFunctions> self = this;
     OpenLoginDialog();
     if (!self)
@@ -244,7 +244,7 @@ CPluginInterface::CPluginInterface() = default;
 
 CPluginInterface::~CPluginInterface() = default;
 
-// A plugin overrides what it cares about.
+// Does nothing by default; a plugin overrides the functions that it needs.
 void CPluginInterface::ReceiveEvent(CEvent) {}
 
 void CPluginInterface::RegisterForEvents() {}

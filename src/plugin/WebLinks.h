@@ -5,8 +5,8 @@
 /// The web pages that the host can open, or for which it can get a web session.
 namespace WebLinks {
 
-/// Travels as four bytes in the event "P2ME" "WLID". The library hands any value on, known or not; the address of a
-/// page is the operator's. A released number is never given to another page.
+/// The pages. A page is sent as four bytes in the event "P2ME" "WLID". The library passes on any value, known or not.
+/// The operator determines the address of a page. A released number is never given to another page.
 enum id : qint32 {
     NoPage = 0,
 
@@ -56,7 +56,7 @@ enum id : qint32 {
     Security = 37,
 
     // Sessions for the synchronisation of settings; no page is shown for them.
-    SettingsSyncFetch = 38, ///< The first request behind a login.
+    SettingsSyncFetch = 38, ///< The first request after a login.
     SettingsSyncSend = 39,  ///< Sending local changes.
 
     Terms = 40,
