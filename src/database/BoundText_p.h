@@ -2,16 +2,17 @@
 
 #include <QString>
 
-/// Texts on their way into a statement. SQLite takes them as UTF-16, drops a byte order mark at their beginning, and
-/// joins half a surrogate pair with whatever character follows it.
+/// Functions for texts that are bound to a statement. SQLite takes them as UTF-16, drops a leading byte order mark,
+/// and combines half a surrogate pair with the character that follows it.
 namespace BoundText {
 
-/// What the file gives back of \a text once it is stored: each half of a surrogate pair and each of the two
-/// characters that Unicode reserves has become U+FFFD. Never null. Compare this with what is stored.
+/// Returns \a text as the file returns it once it is stored: each single half of a surrogate pair and each of the two
+/// reserved Unicode characters becomes U+FFFD. Never null. Compare stored texts with this.
 QString Stored(const QString &text);
 
-/// \a text to be bound to a statement, which then holds Stored(\a text): not null, which would be bound as NULL and
-/// equal no text, and with a byte order mark that SQLite may drop where it begins with one itself.
+/// Returns the value to bind to a statement so that it stores Stored(\a text). It is never null, because null would
+/// be bound as NULL, which equals no text. A text that begins with a byte order mark gets a second one for SQLite to
+/// drop.
 QString ToBind(const QString &text);
 
 } // namespace BoundText

@@ -4,15 +4,15 @@
 
 class CLocalDB;
 
-/// For its lifetime, how long a statement of the database waits where another connection keeps the file locked. What
-/// a timer tries is to wait shortly, and to come again: the event loop stands still meanwhile.
+/// Limits, for its lifetime, how long a statement of the database waits while another connection keeps the file
+/// locked. A timer's slot waits briefly and tries again later, because waiting blocks the event loop.
 class CBusyWait
 {
 public:
-    static constexpr int RETRY_MS = 100; ///< How long what a timer tries may wait.
+    static constexpr int RETRY_MS = 100; ///< The longest wait in a timer's slot.
 
-    /// Milliseconds until what couldn't be written is tried again, after the pause before: from 1 s on each time
-    /// twice as long, up to 30 s.
+    /// Returns the milliseconds until a failed write is tried again. \a pauseMs is the previous pause; each pause is
+    /// twice as long as the one before, from 1 s up to 30 s.
     static int GetNextPause(int pauseMs);
 
     CBusyWait(CLocalDB &database, int ms);

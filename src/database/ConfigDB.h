@@ -4,19 +4,19 @@
 
 #include <QSharedPointer>
 
-/// The operator's configuration, which comes with an installation and is only read. The host calls Init() once before
-/// anybody uses it.
+/// The database with the operator's configuration, which is installed and only read. The host calls Init() once
+/// before any use.
 class PLUGININTERFACE_EXPORT CConfigDB : public CLocalDB
 {
 public:
-    /// Creates the object on first use and opens nothing; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it. Opens nothing.
     static CConfigDB *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// Deletes the object at once; its connection stays open.
+    /// Deletes the object at once. Its connection stays open.
     static void DestroyInstance();
 
-    /// The one table, of keys and values.
+    /// The name of the only table, which holds keys and values.
     static const QString strTableName;
 
 private:

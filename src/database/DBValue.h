@@ -5,10 +5,10 @@
 #include <QString>
 #include <QVariant>
 
-/// Typed conversions of database values. No state, any thread.
+/// Converts database values to types. The functions have no state and may be called from any thread.
 namespace DBValue {
 
-/// The kinds of values, with the numbers that databases hold.
+/// The types of values, with the numbers that databases contain.
 enum DBConfigType : qint32 {
     DBT_Bool = 0,
     DBT_Int = 1,
@@ -16,8 +16,8 @@ enum DBConfigType : qint32 {
     DBT_String = 3,
 };
 
-/// Converts \a value and answers whether that worked; \a type has no effect. For ToBool() everything but
-/// "false", "off", "no" and "0", in any case, is true.
+/// Converts \a value and returns whether that succeeded. \a type is ignored. ToBool() converts everything to true
+/// except "false", "off", "no" and "0", in any case.
 /// @{
 PLUGININTERFACE_EXPORT bool ToBool(bool &out, const QVariant &value, DBConfigType type);
 PLUGININTERFACE_EXPORT bool ToInt(int &out, const QVariant &value, DBConfigType type);
@@ -25,11 +25,11 @@ PLUGININTERFACE_EXPORT bool ToDouble(double &out, const QVariant &value, DBConfi
 PLUGININTERFACE_EXPORT bool ToString(QString &out, const QVariant &value, DBConfigType type);
 /// @}
 
-/// The kind of a variant; all but bool, int and double are strings.
+/// Returns the type of \a value: DBT_String unless it is a bool, an int or a double.
 PLUGININTERFACE_EXPORT DBConfigType ToType(const QVariant &value);
-/// The kind that a stored number names; DBT_String if it names none.
+/// Returns the type for a stored number, or DBT_String if the number is unknown.
 PLUGININTERFACE_EXPORT DBConfigType ToTypeFromDB(const QVariant &value);
-/// "bool", "int", "double" or "string"; empty for any other number.
+/// Returns "bool", "int", "double" or "string", or an empty string for any other number.
 PLUGININTERFACE_EXPORT QString ToTypeString(DBConfigType type);
 
 } // namespace DBValue

@@ -4,21 +4,21 @@
 
 #include <QSharedPointer>
 
-/// The lobby's lists, kept by the plugins: ring games, sit-and-gos and tournaments. The host calls Init() once before
-/// anybody uses it.
+/// The database of the lobby's lists, maintained by the plugins: ring games, sit-and-gos and tournaments. The host
+/// calls Init() once before any use.
 class PLUGININTERFACE_EXPORT CLobbyListDB : public CLocalDB
 {
 public:
-    /// Creates the object on first use and opens nothing; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it. Opens nothing.
     static CLobbyListDB *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// Deletes the object at once; its connection stays open.
+    /// Deletes the object at once. Its connection stays open.
     static void DestroyInstance();
 
-    static const QString strTableNameTable; ///< Tables of ring games.
-    static const QString strTableNameSNG;   ///< Sit-and-gos.
-    static const QString strTableNameTourn; ///< Tournaments.
+    static const QString strTableNameTable; ///< The table of ring games.
+    static const QString strTableNameSNG;   ///< The table of sit-and-gos.
+    static const QString strTableNameTourn; ///< The table of tournaments.
 
 protected:
     unsigned int GetMaxVersion() override;

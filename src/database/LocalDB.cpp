@@ -20,14 +20,14 @@ const QLatin1String INFO_KEY("DBI_cKey");
 const QLatin1String INFO_VALUE("DBI_cValue");
 const QLatin1String VERSION_KEY("version");
 
-// Part of the file format to the character: CreateTable() compares it with what is stored.
+// This text is part of the file format: CreateTable() compares it with the stored statement, character by character.
 const QLatin1String
     CREATE_INFO_TABLE("CREATE TABLE tbl_dbinfo (  DBI_cKey CHAR(30) PRIMARY KEY, -- key of the dbinfo entry\n"
                       "  DBI_cValue CHAR(1024) -- value for the dbinfo entry\n"
                       ")");
 
-// Of a connection's driver: that Init() has opened it. Nothing else may open a file, which could be a new and empty
-// one.
+// Set on the driver of a connection that Init() has opened. Nothing else may open a file, because that could create a
+// new and empty one.
 const char OPENED_PROPERTY[] = "opened";
 
 QString Quoted(const QString &name)
@@ -35,7 +35,7 @@ QString Quoted(const QString &name)
     return QLatin1Char('\'') + name + QLatin1Char('\'');
 }
 
-// column=? for each pair, as a condition or a list of assignments; the values join those to be bound.
+// Returns column=? for each pair, as a condition or a list of assignments. Appends the values to be bound to values.
 QString Equations(const TRow &pairs, QLatin1String separator, QVariantList &values)
 {
     QStringList equations;
@@ -52,7 +52,7 @@ QString Condition(const TRow &where, QVariantList &values)
     return where.isEmpty() ? QString() : QLatin1String(" WHERE ") + Equations(where, QLatin1String(" AND "), values);
 }
 
-// Every value as its text.
+// Binds every value as text.
 bool ExecQuery(QSqlQuery &query, const QString &sql, const QVariantList &values)
 {
     if (!query.prepare(sql))
@@ -67,8 +67,8 @@ void EnforceForeignKeys(const QSqlDatabase &connection)
     QSqlQuery(connection).exec(QStringLiteral("PRAGMA foreign_keys = ON"));
 }
 
-// With the log, and only with it, the file is safe though not each commit waits for the disk. Where another program
-// holds the file just now, it's left to that one.
+// Only with the log is the file safe without each commit waiting for the disk. If another program holds the file, the
+// mode is left to that program.
 void StartWriteAheadLog(const QSqlDatabase &connection)
 {
     QSqlQuery query(connection);
@@ -92,7 +92,7 @@ CLocalDB::~CLocalDB() = default;
 
 bool CLocalDB::Init()
 {
-    // Not IsOpen(), which would open a file whose opening failed before, and leave it at its old version.
+    // IsOpen() would open a file that failed to open before, and leave it at its old version.
     if (QSqlDatabase::database(m_strDatabase, false).isOpen())
         return true;
     if (!Open())
@@ -152,7 +152,7 @@ bool CLocalDB::SelectAll(QList<QHash<QString, QVariant>> &rows, QString table, Q
     QSqlQuery query = GetQuery();
     if (!ExecQuery(query, sql, values))
         return false;
-    // The names are those of the result, the same for each row.
+    // The names of the result are the same for each row.
     const QSqlRecord record = query.record();
     QStringList names;
     for (int column = 0; column < record.count(); ++column)
@@ -209,7 +209,7 @@ bool CLocalDB::Exec(const QString &sql)
 QSqlQuery CLocalDB::GetQuery()
 {
     const QSqlDatabase connection = GetConnection();
-    // Without a connection it isn't the host's default one that is asked.
+    // An invalid connection would make the query use the host's default connection.
     QSqlQuery query = connection.isValid() ? QSqlQuery(connection) : QSqlQuery(static_cast<QSqlResult *>(nullptr));
     query.setForwardOnly(true);
     return query;
@@ -275,7 +275,7 @@ bool CLocalDB::Open()
 {
     if (m_bFileRequired && !QFile::exists(m_strDatabase))
         return false;
-    // After an attempt that failed the entry is there already.
+    // After a failed attempt the connection is still registered.
     QSqlDatabase connection = QSqlDatabase::contains(m_strDatabase)
                                   ? QSqlDatabase::database(m_strDatabase, false)
                                   : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_strDatabase);
@@ -292,7 +292,7 @@ bool CLocalDB::Open()
     return IsOpen();
 }
 
-// So that nothing waits for the file's lock again.
+// Closes the connection so that nothing waits for the file's lock again.
 void CLocalDB::Close() const
 {
     QSqlDatabase connection = GetConnection();
@@ -300,8 +300,8 @@ void CLocalDB::Close() const
     connection.close();
 }
 
-// Whether the file is known to have a log, but none could be written beside it. SQLite would refuse to read it then,
-// unless it is told that nobody writes.
+// Returns whether the file uses a log but no log can be created next to it. SQLite would then refuse to read it
+// unless it is told that nothing writes to it.
 bool CLocalDB::IsReadOnlyLog() const
 {
     const QFileInfo file(m_strDatabase);
@@ -324,7 +324,7 @@ CLocalDB::EOutcome CLocalDB::BringToMaxVersion()
 CLocalDB::EOutcome CLocalDB::ClimbToMaxVersion()
 {
     CTransaction transaction(*this);
-    // Another client may have climbed while this one waited for the lock.
+    // Another client may have upgraded the file while this one waited for the lock.
     unsigned int version = 0;
     if (!transaction.IsBegun() || GetDBVersion(version) != EOutcome::Done)
         return GetOutcome(transaction.GetError());
@@ -340,8 +340,8 @@ CLocalDB::EOutcome CLocalDB::CreateDBInfoTable()
     CTransaction transaction(*this);
     if (!transaction.IsBegun())
         return GetOutcome(transaction.GetError());
-    // Another client may have made the table meanwhile. What is there counts: a file taken for a new one would lose
-    // its tables on the climb.
+    // Another client may have created the table in the meantime. Its version counts: a file taken for a new one would
+    // lose its tables in the upgrade.
     unsigned int version = 0;
     if (!CreateTable(CREATE_INFO_TABLE, INFO_TABLE) || (GetDBVersion(version) != EOutcome::Done && !SetDBVersion(0)))
         return EOutcome::Failed;

@@ -12,90 +12,93 @@
 
 class CTransaction;
 
-/// One SQLite file: opens it, brings it to the schema version that the code knows, and builds the everyday statements
-/// from a table name and hashes of column names and values.
+/// An SQLite file. The class opens it, upgrades it to the schema version that the code knows, and builds common
+/// statements from a table name and hashes of column names and values.
 ///
-/// A failure is a plain `false`, without a reason. Every operation answers `false` while the file isn't open; until
-/// Init() has opened it that is always so. Values of any kind are written as text, to the character but for halves of
-/// surrogate pairs and the two characters that Unicode reserves, which become U+FFFD; the column's affinity turns
-/// them into numbers. Table and column names come from the program and are not escaped.
+/// On failure a function returns false, without a reason. All functions return false while the file isn't open, and
+/// so always before Init() has opened it. Values of any type are written as text. The text is kept exactly, except
+/// that single halves of surrogate pairs and the two reserved Unicode characters become U+FFFD. The affinity of a
+/// column turns texts into numbers. Table and column names come from the program and are not escaped.
 ///
-/// The Qt connection bears the file's path as name and stays open until the process ends; the object doesn't close
-/// it, and a later object for the same path finds it open. Qt binds it to the thread that opened it, which for the
-/// library's databases is the main thread.
+/// The Qt connection is named after the file's path and stays open until the process ends. The object doesn't close
+/// it, and a later object for the same path uses it again. The connection belongs to the thread that opened it, which
+/// is the main thread for the databases of the library.
 class PLUGININTERFACE_EXPORT CLocalDB
 {
 public:
-    /// Opens nothing. With \a fileRequired the file is never created. With \a fileRequired or \a unversioned it is
-    /// used as it is: its version is neither read nor written.
+    /// Creates the object without opening the file. If \a fileRequired is true, the file is never created. If it or
+    /// \a unversioned is true, the file is used as it is: its version is neither read nor written.
     CLocalDB(const QString &path, bool fileRequired, bool unversioned);
     virtual ~CLocalDB();
     Q_DISABLE_COPY_MOVE(CLocalDB)
 
-    /// Opens the file and climbs from its version to GetMaxVersion() in one transaction: if a step fails, nothing of
-    /// the climb is left, and the file stays open at its old version. A file of a newer version is used unchanged.
-    /// Called again on an open file it does nothing and answers true, also where a step has failed before. A file
-    /// that another program has locked is waited for, up to 5 s; if it is still locked then, the answer is false and
-    /// the file isn't open, so that nothing else waits for it, and another Init() begins anew.
+    /// Opens the file and upgrades it from its version to GetMaxVersion() in one transaction. If a step fails,
+    /// nothing of the upgrade is kept, and the file stays open at its old version. A file with a newer version is
+    /// used unchanged. If the file is already open, the function does nothing and returns true, even after a failed
+    /// step. If another program has locked the file, the function waits up to 5 s. If the file is still locked then,
+    /// it returns false and the file isn't open, so that nothing else waits for it; Init() can be called again.
     bool Init();
-    /// Whether Init() has opened the file. A connection that somebody has closed since is opened again, here and by
-    /// each operation below.
+    /// Returns whether Init() has opened the file. If the connection has been closed since, this function and each
+    /// one below opens it again.
     bool IsOpen();
 
-    /// Creates the table \a name by the whole CREATE statement \a sql. A table whose stored statement equals it to
-    /// the character stays; any other table of that name is dropped first, with its rows.
+    /// Creates the table \a name with the complete CREATE statement \a sql. A table whose stored statement is exactly
+    /// equal is kept. Any other table of that name is dropped first, with its rows.
     bool CreateTable(const QString &sql, const QString &name);
 
-    /// The first row that fits; \a row is left alone if there is none.
+    /// Selects the first row that matches \a where. Leaves \a row unchanged if there is none.
     bool SelectOne(QHash<QString, QVariant> &row, QString table, QList<QString> fields,
                    QHash<QString, QVariant> where);
-    /// Appends all rows that fit, at most \a limit, or all with 0. No \a fields means all columns; an expression such
-    /// as "MAX(x)" may stand for one and is its key in the row. True if \a rows holds anything afterwards.
+    /// Appends all rows that match \a where to \a rows, but at most \a limit; 0 means no limit. If \a fields is
+    /// empty, all columns are selected. A field may be an expression such as "MAX(x)", which is then its key in the
+    /// row. Returns true if \a rows isn't empty afterwards.
     bool SelectAll(QList<QHash<QString, QVariant>> &rows, QString table, QList<QString> fields,
                    QHash<QString, QVariant> where, unsigned int limit);
 
-    /// False also for a row whose key is there already.
+    /// Inserts a row. Returns false also if there is already a row with its key.
     bool Insert(QString table, QHash<QString, QVariant> values);
-    /// A row that is there is replaced as a whole: columns that \a values lacks get their defaults.
+    /// Inserts a row, or replaces the whole row with its key: columns that \a values lacks get their defaults.
     bool InsertOrReplace(QString table, QHash<QString, QVariant> values);
-    /// Updates what fits \a where, or inserts \a values, to which the columns of \a where are not added.
+    /// Updates the rows that match \a where. If there are none, inserts \a values, without the columns of \a where.
     bool InsertOrUpdate(QString table, QHash<QString, QVariant> values, QHash<QString, QVariant> where);
-    /// An empty \a where means every row.
+    /// Updates the rows that match \a where; all rows if it is empty.
     bool Update(QString table, QHash<QString, QVariant> values, QHash<QString, QVariant> where);
-    /// An empty \a where means every row.
+    /// Deletes the rows that match \a where; all rows if it is empty.
     bool Delete(QString table, QHash<QString, QVariant> where);
 
-    /// Runs one statement of the caller's own, whose values are escaped, see Escape().
+    /// Executes a statement of the caller, whose values are escaped, see Escape().
     bool Exec(const QString &sql);
-    /// A forward-only query on the connection, open or not, for what the operations above don't cover. Let it end
-    /// before EndTransaction(): a running selection keeps the file locked.
+    /// Returns a forward-only query on the connection, open or not, for what the functions above can't do. Finish the
+    /// query before EndTransaction(): an active SELECT keeps the file locked.
     QSqlQuery GetQuery();
-    /// The id of the last row inserted through this connection, 0 if none was; -1 and false if it can't be asked for.
+    /// Gets the id of the last row that was inserted through this connection, or 0 if there is none. If the id can't
+    /// be determined, \a id becomes -1 and the function returns false.
     bool GetLastInsertID(int &id);
 
-    /// Begins a transaction that may write: a file that another program has locked is waited for, up to 5 s, and the
-    /// writes of the transaction aren't refused for a lock then. Where the file stays locked or can't be written, it
-    /// is one that can read. True unless the file isn't open. Transactions don't nest: the first EndTransaction()
-    /// ends it.
+    /// Begins a transaction for writing. Waits up to 5 s if another program has locked the file; afterwards no write
+    /// of the transaction is refused because of a lock. If the file stays locked or isn't writable, the transaction
+    /// can only read. Returns true unless the file isn't open. Transactions don't nest: the first EndTransaction()
+    /// ends the transaction.
     bool StartTransaction();
-    /// Commits, or rolls back if told so or if the commit is refused. True if a transaction was under way, however it
-    /// ended.
+    /// Commits the transaction. Rolls it back if \a commit is false or the commit is refused. Returns true if there
+    /// was a transaction, however it ended.
     bool EndTransaction(bool commit);
 
-    /// The value's text with each single quote doubled, fit to stand between single quotes in a statement for Exec().
+    /// Returns the text of \a value with each single quote doubled, for use between single quotes in a statement for
+    /// Exec().
     static QString Escape(const QVariant &value);
 
 protected:
-    /// For a constructor: the file is kept with a write-ahead log, where the file system allows it, so that a write
-    /// needn't wait for the disk. What a finished operation or a committed transaction has written is read by any
-    /// other connection from then on and survives a kill of the process. A loss of power may take back what was
-    /// written last, whole transactions at a time; the file itself stays sound. While it is open the log lies beside
-    /// it, as `-wal` and `-shm`, and is a part of it.
+    /// Enables a write-ahead log, where the file system supports it, so that a write needn't wait for the disk.
+    /// Called in a constructor. What a finished function or a committed transaction has written is visible to all
+    /// other connections and survives the killing of the process. A power failure may undo the latest writes, always
+    /// whole transactions; the file itself stays intact. While the file is open, the log is next to it, as `-wal` and
+    /// `-shm`, and belongs to it.
     void UseWriteAheadLog();
 
-    /// The highest schema version that the code knows.
+    /// Returns the highest schema version that the code knows.
     virtual unsigned int GetMaxVersion();
-    /// Lifts the file from \a version - 1 to \a version. A released step is never changed.
+    /// Upgrades the file from \a version - 1 to \a version. A released step never changes.
     virtual bool CreateDBVersion(unsigned int version);
 
 private:
@@ -104,7 +107,7 @@ private:
     enum class EOutcome {
         Done,
         Failed,
-        Locked, // by another program, for longer than SQLite waits
+        Locked, // by another program, longer than SQLite waits
     };
 
     bool Open();

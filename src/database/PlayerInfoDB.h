@@ -4,19 +4,19 @@
 
 #include <QSharedPointer>
 
-/// What users noted about other players, and their tags. The host calls Init() once before anybody uses it.
+/// The database of the users' notes on other players and their tags. The host calls Init() once before any use.
 class PLUGININTERFACE_EXPORT CPlayerInfoDB : public CLocalDB
 {
 public:
-    /// Creates the object on first use and opens nothing; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it. Opens nothing.
     static CPlayerInfoDB *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// Deletes the object at once; its connection stays open.
+    /// Deletes the object at once. Its connection stays open.
     static void DestroyInstance();
 
-    static const QString strTableNameInfo; ///< A row for each user and player.
-    static const QString strTableNameTags; ///< Unused by the library, whose tags are the setting `playertags`.
+    static const QString strTableNameInfo; ///< The table with a row for each user and player.
+    static const QString strTableNameTags; ///< Not used by the library, which keeps tags in the setting `playertags`.
 
 protected:
     unsigned int GetMaxVersion() override;

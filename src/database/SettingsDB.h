@@ -4,18 +4,18 @@
 
 #include <QSharedPointer>
 
-/// The users' settings, one row each; see CSettings. The host calls Init() once before anybody uses it.
+/// The database of the users' settings, see CSettings. The host calls Init() once before any use.
 class PLUGININTERFACE_EXPORT CSettingsDB : public CLocalDB
 {
 public:
-    /// Creates the object on first use and opens nothing; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it. Opens nothing.
     static CSettingsDB *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// Deletes the object at once; its connection stays open.
+    /// Deletes the object at once. Its connection stays open.
     static void DestroyInstance();
 
-    /// The one table, a row for each user, area and key.
+    /// The name of the only table, which holds a row for each user, area and key.
     static const QString strTableName;
 
 protected:

@@ -10,7 +10,7 @@ enum EResultCode {
     RC_CANTOPEN = 14,
 };
 
-// An extended code has the plain one in its lowest byte.
+// The lowest byte of an extended code is the basic code.
 int GetCode(const QSqlError &error)
 {
     return error.nativeErrorCode().toInt() & 0xff;

@@ -13,7 +13,7 @@ CTransaction::CTransaction(CLocalDB &database)
         if (!begin.exec(QStringLiteral("BEGIN IMMEDIATE")))
             m_error = begin.lastError();
     }
-    // Refused for another reason, it is one that was begun without the object's knowledge, and is joined.
+    // If it was refused for another reason, the connection is in a transaction begun elsewhere; join that one.
     m_bBegun = !SqliteResult::IsPassing(m_error);
     database.m_bTransaction = m_bBegun;
 }

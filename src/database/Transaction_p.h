@@ -5,24 +5,24 @@
 
 class CLocalDB;
 
-/// A transaction of the library's own, which tells whether it could begin and commit. It lives on the stack, and
-/// rolls back at its end unless it was committed; queries that work in it end before.
+/// A transaction of the library itself, which reports whether it could begin and commit. It lives on the stack and
+/// rolls back in its destructor unless it was committed. Queries that use it are finished before.
 ///
-/// Where CLocalDB::StartTransaction() has begun one already, it joins that one, and ends it.
+/// If CLocalDB::StartTransaction() has already begun a transaction, the object joins and ends that one.
 class CTransaction
 {
 public:
-    /// Takes the lock for writing at once; SQLite waits for another connection to release it.
+    /// Takes the write lock at once. SQLite waits for another connection to release it.
     explicit CTransaction(CLocalDB &database);
     ~CTransaction();
     Q_DISABLE_COPY_MOVE(CTransaction)
 
-    /// Whether the transaction is under way: the database is open, and its file isn't locked, full or not writable.
+    /// Returns whether the transaction has begun: the database is open, and its file isn't locked, full or read-only.
     bool IsBegun() const;
-    /// Ends the transaction. False if it was refused; all is rolled back then. True also where somebody else has
-    /// called CLocalDB::EndTransaction() meanwhile.
+    /// Commits the transaction. If the commit is refused, rolls back and returns false. Returns true also if
+    /// CLocalDB::EndTransaction() was called in the meantime.
     bool Commit();
-    /// Why the beginning or the commit was refused.
+    /// Returns why the beginning or the commit was refused.
     const QSqlError &GetError() const;
 
 private:

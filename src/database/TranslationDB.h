@@ -4,20 +4,20 @@
 
 #include <QSharedPointer>
 
-/// The texts of all languages, which come with an installation and are only read. The host calls Init() once before
-/// anybody uses it.
+/// The database with the texts of all languages, which is installed and only read. The host calls Init() once before
+/// any use.
 class PLUGININTERFACE_EXPORT CTranslationDB : public CLocalDB
 {
 public:
-    /// Creates the object on first use and opens nothing; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it. Opens nothing.
     static CTranslationDB *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// Deletes the object at once; its connection stays open.
+    /// Deletes the object at once. Its connection stays open.
     static void DestroyInstance();
 
-    static const QString strTableNameAvailLanguages; ///< A row for each language.
-    static const QString strTableNameTranslations;   ///< A row for each text of each language.
+    static const QString strTableNameAvailLanguages; ///< The table with a row for each language.
+    static const QString strTableNameTranslations;   ///< The table with a row for each text of each language.
 
 private:
     CTranslationDB();
