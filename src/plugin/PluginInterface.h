@@ -27,7 +27,7 @@ class QWidget;
 /// The flag `afterLogin` first asks for the login dialog and holds the event back until a user is logged in. If a
 /// user is logged in already, the event is sent at the next turn of the event loop. Only one event waits at a time: a
 /// newer event of any plugin replaces it. The event is lost without a message when the login is cancelled, when a
-/// logout is reported instead, or after 30 s. The flag requires an initialized CConfigDB, see CUserInfo.
+/// logout is reported instead, or after 30 s. The flag requires an initialised CConfigDB, see CUserInfo.
 class PLUGININTERFACE_EXPORT CPluginInterfaceFunctions : public QObject
 {
     Q_OBJECT

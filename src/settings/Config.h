@@ -4,20 +4,20 @@
 
 #include <QSharedPointer>
 
-/// The operator's configuration of this installation: the built-in defaults, and over them the rows of CConfigDB.
+/// The operator's configuration of this installation: the built-in defaults, overridden by the rows of CConfigDB.
 ///
-/// The rows are read once, when the object is created, so CConfigDB has to be initialised before. Without its file
-/// all values stay at their defaults.
+/// The rows are read once, when the object is created, so CConfigDB must be initialised before. Without its file all
+/// values keep their defaults.
 class PLUGININTERFACE_EXPORT CConfig : public CConfigBase
 {
     Q_OBJECT
 
 public:
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CConfig *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
 private:

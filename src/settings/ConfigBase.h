@@ -10,14 +10,14 @@
 
 #include <type_traits>
 
-/// Every value of the operator's configuration as a typed member with a built-in default, a getter and a constant
-/// property for QML.
+/// The values of the operator's configuration. Each is a typed member with a built-in default, a getter and a
+/// constant property for QML.
 ///
 /// The getters are `int GetCashierSwapTime() const`, `bool GetMyBestHand() const`, `const QString &GetLinkCashier()
-/// const` and so on, one for each row of CONFIG_TABLE, which makes the page \ref md_config_keys. The property bears
-/// the key's name without underscores but for a few. Nothing tells of a change: a value is read where it is needed,
-/// and what SetConfigs() sets later reaches only those who read it later. Reading is safe from any thread as long as
-/// nobody calls SetConfigs().
+/// const` and so on, one for each row of CONFIG_TABLE, from which the page \ref md_config_keys is made. With a few
+/// exceptions, a property is named like the key, without underscores. There are no change signals: a value is read
+/// when it is needed, and a later SetConfigs() affects only later reads. Reading is safe from any thread as long as
+/// nothing calls SetConfigs().
 class PLUGININTERFACE_EXPORT CConfigBase : public QObject
 {
     Q_OBJECT
@@ -31,7 +31,7 @@ class PLUGININTERFACE_EXPORT CConfigBase : public QObject
     using TGetter = std::conditional_t<std::is_same_v<Type, QString>, const QString &, Type>;
 
 public:
-    /// All values at their built-in defaults.
+    /// Creates the object with all values at their built-in defaults.
     CConfigBase();
     ~CConfigBase() override;
 
@@ -43,8 +43,8 @@ public:
     CONFIG_TABLE(CONFIG_GETTER)
 #undef CONFIG_GETTER
 
-    /// Applies values by their keys, which match in any case; a key that is none is ignored. Text that is no number
-    /// is 0 for a number; for a bool only "true", in lower case, is true. Main thread.
+    /// Sets values by their keys, which are case-insensitive; unknown keys are ignored. Text that isn't a number sets
+    /// a number to 0. Only "true", in lower case, sets a bool to true. Main thread.
     void SetConfigs(QHash<QString, QVariant> configs);
 
 private:

@@ -1,11 +1,11 @@
 #pragma once
 
-// Every value of the operator's configuration, one row each, in the order of the members and properties of
+// The values of the operator's configuration, one row each, in the order of the members and properties of
 // CConfigBase: ROW(type, Name, key, default, property, readers)
 //
-// The members, getters, defaults, properties and the look-up by key are expanded from it, and so is the reference
-// page of the keys. Name follows "Get" in the getter's name. Keys are lower case. The readers are those within the
-// library; hosts and plugins read every value.
+// The members, getters, defaults, properties, the look-up by key and the reference page of the keys are made from
+// this table. A getter is named "Get" and Name. Keys are lower case. The readers are the classes of the library that
+// read the value; hosts and plugins may read all values.
 // clang-format off
 #define CONFIG_TABLE(ROW) \
     ROW(int, ActivityTimerTimeout, activitytimertimeout, 600000, activitytimertimeout, "CUserInfo") \

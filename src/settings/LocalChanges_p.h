@@ -4,11 +4,10 @@
 #include <QString>
 #include <QStringList>
 
-/// What the user has changed of settings and players, each with a number that counts the changes of this login. A
-/// request to the server remembers the number of the last change that it can have told of; its answer knows nothing
-/// of what came later and would undo it.
+/// Numbers the user's changes of settings and players during a login. A request to the server remembers the number of
+/// the last change that it can include. Its answer doesn't know later changes and would undo them.
 ///
-/// It belongs to the shared CSettingsSync, which makes the requests. Main thread.
+/// The shared CSettingsSync, which makes the requests, owns the object. Main thread.
 class CLocalChanges
 {
 public:
@@ -17,29 +16,30 @@ public:
     CLocalChanges(const CLocalChanges &) = delete;
     CLocalChanges &operator=(const CLocalChanges &) = delete;
 
-    /// That of the shared CSettingsSync; null while there is none, and so no request either.
+    /// Returns the object of the shared CSettingsSync, or null while there is none and so no request.
     static CLocalChanges *Get();
 
-    /// Numbers a change of \a user. Another user's changes are forgotten. \a key in any case.
+    /// Gives a number to a change by \a user. Forgets the changes of any other user. \a key may be in any case.
     /// @{
     void AddSetting(const QString &user, const QString &key);
     void AddPlayer(const QString &user, const QString &nickname);
     /// @}
-    /// The number of the last change.
+    /// Returns the number of the last change.
     quint64 GetLast() const { return m_iLast; }
-    /// Whether \a user has changed it since the change of that number.
+    /// Returns whether \a user has changed the setting or player after the change \a number.
     /// @{
     bool IsSettingLater(const QString &user, const QString &key, quint64 number) const;
     bool IsPlayerLater(const QString &user, const QString &nickname, quint64 number) const;
     /// @}
-    /// The players, and the keys of the settings, that \a user has changed since.
+    /// Returns the players, or the keys of the settings, that \a user has changed after the change \a number.
     /// @{
     QStringList GetLaterPlayers(const QString &user, quint64 number) const;
     QStringList GetLaterSettings(const QString &user, quint64 number) const;
     /// @}
-    /// Forgets all changes: the login has ended.
+    /// Forgets all changes when the login has ended.
     void Forget();
-    /// How many logins have ended: an answer to a request of an earlier one knows nothing of what was changed in it.
+    /// Returns how many logins have ended. An answer to a request of an earlier login doesn't know what was changed
+    /// in this one.
     quint64 GetEndedLogins() const { return m_iEndedLogins; }
 
 private:

@@ -64,7 +64,7 @@ TBuddies GetBuddies()
     return TBuddies(buddies.cbegin(), buddies.cend());
 }
 
-// A buddy of an earlier run is one by the list alone.
+// A buddy from an earlier run is only in the list; the model doesn't know it.
 unsigned int GetFlags(const CPlayerModel &model, const TBuddies &buddies)
 {
     return (model.GetBuddy() || buddies.contains(&model) ? FLAG_BUDDY : 0U) |
@@ -76,8 +76,8 @@ bool IsOpen()
     return CPlayerInfoDB::GetInstance()->IsOpen();
 }
 
-// INSERT, or where the user has a row of the player already, UPDATE; the values are bound in the order of the
-// columns, the first two of which are the key.
+// Prepares an INSERT, which becomes an UPDATE if the user already has a row of the player. The values are bound in
+// the order of the columns, the first two of which are the key.
 QSqlQuery PrepareUpsert(const QStringList &columns, PlayerInfo::ERows rows = PlayerInfo::All)
 {
     if (!IsOpen())
@@ -111,8 +111,8 @@ SLoaded ToLoaded(const QVariantList &saved)
             ToNumber(saved.at(7))};
 }
 
-// Over what is stored, what a locked file or a full disk has kept from being stored.
-void LayKeptOver(QVector<SLoaded> &rows, const QString &user)
+// Overrides stored rows with those that a locked file or a full disk has kept from being stored.
+void OverrideByUnwritten(QVector<SLoaded> &rows, const QString &user)
 {
     const CPlayerSaves *saves = CPlayerSaves::Get();
     const QList<CPlayerSaves::SKept> kept = saves ? saves->GetKept(user) : QList<CPlayerSaves::SKept>();
@@ -152,11 +152,11 @@ QVector<SLoaded> ReadRows(const QString &user)
                      ToNumber(query.value(3)), static_cast<unsigned char>(ToNumber(query.value(4))),
                      ToNumber(query.value(5)), ToNumber(query.value(6))});
     }
-    LayKeptOver(rows, user);
+    OverrideByUnwritten(rows, user);
     return rows;
 }
 
-// The own picture is a setting, which follows the user; the row's is of this machine.
+// The user's own picture is a setting and follows the user; the row's picture belongs to this machine.
 unsigned int GetAvatar(const SLoaded &row, const QString &user)
 {
     return row.strPlayer == user ? static_cast<unsigned int>(CSettings::GetInstance()->GetCustomCurrent())
@@ -169,20 +169,20 @@ void Apply(CPlayerModel *model, const SLoaded &row, unsigned int avatar, unsigne
                          (row.ulFlags & FLAG_CHAT_BLOCKED) != 0);
 }
 
-// Calls the operation with each row. All were read before the first is applied: whoever hears of a change may write
-// to the same table.
+// Calls the operation with each row. All rows are read before the first is applied, because a slot may write to the
+// same table.
 template <typename Operation>
 void ForRows(const QVector<SLoaded> &rows, const QString &user, const Operation &apply)
 {
     for (const SLoaded &row : rows) {
         apply(row, CPlayerModel::GetInstance(row.strPlayer));
         if (GetUser() != user)
-            break; // whoever heard of it has ended the login; the rest is nobody's
+            break; // a slot has logged the user out; the other rows belong to nobody
     }
 }
 
-// Takes those off whose rows say that they are none. Whoever is left is answered.
-QSet<CPlayerModel *> KeepBuddies(const QVector<SLoaded> &rows)
+// Removes those whose rows say that they are no buddies. Returns the remaining buddies.
+QSet<CPlayerModel *> RemoveFormerBuddies(const QVector<SLoaded> &rows)
 {
     QList<CPlayerModel *> *buddies = CPlayerLists::GetInstance()->GetBuddyList();
     if (buddies->isEmpty())
@@ -220,13 +220,13 @@ void PlayerInfo::LoadAnswered(quint64 known)
     CPlayerSaves *saves = CPlayerSaves::Get();
     const CLocalChanges *changes = CLocalChanges::Get();
     QVector<SLoaded> rows = ReadRows(user);
-    // The models are ahead of the rows that the user has changed since.
+    // The user has changed these players since, so their models are newer than the rows.
     rows.erase(std::remove_if(rows.begin(), rows.end(),
                               [&user, known, changes](const SLoaded &row) {
                                   return changes && changes->IsPlayerLater(user, row.strPlayer, known);
                               }),
                rows.end());
-    const QSet<CPlayerModel *> listed = KeepBuddies(rows);
+    const QSet<CPlayerModel *> listed = RemoveFormerBuddies(rows);
     ForRows(rows, user, [&user, &listed, saves](const SLoaded &row, CPlayerModel *model) {
         if ((row.ulFlags & FLAG_BUDDY) == 0)
             saves->LoadNoBuddy(model, row.strPlayer);

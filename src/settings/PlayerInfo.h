@@ -5,45 +5,46 @@
 #include <QList>
 #include <QString>
 
-/// What a user has noted of other players: the way between the live CPlayerModel and CPlayerInfoDB, and what of it
-/// the synchronisation exchanges. One row for each user and player, their nicknames as they are spelled.
+/// Moves a user's notes on other players between CPlayerModel and CPlayerInfoDB, and provides the part that is
+/// synchronised. There is one row for each user and player, with their nicknames as they are spelled.
 ///
-/// Nothing is stored or read while nobody is logged in. CPlayerInfoDB has to be initialised. Main thread.
+/// Nothing is stored or read while nobody is logged in. CPlayerInfoDB must be initialised. Main thread.
 namespace PlayerInfo {
 
-/// What travels of a row. Rating and custom avatar stay on the machine.
+/// The part of a row that is synchronised. Rating and custom avatar stay on the machine.
 struct SPlayerInfoSyncElement
 {
-    QString strUser;          ///< Who has noted it.
-    QString strPlayer;        ///< Of whom.
+    QString strUser;          ///< The user who wrote the note.
+    QString strPlayer;        ///< The player whom it is about.
     QString strNote;          ///< Free text.
-    unsigned int ulTagID = 0; ///< Index into the tags, 0 for none.
-    /// Bit 0: on the buddy list; bit 2: blocked as a buddy; bit 3: blocked in chat. Others are kept as they are by
-    /// InsertPlayerInfo() and mean nothing to LoadInfo().
+    unsigned int ulTagID = 0; ///< The index of the tag, 0 for none.
+    /// Bit 0: on the buddy list; bit 2: blocked as a buddy; bit 3: blocked in chat. InsertPlayerInfo() keeps other
+    /// bits as they are; LoadInfo() ignores them.
     unsigned int ulPlayerFlags = 0;
     unsigned int ulTimestamp = 0; ///< Seconds since 1970 UTC on the server's clock.
 };
 
-/// Brings the models up to date with all rows of the logged-in user, and appends the buddies to CPlayerLists, also
-/// those who are on it already. The own player's custom avatar is the setting `customcurrent`, whatever the row says.
-/// A model that changes on the way is saved 3 s later. False if there are no rows.
+/// Updates the models from all rows of the logged-in user, and appends the buddies to CPlayerLists, even those
+/// already in it. The own player's custom avatar is the setting `customcurrent`, not the row's. A model that is
+/// changed by this is saved 3 s later. Returns false if there are no rows.
 PLUGININTERFACE_EXPORT bool LoadInfo();
 
-/// Writes the player's row, stamped with the server's time. \a nickname gets a model if it has none.
+/// Writes the row of the player \a nickname, with the server's time. Creates a model for \a nickname if there is
+/// none.
 PLUGININTERFACE_EXPORT bool SaveInfo(const QString &nickname);
 
-/// Writes note, flags, rating and custom avatar to a row that is there, without a new time, so that no other machine
-/// hears of it.
+/// Writes note, flags, rating and custom avatar to an existing row without a new time, so that the change isn't
+/// synchronised.
 PLUGININTERFACE_EXPORT bool UpdateInfo(const QString &nickname);
 
-/// The time of the user's newest row, 0 if there is none.
+/// Returns the time of the user's newest row, or 0 if there is none.
 PLUGININTERFACE_EXPORT unsigned int GetLastTimestamp(const QString &user);
 
-/// The user's rows that are newer than \a timestamp.
+/// Returns the user's rows that are newer than \a timestamp.
 PLUGININTERFACE_EXPORT QList<PlayerInfo::SPlayerInfoSyncElement> GetSyncList(const QString &user,
                                                                              unsigned int timestamp);
 
-/// Writes the row as it is, over a newer one too; its rating and custom avatar stay.
+/// Writes \a element as it is, even over a newer row. The row's rating and custom avatar are kept.
 PLUGININTERFACE_EXPORT bool InsertPlayerInfo(const PlayerInfo::SPlayerInfoSyncElement &element);
 
 } // namespace PlayerInfo

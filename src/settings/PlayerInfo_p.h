@@ -10,21 +10,21 @@ class CPlayerModel;
 
 namespace PlayerInfo {
 
-/// LoadInfo() after an answer of the server: what the user has changed since the change of that number stays, and so
-/// do ratings and pictures that wait to be stored. The buddy list becomes what the rows say.
+/// Loads the rows like LoadInfo(), after an answer of the server. Keeps what the user has changed after the change
+/// \a known, and ratings and pictures that wait to be stored. Makes the buddy list match the rows.
 void LoadAnswered(quint64 known);
 
-/// UpdateInfo() of a model that is at hand, under the nickname \a player.
+/// Updates the row of \a model, whose nickname is \a player, like UpdateInfo().
 bool UpdateRow(const QString &player, const CPlayerModel &model);
 
-// SaveInfo() and InsertPlayerInfo() for many rows in a row: each prepares its statement once. They live on the stack,
-// no longer than the transaction that they work in, if there is one.
+// These classes do the work of SaveInfo() and InsertPlayerInfo() for several rows and prepare their statement once.
+// They live on the stack, no longer than the transaction that they work in.
 
-/// Which rows that are there are overwritten.
+/// What a row that is written overwrites of the stored one.
 enum ERows {
     All,
-    NotOlder,  ///< Than the stored ones; a row whose time isn't known is none.
-    OwnFields, ///< Of a row that is there only what stays on the machine: rating and picture.
+    NotOlder,  ///< By rows that aren't older than the stored ones; a row without a time counts as newer.
+    OwnFields, ///< Only rating and picture, which stay on the machine.
 };
 
 class CSaver
@@ -32,10 +32,10 @@ class CSaver
 public:
     explicit CSaver(ERows rows = All);
 
-    /// Writes the row of a user, who needn't be logged in any more, and of the model that the table holds under the
-    /// nickname \a player. False if either is empty.
+    /// Writes the row of \a user, who may have logged out, and of \a model, which is stored under the nickname
+    /// \a player. Returns false if \a user or \a player is empty.
     bool SaveOf(const QString &user, const QString &player, const CPlayerModel &model);
-    /// What SaveOf() would write now, in the order of the columns, user and player first; empty if nothing.
+    /// Returns what SaveOf() would write now, in the order of the columns, user and player first; empty if nothing.
     QVariantList GetRow(const QString &user, const QString &player, const CPlayerModel &model) const;
     bool Write(const QVariantList &row);
 

@@ -39,7 +39,7 @@ const QLatin1String JSON_SETTINGS("settings");
 const QLatin1String JSON_KEY("key");
 const QLatin1String JSON_VALUE("value");
 
-// Of the user's stored row of the key; 0 without one.
+// Returns the time of the user's stored row of that key, 0 if there is none.
 qint64 GetTimestamp(const CSettings::SSetting &setting)
 {
     QHash<QString, QVariant> row;
@@ -54,7 +54,7 @@ qint64 GetTimestamp(const CSettings::SSetting &setting)
 CSettings::CSettings()
 {
     m_SaveTimer.setSingleShot(true);
-    m_SaveTimer.setTimerType(Qt::PreciseTimer); // what a crash may lose is no more than the delay
+    m_SaveTimer.setTimerType(Qt::PreciseTimer); // a crash loses no more than this delay
     m_SaveTimer.setInterval(SAVE_DELAY_MS);
     connect(&m_SaveTimer, &QTimer::timeout, this, [this] { slot_SaveSettings(); });
     const CUserInfo *user = CUserInfo::GetInstance();
@@ -75,7 +75,7 @@ void CSettings::Save(const QString &user, const QString &area, const QString &ke
         changes->AddSetting(user, key);
     const qint64 time = timestamp >= 0 ? timestamp : isChange ? SettingsRows::CHANGE : SettingsRows::STORED_AGAIN;
     m_lstPending.append({user, area, key, value, time});
-    // A user's row of a setting that is the installation's can only come from the server, and is for no one else.
+    // A user's row of a setting of scope Global can only come from the server and applies to that user only.
     if (!user.isEmpty() && !IsGlobal(key))
         m_lstPending.append({QString(), area, key, value, time});
     if (m_iPauseMs == 0)
@@ -156,13 +156,13 @@ void CSettings::slot_SaveSettings(bool force)
         CSettingsSync::GetInstance()->StartSyncTimer();
     } else {
         m_iPauseMs = CBusyWait::GetNextPause(m_iPauseMs);
-        m_SaveTimer.start(m_iPauseMs); // the rows stay, and those that follow join them
+        m_SaveTimer.start(m_iPauseMs); // the rows stay queued, and later ones are added
     }
 }
 
 void CSettings::slot_LoginStateChanged()
 {
-    // Under the user they were queued for.
+    // Writes the rows while the user is still the one for whom they were queued.
     slot_SaveSettings(true);
     CUserInfo *user = CUserInfo::GetInstance();
     SetNickname(user->GetNickname());
@@ -173,14 +173,14 @@ void CSettings::slot_LoginStateChanged()
     SetSettings(GetValues(QString()), nickname.isEmpty() ? QHash<QString, QVariant>() : GetValues(nickname), true);
 }
 
-// The own player may end while the login state stays, and the next one comes without a change of it.
+// The own player may be destroyed, and the next one set, without a change of the login state.
 void CSettings::FollowOwnPlayer(const CPlayerModel *player)
 {
     disconnect(m_ownPlayerEnds);
     if (!player)
         return;
     m_ownPlayerEnds = connect(player, &QObject::destroyed, this, [this] {
-        if (m_Instance == this && CUserInfo::IsExisting()) // else all comes to its end
+        if (m_Instance == this && CUserInfo::IsExisting()) // otherwise the library is being shut down
             slot_LoginStateChanged();
     });
     const CUserInfo *user = CUserInfo::GetInstance();
@@ -188,7 +188,7 @@ void CSettings::FollowOwnPlayer(const CPlayerModel *player)
         slot_LoginStateChanged();
 }
 
-// Whether the value is that of the user's row, or will be; also where there is none, or it can't be read just now.
+// Returns whether the user's row has the value or will have it; also true if there is no row or it can't be read now.
 bool CSettings::IsStored(const QString &user, const QString &area, const QString &key, const QVariant &value) const
 {
     const auto isRow = [&](const SSetting &setting) {
@@ -214,7 +214,7 @@ bool CSettings::HasUnwrittenChange(const QString &key) const
     });
 }
 
-// The times of the rows tell nothing of them.
+// Numbers the unwritten changes anew, because the times of the rows don't include them.
 void CSettings::NumberUnwrittenChanges() const
 {
     CLocalChanges *changes = CLocalChanges::Get();
@@ -224,22 +224,23 @@ void CSettings::NumberUnwrittenChanges() const
     }
 }
 
-// Whether the user has changed the setting since the change of that number, so that the server's row isn't applied.
+// Returns whether the user has changed the setting after the change known. The server's row isn't applied then.
 bool CSettings::YieldsToChange(const SSetting &fromServer, quint64 known)
 {
     const CLocalChanges *changes = CLocalChanges::Get();
     if (!changes || !changes->IsSettingLater(fromServer.strUser, fromServer.strKey, known))
         return false;
     if (HasUnwrittenChange(fromServer.strKey)) {
-        // The server's value goes before it, so that the change differs from it, and is stamped and sent.
+        // The server's value is queued first, so that the change differs from it and is stamped and sent.
         m_lstPending.prepend(fromServer);
         return true;
     }
-    // A change that left the row as it was, for the value had been tried without being stored, has no later time.
+    // If the value was set before without being stored, the change may have left the row as it was, with its older
+    // time.
     return GetTimestamp(fromServer) >= fromServer.iTimestamp;
 }
 
-// Whether the row that is here, or waits to be written, is newer.
+// Returns whether the stored row, or one that waits to be written, is newer.
 bool CSettings::IsOlder(const SSetting &fromServer) const
 {
     const bool waits =
@@ -250,7 +251,7 @@ bool CSettings::IsOlder(const SSetting &fromServer) const
     return waits || GetTimestamp(fromServer) > fromServer.iTimestamp;
 }
 
-// Of the user's settings: those whose rows are older than that would never be sent.
+// Gives a new time to those of the user's rows that are older than notOlder, because they would never be sent.
 void CSettings::StampAnew(const QStringList &keys, qint64 notOlder)
 {
     if (keys.isEmpty())
@@ -266,7 +267,7 @@ void CSettings::StampAnew(const QStringList &keys, qint64 notOlder)
         m_SaveTimer.start(SAVE_DELAY_MS);
 }
 
-// What is stored, and over it what a locked file or a full disk has kept from being stored.
+// Returns what is stored, overridden by what a locked file or a full disk has kept from being stored.
 QHash<QString, QVariant> CSettings::GetValues(const QString &user) const
 {
     QHash<QString, QVariant> values;

@@ -8,66 +8,66 @@
 
 class CPlayerModel;
 
-/// The user's settings, and their way to CSettingsDB and back.
+/// The user's settings, which are stored in CSettingsDB and loaded from it.
 ///
-/// A change is queued and written 250 ms behind the last one of its burst, all in one transaction, stamped with the
-/// server's time; before that is known only a change of the login writes. A change of a logged-in user goes to the
-/// user's row and to the global one, which thus holds what was chosen last on this machine. A row that holds the
-/// value already stays as it is, its time too. While another program keeps the file locked, or the disk is full, the
-/// changes wait and are tried again, first after a second, then at growing intervals of up to half a minute; if the
-/// file isn't open, they last as long as the process.
+/// A change is queued and written 250 ms after the last change of its burst. All are written in one transaction, with
+/// the server's time; until that is known, only a change of the login writes them. A change by a logged-in user is
+/// written to the user's row and to the global row, which thus holds the last choice on this machine. A row that
+/// already holds the value isn't changed, nor is its time. While another program keeps the file locked, or the disk
+/// is full, the changes wait and are tried again after 1 s and then at growing intervals of up to 30 s. If the file
+/// isn't open, the changes last until the process ends.
 ///
-/// At each change of the login state, and where the own player is another one or has ended without one, the pending
-/// changes are written and the global and the user's rows applied; a user's first login begins with the global rows.
-/// A setting without a row keeps its value.
+/// When the login state changes, and when the own player is replaced or destroyed without such a change, the pending
+/// changes are written, and the global rows and the user's rows are applied. At a user's first login the global rows
+/// apply. A setting without a row keeps its value.
 ///
-/// Each write of a logged-in user starts the timer of CSettingsSync.
+/// Each write for a logged-in user starts the timer of CSettingsSync.
 ///
-/// CSettingsDB and CConfigDB have to be initialised before the object is created. It writes nothing when it is
-/// destroyed: the host calls `slot_SaveSettings(true)` before. Main thread.
+/// CSettingsDB and CConfigDB must be initialised before the object is created. It writes nothing when it is
+/// destroyed; the host calls `slot_SaveSettings(true)` before. Main thread.
 class PLUGININTERFACE_EXPORT CSettings : public CSettingsBase
 {
     Q_OBJECT
 
 public:
-    /// One stored or pending row. User, area and key are lower case in the file.
+    /// A stored or pending row. User, area and key are lower case in the file.
     struct SSetting
     {
-        QString strUser;       ///< Nickname, empty for a row of the installation.
-        QString strArea;       ///< The group of settings it stands in.
+        QString strUser;       ///< The nickname, empty for a row of the installation.
+        QString strArea;       ///< The group of settings.
         QString strKey;        ///< "key", or "key[subkey]" of a keyed setting.
-        QVariant vValue;       ///< Stored as its text.
-        qint64 iTimestamp = 0; ///< Seconds since 1970 UTC; negative stands for the time of writing.
+        QVariant vValue;       ///< The value, stored as text.
+        qint64 iTimestamp = 0; ///< Seconds since 1970 UTC; negative for the time of writing.
     };
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CSettings *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// Queues a row; with a \a user a second one without, unless the setting is of scope Global.
+    /// Queues a row, and with a \a user a second row without one, unless the setting has the scope Global.
     void Save(const QString &user, const QString &area, const QString &key, const QVariant &value,
               qint64 timestamp) override;
 
-    /// The time of the user's newest row, 0 if there is none.
+    /// Returns the time of the user's newest row, or 0 if there is none.
     static unsigned int GetLastTimestamp(const QString &user);
-    /// All rows of the user.
+    /// Returns all rows of the user.
     static QList<SSetting> GetSettingList(const QString &user);
 
-    /// The user, the hash of the password and the user's settings as JSON, those of the installation left out.
+    /// Returns the user, the hash of the password and the user's settings as JSON, without those of the installation.
     QByteArray GetOptionJSON() const;
-    /// Applies the settings of such a JSON and stores them; ignores anything else, and what is no JSON.
+    /// Applies and stores the settings in \a json, see GetOptionJSON(). Ignores everything else, and invalid JSON.
     void SetOptionJSON(const QByteArray &json);
 
-    /// Whether animations are off, by the user's choice or, where the operator leaves none, by the operator's.
+    /// Returns whether animations are off, by the user's choice or, if the operator allows none, by the operator's.
     bool GetAnimationOff() const;
 
 public Q_SLOTS:
-    /// Writes the queue. Unless forced it waits until the server's time is known; forced before that, it stamps with
-    /// 0. Where the file is locked, or its disk full, the queue stays, to be tried again later; forced it waits up to
-    /// 5 s for the lock, else 0.1 s.
+    /// Writes the queue. Without \a force nothing is written until the server's time is known; with it, the time is 0
+    /// until then. If the file is locked or its disk is full, the queue is kept and tried again later. With \a force
+    /// the function waits up to 5 s for the lock, otherwise 0.1 s.
     void slot_SaveSettings(bool force = false);
 
 private Q_SLOTS:
@@ -89,9 +89,9 @@ private:
 
     QList<SSetting> m_lstPending; // oldest first
     QTimer m_SaveTimer;
-    bool m_bLoading = false;                 // what the setters store is what was stored
+    bool m_bLoading = false;                 // the setters are called with stored values
     int m_iPauseMs = 0;                      // until the next attempt to write, while the file can't be used
-    QMetaObject::Connection m_ownPlayerEnds; // of the own player, none without one
+    QMetaObject::Connection m_ownPlayerEnds; // invalid without an own player
 
     static QSharedPointer<CSettings> m_Instance;
 };

@@ -32,7 +32,7 @@ void InsertEntries(QHash<QString, QVariant> &settings, const QString &key, const
         settings.insert(ToStoredKey(key, entry.key()), QVariant(entry.value()));
 }
 
-// The part of a stored key by which its row is found, and the sub-key of a keyed setting.
+// Returns the part of a stored key by which its entry is found, and splits off the sub-key of a keyed setting.
 QString SplitKey(const QString &storedKey, QString &subKey)
 {
     const int bracket = storedKey.indexOf(QLatin1Char('['));
@@ -52,7 +52,7 @@ Hash FromMap(const QVariantMap &map)
     return hash;
 }
 
-// Makes the type known under the name that its property bears, and lets QML write an object to it.
+// Registers the type under the name that its property uses, and lets QML write an object to it.
 template <typename Hash>
 void RegisterKeyedType(const char *name)
 {
@@ -192,7 +192,7 @@ const CSettingsBase::SEntry *CSettingsBase::FindEntry(const QString &key)
     return entry == entries.constEnd() ? nullptr : &*entry;
 }
 
-// Whether the value differs, and the user is still the one whose change it is: a listener may log out.
+// Returns whether the value differs and the user is still the same, because a slot may log out.
 template <typename Type>
 bool CSettingsBase::Assign(Type &member, const Type &value, const QObject *sender, void (CSettingsBase::*signal)())
 {
@@ -216,7 +216,7 @@ bool CSettingsBase::Assign(Type &member, const Type &value, const QObject *sende
             Save(SETTINGS_USER(scope), QStringLiteral(#area), QStringLiteral(#key), QVariant(m_##Name), -1); \
         m_bChanged = false;                                                                                  \
     }
-// The whole hash is assigned, never stored.
+// Assigns the whole hash, but never stores it.
 #define SETTINGS_KEYED_SETTER(Type, Name, key, area, scope, defaultValue)                                         \
     void CSettingsBase::Set##Name(const Type &value, const QObject *sender, bool)                                 \
     {                                                                                                             \

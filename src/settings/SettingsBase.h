@@ -11,22 +11,22 @@
 
 #include <type_traits>
 
-/// Every user setting as a typed member with a getter, a setter, a change signal and a property for QML. The
-/// settings stand in SETTINGS_TABLE, which makes the page \ref settings; CSettings stores them.
+/// The user settings. Each is a typed member with a getter, a setter, a change signal and a property for QML. They
+/// are listed in SETTINGS_TABLE, from which the page \ref settings is made. CSettings stores them.
 ///
-/// Of a row `Volume` with the key `volume` there are `int GetVolume() const`, `signal_VolumeChanged()`, the property
-/// `volume`, and `SetVolume(value, sender = 0, save = true)`. The setter signals a value that differs, and stores the
-/// value, new or not, unless \a save is false. The property's writer does so without a sender.
+/// A row `Volume` with the key `volume` provides `int GetVolume() const`, `signal_VolumeChanged()`, the property
+/// `volume`, and `SetVolume(value, sender = 0, save = true)`. The setter emits the signal if the value differs, and
+/// stores the value, new or not, unless \a save is false. Writing the property calls the setter without a sender.
 ///
-/// A model that listens to a setting which it also writes passes itself as \a sender, and its slot does nothing while
-/// GetCaller() is the model itself: that is its own change coming back.
+/// A model that writes a setting and listens to it passes itself as \a sender. Its slot does nothing while
+/// GetCaller() returns the model, because the change is its own.
 ///
 /// A keyed setting, such as the window positions, is a hash from a sub-key, in any case, to a value.
-/// `GetWinPosByKey(subKey)` and `SetWinPosByKey(subKey, value, sender, save)` work on one entry; a sub-key that has
-/// none gets one, with an empty value, 0 or false, even when it is only read. `SetWinPos()` takes a whole hash, with
-/// lower-case sub-keys, and never stores it.
+/// `GetWinPosByKey(subKey)` and `SetWinPosByKey(subKey, value, sender, save)` access one entry. A missing entry is
+/// created, with an empty value, 0 or false, even by reading. `SetWinPos()` sets the whole hash, with lower-case
+/// sub-keys, and never stores it.
 ///
-/// A QByteArray has to hold text, as Base64 is: it is stored as one. Main thread.
+/// A QByteArray must hold text, such as Base64, because it is stored as text. Main thread.
 class PLUGININTERFACE_EXPORT CSettingsBase : public QObject
 {
     Q_OBJECT
@@ -37,7 +37,7 @@ class PLUGININTERFACE_EXPORT CSettingsBase : public QObject
 #undef SETTINGS_PROPERTY
 
 public:
-    /// The values of a keyed setting by their sub-keys in lower case.
+    /// The type of a keyed setting, which holds values by lower-case sub-keys.
     /// @{
     using TWinPos = QHash<QString, QByteArray>;
     using THeaderSizes = QHash<QString, QString>;
@@ -48,21 +48,22 @@ public:
     /// @}
 
 private:
-    /// Numbers and bools travel by value, all else by reference.
+    /// Passes numbers and bools by value, all other types by reference.
     template <typename Type>
     using TValue = std::conditional_t<std::is_arithmetic_v<Type>, Type, const Type &>;
 
 public:
-    /// All settings at their defaults.
+    /// Creates the object with all settings at their defaults.
     CSettingsBase();
     ~CSettingsBase() override;
 
-    /// Stores a value. \a user is a nickname, empty for a value of the installation; \a timestamp is seconds since
-    /// 1970 UTC, negative for the time of writing.
+    /// Stores a value. \a user is a nickname, or empty for a value of the installation. \a timestamp is in seconds
+    /// since 1970 UTC, or negative for the time of writing.
     virtual void Save(const QString &user, const QString &area, const QString &key, const QVariant &value,
                       qint64 timestamp) = 0;
 
-    /// The user whose settings these are; all empty when nobody is logged in. The setters neither signal nor store.
+    /// The user to whom the settings belong; all three are empty when nobody is logged in. The setters neither emit
+    /// signals nor store.
     /// @{
     const QString &GetNickname() const;
     void SetNickname(const QString &nickname);
@@ -72,8 +73,9 @@ public:
     void SetPwd(const QString &pwd);
     /// @}
 
-    /// Who makes the change that is being signalled; null at all other times, for a change without a sender, and for
-    /// those listeners that come behind one which has set something itself. Never dereferenced here.
+    /// Returns the sender of the change that is being signalled. Null at all other times, for a change without a
+    /// sender, and for slots that are called after a slot that has set something itself. The object is never
+    /// dereferenced here.
     const QObject *GetCaller() const;
 
 #define SETTINGS_ACCESS(Type, Name, key, area, scope, defaultValue) \
@@ -91,21 +93,21 @@ public:
 #undef SETTINGS_ACCESS
 #undef SETTINGS_KEYED_ACCESS
 
-    /// All settings of the user by key, those of the installation left out. An entry of a keyed setting has the key
-    /// "key[subkey]".
+    /// Returns all settings of the user by key, without those of the installation. An entry of a keyed setting has
+    /// the key "key[subkey]".
     QHash<QString, QVariant> GetSettings() const;
-    /// Applies stored values by key, through the setters and without a sender. Those of the user override those of
-    /// the installation, but never change a setting of scope Global. Keys match in any case, unknown ones are
-    /// ignored, and settings that aren't named keep their values. A bool is true for the text "true" alone, and text
-    /// that is no number is 0. If a listener changes the user on the way, what is left isn't applied.
+    /// Applies stored values by key, through the setters and without a sender. \a userValues override \a globals, but
+    /// never change a setting of scope Global. Keys are case-insensitive, unknown ones are ignored, and settings that
+    /// aren't named keep their values. A bool is true only for the text "true", and text that isn't a number is 0. If
+    /// a slot changes the user meanwhile, the remaining values aren't applied.
     void SetSettings(QHash<QString, QVariant> globals, QHash<QString, QVariant> userValues, bool save);
-    /// All settings at their defaults, without signals and without storing. The user stays.
+    /// Resets all settings to their defaults, without signals and without storing. The user is kept.
     void Reset();
 
 protected:
-    /// For Save(): whether the setter that calls it has found another value than before.
+    /// Returns whether the setter that is calling Save() has changed the value.
     bool IsChanged() const;
-    /// Whether the key, with its sub-key and in any case, is that of a setting of scope Global.
+    /// Returns whether \a key, with its sub-key and in any case, belongs to a setting of scope Global.
     static bool IsGlobal(const QString &key);
 
 Q_SIGNALS:
@@ -128,6 +130,7 @@ private:
 #define SETTINGS_MEMBER(Type, Name, key, area, scope, defaultValue) Type m_##Name{};
     SETTINGS_TABLE(SETTINGS_MEMBER, SETTINGS_MEMBER)
 #undef SETTINGS_MEMBER
-    // After the settings, whose places plugins know from the getters: by the setter that stores its value just now.
+    // Set while a setter stores a changed value. It comes after the settings because the inline getters in plugins
+    // depend on their offsets.
     bool m_bChanged = false;
 };

@@ -25,8 +25,8 @@ TRowKey KeyOf(const CSettings::SSetting &setting)
     return {setting.strUser.toLower(), setting.strArea.toLower(), setting.strKey.toLower()};
 }
 
-// Whether the file can't be used for now.
-bool IsHindered(const QSqlQuery &query)
+// Returns whether the query failed but may succeed later.
+bool CanBeRetried(const QSqlQuery &query)
 {
     return SqliteResult::IsPassing(query.lastError());
 }
@@ -37,7 +37,7 @@ void Bind(QSqlQuery &query, const TRowKey &key)
         query.bindValue(column, BoundText::ToBind(key.at(column)));
 }
 
-// A row that can't be read counts as one that isn't there.
+// A row that can't be read counts as missing.
 SRow ReadRow(QSqlQuery &select, const TRowKey &key)
 {
     SRow row;
@@ -50,14 +50,15 @@ SRow ReadRow(QSqlQuery &select, const TRowKey &key)
     return row;
 }
 
-// The rows as they are to be, read from the file where they are first met. False if it is hindered.
+// Fills merged with the rows as they are to be written. Reads each from the file when it first occurs. Returns false
+// if it has to be retried.
 bool Merge(QHash<TRowKey, SRow> &merged, CSettingsDB &database, const QList<CSettings::SSetting> &rows, qint64 now)
 {
     QSqlQuery select = database.GetQuery();
     select.prepare(QLatin1String("SELECT URS_cValue FROM ") + CSettingsDB::strTableName +
                    QLatin1String(" WHERE URS_cUser = ? AND URS_cArea = ? AND URS_cKey = ?"));
     for (const CSettings::SSetting &setting : rows) {
-        if (IsHindered(select))
+        if (CanBeRetried(select))
             return false;
         const TRowKey key = KeyOf(setting);
         auto row = merged.find(key);
@@ -69,17 +70,17 @@ bool Merge(QHash<TRowKey, SRow> &merged, CSettingsDB &database, const QList<CSet
         if (!row->bExists || row->strValue != value || setting.iTimestamp == SettingsRows::STAMPED_ANEW)
             *row = {true, true, value, setting.iTimestamp < 0 ? now : setting.iTimestamp};
     }
-    return !IsHindered(select);
+    return !CanBeRetried(select);
 }
 
-// False if it is hindered.
+// Returns false if it has to be retried.
 bool WriteChanged(CSettingsDB &database, const QHash<TRowKey, SRow> &merged)
 {
     QSqlQuery replace = database.GetQuery();
     replace.prepare(QLatin1String("INSERT OR REPLACE INTO ") + CSettingsDB::strTableName +
                     QLatin1String(" (URS_cUser, URS_cArea, URS_cKey, URS_cValue, URS_iTimestamp)"
                                   " VALUES (?, ?, ?, ?, ?)"));
-    for (auto row = merged.cbegin(); row != merged.cend() && !IsHindered(replace); ++row) {
+    for (auto row = merged.cbegin(); row != merged.cend() && !CanBeRetried(replace); ++row) {
         if (!row->bChanged)
             continue;
         Bind(replace, row.key());
@@ -87,7 +88,7 @@ bool WriteChanged(CSettingsDB &database, const QHash<TRowKey, SRow> &merged)
         replace.bindValue(4, row->iTimestamp);
         replace.exec();
     }
-    return !IsHindered(replace);
+    return !CanBeRetried(replace);
 }
 
 } // namespace

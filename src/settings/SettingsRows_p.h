@@ -6,22 +6,22 @@ class CSettingsDB;
 
 namespace SettingsRows {
 
-/// Times of rows that get that of the writing.
+/// The times of rows that are stamped with the time of writing.
 enum ETime : qint64 {
-    CHANGE = -1, ///< What the user has changed.
-    /// What a login has found in force, and queues again: a user's row that is there is left to whoever has written
-    /// it meanwhile.
+    CHANGE = -1, ///< The user has changed the value.
+    /// A login queues the current value again. An existing row of a user is kept, because it may have been written
+    /// elsewhere meanwhile.
     STORED_AGAIN = -2,
-    STAMPED_ANEW = -3, ///< The time changes, whether the value does or not.
+    STAMPED_ANEW = -3, ///< The row gets a new time even if its value is the same.
 };
 
-/// Brings \a rows to the file in one transaction: the same rows and times as if each were compared and written in
-/// turn, but each row is read once and written at most once, however often it occurs. A row that holds its value
-/// already stays. \a now is the time of those that bring none.
+/// Writes \a rows to the file in one transaction. The result is the same as if each were compared and written in
+/// turn, but each row is read once and written at most once, however often it occurs. A row that already holds its
+/// value isn't written. \a now is the time of rows without one.
 ///
-/// False if another program keeps the file locked, or the disk is full or can't be written: nothing is written then,
-/// and the rows have to come again. Any other failure loses the row that it hits, and a file that isn't open loses
-/// all of them.
+/// Returns false, with nothing written, if another program keeps the file locked, or the disk is full or not
+/// writable; the caller keeps the rows and tries again. Any other error loses the row that it affects, and a file
+/// that isn't open loses all rows.
 bool Write(CSettingsDB &database, const QList<CSettings::SSetting> &rows, qint64 now);
 
 } // namespace SettingsRows

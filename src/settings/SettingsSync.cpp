@@ -22,13 +22,14 @@ PLUGININTERFACE_DEFINE_SINGLETON(CSettingsSync);
 namespace {
 
 constexpr int SESSION_LENGTH_IN_ADDRESS = 32;
-// Of a request: who was logged in when it went out, and the last change that its times tell of.
+// Properties of a request: the user who was logged in when it was sent, and the last change that its times include.
 const char USER_PROPERTY[] = "user";
 const char KNOWN_PROPERTY[] = "known";
-const char LOGIN_PROPERTY[] = "login";   // which, as the same user may have come back
-const char NUMBER_PROPERTY[] = "number"; // of a first request
+const char LOGIN_PROPERTY[] = "login"; // because the same user may have logged in again
+// Counts the first requests.
+const char NUMBER_PROPERTY[] = "number";
 
-// No exchange is under way that a change could belong to.
+// There has been no exchange yet for which a change could be too late.
 constexpr quint64 ALL_CHANGES = std::numeric_limits<quint64>::max();
 
 const QLatin1String QUERY("?session=%SESSION%&playerinfos=%PINF%&usersettings=%URS%");
@@ -50,7 +51,7 @@ const QString JSON_NOTE = QStringLiteral("note");
 const QString JSON_TAG = QStringLiteral("tag");
 const QString JSON_FLAGS = QStringLiteral("flags");
 
-const QString STRING_TYPE = QStringLiteral("3"); // DBValue's kind of every setting
+const QString STRING_TYPE = QStringLiteral("3"); // DBValue::DBT_String, used for every setting
 
 QString GetUser()
 {
@@ -62,13 +63,13 @@ bool IsSingleValue(const QVariant &value)
     return value.type() != QVariant::List && value.type() != QVariant::Map;
 }
 
-// Of a number or of its digits.
+// Converts a number, or a text of digits.
 int ToInt(const QJsonValue &value)
 {
     return value.toVariant().toInt();
 }
 
-// A time that is none counts as 0: as a huge unsigned one it would be newer than all that is still to come.
+// An invalid time counts as 0. As a huge unsigned number it would be newer than all later times.
 unsigned int ToTime(const QJsonValue &value)
 {
     return static_cast<unsigned int>(qMax(0, ToInt(value)));
@@ -89,7 +90,7 @@ void CSettingsSync::InitiateSync()
 {
     if (!CUserInfo::GetInstance()->IsLoggedIn())
         return;
-    m_ulKnownChange = 0; // from now on they are counted
+    m_ulKnownChange = 0; // from now on changes are counted
     GetLocalTimestamps();
     Q_EMIT signal_RequestSessionForSync(WebLinks::SettingsSyncFetch);
 }
@@ -128,7 +129,7 @@ void CSettingsSync::GetLocalTimestamps()
     m_ulLocalPlayerInfoTime = PlayerInfo::GetLastTimestamp(user);
     if (m_ulKnownChange != ALL_CHANGES) {
         m_ulKnownChange = m_changes->GetLast();
-        // What isn't written yet counts as changed after it.
+        // Changes that aren't written yet count as later.
         if (CSettings::IsExisting())
             CSettings::GetInstance()->NumberUnwrittenChanges();
         if (const CPlayerSaves *saves = CPlayerSaves::Get())
@@ -136,7 +137,7 @@ void CSettingsSync::GetLocalTimestamps()
     }
     if (user.isEmpty() || user == m_strUser)
         return;
-    // How far the server is with another user says nothing of this one.
+    // The server's times for another user don't apply to this one.
     m_strUser = user;
     m_ulServerSettingsTime = 0;
     m_ulServerPlayerInfoTime = 0;
@@ -177,7 +178,7 @@ void CSettingsSync::TakeAnswer(const QByteArray &data, quint64 known, bool overt
     const auto infos = answer.constFind(JSON_PLAYER_INFOS);
     if (settings != answer.constEnd())
         TakeSettings(nickname, settings->toArray(), known, overtaken);
-    // Not for a user whom a listener has logged out on the way.
+    // A slot may have logged the user out.
     if (infos != answer.constEnd() && GetUser() == nickname)
         TakePlayerInfos(nickname, infos->toArray(), known, overtaken);
     if ((settings != answer.constEnd() || infos != answer.constEnd()) && GetUser() == nickname)
@@ -188,7 +189,7 @@ void CSettingsSync::TakeAnswer(const QByteArray &data, quint64 known, bool overt
 
 QByteArray CSettingsSync::CreateJSONforSync()
 {
-    // The rows without a user are the installation's and stay here.
+    // Rows without a user belong to the installation and aren't sent.
     const QString nickname = GetUser();
     if (nickname.isEmpty())
         return QByteArray();
@@ -215,7 +216,7 @@ void CSettingsSync::slot_IntialWebRequestFinished(bool status, QByteArray data)
     m_iAnswered = qMax(m_iAnswered, number);
     TakeAnswer(data, known, overtaken);
     if (GetUser() != user)
-        return; // a listener has ended the login
+        return; // a slot has logged the user out
     GetLocalTimestamps();
     RequestSessionIfBehind();
 }
@@ -247,7 +248,7 @@ CDownload *CSettingsSync::CreateRequest(const QString &address, const QByteArray
     return request;
 }
 
-// For the slot of a request's end: the request goes, and false is answered if its user isn't logged in any more.
+// Called when a request has finished: deletes it later, and returns false if its user isn't logged in any more.
 bool CSettingsSync::TakeFinished() const
 {
     const QString user = GetUser();
@@ -290,7 +291,7 @@ void CSettingsSync::TakeSettings(const QString &nickname, const QJsonArray &sett
         store->Save(nickname, area, key, value, time);
         values.insert(key.toLower(), value.toString());
     }
-    // In effect at once, and under their own times: nothing is queued a second time.
+    // The values take effect at once. They are already queued with their own times, so they aren't stored again.
     store->SetSettings({}, values, false);
 }
 
@@ -301,7 +302,8 @@ void CSettingsSync::TakePlayerInfos(const QString &nickname, const QJsonArray &i
     PlayerInfo::LoadAnswered(known);
 }
 
-// What an answer leaves alone may be older than the server's newest time by now, and would never be sent.
+// Gives a new time to what the answer didn't affect: if it is older than the server's newest time, it would never be
+// sent.
 void CSettingsSync::StampLaterChanges(quint64 known)
 {
     const QString user = GetUser();
@@ -309,7 +311,8 @@ void CSettingsSync::StampLaterChanges(quint64 known)
     CSettings::GetInstance()->StampAnew(m_changes->GetLaterSettings(user, known), m_ulServerSettingsTime);
 }
 
-// All of them or none: what isn't stored now comes with the next exchange, for the newest local time stays as it is.
+// Stores all or none. What isn't stored now comes with the next exchange, because the newest local time stays the
+// same.
 void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known,
                                      bool overtaken) const
 {

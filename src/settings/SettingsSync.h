@@ -14,77 +14,79 @@
 class CDownload;
 class CLocalChanges;
 
-/// Keeps the user's settings and notes on players in step with the operator's web server, and so with the user's
-/// other machines.
+/// Synchronises the user's settings and notes on players with the operator's web server, and so with the user's other
+/// machines.
 ///
-/// The exchange is one of newest times, in seconds on the server's clock: the client says how far it is; the server
-/// sends what is newer, and how far itself is; if they still differ, the client sends what the server lacks. Each
-/// local change leads to the same comparison 5 s later. What arrives overwrites what is here, without a look at the
-/// times of single rows, and takes effect at once; it is the server's business not to send what is older. Ratings,
-/// custom avatars, and the settings of the installation stay on the machine.
+/// The exchange compares the newest times, in seconds on the server's clock. The client sends its newest times. The
+/// server returns what is newer, and its own newest times. If they still differ, the client sends what the server
+/// lacks. Each local change leads to the same comparison 5 s later. What the server returns overwrites the local
+/// rows, whatever their times, and takes effect at once; the server must not send what is older. Ratings, custom
+/// avatars and the settings of the installation stay on the machine.
 ///
-/// What a user wrote isn't lost on the way. These are the rules:
+/// No change by a user is lost in the exchange. These are the rules:
 ///
-/// - Each change of the user, of a setting or of a player's note, tag, buddy flag or block, has a number. A request
-///   carries the number of the last change that its times tell of, and its answer leaves alone what has a later one.
-///   So requests may overlap, fail, and be answered late. Of an answer that a later request's answer has overtaken
-///   no row is taken that is older than the one that is here.
-/// - A change that waits to be written, 250 ms for settings and 3 s for players, is in no time yet, so it counts as
-///   later than any request. Nothing is written for a request.
-/// - What a login stores again, what a load has changed, a rating and a picture are no changes of the user. A rating
-///   and a picture that wait to be written survive the answer all the same.
-/// - An answer makes the buddy list what the rows say: who is no buddy any more leaves it, and nobody joins it twice.
-/// - What an answer has left alone is stamped anew, or the server's newest time could hide it.
-/// - All players of an answer are stored, or none. Those that aren't the server sends again if it sees by the
-///   machine's time that they haven't arrived.
-/// - What can't be written at a logout is kept as a row of its user. At the user's next load it lies over what is
-///   stored, and once the file can be written it goes there, each time only where it isn't older; a row from before
-///   the server's time was known counts as newer. Of a row that no change of the user is in, only the rating and the
-///   picture go there, for the rest was loaded and may have been changed elsewhere since.
-/// - Rows belong to whom they were changed by. A logout, CUserInfoDataModel::Reset() and the end of the own player's
-///   model store them first; what was changed while nobody was logged in is nobody's.
+/// - Each change by the user, of a setting or of a player's note, tag, buddy flag or block, has a number. A request
+///   carries the number of the last change that its times include, and its answer doesn't affect later changes. So
+///   requests may overlap, fail, and be answered late. If the answer to a later request has arrived first, only rows
+///   that aren't older than the stored ones are taken.
+/// - A change that waits to be written, 250 ms for settings and 3 s for players, isn't included in any time, so it
+///   counts as later than any request. A request causes no writing.
+/// - What a login stores again, what was changed by loading, ratings and pictures are no changes by the user. A
+///   rating or picture that waits to be written is nevertheless kept when the answer arrives.
+/// - An answer makes the buddy list match the rows: former buddies are removed, and nobody is added twice.
+/// - What an answer doesn't affect gets a new time. If it were older than the server's, it would never be sent.
+/// - Either all players of an answer are stored or none. If none are, the server sends them again, provided that the
+///   machine's time shows that they haven't arrived.
+/// - What can't be written at a logout is kept as a row of its user. At the user's next load it overrides what is
+///   stored, and once the file can be written it is written, in both cases only if it isn't older; a row from before
+///   the server's time was known counts as newer. If the user has changed nothing in a row, only its rating and
+///   picture are used, because the rest was loaded and may have been changed elsewhere since.
+/// - Rows belong to the user who changed them. A logout, CUserInfoDataModel::Reset() and the destruction of the own
+///   player's model store them first. What was changed while nobody was logged in belongs to nobody.
 ///
-/// For each request the host is asked for a web session by signal_RequestSessionForSync() and answers with
-/// StartSync() or SyncToServer(), whenever it has one. An exchange that fails changes nothing and isn't repeated:
-/// what is left goes with the next one. An answer that arrives when its user isn't logged in any more is dropped. The
-/// address is the configuration's `link_settingssync`; without one nothing happens. Main thread.
+/// For each request, signal_RequestSessionForSync() asks the host for a web session, and the host answers at any time
+/// with StartSync() or SyncToServer(). A failed exchange changes nothing and isn't repeated: the next one sends what
+/// is left. An answer is dropped if its user isn't logged in any more. The address is the configuration's
+/// `link_settingssync`; without it nothing happens. Main thread.
 class PLUGININTERFACE_EXPORT CSettingsSync : public QObject
 {
     Q_OBJECT
 
 public:
-    static constexpr unsigned int ul_SYNC_TIMER = 5000; ///< Milliseconds from a local change to the comparison.
+    static constexpr unsigned int ul_SYNC_TIMER = 5000; ///< The milliseconds from a local change to the comparison.
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CSettingsSync *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop, and its requests with it.
+    /// Destroys the object and its requests at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// For the host, after a login: asks for a session for the first request. Like all below it does nothing while
-    /// nobody is logged in, unless it says otherwise.
+    /// Asks for a session for the first request. The host calls it after a login. Like all functions below, it does
+    /// nothing while nobody is logged in, unless stated otherwise.
     void InitiateSync();
-    /// The host's answer to WebLinks::SettingsSyncFetch. The first 32 characters go into the address.
+    /// Sends the first request with the \a session that the host got for WebLinks::SettingsSyncFetch. Its first 32
+    /// characters are put into the address.
     void StartSync(QString session);
-    /// The host's answer to WebLinks::SettingsSyncSend: true if there was something to send, and it went out. Whoever
-    /// is logged in now has to be the one for whom the session was asked.
+    /// Sends local changes with the \a session that the host got for WebLinks::SettingsSyncSend. Returns true if
+    /// there was something to send and the request was sent. The session must belong to the user who is logged in
+    /// now.
     bool SyncToServer(QString session);
 
-    /// For the stores, after each local write: begins the 5 s anew.
+    /// Restarts the 5 s timer. The stores call it after each local write.
     void StartSyncTimer();
-    /// Takes the newest local times from the stores.
+    /// Gets the newest local times from the stores.
     void GetLocalTimestamps();
-    /// Sends the first request; StartSync() does so for a user who is logged in.
+    /// Sends the first request; StartSync() calls it if a user is logged in.
     void InitialWebRequest(QString session);
-    /// Takes in the answer to the first request. What is no JSON changes nothing. An entry without a key or a
-    /// nickname is skipped, and so is a setting whose value is no single value.
+    /// Applies the answer to the first request. Invalid JSON changes nothing. Skips entries without a key or a
+    /// nickname, and settings whose value is an array or an object.
     void ReadJSON(QByteArray data);
-    /// What the server lacks, as far as its last answer tells; empty if there is nothing.
+    /// Returns what the server lacks according to its last answer; empty if there is nothing.
     QByteArray CreateJSONforSync();
 
 Q_SIGNALS:
-    /// The host is to get a session for that link.
+    /// Asks the host for a session for the link \a linkID.
     void signal_RequestSessionForSync(WebLinks::id linkID);
 
 private Q_SLOTS:
@@ -107,18 +109,18 @@ private:
     QJsonArray GetSettingsToSend(const QString &nickname) const;
     QJsonArray GetPlayerInfosToSend(const QString &nickname) const;
 
-    // Newest times, the server's as of its last answer.
+    // The newest times; those of the server are from its last answer.
     unsigned int m_ulServerSettingsTime = 0;
     unsigned int m_ulLocalSettingsTime = 0;
     unsigned int m_ulServerPlayerInfoTime = 0;
     unsigned int m_ulLocalPlayerInfoTime = 0;
     QTimer m_SyncTimer;
-    QString m_strUser; // whose times the server's are
+    QString m_strUser; // the user to whom the server's times belong
     const QSharedPointer<CLocalChanges> m_changes;
-    quint64 m_ulKnownChange; // the last change of the user's of which the local times tell
+    quint64 m_ulKnownChange; // the last change by the user that the local times include
 
-    quint64 m_iFetches = 0;  // how many first requests have gone out
-    quint64 m_iAnswered = 0; // the last of them whose answer has been taken
+    quint64 m_iFetches = 0;  // how many first requests have been sent
+    quint64 m_iAnswered = 0; // the last of them whose answer has arrived
 
     static QSharedPointer<CSettingsSync> m_Instance;
 };

@@ -1,13 +1,13 @@
 #pragma once
 
-// Every user setting, one row each, in the order of the members, properties and signals of CSettingsBase:
+// The user settings, one row each, in the order of the members, properties and signals of CSettingsBase:
 // ROW(type, Name, key, area, scope, default)
 //
-// A PLAIN row holds one value, a KEYED row a hash of values by a lower-case sub-key that the setting's user chooses;
-// both have the same columns. The members, getters, setters, signals, properties, defaults and the look-up by key are
-// expanded from it. Keys are lower case, without brackets, and unique across areas. Users' files hold them together
-// with the areas, so a released row is never renamed. A row of scope User is stored for each user, one of scope
-// Global for the installation. A default may name config, the operator's configuration.
+// A PLAIN row holds one value. A KEYED row holds a hash of values by lower-case sub-keys, which its callers choose.
+// Both have the same columns. The members, getters, setters, signals, properties, defaults and the look-up by key are
+// made from this table. Keys are lower case, without brackets, and unique across areas. Users' files contain keys and
+// areas, so a released row is never renamed. A setting of scope User is stored for each user, one of scope Global for
+// the installation. A default may refer to config, the operator's configuration.
 // clang-format off
 #define SETTINGS_TABLE(PLAIN, KEYED) \
     PLAIN(QByteArray, AutoTopUpSettings, autotopupsettings, autotopup, User, QByteArray()) \
