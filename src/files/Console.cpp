@@ -14,7 +14,7 @@ QList<CConsole::SConsoleMessage> CConsole::m_listMessages;
 
 CConsole::CConsole()
 {
-    // Under the name that the signal's signature bears, for queued connections.
+    // Queued connections look up the type by the name in the signal's signature.
     qRegisterMetaType<SConsoleMessage>("SConsoleMessage");
 }
 
@@ -23,7 +23,7 @@ void CConsole::AddMessage(const QString &message, EMessageCategory category, EMe
 {
     SConsoleMessage record;
     record.dtTimestamp = QDateTime::currentDateTime();
-    // Copies of their own: a literal's text would be gone with the plugin that it stands in.
+    // Deep copies: the characters of a literal would disappear with the plugin that contains it.
     record.strMessage = QString(message.constData(), message.size());
     record.strDetail = QString(detail.constData(), detail.size());
     record.eCategory = category;

@@ -9,17 +9,17 @@
 #include <QSharedPointer>
 #include <QString>
 
-/// The client's in-memory log: the latest 1000 messages of host and plugins, and a signal for each new one, so that a
-/// console window can show them. Nothing goes to disk, and the library itself writes nothing here.
+/// The client's log in memory: the latest 1000 messages of the host and the plugins. A signal is emitted for each new
+/// message, so that a console window can show it. Nothing is written to disk, and the library itself adds no
+/// messages.
 ///
-/// The messages outlive the object: they are still there when the singleton was destroyed and created again. Belongs
-/// to the thread of the user interface.
+/// The messages outlive the object: they are still there when it is destroyed and created again. Main thread.
 class PLUGININTERFACE_EXPORT CConsole : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Where a message comes from. Hosts and plugins may use further values; the console compares none.
+    /// The sources of messages. Hosts and plugins may use other values; the console doesn't check them.
     enum EMessageCategory : qint32 {
         MC_General = 0,
         MC_Plugin = 1,
@@ -28,7 +28,7 @@ public:
         MC_UserInterface = 4,
     };
 
-    /// How bad it is. Hosts and plugins may use further values here too.
+    /// The severities of messages. Hosts and plugins may use other values; the console doesn't check them.
     enum EMessageLevel : qint32 {
         ML_Debug = 0,
         ML_Info = 1,
@@ -36,35 +36,35 @@ public:
         ML_Error = 3,
     };
 
-    /// A message as it is kept.
+    /// A message in the log.
     struct SConsoleMessage
     {
-        QDateTime dtTimestamp;                   ///< Local time at which the message was added.
-        QString strMessage;                      ///< For people to read.
-        QString strDetail;                       ///< The caller's, opaque to the console.
-        EMessageCategory eCategory = MC_General; ///< Where it comes from.
-        EMessageLevel eLevel = ML_Debug;         ///< How bad it is.
-        int iDetail = -1;                        ///< The caller's, opaque to the console.
+        QDateTime dtTimestamp;                   ///< The local time at which the message was added.
+        QString strMessage;                      ///< The text to display.
+        QString strDetail;                       ///< Defined by the caller.
+        EMessageCategory eCategory = MC_General; ///< The source of the message.
+        EMessageLevel eLevel = ML_Debug;         ///< The severity of the message.
+        int iDetail = -1;                        ///< Defined by the caller.
     };
 
-    /// Creates the singleton on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CConsole *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop; its messages stay.
+    /// Destroys the object at the next turn of the event loop. Its messages are kept.
     static void DestroyInstance();
 
-    /// Appends a message with the present time, at the cost of the oldest when there are more than 1000, and emits
-    /// signal_MessageAdded(). While there is no singleton the message is kept, but nothing is emitted.
+    /// Appends a message with the current time and emits signal_MessageAdded(). If there are more than 1000 messages,
+    /// the oldest is removed. While the object doesn't exist, the message is kept but no signal is emitted.
     static void AddMessage(const QString &message, EMessageCategory category, EMessageLevel level,
                            const QString &detail, int number);
-    /// All messages, the oldest first.
+    /// Returns all messages, oldest first.
     static QList<SConsoleMessage> GetMessages();
-    /// Forgets all messages, without a signal.
+    /// Removes all messages without emitting a signal.
     static void Clear();
 
 Q_SIGNALS:
-    /// A message was added; it is the last of GetMessages().
+    /// Emitted when \a message has been added; it is the last of GetMessages().
     void signal_MessageAdded(const SConsoleMessage &message); // clazy:exclude=fully-qualified-moc-types (known so)
 
 private:

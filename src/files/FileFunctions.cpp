@@ -22,8 +22,8 @@ QFileInfoList ListEntries(const QString &directory)
                                          QDir::DirsFirst);
 }
 
-// QFile::rename() writes through a link that leads nowhere. To another disk it copies, and removes the source before
-// the last of the copy is written; the disk may be full.
+// QFile::rename() writes through a link whose target doesn't exist. To another disk it copies, and removes the source
+// before the end of the copy is written, although the disk may be full.
 bool TryRename(const QString &first, const QString &second)
 {
     const QFileInfo place(second);
@@ -63,8 +63,8 @@ bool TryAction(FileFunctions::FileAction action, const QString &first, const QSt
     return false;
 }
 
-// The opened directories are the canonical paths of those that are being listed: a link back into one of them would
-// never come to an end.
+// opened holds the canonical paths of the directories that are being listed. Following a link back into one of them
+// would never end.
 void AppendFilePaths(const QString &path, QStringList &opened, QStringList &paths)
 {
     if (path.isEmpty() || path.endsWith(SKIPPED_SUFFIX))
@@ -105,7 +105,7 @@ bool Retry(const TStep &step)
     }
 }
 
-// The canonical path of what exists of a path, and the rest of it: where something that is made there will lie.
+// Returns where something created at a path would be: the canonical path of the existing part, followed by the rest.
 QString ToCanonicalPath(const QString &path)
 {
     const QString absolute = QDir::cleanPath(QDir().absoluteFilePath(path));
@@ -117,7 +117,7 @@ QString ToCanonicalPath(const QString &path)
     return absolute;
 }
 
-// A directory lies within itself.
+// Returns whether a path is within a directory, which is within itself.
 bool IsWithin(const QString &path, const QString &directory)
 {
     QString outer = ToCanonicalPath(directory);
@@ -126,21 +126,21 @@ bool IsWithin(const QString &path, const QString &directory)
     return (ToCanonicalPath(path) + QLatin1Char('/')).startsWith(outer);
 }
 
-// Where a name stands: a link itself, not what it leads to.
+// Returns the place of a name: that of a link itself, not of its target.
 QString ToPlace(const QString &path)
 {
     const QFileInfo info(path);
     return QDir(QFileInfo(info.path()).canonicalFilePath()).filePath(info.fileName());
 }
 
-// Whether the file that is to be replaced is the one that should replace it.
+// Returns whether the file to be replaced is the one that replaces it.
 bool IsOwnPlace(const QString &from, const QString &to)
 {
     const QString place = ToPlace(to);
     return ToPlace(from) == place || QFileInfo(from).canonicalFilePath() == place;
 }
 
-// A path beside a file at which nothing lies; empty if nothing can be made or removed there.
+// Returns an unused path next to a file, or an empty one if nothing can be created or removed there.
 QString FindPathBeside(const QString &path)
 {
     QTemporaryFile file(QFileInfo(path).path() + QLatin1String("/.XXXXXX.tmp"));
@@ -149,26 +149,26 @@ QString FindPathBeside(const QString &path)
 
 bool TryOverwrite(const QString &from, const QString &to)
 {
-#if defined(Q_OS_WIN) // renames nothing over a file
+#if defined(Q_OS_WIN) // rename() replaces no file
     return (!QFile::exists(to) || QFile::remove(to)) && QFile::rename(from, to);
 #else
     if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
         return false;
-    QFile::remove(from); // two names of one file both stay
+    QFile::remove(from); // rename() does nothing if both are hard links to the same file
     return true;
 #endif
 }
 
 enum class EPut {
     Done,
-    NotRemoved, // what lies there
+    NotRemoved, // the existing file
     NotPlaced,
 };
 
-// Copies or renames a file. What lies in its place goes only for something that can take it, which waits beside it.
+// Copies or renames a file. An existing file is removed only for one that is ready next to it.
 EPut Put(FileFunctions::FileAction action, const QString &from, const QString &to)
 {
-    if (!QFile::exists(to) || IsOwnPlace(from, to)) // of which the second fails
+    if (!QFile::exists(to) || IsOwnPlace(from, to)) // DoAction() fails for the latter
         return FileFunctions::DoAction(action, from, to) ? EPut::Done : EPut::NotPlaced;
     QString beside;
     const auto isReplaceable = [&] {
@@ -194,7 +194,7 @@ QString RenameError(const QString &from, const QString &to)
     return QLatin1String("move: failed to rename: ") + from + QLatin1String(" to ") + to;
 }
 
-// Whether nothing of a tree would come to lie within the tree itself, with which it would be removed.
+// Returns whether no file would end up within the tree itself, which is removed afterwards.
 bool IsMovedOut(const QString &source, const QString &target, QString &error)
 {
     if (!QFileInfo(source).isDir())
@@ -217,7 +217,7 @@ bool IsMovedOut(const QString &source, const QString &target, QString &error)
     return true;
 }
 
-// "link/" and "link/." are what the link leads to.
+// "link/" and "link/." refer to the target of the link.
 QString WithoutTail(QString path)
 {
     while (path.size() > 1 && (path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1String("/."))))
@@ -225,7 +225,7 @@ QString WithoutTail(QString path)
     return path;
 }
 
-// Behind a link, ".." leads elsewhere than in the absolute path.
+// After a link, ".." leads elsewhere than in the absolute path.
 QString ToAbsolutePath(const QString &path)
 {
     QString absolute = QDir::cleanPath(QDir().absoluteFilePath(path));

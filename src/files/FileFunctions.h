@@ -5,52 +5,52 @@
 #include <QString>
 #include <QStringList>
 
-/// Operations on files and directory trees that survive a file being held open for a moment by another program.
+/// Functions for files and directory trees that work even if another program holds a file open for a moment.
 ///
-/// Each single step is tried up to ten times, with 200 ms between two attempts; a step that keeps failing blocks the
-/// calling thread for 1.8 s. The first failure ends an operation, and what was done until then stays done. An
-/// operation with an `error` argument puts the failed step there, in English; all but CopyFile() empty it first.
-/// Paths are absolute. No state, any thread.
+/// Each step is tried up to ten times, with 200 ms between two attempts. A step that keeps failing blocks the calling
+/// thread for 1.8 s. A function ends at the first failure, and what it has done until then isn't undone. A function
+/// with an `error` argument sets it to the failed step, in English; all except CopyFile() clear it first. Paths are
+/// absolute. The functions have no state and may be called from any thread.
 ///
-/// A file that is replaced stays until the new one lies beside it, as a hidden file whose name ends in ".tmp", and
-/// can take its place; the disk needs room for both. A link is replaced itself, not what it leads to.
+/// When a file is replaced, it is kept until the new file is next to it, as a hidden file whose name ends in ".tmp",
+/// and can take its place. The disk needs room for both. If the file is a link, the link is replaced, not its target.
 namespace FileFunctions {
 
-/// The steps that are tried again.
+/// The steps that are retried.
 enum FileAction {
     FA_RemoveFile = 0,
-    FA_RemoveDir = 1, ///< Of an empty directory.
-    FA_MakePath = 2,  ///< A directory with all above it.
-    FA_Rename = 3,    ///< From the first path to the second, at which nothing lies; a file also to another disk.
-    FA_Copy = 4,      ///< From the first path to the second, which must not exist.
+    FA_RemoveDir = 1, ///< Removes an empty directory.
+    FA_MakePath = 2,  ///< Creates a directory and all its parents.
+    FA_Rename = 3,    ///< Moves the first path to the second, an unused one; a file also to another disk.
+    FA_Copy = 4,      ///< Copies the first path to the second, which must not exist.
 };
 
-/// Does one step; \a second is used by the last two alone.
+/// Performs one step. Only the last two actions use \a second.
 PLUGININTERFACE_EXPORT bool DoAction(FileAction action, QString first, QString second);
 
-/// Absolute paths of all that lies below a directory, hidden entries included: each directory before its contents,
-/// the directories of a level before its files. Names that end in ".svn" are left out, with what lies below them.
-/// Links to directories are followed, but not back into a directory that is being listed.
+/// Returns the absolute paths of everything in a directory tree, including hidden entries. Each directory comes
+/// before its contents, and the directories of a level before its files. Skips names that end in ".svn" and
+/// everything below them. Follows links to directories, but not back into a directory that is being listed.
 PLUGININTERFACE_EXPORT QStringList GetFilePaths(const QString &path);
 
-/// Checks ahead of a move that everything to be moved is there and everything to be replaced can be written. Changes
-/// nothing.
+/// Checks before a move that all sources exist and all files to be replaced are writable. Changes nothing.
 PLUGININTERFACE_EXPORT bool IsMoveAbleDir(const QString &from, const QString &to, QString &error);
 
-/// Copies, or with \a move moves, the files of a tree over another one and replaces those that exist there.
-/// Directories come to exist with the files below them, so empty ones are not made. It fails at a file that would
-/// replace itself. Of a directory that isn't there nothing is copied, and that is true.
+/// Copies the files of a tree over another tree, or moves them if \a move is true. Existing files are replaced.
+/// Directories are created for the files in them, so empty ones are not created. Fails at a file that would replace
+/// itself. If the source directory doesn't exist, copies nothing and returns true.
 PLUGININTERFACE_EXPORT bool CopyDir(const QString &from, const QString &to, QString &error, bool move);
 
-/// Copies a file over another one, which stays if it can't be replaced, and is not replaced by itself.
+/// Copies a file over another one, which is kept if it can't be replaced. A file isn't replaced by itself.
 PLUGININTERFACE_EXPORT bool CopyFile(const QString &from, const QString &to, QString &error);
 
-/// Moves the files of a tree over another one, then removes the first, with the ".svn" and empty directories that
-/// were not moved. Fails before anything is moved if a file would come to lie within the source, links considered.
+/// Moves the files of a tree over another tree, then removes the first with the ".svn" and empty directories that
+/// were not moved. Fails before anything is moved if a file would end up within the source, taking links into
+/// account.
 PLUGININTERFACE_EXPORT bool MoveDir(const QString &from, const QString &to, QString &error);
 
-/// Removes a tree, ".svn" included. Links are removed, not followed, also where \a path is one, with or without a "/"
-/// or "/." behind it. True if there is nothing at \a path.
+/// Removes a tree, including ".svn". Links are removed, not followed, even if \a path itself is a link, with or
+/// without "/" or "/." at the end. Returns true if nothing exists at \a path.
 PLUGININTERFACE_EXPORT bool RemoveDir(const QString &path, QString &error);
 
 } // namespace FileFunctions

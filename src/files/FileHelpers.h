@@ -6,30 +6,31 @@
 #include <QString>
 
 /// \file
-/// Helpers for whole files and small texts. No state, any thread.
+/// Helpers for whole files and small texts. The functions have no state and may be called from any thread.
 namespace Globals {
 
-/// Reads a whole file. False, with \a contents unchanged, if it can't be opened.
+/// Reads a whole file. If it can't be opened, returns false and leaves \a contents unchanged.
 PLUGININTERFACE_EXPORT bool GetContents(const QString &path, QByteArray &contents);
 
-/// Writes \a data to a file and makes the directories above it. With \a position at least 0 only what lies from there
-/// on, with \a length at least 0 of that at most so many bytes. A file that already holds these bytes isn't touched.
-/// False if a directory can't be made or the file can't be opened. A \a path without "/" lies in the current
-/// directory.
+/// Writes \a data to a file and creates the directories above it. If \a position is at least 0, only the data from
+/// there on is written; if \a length is at least 0, at most that many bytes. A file that already contains these
+/// bytes isn't touched. Returns false if a directory can't be created or the file can't be opened. A \a path without
+/// "/" is relative to the current directory.
 PLUGININTERFACE_EXPORT bool WriteToFile(const QString &path, const QByteArray &data, int position, int length);
 
-/// MD5 digest as 32 lower-case hexadecimal digits. It tells copies apart; it protects nothing.
+/// Returns the MD5 digest of \a data as 32 lower-case hexadecimal digits. Use it to compare copies, not for security.
 PLUGININTERFACE_EXPORT QString GetMD5(const QByteArray &data);
-/// The same of a file's contents; empty if it can't be read.
+/// Returns the MD5 digest of a file's contents, or an empty string if the file can't be read.
 PLUGININTERFACE_EXPORT QString GetFileMD5(const QString &path);
 
-/// Finds the bytes between the first \a begin at or behind offset \a from (0 if negative) and the next \a end. \a
-/// next becomes the offset behind \a end. False, with \a result and \a next unchanged, if a marker is missing; a \a
-/// begin at offset 0 counts as missing.
+/// Finds the bytes between the first \a begin at or after the offset \a from (0 if negative) and the next \a end.
+/// Sets \a next to the offset after \a end. If either isn't found, returns false and leaves \a result and \a next
+/// unchanged. A \a begin at offset 0 counts as not found.
 PLUGININTERFACE_EXPORT bool GetBetween(const QByteArray &data, int from, QByteArray begin, QByteArray end,
                                        QByteArray &result, int &next);
 
-/// Reads "true", "on", "yes", "1" and "false", "off", "no", "0" in any case; anything else is \a defaultValue.
+/// Converts "true", "on", "yes", "1" and "false", "off", "no", "0", in any case. Returns \a defaultValue for anything
+/// else.
 PLUGININTERFACE_EXPORT bool ToBool(const QString &text, bool defaultValue);
 
 } // namespace Globals

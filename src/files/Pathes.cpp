@@ -202,7 +202,7 @@ QString Pathes::PersonalDir()
 
 QString Pathes::ToCommonRes(const QString &name, bool url)
 {
-    static QHash<QString, QString> paths; // an empty entry is a file that wasn't found
+    static QHash<QString, QString> paths; // an empty entry means that there is no file
     static QHash<QString, QString> urls;
 
     const auto knownPath = paths.constFind(name);

@@ -4,58 +4,58 @@
 
 #include <QString>
 
-/// Where the client's files lie: the one place that knows the shape of an installation.
+/// The paths of the client's files. Only these functions know the structure of an installation.
 ///
-/// An installation is a tree around the directory that the process runs in, which is a folder beside Resources and
-/// Tmp:
+/// An installation is a tree around the current directory of the process, which is next to Resources and Tmp:
 ///
 /// - Contents/Client: main program, starter, Plugins
 /// - Contents/Frameworks/rsyncbin: update tool
 /// - Contents/Resources: config.sqlite, language.sqlite, designer, themes, brand/Qt, common/Qt
-/// - Contents/Tmp: all that changes at run time
+/// - Contents/Tmp: everything that changes at run time
 ///
-/// Every answer but ToCommonRes() is composed anew from the process's current directory, with "/" as separator, and
-/// not cleaned up: it keeps its "/.." parts. Nothing is created. Any thread but for ToCommonRes().
+/// Every result except that of ToCommonRes() is composed anew from the current directory of the process, with "/" as
+/// separator, and isn't cleaned: it keeps its "/.." parts. Nothing is created. All functions except ToCommonRes() may
+/// be called from any thread.
 namespace Pathes {
 
 inline constexpr char ICON_FILE[] = "icon.ico";                  ///< The brand's icon.
 inline constexpr char MAIN_EXE_FILE[] = "main.exe";              ///< The client.
 inline constexpr char RSYNC_FILE[] = "rsyncqt.exe";              ///< The update tool.
-inline constexpr char STARTER_EXE_FILE[] = "starter.exe";        ///< What updates and starts the client.
-inline constexpr char STARTER_TMP_EXE_FILE[] = "startertmp.exe"; ///< A starter that is to replace the other.
+inline constexpr char STARTER_EXE_FILE[] = "starter.exe";        ///< Updates and starts the client.
+inline constexpr char STARTER_TMP_EXE_FILE[] = "startertmp.exe"; ///< The new starter, which replaces the other.
 
-/// The process's current directory.
+/// Returns the current directory of the process.
 PLUGININTERFACE_EXPORT QString Binary();
-/// The folder around Client, Resources and Tmp.
+/// Returns the directory of Client, Resources and Tmp.
 PLUGININTERFACE_EXPORT QString Contents();
-/// The folder around Contents.
+/// Returns the directory of Contents.
 PLUGININTERFACE_EXPORT QString Root();
-/// Contents/Client
+/// Returns Contents/Client.
 PLUGININTERFACE_EXPORT QString Client();
-/// Contents/Frameworks
+/// Returns Contents/Frameworks.
 PLUGININTERFACE_EXPORT QString Frameworks();
-/// Contents/Resources
+/// Returns Contents/Resources.
 PLUGININTERFACE_EXPORT QString Resources();
-/// Contents/Tmp
+/// Returns Contents/Tmp.
 PLUGININTERFACE_EXPORT QString Tmp();
 
-/// brand/Qt of the resources: what is the brand's own.
+/// Returns brand/Qt in Resources(), the files of the brand.
 PLUGININTERFACE_EXPORT QString Brand();
-/// common/Qt of the resources: what all brands share.
+/// Returns common/Qt in Resources(), the files that all brands share.
 PLUGININTERFACE_EXPORT QString Common();
-/// common/Qt of the brand, whose files go before those of Common().
+/// Returns common/Qt in Brand(), whose files take precedence over those in Common().
 PLUGININTERFACE_EXPORT QString CommonBrand();
-/// fonts of Common().
+/// Returns fonts in Common().
 PLUGININTERFACE_EXPORT QString Fonts();
-/// designer of the resources.
+/// Returns designer in Resources().
 PLUGININTERFACE_EXPORT QString DesignerStyleDir();
 
-/// A database that an installation brings along.
+/// Returns the path of a database that is installed with the client.
 /// @{
 PLUGININTERFACE_EXPORT QString ConfigDB();
 PLUGININTERFACE_EXPORT QString LanguageDB();
 /// @}
-/// A database of the users, in Tmp().
+/// Returns the path of a database of the users, in Tmp().
 /// @{
 PLUGININTERFACE_EXPORT QString SettingsDB();
 PLUGININTERFACE_EXPORT QString PlayerInfoDB();
@@ -63,50 +63,51 @@ PLUGININTERFACE_EXPORT QString LobbyListDB();
 PLUGININTERFACE_EXPORT QString HandHistoryDB();
 /// @}
 
-/// logs of Tmp().
+/// Returns logs in Tmp().
 PLUGININTERFACE_EXPORT QString Log();
-/// Plugins of Client().
+/// Returns Plugins in Client().
 PLUGININTERFACE_EXPORT QString Plugins();
-/// The client in Client().
+/// Returns the path of the client in Client().
 PLUGININTERFACE_EXPORT QString MainExe();
-/// The starter in Client().
+/// Returns the path of the starter in Client().
 PLUGININTERFACE_EXPORT QString StarterExe();
-/// The new starter in Client().
+/// Returns the path of the new starter in Client().
 PLUGININTERFACE_EXPORT QString StarterTmpExe();
-/// The icon in Brand().
+/// Returns the path of the icon in Brand().
 PLUGININTERFACE_EXPORT QString Icon();
-/// style.css in Brand().
+/// Returns the path of style.css in Brand().
 PLUGININTERFACE_EXPORT QString StarterStyleCss();
 
-/// rsyncbin of Frameworks(): the update tool as it is installed.
+/// Returns rsyncbin in Frameworks(), where the update tool is installed.
 PLUGININTERFACE_EXPORT QString RSyncDir();
-/// The tool in RSyncDir().
+/// Returns the path of the update tool in RSyncDir().
 PLUGININTERFACE_EXPORT QString RSync();
-/// rsyncbin of Tmp(): a copy of the tool, which an update may replace.
+/// Returns rsyncbin in Tmp(), for a copy of the update tool, which an update may replace.
 PLUGININTERFACE_EXPORT QString RSyncTmpDir();
-/// The tool in RSyncTmpDir().
+/// Returns the path of the update tool in RSyncTmpDir().
 PLUGININTERFACE_EXPORT QString RSyncTmp();
 
-/// The folder of all variants of the theme \a name.
+/// Returns the directory of all variants of the theme \a name.
 PLUGININTERFACE_EXPORT QString ThemeRoot(const QString &name);
-/// Variant \a number of the theme whose folder is \a root.
+/// Returns the directory of variant \a number of the theme in \a root.
 PLUGININTERFACE_EXPORT QString Theme(const QString &root, int number);
 
-/// The cached picture of a player's own avatar. Folders hold a thousand pictures each.
+/// Returns the path of the cached picture \a id of a player's custom avatar. Each directory holds a thousand
+/// pictures.
 PLUGININTERFACE_EXPORT QString CustomAvatar(unsigned int id);
 
-/// The documents folder of the desktop's user.
+/// Returns the documents directory of the desktop's user.
 PLUGININTERFACE_EXPORT QString PersonalDir();
 
-/// Finds a resource by its relative name: the brand's file, else the common one, else the one compiled in. With \a
-/// url a compiled-in resource is answered as "qrc:/..." for QML. Empty if there is none.
+/// Returns the path of a resource with the relative \a name: the brand's file, otherwise the common one, otherwise
+/// the compiled-in one. With \a url a compiled-in resource is returned as "qrc:/..." for QML. Empty if there is none.
 ///
-/// Answers are remembered for the life of the process, a missing file included, so that style sheets and QML may ask
-/// again and again without touching the disk. An answer as a path, once given, is also what a later call with \a url
-/// gets. Thread of the user interface only.
+/// Results, even for missing files, are remembered for the life of the process, so that style sheets and QML can ask
+/// repeatedly without accessing the disk. Once a path has been returned, a later call with \a url returns it too.
+/// Main thread.
 PLUGININTERFACE_EXPORT QString ToCommonRes(const QString &name, bool url);
 
-/// The first path dir/name_N.extension, N counting from 0, at which no file lies.
+/// Returns the first path dir/name_N.extension, with N counted from 0, at which no file exists.
 PLUGININTERFACE_EXPORT QString UniqueFilePath(QString dir, QString name, QString extension);
 
 } // namespace Pathes
