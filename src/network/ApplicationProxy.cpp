@@ -17,7 +17,7 @@ const QLatin1String KEY_USER("user");
 const QLatin1String KEY_PASSWORD("password");
 const QLatin1String KEY_TYPE("type");
 
-// 0, which is no port, for what can't be one.
+// Returns 0, an invalid port, for a number out of range.
 quint16 ToPort(const QJsonValue &value)
 {
     const int port = value.toInt(0);

@@ -4,12 +4,12 @@
 
 namespace Globals {
 
-/// Makes the operator's proxy, the configuration value `proxysettings`, the application's. That is a JSON object with
-/// "host", "port", "user", "password" and "type", one of "default", "socks5", "http", "httpcaching" and "ftpcaching"
-/// in any case; what it lacks stays as it is.
+/// Sets the application's proxy to the operator's proxy, the configuration value `proxysettings`. That is a JSON
+/// object with "host", "port", "user", "password" and "type": "default", "socks5", "http", "httpcaching" or
+/// "ftpcaching", in any case. What is missing keeps its current value.
 ///
-/// False, and the application's proxy as it was, if the value is empty or no JSON object, if the type is unknown, or
-/// if there would be no host or no port. CNetworkAccessManager goes direct all the same. Main thread.
+/// Returns false and leaves the proxy unchanged if the value is empty or no JSON object, if the type is unknown, or
+/// if there would be no host or port. CNetworkAccessManager doesn't use this proxy. Main thread.
 PLUGININTERFACE_EXPORT bool SetApplicationProxy();
 
 } // namespace Globals

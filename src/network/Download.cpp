@@ -12,21 +12,21 @@ namespace {
 
 constexpr double KILO = 1024.0;
 constexpr double MEGA = KILO * KILO;
-// How far Qt's thread may be ahead of the reading, in bytes. Without a bound it posts pieces for as long as it gets
-// them, faster than they are taken in, and no timer's turn comes.
+// How many bytes Qt's thread may read ahead. Without a limit it posts data as long as it receives any, faster than it
+// is read here, and timers never fire.
 constexpr qint64 READ_AHEAD = 512 << 10;
 
 constexpr int HTTP_NO_CONTENT = 204;
 constexpr int HTTP_NOT_MODIFIED = 304;
 
-// A Start() that waits for the event loop; a child of its download, and who deletes it takes the call back.
+// A pending Start(). It is a child of its download; deleting it cancels the call.
 class CWaitingStart : public QObject
 {
 public:
     using QObject::QObject;
 };
 
-// Whether a server has compressed the body. Names that stand for no compression do turn up, and change nothing.
+// Returns whether a server has compressed the body. Other names occur as well and mean no compression.
 bool IsCompressed(const QNetworkReply &reply)
 {
     static const QList<QByteArray> compressions{"gzip", "x-gzip", "deflate", "compress", "x-compress", "br", "zstd"};
@@ -35,14 +35,14 @@ bool IsCompressed(const QNetworkReply &reply)
                        [](const QByteArray &coding) { return compressions.contains(coding.trimmed()); });
 }
 
-// Whether the server has announced more. Qt itself takes the end of a connection for the end of the body now and
-// then.
+// Returns whether the server has announced more bytes. Qt itself sometimes takes the end of a connection for the end
+// of the body.
 bool IsCutOff(const QNetworkReply &reply, qint64 bytes)
 {
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (reply.operation() == QNetworkAccessManager::HeadOperation || status == HTTP_NO_CONTENT ||
         status == HTTP_NOT_MODIFIED || reply.hasRawHeader("Transfer-Encoding"))
-        return false; // then the length is not that of a body
+        return false; // the length isn't that of a body
     return reply.header(QNetworkRequest::ContentLengthHeader).toLongLong() > bytes;
 }
 
@@ -131,7 +131,7 @@ void CDownload::slot_DownloadProgress(qint64 bytesReceived, qint64 bytesTotal)
 
 void CDownload::slot_DownloadFinished()
 {
-    // A reply that was replaced or given up may still finish.
+    // A replaced or abandoned reply may still finish.
     if (sender() != m_pReply)
         return;
     if (!UpdateDownload())
@@ -160,7 +160,7 @@ void CDownload::slot_DownloadReadyRead()
     }
     if (m_data.isEmpty())
         m_data.reserve(static_cast<int>(qMin(GetContentLength(), MaxBytes)));
-    // In place, without an array between.
+    // Read in place, without a temporary array.
     m_data.resize(size + static_cast<int>(available));
     m_data.resize(size + static_cast<int>(qMax(Q_INT64_C(0), m_pReply->read(m_data.data() + size, available))));
 }
@@ -199,8 +199,8 @@ void CDownload::Download()
     connect(m_pReply, &QNetworkReply::downloadProgress, this, &CDownload::slot_DownloadProgress);
     connect(m_pReply, &QNetworkReply::finished, this, &CDownload::slot_DownloadFinished);
     connect(m_pReply, &QNetworkReply::readyRead, this, &CDownload::slot_DownloadReadyRead);
-    // Who ends the manager takes the reply away. The event loop tells it, for by then the manager has gone
-    // altogether, and a new Start() or a Stop() may have come first.
+    // Deleting the manager deletes the reply. The connection is queued: when the slot runs, the manager is completely
+    // destroyed, and Start() or Stop() may have been called before.
     const auto end = [this] {
         if (m_pReply || !m_TimeoutTimer.isActive())
             return;
@@ -218,10 +218,10 @@ QNetworkReply *CDownload::Send() const
     QNetworkRequest request(m_curUrl);
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/x-www-form-urlencoded"));
     request.setHeader(QNetworkRequest::ContentLengthHeader, m_postData.size());
-    // A few compressed bytes may stand for any number of bytes in memory, and Qt unpacks them before they are counted
-    // here. With this header it neither asks for compressed bytes nor unpacks what comes all the same.
+    // A few compressed bytes may expand to any number of bytes in memory, and Qt decompresses them before they are
+    // counted here. With this header Qt neither requests compressed data nor decompresses it.
     request.setRawHeader("Accept-Encoding", "identity");
-    // Redirects are followed and counted here, whatever the manager would do.
+    // Redirects are followed and counted here, whatever the policy of the manager is.
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     WebRequest::SetUserAgent(&request);
     CNetworkAccessManager *manager = CNetworkAccessManager::GetInstance();
@@ -230,7 +230,8 @@ QNetworkReply *CDownload::Send() const
     return m_postData.isEmpty() ? manager->get(request) : manager->post(request, m_postData);
 }
 
-// Whether the reply runs on: a listener may stop or delete the download, or begin another transfer.
+// Returns whether the reply is still the current one: a slot may stop or delete the download, or start another
+// transfer.
 bool CDownload::UpdateDownload()
 {
     const QPointer<CDownload> self(this);
@@ -244,8 +245,8 @@ bool CDownload::UpdateDownload()
     return self && reply && m_pReply == reply;
 }
 
-// False if the chain is too long, or leads away from the web: a server has no business with the files of this
-// machine.
+// Returns false if there are too many redirects, or if the target isn't http or https: a server must not access the
+// files of this machine.
 bool CDownload::FollowRedirect(const QUrl &target)
 {
     const QUrl resolved = m_curUrl.resolved(target);
@@ -263,7 +264,7 @@ void CDownload::StopTimers()
     m_UpdateTimer.stop();
 }
 
-// What it still has to tell counts for nothing.
+// Disconnects the reply, so that its remaining signals are ignored.
 void CDownload::ForgetReply()
 {
     if (m_pReply) {

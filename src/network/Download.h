@@ -10,64 +10,66 @@
 #include <QTimer>
 #include <QUrl>
 
-/// One transfer over HTTP, held in memory: a GET, a POST or a HEAD that follows redirects, watches for a stall, and
-/// tells its progress. It goes through CNetworkAccessManager and shares its thread.
+/// An HTTP transfer into memory: a GET, a POST or a HEAD. It follows redirects, has a timeout, and reports its
+/// progress. It uses CNetworkAccessManager and belongs to the same thread.
 ///
-/// A transfer ends in one signal_Finished(), with false for a network error, an HTTP status of 400 and above, a
-/// stall, a chain of more than MaxRedirects redirects or one that leaves the web, a body of more than MaxBytes or of
-/// less than the server has announced, and if CNetworkAccessManager ends meanwhile. A Start() takes the place of one
-/// that still waits or runs: a single signal_Finished() ends both.
+/// A transfer ends with one signal_Finished(). Its status is false for a network error, an HTTP status of 400 or
+/// above, a timeout, more than MaxRedirects redirects, a redirect to something other than http or https, a body of
+/// more than MaxBytes bytes, a body shorter than the server has announced, and if CNetworkAccessManager is destroyed
+/// meanwhile. Start() replaces a transfer that waits or runs: a single signal_Finished() ends both.
 ///
-/// It asks for an uncompressed body. One that a server compresses all the same (gzip, deflate, compress, br, zstd)
-/// isn't unpacked: the transfer fails, without data. Qt takes a chunk that can't be read for the last one and doesn't
-/// tell, nor always that a connection has ended between two chunks. So a chunked body can be too short with true; a
-/// caller that needs all of it checks what it holds.
+/// The class requests an uncompressed body. If a server compresses it nevertheless (gzip, deflate, compress, br,
+/// zstd), it isn't decompressed: the transfer fails, without data. Qt takes an unreadable chunk for the last one
+/// without reporting it, and doesn't always report that a connection was closed between two chunks. So a chunked body
+/// can be too short although the status is true. A caller that needs all of it must check what it received.
 ///
-/// The object can be started again, then from where the last redirect has led, and doesn't delete itself. A listener
-/// may delete it, stop it or start it again in each of its signals.
+/// The object can be started again, and then begins where the last redirect has led. It doesn't delete itself. A slot
+/// that is connected to any of the signals may delete, stop or start it again.
 class PLUGININTERFACE_EXPORT CDownload : public QObject
 {
     Q_OBJECT
 
 public:
-    static constexpr unsigned int DownloadTimeout = 20000;  ///< Milliseconds without a sign of life.
-    static constexpr unsigned int DownloadUpdateTime = 500; ///< Milliseconds between two reports of progress.
-    static constexpr unsigned int MaxRedirects = 3;         ///< Of one transfer.
-    /// The longest body, in bytes; meant for what fits in memory with ease.
+    static constexpr unsigned int DownloadTimeout = 20000;  ///< The timeout in milliseconds without progress.
+    static constexpr unsigned int DownloadUpdateTime = 500; ///< The milliseconds between two progress signals.
+    static constexpr unsigned int MaxRedirects = 3;         ///< The most redirects of a transfer.
+    /// The longest body, in bytes. The class is meant for what easily fits into memory.
     static constexpr unsigned int MaxBytes = 64u << 20;
 
-    /// Starts nothing. With \a headOnly it is a HEAD, else a POST of \a postData, or a GET if that is empty.
+    /// Creates the object without starting it. The transfer is a HEAD if \a headOnly is true, else a POST of
+    /// \a postData, or a GET if that is empty.
     CDownload(QObject *parent, const QString &url, const QByteArray &postData, bool headOnly);
     ~CDownload() override;
 
-    /// The transfer begins at the next turn of the event loop. One that still runs by then ends without a signal of
-    /// its own, though the server may have got its request.
+    /// Starts the transfer at the next turn of the event loop. A transfer that still runs then ends without a signal
+    /// of its own, although the server may have received its request.
     void Start();
-    /// Gives up all that runs or waits for its begin, with one signal_Finished(false, QByteArray()); that comes also
-    /// when nothing was running, so a listener to that signal doesn't call it every time.
+    /// Stops what runs or waits to start, with one signal_Finished(false, QByteArray()). The signal is emitted even
+    /// if nothing was running, so a slot that is connected to it must not always call Stop().
     void Stop();
 
-    /// The address given at first.
+    /// Returns the original address.
     const QUrl &GetBaseUrl() const;
-    /// The address that the last redirect has led to.
+    /// Returns the address after the last redirect.
     const QUrl &GetCurUrl() const;
-    /// The path of the current address, decoded.
+    /// Returns the path of the current address, decoded.
     QString GetName() const;
-    /// What the server announces, in bytes, and 4294967295 for more than that; 0 if it announces nothing or nothing
-    /// that can be a length, or if nothing is running.
+    /// Returns the length in bytes that the server announces, at most 4294967295. Returns 0 if it announces no valid
+    /// length or nothing is running.
     unsigned int GetContentLength() const;
 
-    /// "1.5 kB": bytes, kB or MB with one decimal, not translated.
+    /// Returns a text such as "1.5 kB": bytes, kB or MB with one decimal, not translated.
     static QString FormatBytes(qint64 bytes);
 
 Q_SIGNALS:
-    /// The transfer begins. A listener may stop it. Each Start() that Stop() hasn't overtaken is told.
+    /// Emitted when the transfer begins, for each Start() that Stop() hasn't cancelled. A slot may stop the transfer.
     void signal_Started();
-    /// \a data is the body, or what of it had been read: of a long one the rest may have been under way still. It is
-    /// empty for a stall, a stop, the end of CNetworkAccessManager and a compressed body.
+    /// Emitted when the transfer has ended. \a data is the body, or the part that was read; the rest of a long body
+    /// may not have arrived yet. It is empty after a timeout, Stop(), the destruction of CNetworkAccessManager, and
+    /// for a compressed body.
     void signal_Finished(bool status, QByteArray data);
-    /// Twice a second and at the end; \a bytesTotal is below 0 while it isn't known, and \a speed is for people to
-    /// read, such as "1.5 kB/s".
+    /// Emitted twice a second and at the end. \a bytesTotal is negative while it isn't known. \a speed is a text to
+    /// display, such as "1.5 kB/s".
     void signal_Progress(qint64 bytesReceived, qint64 bytesTotal, QString speed);
 
 private Q_SLOTS:

@@ -23,7 +23,7 @@ CNetworkAccessManager::CNetworkAccessManager(QObject *parent)
 
 CNetworkAccessManager::~CNetworkAccessManager() = default;
 
-// There are no credentials to give, and the reply ends in its error.
+// There are no credentials to provide, so the reply finishes with an error.
 void CNetworkAccessManager::slot_AuthenticationRequired(QNetworkReply *, QAuthenticator *) {}
 
 void CNetworkAccessManager::slot_ProxyAuthenticationRequired(QNetworkProxy, QAuthenticator *auth)
@@ -44,7 +44,7 @@ QNetworkReply *CNetworkAccessManager::createRequest(QNetworkAccessManager::Opera
     return QNetworkAccessManager::createRequest(op, stamped, outgoingData);
 }
 
-// Who asked for the reply deletes it.
+// The caller that made the request deletes the reply.
 void CNetworkAccessManager::slot_RequestFinished(QNetworkReply *) {}
 
 void CNetworkAccessManager::slot_SslErrors(QNetworkReply *reply, QList<QSslError>)

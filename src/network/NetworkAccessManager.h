@@ -7,36 +7,35 @@
 #include <QSharedPointer>
 #include <QSslError>
 
-/// The one way to web servers for the whole client.
+/// The network access manager for all requests of the client to web servers.
 ///
-/// It goes direct, without the application's proxy, unless somebody calls setProxy(). Every request bears the
-/// client's user agent. TLS errors stop no request: what arrives over https is as trustworthy as over http, so
-/// nothing secret goes this way. A server that asks for credentials gets none. A reply belongs to who asked for it.
-/// Main thread.
+/// It uses no proxy, not even the application's, unless setProxy() is called. Every request has the client's user
+/// agent. TLS errors are ignored: data received over https is no more trustworthy than over http, so nothing secret
+/// may be sent. A server that asks for credentials gets none. The caller owns the reply to its request. Main thread.
 class PLUGININTERFACE_EXPORT CNetworkAccessManager : public QNetworkAccessManager
 {
     Q_OBJECT
 
 public:
-    /// Makes an object beside the shared one.
+    /// Creates an object in addition to the shared one.
     explicit CNetworkAccessManager(QObject *parent = nullptr);
     ~CNetworkAccessManager() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the shared object, creating it on first use; the library owns it.
     static CNetworkAccessManager *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop, and its replies with it; a CDownload that runs then fails.
+    /// Destroys the shared object and its replies at the next turn of the event loop. A running CDownload then fails.
     static void DestroyInstance();
 
-    /// What get(), post() and head() pass through.
+    /// Creates the request for get(), post() and head().
     QNetworkReply *createRequest(QNetworkAccessManager::Operation op, const QNetworkRequest &request,
                                  QIODevice *outgoingData) override;
 
 public Q_SLOTS:
-    /// Gives no credentials, and the reply ends in its error.
+    /// Provides no credentials, so the reply finishes with an error.
     void slot_AuthenticationRequired(QNetworkReply *reply, QAuthenticator *auth);
-    /// Answers with user and password of the application's proxy, if it has any.
+    /// Provides user and password of the application's proxy, if it has any.
     void slot_ProxyAuthenticationRequired(QNetworkProxy proxy, QAuthenticator *auth);
 
 private Q_SLOTS:

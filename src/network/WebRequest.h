@@ -4,10 +4,10 @@
 
 class QNetworkRequest;
 
-/// What all requests to web servers have in common. No state, any thread.
+/// Functions for all requests to web servers. They have no state and may be called from any thread.
 namespace WebRequest {
 
-/// Stamps the request with the client's user agent, "QT-Win".
+/// Sets the client's user agent, "QT-Win", in the request.
 PLUGININTERFACE_EXPORT void SetUserAgent(QNetworkRequest *request);
 
 } // namespace WebRequest
