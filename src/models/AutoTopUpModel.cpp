@@ -104,7 +104,7 @@ void CAutoTopUpModel::slot_AutoTopUpSettingsChanged()
         LoadSettings();
 }
 
-// Of nobody, and thus off, where there is no real money.
+// Returns the choices for such tables; the defaults, which are off, for all but real money.
 CAutoTopUpModel::SGroup CAutoTopUpModel::GetGroup(GlobalDefines::MoneyType moneyType,
                                                   GlobalDefines::LimitType limitType) const
 {
@@ -117,14 +117,14 @@ CAutoTopUpModel::SGroup CAutoTopUpModel::GetGroup(GlobalDefines::MoneyType money
     return {all.bOtherEnabled, all.ulOtherLowerLimit, all.ulOtherTargetMode, all.ulOtherTargetMultiple};
 }
 
-// Once the settings are the user's, who may have changed none of them.
+// Loads the user's choices once CSettings holds the user's settings, even if it signalled no change.
 void CAutoTopUpModel::FollowUser()
 {
     if (LoadedUser::HasChanged(*this))
         LoadSettings();
 }
 
-// What isn't of the stored form counts as nothing stored.
+// A value that isn't in the stored form counts as not stored.
 void CAutoTopUpModel::LoadSettings()
 {
     LoadedUser::Set(*this, CUserInfo::GetInstance()->GetNickname());

@@ -15,7 +15,7 @@ PLUGININTERFACE_DEFINE_SINGLETON(CCasinoInfo);
 
 namespace {
 
-constexpr int MONEY_TYPE_PLAY_ONLY = 1; // of the configuration's `moneytype`
+constexpr int MONEY_TYPE_PLAY_ONLY = 1; // value of the configuration's `moneytype`
 
 } // namespace
 
@@ -176,7 +176,7 @@ void CCasinoInfo::InitPersonalDirPath()
     CSettings *settings = CSettings::GetInstance();
     const QString former = settings->GetPersonalDirPath();
     const QString path = Pathes::PersonalDir() + QLatin1Char('/') + CConfig::GetInstance()->GetProductname();
-    QString error; // the user keeps an old folder that can't be moved
+    QString error; // ignored: if the old folder can't be moved, the user keeps it
     if (!former.isEmpty() && former != path && QDir(former).exists())
         FileFunctions::MoveDir(former, path, error);
     QDir().mkpath(path);
@@ -185,8 +185,8 @@ void CCasinoInfo::InitPersonalDirPath()
         settings->SetPersonalDirPath(path, this, true);
 }
 
-// The text is a list such as "0,(0,5),1,(0,4)": a row, and in brackets its two values. Numbers that can't be read are
-// 0; a row that is none is skipped, and so are values that don't fit.
+// The text is a list such as "0,(0,5),1,(0,4)": the number of a row, and its two values in brackets. Values that
+// can't be read are 0; invalid rows and values that don't fit are skipped.
 CCasinoInfo::TRatingTable CCasinoInfo::ReadRatingTable(const TRatingTable &builtIn, const QString &text)
 {
     TRatingTable table = builtIn;

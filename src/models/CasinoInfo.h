@@ -10,16 +10,17 @@
 
 #include <array>
 
-/// What is true of the casino rather than of a player: how much is going on, the bad beat jackpot, and what kind of
-/// casino the operator has set up.
+/// Information about the whole casino: how much is going on, the bad beat jackpot, and what kind of casino the
+/// operator has set up.
 ///
-/// The host feeds counts and jackpot. The operator's part is read when the object is created and stays; see also
-/// InitCasinoInfo(). Needs the databases of CConfig, CSettings and CTranslation. Main thread.
+/// The host sets the counts and the jackpot. The operator's settings are read when the object is created and never
+/// change; see also InitCasinoInfo(). The databases of CConfig, CSettings and CTranslation must be initialised. Main
+/// thread.
 class PLUGININTERFACE_EXPORT CCasinoInfo : public QObject
 {
     Q_OBJECT
 
-    /// For QML, each as its getter says.
+    /// The properties for QML. Each is described at its getter.
     /// @{
     Q_PROPERTY(int currentPlayers READ GetPokerPlayerCount NOTIFY signal_CurrentPlayersChanged)
     Q_PROPERTY(int currentTables READ GetPokerTableCount NOTIFY signal_CurrentTablesChanged)
@@ -36,22 +37,23 @@ class PLUGININTERFACE_EXPORT CCasinoInfo : public QObject
     /// @}
 
 public:
-    /// Makes an object beside the shared one.
+    /// Constructs an object in addition to the shared one.
     explicit CCasinoInfo(QObject *parent = nullptr);
     ~CCasinoInfo() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CCasinoInfo *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// For the host, once: reads the rating tables, and makes the user's folder in the documents, to which it moves
-    /// the one that bears the casino's former name.
+    /// Reads the rating tables and creates the user's folder in the documents. A folder with the casino's former name
+    /// is moved there. The host calls this once.
     void InitCasinoInfo();
 
-    /// How much is going on in the whole casino. A setter signals a number that differs.
+    /// The number of players, tables or tournaments in the whole casino. The setters emit the change signal if the
+    /// number differs.
     /// @{
     unsigned int GetPokerPlayerCount() const;
     void SetPokerPlayerCount(unsigned int count);
@@ -61,53 +63,54 @@ public:
     void SetPokerTournamentCount(unsigned short count);
     /// @}
 
-    /// \a moneyCode is the server's letter of a money type, \a value in its smallest unit.
+    /// Sets the bad beat jackpot. \a moneyCode is the server's letter for a money type, \a value is in the smallest
+    /// unit of that type.
     void SetBadBeatJackpot(char moneyCode, unsigned int value);
-    /// In the smallest unit of its type; 0 until the host has set one.
+    /// Returns the jackpot in the smallest unit of its money type; 0 until the host has set it.
     unsigned int GetBadBeatJackpotValue() const;
-    /// MONEYTYPE_EURO until the host has set one.
+    /// Returns the money type of the jackpot; MONEYTYPE_EURO until the host has set it.
     GlobalDefines::MoneyType GetBadBeatJackpotMoneyType() const;
-    /// The currency's sign.
+    /// Returns the currency sign of the jackpot.
     QString GetBadBeatJackpotCurrency() const;
-    /// The amount for the screen, with its sign and in groups of three digits.
+    /// Returns the jackpot for the screen, with its sign and in groups of three digits.
     QString BadBeatJackpotToString() const;
-    /// The operator's page about it, the configuration's `link_bbj`; empty if there is none.
+    /// Returns the operator's page about the jackpot, the configuration's `link_bbj`; empty if there is none.
     QString GetBadBeatJackpotLink() const;
-    /// Whether the operator has such a page.
+    /// Returns whether the operator has a page about the jackpot.
     bool HasBadBeatJackpotLink() const;
-    /// The display that runs to each new value. It lives as long as this object.
+    /// Returns the display that runs to each new jackpot value. It lives as long as this object.
     CMoneySpinner *GetBadBeatJackpotSpinner();
 
-    /// Whether the operator shows a jackpot.
+    /// Returns whether the operator shows a jackpot.
     bool UsesJackpot() const;
-    /// Whether the operator has no real money.
+    /// Returns whether the operator has no real money.
     bool IsPlaymoneyOnly() const;
-    /// Whether the operator has a page on which an account for play money becomes one for real money.
+    /// Returns whether the operator has a page that turns a play money account into a real money one.
     bool IsUpgradeAvailable() const;
-    /// Whether the operator lets the counts above be shown.
+    /// Returns whether the operator allows counts of players, tables and tournaments to be shown.
     bool IsShowPlayerAndTableCounts() const;
 
-    /// A cell of a rating table: \a row is a rating from 0 to 5, \a column 0 or 1; neither is checked. All cells are
-    /// 0 before InitCasinoInfo().
+    /// Returns a cell of the rating table. \a row is a rating from 0 to 5, \a column is 0 or 1; neither is checked.
+    /// All cells are 0 before InitCasinoInfo().
     unsigned char GetRatingSetting(unsigned char row, unsigned char column) const;
-    /// The same of the table of warnings.
+    /// Returns a cell of the table of rating warnings, like GetRatingSetting().
     unsigned char GetRatingWarningSetting(unsigned char row, unsigned char column) const;
 
-    /// The user's folder in the documents; empty without a login, and before InitCasinoInfo().
+    /// Returns the path of the user's folder in the documents; empty without a login and before InitCasinoInfo().
     QString GetPersonalDirPath() const;
 
 Q_SIGNALS:
-    /// Another amount.
+    /// Emitted when the jackpot's amount has changed.
     void signal_BadBeatJackpotChanged(unsigned int value);
-    /// Another currency; the amount that belongs to it comes next.
+    /// Emitted when the jackpot's currency has changed, before a new amount is signalled.
     void signal_BadBeatJackpotCurrencyChanged(GlobalDefines::MoneyType type);
-    /// Never emitted by the library: what the operator has set up stays.
+    /// Never emitted by the library, because the operator's settings don't change.
     /// @{
     void signal_usesJackpotChanged();
     void signal_IsPlaymoneyOnlyChanged();
     void signal_IsUpgradeAvailableChanged();
     /// @}
-    /// Another number than before.
+    /// Emitted when the number has changed.
     /// @{
     void signal_CurrentPlayersChanged();
     void signal_CurrentTablesChanged();

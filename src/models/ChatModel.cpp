@@ -18,7 +18,7 @@ constexpr int LEVEL_LEAST = 1;
 constexpr int LEVEL_WITHOUT_OBSERVERS = 2;
 constexpr int LEVEL_WITH_OBSERVERS = 3;
 
-// The operator's rule.
+// Applies the operator's rule to the settings.
 CChatModel::SSettings Restricted(CChatModel::SSettings settings)
 {
     const CConfig *config = CConfig::GetInstance();
@@ -31,13 +31,13 @@ CChatModel::SSettings Restricted(CChatModel::SSettings settings)
     return settings;
 }
 
-// QDomDocument calls itself for each element within another one, takes a multiple of the file's memory, and a time
-// that grows with the square of the attributes of an element and with what a document type defines.
+// QDomDocument recurses for each nested element and needs a multiple of the file's memory. Its time grows with the
+// square of the number of attributes of an element, and with the definitions of a document type.
 constexpr int MAX_SIZE = 1 << 20;
 constexpr int MAX_DEPTH = 100;
 constexpr int CHUNK_SIZE = 4 << 10;
 
-// Whether it can be built from what was read last. A document type may be named, but define nothing.
+// Returns whether it is safe to build the token read last. A document type may be named, but must define nothing.
 bool IsHarmless(const QXmlStreamReader &reader, int &depth)
 {
     switch (reader.tokenType()) {
@@ -53,8 +53,8 @@ bool IsHarmless(const QXmlStreamReader &reader, int &depth)
     }
 }
 
-// Looks through the root. The reader gets piece after piece, so that a tag which doesn't come to an end is seen
-// before it is read.
+// Checks the root element. The reader gets the data in chunks, so that a tag that doesn't end is noticed before all
+// of it is read.
 bool IsHarmless(const QByteArray &xml)
 {
     QXmlStreamReader reader;
@@ -75,7 +75,7 @@ bool IsHarmless(const QByteArray &xml)
     return false;
 }
 
-// The root; null if the file isn't one of smileys.
+// Returns the root element; null if the file isn't a list of smileys.
 QDomElement ReadRoot(QDomDocument &document, const QString &path)
 {
     QFile file(path);
@@ -156,7 +156,7 @@ void CChatModel::LoadSmileyConfig(const QString &file)
         for (QDomElement text = smiley.firstChildElement(textTag); !text.isNull();
              text = text.nextSiblingElement(textTag)) {
             const QString typed = text.attribute(QStringLiteral("text"));
-            if (!typed.isEmpty()) // which would stand between any two letters
+            if (!typed.isEmpty()) // an empty text would match between any two letters
                 m_hSmileys.insert(typed, {path, animate});
         }
     }
@@ -169,7 +169,7 @@ void CChatModel::slot_ChatOptionsChanged()
         LoadSettings();
 }
 
-// What isn't of the stored form counts as nothing stored.
+// A value that isn't in the stored form counts as not stored.
 void CChatModel::LoadSettings()
 {
     SSettings loaded;

@@ -7,23 +7,23 @@
 #include <QSharedPointer>
 #include <QString>
 
-/// What chat views share: the user's chat settings, and which picture stands for a typed smiley.
+/// The data that chat views share: the user's chat settings, and the pictures that replace typed smileys.
 ///
-/// The settings are the user's and stored in the setting `chatoptions`. Where the operator leaves no choice of the
-/// chat of observers, `optionobserverchat` decides. Needs the databases of CSettings. Main thread.
+/// The settings are stored in the user's setting `chatoptions`. If the operator doesn't let users choose the chat of
+/// observers, `optionobserverchat` decides. CSettings' databases must be initialised. Main thread.
 class PLUGININTERFACE_EXPORT CChatModel : public QObject
 {
     Q_OBJECT
 
 public:
-    /// What the user has chosen for chats.
+    /// The user's chat settings.
     struct SSettings
     {
-        bool bOption = false;   ///< The views', opaque here.
-        int iObserverLevel = 3; ///< 3 with the chat of observers, 2 without, 1 less than that.
-        int iLevel = 3;         ///< The views', opaque here.
+        bool bOption = false;   ///< Opaque here; the views interpret it.
+        int iObserverLevel = 3; ///< 3 with the chat of observers, 2 without it, 1 for less.
+        int iLevel = 3;         ///< Opaque here; the views interpret it.
 
-        /// All three alike.
+        /// Returns whether all three fields are equal.
         bool operator==(const SSettings &other) const
         {
             return bOption == other.bOption && iObserverLevel == other.iObserverLevel && iLevel == other.iLevel;
@@ -33,40 +33,42 @@ public:
     /// The picture of a smiley.
     struct SSmiley
     {
-        QString strFile;       ///< Path of a picture that was there when the list was read.
-        bool bAnimate = false; ///< Whether it moves.
+        QString strFile;       ///< The path of a picture that existed when the list was read.
+        bool bAnimate = false; ///< Whether the picture is animated.
     };
 
     CChatModel();
     ~CChatModel() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CChatModel *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// Those in force, the operator's rule applied.
+    /// Returns the settings in effect, with the operator's rule applied.
     CChatModel::SSettings GetSettings() const;
-    /// Stores and signals settings that differ, once the operator's rule is applied to them.
+    /// Applies the operator's rule to the settings. If the result differs, stores it and emits
+    /// signal_SettingsChanged().
     void SetSettings(CChatModel::SSettings settings);
 
-    /// From the text as it is typed to its picture.
+    /// Returns the pictures of the smileys by the text as it is typed.
     QHash<QString, CChatModel::SSmiley> GetSmileyMappings() const;
-    /// Replaces the smileys by those of an XML file. A picture that isn't there is left out, and so is an empty text;
-    /// of a text that comes twice the last counts. A file that can't be used leaves no smileys, and no signal tells.
-    /// So does one of more than 1 MiB, with more than 100 elements within each other, with a tag, comment or text of
-    /// more than 4 KiB, or whose document type defines something.
+    /// Replaces the smileys with those of an XML file. Pictures that don't exist and empty texts are skipped; if a
+    /// text occurs twice, the last one counts. After a file that can't be used there are no smileys, and no signal is
+    /// emitted. This includes files larger than 1 MiB, with elements nested more than 100 deep, with a tag, comment
+    /// or text of more than 4 KiB, or whose document type defines anything.
     ///
-    /// The root is `<smileyconfig version="1.0">`. It holds `<smiley src="./smile.gif" animate="yes">`, whose path is
-    /// relative to the file only if it begins with "./" or "../", with one `<placeholder text=":-)"/>` for each text.
+    /// The root is `<smileyconfig version="1.0">`. It contains `<smiley src="./smile.gif" animate="yes">` elements,
+    /// each with one `<placeholder text=":-)"/>` per text. The path of a picture is relative to the file only if it
+    /// begins with "./" or "../".
     void LoadSmileyConfig(const QString &file);
 
 Q_SIGNALS:
-    /// A list of smileys was read.
+    /// Emitted when a list of smileys was read.
     void signal_SmileysChanged();
-    /// Settings that differ are in force, set or loaded.
+    /// Emitted when settings that differ have taken effect, set or loaded.
     void signal_SettingsChanged();
 
 private Q_SLOTS:

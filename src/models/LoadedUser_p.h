@@ -7,9 +7,9 @@
 #include <QString>
 #include <QVariant>
 
-/// Whose settings a model shows. A model that hears only of settings that change would keep those of the user before
-/// where the next one's are the same, or where there are none. Kept as a property of the model, whose layout is
-/// public.
+/// Remembers whose settings a model shows. A model that only followed the change signals of CSettings would keep the
+/// previous user's settings if those of the next user are the same or missing. The nickname is a dynamic property of
+/// the model, because the layout of the models is public.
 namespace LoadedUser {
 
 inline constexpr char PROPERTY[] = "user";
@@ -24,8 +24,8 @@ inline QString Get(const QObject &model)
     return model.property(PROPERTY).toString();
 }
 
-/// Whether the model has to load anew: the settings are those of a user whose choices it doesn't show yet. At a
-/// logout the model forgets whose it shows.
+/// Returns whether the model has to load again: the settings belong to a user whose choices it doesn't show yet. At a
+/// logout the model forgets its user.
 inline bool HasChanged(QObject &model)
 {
     const QString user = CUserInfo::GetInstance()->GetNickname();
@@ -34,8 +34,8 @@ inline bool HasChanged(QObject &model)
     return !user.isEmpty() && user == CSettings::GetInstance()->GetNickname() && user != Get(model);
 }
 
-/// Connects the slot to what may end in such a change. For after the settings' own connections: they have applied
-/// the user's rows by then.
+/// Connects the slot to the signals after which HasChanged() may return true. Call it after CSettings has made its
+/// own connections, so that the user's rows are applied first.
 template <typename Model>
 void Connect(Model *model, void (Model::*slot)())
 {

@@ -3,8 +3,8 @@
 #include <QByteArray>
 #include <QtEndian>
 
-/// Settings that hold a structure as the Base64 text of its bytes: little-endian numbers of 32 bits, and bools of one
-/// byte that stand where a number would. What fills a bool up to four bytes means nothing.
+/// Functions for settings that hold a structure as the Base64 text of its bytes. Numbers have 32 bits and are
+/// little-endian. A bool is one byte, followed by three bytes without meaning.
 namespace PackedSetting {
 
 inline void Append(QByteArray &bytes, bool value)
@@ -43,7 +43,7 @@ QByteArray Pack(const Fields &...fields)
     return bytes.toBase64();
 }
 
-/// False, and nothing is changed, unless it is a text of just so many bytes.
+/// Returns false and changes nothing unless the text holds exactly as many bytes as the fields need.
 template <typename... Fields>
 bool Unpack(const QByteArray &text, Fields &...fields)
 {

@@ -4,40 +4,40 @@
 #include <Export.h>
 #include <models/PlayerDataTable.h>
 
-/// What is known of a player, as plain fields for widgets and QML; it knows nothing of the rest of the system.
+/// The data of a player as plain fields for widgets and QML, independent of the rest of the system.
 ///
-/// The fields stand in PLAYER_DATA_TABLE, which makes the page \ref models. For each there are a property, a getter,
-/// a setter that stores and signals a value that differs, and a change signal with the new value: `strNickname`,
-/// `GetNickname()`, `SetNickname()`, `signal_NicknameChanged(QString)`. The cartoon avatar is the number of a stock
-/// picture, the custom avatar that of an uploaded one, and the tag an index into the player tags; 0 is none for
-/// each. What the numbers of sex and VIP level mean is the game server's business. Main thread.
+/// PLAYER_DATA_TABLE lists the fields, from which the page \ref models is generated. Each field has a property, a
+/// getter, a setter that emits the change signal if the value differs, and a change signal with the new value:
+/// `strNickname`, `GetNickname()`, `SetNickname()`, `signal_NicknameChanged(QString)`. The cartoon avatar is the
+/// number of a stock picture, the custom avatar the number of an uploaded one, and the tag an index into the player
+/// tags; 0 means none for each. The game server defines the numbers of sex and VIP level. Main thread.
 class PLUGININTERFACE_EXPORT CPlayerDataModel : public QObject
 {
-    Q_OBJECT // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): in a constructor nobody watches yet
+    Q_OBJECT // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): in a constructor no slot is connected yet
     DATA_MODEL_WATCHED_FIELDS(CPlayerDataModel, PLAYER_DATA_TABLE)
 
 public:
-    /// All fields at their defaults.
+    /// Constructs a model with all fields at their defaults.
     explicit CPlayerDataModel(QObject *parent = nullptr);
     ~CPlayerDataModel() override;
 
-    /// Sets each field to its default, in the table's order.
+    /// Sets each field to its default, in the order of the table.
     virtual void Reset();
-    /// Called behind each read from a stream.
+    /// Called after each read from a stream.
     virtual void LoadedFromStream();
 
 protected:
-    /// A setter has stored another value and signals it next. Does nothing here.
+    /// Called when a setter has stored a different value, before the change signal. Does nothing here.
     virtual void FieldChanged(EField field);
 };
 
-/// The fields in the table's order.
+/// Writes the fields to the stream, in the order of the table.
 PLUGININTERFACE_EXPORT QDataStream &operator<<(QDataStream &stream, const CPlayerDataModel &model);
-/// Reads them without a signal, and calls LoadedFromStream(). If the stream ends early or is corrupt, as its status
-/// then tells, the fields from there on have their defaults.
+/// Reads the fields without emitting signals, then calls LoadedFromStream(). If the stream ends early or is corrupt,
+/// its status says so, and the remaining fields have their defaults.
 PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, CPlayerDataModel &model);
 
-/// One line a field, with its label.
+/// Writes one line per field, with its label.
 PLUGININTERFACE_EXPORT QDebug operator<<(QDebug debug, const CPlayerDataModel &model);
-/// The same; \a model isn't null.
+/// Writes one line per field, with its label; \a model must not be null.
 PLUGININTERFACE_EXPORT QDebug operator<<(QDebug debug, CPlayerDataModel *model);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The fields of CPlayerDataModel in the order of the class, its properties and its stream form; see DataModel.h.
+// The fields of CPlayerDataModel in the order of the class, its properties and its stream format; see DataModel.h.
 // clang-format off
 #define PLAYER_DATA_TABLE(ROW) \
     ROW(QString, str, Nickname, QString, QString()) \

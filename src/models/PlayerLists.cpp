@@ -32,7 +32,7 @@ void CPlayerLists::RemoveFromBuddyList(const QString &nickname)
             continue;
         m_lBuddyList.removeAt(index);
         model->SetBuddy(false);
-        model->SaveLater(true); // a buddy of an earlier run is known by the list alone
+        model->SaveLater(true); // a buddy from an earlier run may be on the list without the flag
     }
 }
 
@@ -54,7 +54,7 @@ int CPlayerLists::GetOfflineBuddiesCount() const
 void CPlayerLists::ResetBuddyList()
 {
     if (CPlayerSaves *saves = CPlayerSaves::Get())
-        saves->WriteAll(); // while it is known who is a buddy
+        saves->WriteAll(); // while the list still tells who is a buddy
     m_lBuddyList.clear();
 }
 

@@ -7,36 +7,37 @@
 
 /// The user's buddy list.
 ///
-/// It owns no model and isn't told when one goes: take a model off the list before it is destroyed. Nothing checks
-/// whether a model is on the list already; one that is there twice counts twice. A copy shares the models. Main
-/// thread.
+/// The list doesn't own its models and doesn't notice when one is destroyed: remove a model from the list first.
+/// Nothing checks whether a model is already on the list; one that is on it twice counts twice. A copy shares the
+/// models. Main thread.
 class PLUGININTERFACE_EXPORT CPlayerLists
 {
 public:
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CPlayerLists *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// Deletes the object at once; the models stay.
+    /// Deletes the object at once; the models are kept.
     static void DestroyInstance();
 
-    /// The model of any player, buddy or not, created if there is none.
+    /// Returns the model of any player, buddy or not; creates it if there is none.
     CPlayerModel *GetPlayerModel(const QString &nickname);
 
-    /// Appends the model and makes it a buddy.
+    /// Appends the model and makes the player a buddy.
     void AddNewBuddy(CPlayerModel *model);
-    /// Appends the model and leaves it as it is: for one that is known as a buddy.
+    /// Appends the model without changing it, for a player who is known to be a buddy.
     void AddToBuddyList(CPlayerModel *model);
-    /// Removes the models of that nickname, which are buddies no more. Of two that stand side by side one stays.
+    /// Removes the models with this nickname, whose players are no longer buddies. Of two adjacent entries one is
+    /// kept.
     void RemoveFromBuddyList(const QString &nickname);
-    /// The list itself, not a copy; it may hold null.
+    /// Returns the list itself, not a copy. It may contain null.
     QList<CPlayerModel *> *GetBuddyList();
-    /// A walk over the list, which leaves out null.
+    /// Counts the online or offline buddies by walking over the list; null is ignored.
     /// @{
     int GetOnlineBuddiesCount() const;
     int GetOfflineBuddiesCount() const;
     /// @}
-    /// Empties the list and leaves the models as they are; what waits to be stored of them is stored before.
+    /// Empties the list without changing the models. Their waiting changes are stored first.
     void ResetBuddyList();
 
 private:

@@ -11,7 +11,7 @@ bool CPlayerModel::m_bRenamed = false;
 
 namespace {
 
-// To be stored.
+// Forgets the changes of the model that wait to be stored.
 void StopWaiting(const CPlayerModel *model)
 {
     if (CPlayerSaves *saves = CPlayerSaves::Get())
@@ -25,7 +25,7 @@ CPlayerModel::CPlayerModel(const QString &nickname)
 {
     const bool renamed = m_bRenamed;
     SetNickname(nickname);
-    m_bRenamed = renamed; // the first name is none
+    m_bRenamed = renamed; // setting the first name isn't a renaming
 }
 
 CPlayerModel::~CPlayerModel()
@@ -38,8 +38,8 @@ CPlayerModel *CPlayerModel::GetInstance(QString nickname)
     const auto found = m_Instances.constFind(nickname);
     if (found != m_Instances.cend())
         return found->data();
-    // A copy of the letters: every later look-up compares them, even where a host has unmapped the plugin in whose
-    // file a literal stands.
+    // A deep copy: every later lookup compares the characters, even after the host has unloaded the plugin that
+    // contains the literal.
     const QString key(nickname.constData(), nickname.size());
     return m_Instances.insert(key, Singleton::MakeShared(new CPlayerModel(key)))->data();
 }
@@ -94,6 +94,6 @@ void CPlayerModel::SetLoadedInfo(QString note, unsigned int tagID, unsigned int 
     SetBuddyBlocked(buddyBlocked);
     SetChatBlock(chatBlock);
     CPlayerSaves *saves = CPlayerSaves::Get();
-    if (saves && differs && user == CPlayerSaves::GetUser()) // else a listener has ended the login
+    if (saves && differs && user == CPlayerSaves::GetUser()) // otherwise a slot has ended the login
         saves->Restart(this, GetKey(), false);
 }

@@ -16,13 +16,14 @@
 
 #include <algorithm>
 
-// A player's ties to the store, to the picture server, and to the user's settings.
+// The connections of a player to the store, to the picture server, and to the user's settings.
 
 namespace {
 
 constexpr unsigned int PICTURES_PER_FOLDER = 1000;
 
-// Whole or not at all: what is torn would pass for a picture that is there. False if it isn't on the disk.
+// Stores the picture completely or not at all, because a truncated file would count as an existing picture. Returns
+// false if it isn't on the disk.
 bool StorePicture(const QString &path, const QByteArray &data)
 {
     QDir().mkpath(QFileInfo(path).path());
@@ -40,7 +41,7 @@ void CPlayerModel::SetNewCustomAvatar(unsigned int id)
     SaveLater(false);
 }
 
-// The own consequences of a change come before those of any listener.
+// The model itself reacts to a change before any connected slot does.
 void CPlayerModel::FieldChanged(EField field)
 {
     switch (field) {
@@ -58,7 +59,7 @@ void CPlayerModel::FieldChanged(EField field)
         SaveLater(true);
         break;
     case EField::Rating:
-        SaveLater(false); // it stays on the machine
+        SaveLater(false); // ratings stay on this machine
         break;
     case EField::Nickname:
         m_bRenamed = true;
@@ -84,7 +85,7 @@ void CPlayerModel::slot_DownloadCustomAvatarFinished(bool status, QByteArray dat
         return;
     m_ulPendingCustomAvatar = 0;
     SetCustomAvatar(id);
-    // Also where the number has been this one all the time: what it stands for is there only now.
+    // Needed even if the number was the same all the time, because the picture exists only now.
     FieldChanged(EField::CustomAvatar);
     Q_EMIT signal_CustomAvatarChanged(id);
 }
@@ -112,7 +113,8 @@ void CPlayerModel::slot_CustomAvatarChanged()
     SetNewCustomAvatar(GetCustomAvatar());
 }
 
-// \a travels: whether other machines are to hear of the change. A load stores once it is whole.
+// \a travels tells whether other machines have to learn of the change. A load schedules the player itself when it is
+// complete.
 void CPlayerModel::SaveLater(bool travels)
 {
     CPlayerSaves *saves = CPlayerSaves::Get();
@@ -124,7 +126,7 @@ void CPlayerModel::SaveLater(bool travels)
         changes->AddPlayer(CPlayerSaves::GetUser(), GetKey());
 }
 
-// The nickname under which the table holds the model, also where it has been renamed; empty for a model that isn't in
+// Returns the nickname under which the table holds the model, even if it was renamed; empty for a model that isn't in
 // the table, which is never stored.
 QString CPlayerModel::GetKey() const
 {
@@ -135,7 +137,7 @@ QString CPlayerModel::GetKey() const
     return found || (m_bRenamed && entry != m_Instances.cend()) ? entry.key() : QString();
 }
 
-// The own player's nickname is that of the user who has noted all that waits.
+// Ends the login if the user's own model is about to be destroyed: its nickname tells whose changes are waiting.
 void CPlayerModel::StoreBeforeEnd(const CPlayerModel *model)
 {
     if (model && model->IsOwn())
@@ -147,7 +149,7 @@ bool CPlayerModel::IsOwn() const
     return CUserInfo::IsExisting() && CUserInfo::GetInstance()->GetPlayerModel() == this;
 }
 
-// Takes a picture that is there, or begins to fetch one.
+// Sets a picture that exists, or starts to download it.
 void CPlayerModel::ChangeCustomAvatarTo(unsigned int id)
 {
     m_ulPendingCustomAvatar = 0;
@@ -170,7 +172,7 @@ void CPlayerModel::AbandonDownload()
     if (!m_pDownload)
         return;
     m_pDownload->disconnect(this);
-    m_pDownload->Stop(); // or one that hasn't begun yet would begin before it goes
+    m_pDownload->Stop(); // otherwise a pending download would start before it is deleted
     m_pDownload->deleteLater();
     m_pDownload = nullptr;
 }

@@ -15,7 +15,7 @@
 namespace {
 
 constexpr qint64 SAVE_DELAY_MS = 3000;
-// How long one turn of the event loop may write: well below a frame.
+// How long one pass of the event loop may spend writing: well below a frame.
 constexpr qint64 SLICE_MS = 4;
 constexpr int ROWS_A_SLICE = 200;
 
@@ -27,7 +27,7 @@ CPlayerSaves *CPlayerSaves::Get()
 {
     CUserInfo *owner = CUserInfo::IsExisting() ? CUserInfo::GetInstance() : nullptr;
     if (current && owner && current->parent() != owner)
-        delete current; // of one that ends, whose models the next one is to know
+        delete current; // its CUserInfo is about to be deleted; the new one takes the later changes
     if (!current && owner)
         current = new CPlayerSaves(owner);
     return current;
@@ -66,7 +66,7 @@ CPlayerSaves::CLoading::~CLoading()
         saves->m_loading.removeOne(m_pModel);
 }
 
-// Whether there is a user and a file for it, and the table knows it.
+// Returns whether there is a user with an open file, and the table holds the model.
 bool CPlayerSaves::IsStorable(const SSave &save)
 {
     return !save.strUser.isEmpty() && !save.strKey.isEmpty() && CPlayerInfoDB::GetInstance()->IsOpen();
@@ -167,7 +167,7 @@ QList<CPlayerSaves::SKept> CPlayerSaves::GetKept(const QString &user) const
     return rows;
 }
 
-// False if they can't be written.
+// Returns false if the rows can't be written.
 bool CPlayerSaves::WriteKept(int most)
 {
     if (m_kept.isEmpty())
@@ -187,7 +187,7 @@ bool CPlayerSaves::WriteKept(int most)
     if (!transaction.Commit())
         return false;
     m_kept.erase(m_kept.begin(), m_kept.begin() + count);
-    if (m_kept.isEmpty()) { // the timer may be in a pause
+    if (m_kept.isEmpty()) { // the timer may be waiting for the next attempt
         m_iPauseMs = 0;
         m_timer.stop();
     }
@@ -203,11 +203,11 @@ void CPlayerSaves::WriteDue()
     for (qint64 now = begin; good && !m_waiting.empty() && m_waiting.front().iDue <= now && now - begin < SLICE_MS;
          now = m_clock.elapsed()) {
         const SSave first = m_waiting.front();
-        if (IsLoading(first.pModel)) { // a listener runs an event loop; half of the row isn't there yet
+        if (IsLoading(first.pModel)) { // a slot runs an event loop during the load; the row is incomplete
             Restart(first.pModel, first.strKey, first.bChange);
             continue;
         }
-        Forget(first.pModel); // a change that comes on the way has to wait anew
+        Forget(first.pModel); // a change during the write has to wait again
         good = saver.SaveOf(first.strUser, first.strKey, *first.pModel) || !IsStorable(first);
         if (!good)
             Restart(first.pModel, first.strKey, first.bChange);
@@ -217,14 +217,15 @@ void CPlayerSaves::WriteDue()
         RunTimer();
 }
 
-// False if any isn't stored. What is being loaded is left out: its row is there, and half of it isn't here yet.
+// Returns false if any player isn't stored. Players that are being loaded are left out: their rows exist, while the
+// models are incomplete.
 bool CPlayerSaves::Write(const QList<SSave> &saves)
 {
     CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
     std::optional<CBusyWait> wait;
-    if (saves.isEmpty()) // nothing is at stake, for the timer comes again
+    if (saves.isEmpty()) // nothing can be lost, because the timer tries again
         wait.emplace(*database, CBusyWait::RETRY_MS);
-    bool good = WriteKept(m_kept.size()); // before the newer ones
+    bool good = WriteKept(m_kept.size()); // older rows first
     for (const SSave &save : saves)
         Forget(save.pModel);
     if (saves.isEmpty())
@@ -241,7 +242,7 @@ bool CPlayerSaves::Write(const QList<SSave> &saves)
                 good = saver.SaveOf(save.strUser, save.strKey, *save.pModel);
         }
     }
-    return good && transaction.Commit(); // a full disk may be met no sooner than at the commit
+    return good && transaction.Commit(); // a full disk may not show before the commit
 }
 
 void CPlayerSaves::RunTimer()

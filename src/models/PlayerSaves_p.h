@@ -14,23 +14,24 @@
 
 class CPlayerModel;
 
-/// The players whose changes wait to be stored, all behind one timer: thousands may wait at the same time, as after a
-/// load, and a timer each would cost more the more there are. What is due is written in slices, between which the
-/// event loop turns.
+/// The players whose changes wait to be stored. They share one timer, because thousands may wait at the same time,
+/// for example after a load, and each further timer would make all of them slower. Due players are written in slices,
+/// and the event loop runs between the slices.
 ///
-/// It belongs to the shared CUserInfo, whose end of a login writes all, and ends with it; what it can write then
-/// isn't lost. Main thread.
+/// The shared CUserInfo owns this object and writes all changes when a login ends. When the object is destroyed, it
+/// writes what it can. Main thread.
 class CPlayerSaves : public QObject
 {
 public:
-    /// That of the shared CUserInfo; null while there is none, and so nobody whose changes could be stored.
+    /// Returns the object of the shared CUserInfo; null while there is none, because then nobody's changes could be
+    /// stored.
     static CPlayerSaves *Get();
     ~CPlayerSaves() override;
 
-    /// Who is logged in, and so makes the changes; empty for nobody.
+    /// Returns the nickname of the logged-in user, who makes the changes; empty if nobody is logged in.
     static QString GetUser();
 
-    /// As long as it lives, what changes of the model is the store's and not the user's.
+    /// While it exists, changes to the model count as loaded from the store, not as made by the user.
     class CLoading
     {
     public:
@@ -44,31 +45,33 @@ public:
     };
     bool IsLoading(const CPlayerModel *model) const { return m_loading.contains(model); }
 
-    /// Stores the player 3 s from now, also one that waits already. \a key is the nickname under which CPlayerModel's
-    /// table holds the model; without one it is never stored. \a change: for a change of the user's that other
-    /// machines are to hear of; what a load has changed, or what stays on the machine, is stored as well.
+    /// Schedules the player to be stored 3 s from now, even if it is waiting already. \a key is the nickname under
+    /// which CPlayerModel's table holds the model; without a key it is never stored. \a change marks a change by the
+    /// user that other machines have to learn of; changes from a load and changes that stay on this machine are
+    /// stored as well.
     void Restart(CPlayerModel *model, const QString &key, bool change);
     void Forget(const CPlayerModel *model);
     bool IsWaiting(const CPlayerModel *model) const { return m_places.contains(model); }
-    /// Makes the player no buddy any more, by what was loaded and not by the user.
+    /// Makes the player no longer a buddy, as part of a load and not for the user.
     void LoadNoBuddy(CPlayerModel *model, const QString &key);
-    /// Numbers the changes that wait anew, those of kept rows too: the times of the stored rows tell nothing of them.
+    /// Numbers the waiting changes again, including those of kept rows, because the times of the stored rows don't
+    /// cover them.
     void NumberUnwrittenChanges() const;
-    /// Stores the players once more, with a new time, those that don't wait already.
+    /// Stores the players once more, with a new time, except for those that are waiting already.
     void SaveAgain(const QStringList &nicknames);
 
-    /// Stores all that waits, at once, while its user is still logged in. What can't be written then is kept as a row
-    /// of that user, whoever is logged in meanwhile.
+    /// Stores all waiting changes immediately, while their user is still logged in. Rows that can't be written are
+    /// kept for that user, no matter who logs in meanwhile.
     void WriteAll();
-    /// Does the same for the end of the login.
+    /// Calls WriteAll() at the end of a login and forgets the numbers of the user's changes.
     void EndLogin();
-    /// A row of a user who has logged out before the file could be written.
+    /// A row of a user who logged out before the file could be written.
     struct SKept
     {
         QVariantList row; ///< In the order of PlayerInfo::CSaver::GetRow().
-        bool bChange;     ///< Else of what the user has changed only what stays on the machine is in it.
+        bool bChange;     ///< Whether the row has changes that other machines have to learn of.
     };
-    /// The kept rows of the user, oldest first.
+    /// Returns the kept rows of the user, oldest first.
     QList<SKept> GetKept(const QString &user) const;
 
 private:
@@ -76,9 +79,9 @@ private:
     {
         CPlayerModel *pModel;
         QString strKey;
-        qint64 iDue; // milliseconds of m_clock
+        qint64 iDue; // in milliseconds of m_clock
         bool bChange;
-        QString strUser; // who was logged in at the last change; empty for nobody, for whom nothing is stored
+        QString strUser; // who was logged in at the last change; if empty, nothing is stored
     };
 
     explicit CPlayerSaves(QObject *owner);
@@ -89,12 +92,12 @@ private:
     bool Write(const QList<SSave> &saves);
     void RunTimer();
 
-    // The delay is the same for all, so that the order of their restarts is that in which they are due.
+    // Sorted by the time of the restart and thereby by due time, because the delay is the same for all.
     std::list<SSave> m_waiting;
     QHash<const CPlayerModel *, std::list<SSave>::iterator> m_places;
     QList<SKept> m_kept;
     QVector<const CPlayerModel *> m_loading;
-    int m_iPauseMs = 0; // until the next attempt to write, while the file can't be used
+    int m_iPauseMs = 0; // pause before the next attempt to write, while the file can't be used
     QTimer m_timer;
     QElapsedTimer m_clock;
 };

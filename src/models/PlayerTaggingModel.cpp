@@ -23,7 +23,7 @@ namespace {
 const QString AREA = QStringLiteral("PLAYERTAGGING");
 const QString COLOR = QStringLiteral("c");
 const QString NAME = QStringLiteral("n");
-// Of the model: whether it has had all colours, which it can't have before a login.
+// The dynamic property that tells whether the model was given all colours, which requires a login.
 const char COLORED_PROPERTY[] = "colored";
 
 constexpr int ICON_SIZE = 32;
@@ -49,7 +49,7 @@ constexpr std::array<SDefault, CPlayerTaggingModel::ulMaxPlayerTags> DEFAULTS{{
     {"PLAYERTAGGING_TAG10", "#00FFFF"},
 }};
 
-// The user's, or where there are none, or unless \a fromSettings, the operator's.
+// Returns the user's tags, or the operator's if there are none or without \a fromSettings.
 QString GetStored(bool fromSettings)
 {
     const QString text = fromSettings ? CSettings::GetInstance()->GetPlayerTags() : QString();
@@ -223,7 +223,7 @@ void CPlayerTaggingModel::SetDefaultColors()
         Paint(m_aPlayerTags[index], GetDefaultColor(index));
 }
 
-// What a model from before the first login hasn't got since.
+// Adds the colours that a model created before the first login still lacks.
 void CPlayerTaggingModel::AddMissingColors()
 {
     if (property(COLORED_PROPERTY).toBool())
@@ -241,7 +241,7 @@ void CPlayerTaggingModel::ClearTexts()
         tag.strCustomText.clear();
 }
 
-// False, and nothing is changed, if the text can't be read.
+// Returns false and changes nothing if the text can't be parsed.
 bool CPlayerTaggingModel::LayOver(const QString &text)
 {
     QJsonParseError error{};
@@ -260,14 +260,14 @@ bool CPlayerTaggingModel::LayOver(const QString &text)
     return true;
 }
 
-// Once the settings are the user's, who may have changed none of them.
+// Loads the user's tags once CSettings holds the user's settings, even if it signalled no change.
 void CPlayerTaggingModel::FollowUser()
 {
     if (LoadedUser::HasChanged(*this))
         LoadOfUser();
 }
 
-// Nothing of a former user's tags is left under those of the next one.
+// Discards the tags of a previous user, so that none of them show among those of the current user.
 void CPlayerTaggingModel::LoadOfUser()
 {
     const QString user = CSettings::GetInstance()->GetNickname();

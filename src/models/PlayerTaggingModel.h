@@ -11,62 +11,62 @@
 
 #include <array>
 
-/// The ten coloured tags with which the user marks other players: CPlayerModel::GetTagID() is an index into them, and
-/// 0 is no tag.
+/// The ten coloured tags with which the user marks other players. CPlayerModel::GetTagID() is an index into them; 0
+/// means no tag.
 ///
-/// They are the user's and stored in the setting `playertags`; where that is empty the operator's `playertags` stand.
-/// Each login starts anew, whoever was logged in before, and loads the tags of the user. Without a login all is
-/// hidden and nothing can be changed. In a model that is created before the first login a tag has no colour until it
-/// is loaded or set, or the tags are stored. Needs the databases of CSettings and CTranslation. Thread of the user
-/// interface.
+/// The tags are stored in the user's setting `playertags`; if that is empty, the operator's `playertags` apply. Each
+/// login discards the tags of the previous user and loads those of the new one. Without a login the tags are hidden
+/// and can't be changed. In a model created before the first login a tag has no colour until it is loaded or set, or
+/// the tags are stored. The databases of CSettings and CTranslation must be initialised. Main thread.
 class PLUGININTERFACE_EXPORT CPlayerTaggingModel : public QObject
 {
     Q_OBJECT
 
 public:
-    static constexpr unsigned int ulMaxPlayerTags = 11; ///< Entries, that of index 0 among them.
+    static constexpr unsigned int ulMaxPlayerTags = 11; ///< The number of entries, including that of index 0.
 
     CPlayerTaggingModel();
     ~CPlayerTaggingModel() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CPlayerTaggingModel *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// Whether somebody is logged in and the index is one, 0 included.
+    /// Returns whether somebody is logged in and the index is valid, 0 included.
     bool IsAvailable(unsigned int index) const;
-    /// The user's own text, else that of the catalogue; empty if the tag isn't available.
+    /// Returns the user's own text, or else the text of the catalogue; empty if the tag isn't available.
     QString GetText(unsigned int index);
-    /// Invalid if the tag isn't available, as always that of index 0.
+    /// Returns the background colour; invalid if the tag isn't available, and always for index 0.
     QColor GetBackgroundColor(unsigned int index) const;
-    /// A colour that reads well on the background; invalid if the tag isn't available.
+    /// Returns a text colour that reads well on the background; invalid if the tag isn't available.
     QColor GetTextColor(unsigned int index) const;
-    /// The background, whoever is logged in. \a index is below ulMaxPlayerTags.
+    /// Returns the background colour, whether or not anyone is logged in. \a index must be below ulMaxPlayerTags.
     QColor GetColor(unsigned int index) const;
-    /// Null if the tag isn't available.
+    /// Returns the icon of the tag; null if the tag isn't available.
     QIcon GetIcon(unsigned int index) const;
-    /// The picture that a tag of this colour has.
+    /// Returns the icon that a tag of this colour has.
     QIcon GetIcon(QColor color) const;
 
-    /// Changes what is in memory of a tag from 1 on; Save() stores it and tells. Does nothing without a login.
+    /// Changes a tag from index 1 on, in memory only; Save() stores it and emits the signal. Does nothing without a
+    /// login.
     /// @{
     void SetColor(unsigned int index, const QColor &color);
     void SetText(unsigned int index, const QString &text);
     /// @}
 
-    /// Lays the stored tags, or else, or without \a fromSettings, the operator's over those here. What isn't stored
-    /// stays. Text that can't be read changes nothing.
+    /// Merges stored tags into the current ones: the user's, or the operator's if there are none or without
+    /// \a fromSettings. Values that aren't stored stay as they are. Text that can't be parsed changes nothing.
     void Load(bool fromSettings);
     /// Stores all tags in the user's settings. Does nothing without a login.
     void Save();
-    /// The built-in tags and over them the operator's, stored.
+    /// Restores the built-in tags, merges the operator's tags into them, and stores the result.
     void RestoreDefault();
 
 Q_SIGNALS:
-    /// Tags were loaded, stored or reset; not at a SetColor() or SetText().
+    /// Emitted when tags were loaded, stored or reset, but not by SetColor() or SetText().
     void signal_PlayerTagsChanged();
 
 private Q_SLOTS:
@@ -76,10 +76,10 @@ private Q_SLOTS:
 private:
     struct SPlayerTag
     {
-        CTranslationItem itmText; // the catalogue's
+        CTranslationItem itmText; // from the catalogue
         QColor colBackground;
         QColor colText;
-        QString strCustomText; // empty where the catalogue's applies
+        QString strCustomText; // empty if the catalogue's text applies
         QIcon icnIcon;
     };
 

@@ -20,7 +20,7 @@ CUserInfo::CUserInfo(QObject *parent)
     m_ActivityTimer.start();
     if (QCoreApplication *application = QCoreApplication::instance())
         application->installEventFilter(this);
-    // Later, as the settings need this object for their own beginning.
+    // Deferred, because the construction of CSettings needs this object.
     QTimer::singleShot(0, this, &CUserInfo::slot_ConnectSlots);
 }
 
@@ -37,7 +37,7 @@ void CUserInfo::SetLoggedIn(const QString &nickname)
         EndLogin();
     CPlayerModel *model = nickname.isEmpty() ? nullptr : CPlayerLists::GetInstance()->GetPlayerModel(nickname);
     SetPlayerModel(model);
-    if (GetPlayerModel() == model) // else a listener has logged in or out, and the state is its own
+    if (GetPlayerModel() == model) // otherwise a slot has logged in or out and set the state
         SetLoginState(model != nullptr);
 }
 
@@ -106,7 +106,7 @@ void CUserInfo::ConvertAvatarDisplayMode(QList<CUserInfo::EAvatarDisplayMode> &l
             if (!rest.startsWith(word, Qt::CaseInsensitive))
                 continue;
             list.append(mode);
-            step = word.size() + 1; // and the separator, whatever it is
+            step = word.size() + 1; // plus the separator, whatever it is
             break;
         }
         position += step;
@@ -148,14 +148,14 @@ void CUserInfo::Reset()
     RunActivityTimer(true);
 }
 
-// Of the shared object alone: what others pretend is nobody's login.
+// Only the shared object represents a login; other objects don't.
 void CUserInfo::EndLogin() const
 {
     if (IsLoggedIn() && this == m_Instance.data())
         CPlayerSaves::Get()->EndLogin();
 }
 
-// Starting a running timer begins its interval anew.
+// Starting a running timer restarts its interval.
 void CUserInfo::RunActivityTimer(bool run)
 {
     const bool wasActive = m_ActivityTimer.isActive();

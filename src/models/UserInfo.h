@@ -7,17 +7,17 @@
 #include <QSharedPointer>
 #include <QTimer>
 
-/// The person at the keyboard: whether somebody is logged in and who, the account's data, the tournaments and waiting
-/// lists that the user is in, and whether the user is active at all.
+/// The user of this client: whether somebody is logged in and who, the account data, the tournaments and waiting
+/// lists that the user is in, and whether the user is active.
 ///
-/// The host feeds it. CConfigDB has to be initialised before the object is created, which reads the configuration.
-/// Main thread.
+/// The host sets the data. CConfigDB must be initialised first, because the constructor reads the configuration. Main
+/// thread.
 class PLUGININTERFACE_EXPORT CUserInfo : public CUserInfoDataModel
 {
     Q_OBJECT
 
 public:
-    /// Which pictures of players are shown.
+    /// The pictures of players that are shown.
     enum EAvatarDisplayMode : int {
         ADM_NoAvatars = 0,
         ADM_CartoonAvatars = 1,
@@ -25,7 +25,7 @@ public:
     };
     Q_ENUM(EAvatarDisplayMode)
 
-    /// What GetPlayerStatus() may tell; the library compares it with nothing.
+    /// The values of GetPlayerStatus(), which the library itself doesn't interpret.
     enum EPlayerStates : int {
         PS_Playmoney_NotValidated = 0,
         PS_Playmoney_Validated = 1,
@@ -35,62 +35,64 @@ public:
     };
     Q_ENUM(EPlayerStates)
 
-    /// Makes an object beside the shared one.
+    /// Constructs an object in addition to the shared one.
     explicit CUserInfo(QObject *parent = nullptr);
     ~CUserInfo() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CUserInfo *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// Whether there is a model of the own player. GetLoginState() may still be true behind the end of the model.
+    /// Returns whether there is a model of the user. GetLoginState() may still return true after the model was
+    /// destroyed.
     bool IsLoggedIn() const;
-    /// For the host: at login, with the nickname of the own player; at logout, with an empty one. The nickname can be
-    /// read by the time the login state is signalled. What the user before has noted of players is stored first. From
-    /// one nickname to another only the model changes and no login state is signalled, so a host calls
-    /// SetLoggedIn("") in between.
+    /// Logs the user in with \a nickname, or out with an empty one. For the host. Stores the previous user's notes on
+    /// players first, and sets the nickname before the login state is signalled. Going from one nickname directly to
+    /// another changes only the model and doesn't signal a login state, so a host calls SetLoggedIn("") in between.
     void SetLoggedIn(const QString &nickname);
-    /// The name under which all that is the user's own is stored and sent; empty if nobody is logged in.
+    /// Returns the name under which the user's own data is stored and sent; empty if nobody is logged in.
     QString GetNickname() const;
 
-    /// For the host: the user takes part; once more does nothing.
+    /// Adds a tournament that the user takes part in; adding it again does nothing. For the host.
     void AddTournament(unsigned int id);
-    /// For the host: the user takes part no more.
+    /// Removes a tournament that the user no longer takes part in. For the host.
     void RemoveTournament(unsigned int id);
-    /// Whether the user takes part.
+    /// Returns whether the user takes part in the tournament.
     bool IsInTournament(unsigned int id) const;
 
-    /// For the host: the user waits at a table. \a position counts from 1; a later one replaces it.
+    /// Adds the user to the waiting list of a table. \a position counts from 1 and replaces an earlier one. For the
+    /// host.
     void AddWaitingListTable(unsigned int table, unsigned char position);
-    /// For the host: the user waits there no more.
+    /// Removes the user from the waiting list of a table. For the host.
     void RemoveWaitingListTable(unsigned int table);
-    /// 0 if the user isn't on that table's list.
+    /// Returns the user's position on the waiting list of a table; 0 if the user isn't on it.
     unsigned char GetPositionOnWaitingList(unsigned int table) const;
 
-    /// Forces either state. The next key press, mouse press or mouse move makes the user active again.
+    /// Makes the user active or inactive. The next key press, mouse press or mouse move makes the user active again.
     void SetUserActivity(bool active);
 
-    /// The modes that the operator allows, the preferred one first; never empty.
+    /// Returns the modes that the operator allows, the preferred one first; never empty.
     const QList<CUserInfo::EAvatarDisplayMode> &GetAvatarDisplayModes() const;
-    /// Replaces \a list by the modes that \a text names, in its order: "cartoon", "custom", "noavatar" in any case,
-    /// with one character between two of them. An empty \a text allows all three, one without any of the words none
-    /// but ADM_NoAvatars.
+    /// Replaces the contents of \a list with the modes that \a text names, in its order: "cartoon", "custom",
+    /// "noavatar" in any case, separated by one character. An empty \a text allows all three modes; one without any
+    /// of these words allows only ADM_NoAvatars.
     static void ConvertAvatarDisplayMode(QList<CUserInfo::EAvatarDisplayMode> &list, const QString &text);
 
-    /// Drops what waits for a login.
+    /// Emits signal_LoginCanceled(), which drops what waits for a login.
     void EmitLoginCanceled();
 
-    /// Sees every event of the application, takes mouse presses, mouse moves and key presses for activity, and lets
-    /// all of them pass.
+    /// Takes mouse presses, mouse moves and key presses anywhere in the application for activity. Lets all events
+    /// pass.
     bool eventFilter(QObject *object, QEvent *event) override;
 
 Q_SIGNALS:
-    /// The user has been without input for the operator's time, `activitytimertimeout`, or is back.
+    /// Emitted when there was no input for the operator's time `activitytimertimeout`, and when the user is active
+    /// again.
     void signal_ActivityChanged(bool isActive);
-    /// The login that was asked for won't come.
+    /// Emitted when the requested login won't happen.
     void signal_LoginCanceled();
 
 private Q_SLOTS:
@@ -104,9 +106,9 @@ private:
     void EndLogin() const;
     void RunActivityTimer(bool run);
 
-    QTimer m_ActivityTimer; // runs as long as the user is active
+    QTimer m_ActivityTimer; // runs while the user is active
     QHash<unsigned int, unsigned char> m_hWaitingLists;
-    QHash<unsigned int, unsigned char> m_hTournaments; // a set: the values are 1
+    QHash<unsigned int, unsigned char> m_hTournaments; // used as a set: all values are 1
     QList<CUserInfo::EAvatarDisplayMode> m_lAvatarDisplayModes;
 
     static QSharedPointer<CUserInfo> m_Instance;

@@ -2,7 +2,7 @@
 
 #include <settings/Settings.h>
 
-// The own player's avatars follow the settings; the way back is the player's own.
+// Makes the user's avatars follow the settings; CPlayerModel makes the settings follow the avatars.
 
 void CUserInfo::slot_CartoonAvatarSettingChanged()
 {
@@ -25,7 +25,7 @@ void CUserInfo::slot_ConnectSlots()
     const CSettings *settings = CSettings::GetInstance();
     connect(settings, &CSettings::signal_CustomCurrentChanged, this, &CUserInfo::slot_CustomAvatarSettingChanged);
     connect(settings, &CSettings::signal_CartoonAvatarChanged, this, &CUserInfo::slot_CartoonAvatarSettingChanged);
-    // Of a user whose settings are those that were in force before nothing is signalled.
+    // If a user's settings equal those that were in effect before, CSettings signals no change.
     connect(this, &CUserInfo::signal_LoginStateChanged, this, [this] {
         slot_CustomAvatarSettingChanged();
         slot_CartoonAvatarSettingChanged();

@@ -5,7 +5,7 @@
 CUserInfoDataModel::CUserInfoDataModel(QObject *parent)
     : QObject(parent)
 {
-    // The types that the properties and signals name.
+    // The types that properties and signals use.
     qRegisterMetaType<CPlayerModel *>();
     qRegisterMetaType<GlobalDefines::MoneyType>();
     qRegisterMetaType<GlobalDefines::MoneyValue>("GlobalDefines::MoneyValue");
