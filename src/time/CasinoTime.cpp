@@ -88,7 +88,7 @@ int CCasinoTime::GetTimeOffset() const
     return m_iTimezone * SECONDS_OF_HALF_HOUR;
 }
 
-// The language is the catalogue's, not the machine's, so the digits aren't the machine's either.
+// The language is that of the catalogue, not of the machine, so the digits must not be the machine's either.
 QString CCasinoTime::ToLocalText(unsigned int t, const QString &format) const
 {
     return QLocale::c().toString(QDateTime::fromSecsSinceEpoch(qint64(t) + GetTimeOffset(), Qt::UTC), format);

@@ -11,96 +11,97 @@
 
 namespace Globals {
 
-/// "GMT" and the offset of a time zone, a number of half hours: "GMT+0", "GMT-1:30".
+/// Returns "GMT" and the offset of a time zone, which is a number of half hours: "GMT+0", "GMT-1:30".
 PLUGININTERFACE_EXPORT QString GetTimezoneString(short tz);
 
 } // namespace Globals
 
-/// The clock of the client: what counts is the server's time, not the machine's.
+/// The clock of the client, which follows the server's time and not the machine's.
 ///
-/// It holds a second counter of its own, which ticks from the moment the object exists and is pulled to the server's
-/// time whenever the two have drifted too far apart. Until the first server time it counts from 0, or, where the user
-/// has chosen another time zone than UTC, from the machine's time. All times are seconds since 1970 UTC, 0 for no
-/// time.
+/// It has its own counter of seconds, which starts when the object is created and is set to the server's time
+/// whenever the two have drifted too far apart. Until the first server time it counts from 0 or, if the user has
+/// chosen another time zone than UTC, from the machine's time. All times are seconds since 1970 UTC, 0 for no time.
 ///
-/// Texts are in the time zone of the setting `timezoneindex30`, an index into GetTimezoneList(). A zone is a whole
-/// number of half hours from UTC, so that a machine at +5:45 reads as +5:30; its offset is taken when the zone is
-/// chosen and when the object is created. What is needed by CSettings and CTranslation has to be initialised. Main
+/// Texts use the time zone of the setting `timezoneindex30`, an index into GetTimezoneList(). A zone is a whole
+/// number of half hours from UTC, so a machine at +5:45 counts as +5:30. Its offset is determined when the zone is
+/// chosen and when the object is created. The databases of CSettings and CTranslation must be initialised. Main
 /// thread.
 class PLUGININTERFACE_EXPORT CCasinoTime : public QObject
 {
     Q_OBJECT
 
-    /// The clock as "hh:mm".
+    /// The running clock as "hh:mm".
     Q_PROPERTY(QString currentTime READ GetTimeString NOTIFY signal_TimeChanged)
 
 public:
-    static constexpr int iTimezoneMin = -24;     ///< Half hours of the westernmost zone, 12 h behind UTC.
-    static constexpr int iTimezoneMax = 28;      ///< Half hours of the easternmost zone, 14 h ahead of UTC.
-    static constexpr int iTimezoneAuto = 29;     ///< A selection: the machine's own offset.
-    static constexpr int iTimeBounds = 5;        ///< Seconds by which the clock may differ from the server's.
-    static constexpr int iTimezoneDefault = 0;   ///< UTC.
-    static constexpr int iTimezoneUnknown = 999; ///< No zone was announced or chosen yet.
+    static constexpr int iTimezoneMin = -24;     ///< The westernmost zone in half hours, 12 h behind UTC.
+    static constexpr int iTimezoneMax = 28;      ///< The easternmost zone in half hours, 14 h ahead of UTC.
+    static constexpr int iTimezoneAuto = 29;     ///< The selection of the machine's own offset.
+    static constexpr int iTimeBounds = 5;        ///< The seconds by which the clock may differ from the server's.
+    static constexpr int iTimezoneDefault = 0;   ///< The default zone, UTC.
+    static constexpr int iTimezoneUnknown = 999; ///< The value until a zone is announced or chosen.
 
-    /// Makes an object beside the shared one.
+    /// Constructs an object in addition to the shared one.
     explicit CCasinoTime(QObject *parent = nullptr);
     ~CCasinoTime() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CCasinoTime *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// For the host: the time that the server announces. The same time twice does nothing.
+    /// Sets the time that the server announces. Setting the same time again does nothing. For the host.
     void SetTimeUTCServer(unsigned int t);
-    /// What the server has announced last.
+    /// Returns the time that the server announced last.
     unsigned int GetTimeUTCServer() const;
-    /// The running clock.
+    /// Returns the time of the running clock.
     unsigned int GetTimeUTCClient() const;
-    /// Seconds from the running clock to \a t, negative if it has passed.
+    /// Returns the seconds from the running clock to \a t; negative if \a t has passed.
     int GetSecondsTo(unsigned int t) const;
 
-    /// The running clock as "hh:mm", as of its last tick; empty before the first.
+    /// Returns the running clock as "hh:mm", as of its last tick; empty before the first.
     QString GetTimeString() const;
-    /// \a t in the time zone in effect as "hh:mm", empty for 0.
+    /// Returns \a t in the time zone in effect as "hh:mm"; empty for 0.
     QString GetTimeString(unsigned int t) const;
-    /// The running clock's day in the time zone in effect as "dd.MM.yyyy".
+    /// Returns the day of the running clock in the time zone in effect as "dd.MM.yyyy".
     QString GetDateString() const;
-    /// \a t in the time zone in effect as "dd.MM.yyyy", empty for 0.
+    /// Returns \a t in the time zone in effect as "dd.MM.yyyy"; empty for 0.
     QString GetDateString(unsigned int t) const;
 
-    /// For the host: the time zone that the server announces. It has no effect on the texts.
+    /// Sets the time zone that the server announces. It has no effect on the texts. For the host.
     void SetTimezoneServer(int tz);
-    /// Index into GetTimezoneList() of the user's selection; of the zone in effect if the selection is none.
+    /// Returns the index into GetTimezoneList() of the user's selection, or of the zone in effect if the selection
+    /// isn't valid.
     int GetTimezoneIndex() const;
-    /// The names of all time zones, from iTimezoneMin to iTimezoneMax, and behind them that of the machine's own.
+    /// Returns the names of all time zones from iTimezoneMin to iTimezoneMax, then the name for the machine's own
+    /// zone.
     QStringList GetTimezoneList() const;
-    /// The name of the time zone in effect.
+    /// Returns the name of the time zone in effect.
     QString GetTimezoneString() const;
 
-    /// The name of the month and the day of \a t.
+    /// Returns the name of the month and the day of \a t.
     CTranslationItem GetDateStringShort(unsigned int t) const;
-    /// The name of the month, the day and the time of \a t.
+    /// Returns the name of the month, the day and the time of \a t.
     CTranslationItem GetDateTimeString(unsigned int t) const;
-    /// The same of the running clock; empty while it stands at 0.
+    /// Returns the name of the month, the day and the time of the running clock; empty while the clock is 0.
     CTranslationItem GetDateTimeString() const;
-    /// How far \a t lies ahead or back, in days, hours and minutes; empty for 0, and while the running clock stands
-    /// at 0.
+    /// Returns how far \a t is in the future or the past, in days, hours and minutes; empty for 0 and while the
+    /// running clock is 0.
     CTranslationItem GetTimeDiffString(unsigned int t) const;
 
-    /// One tick, as the timer does once a second.
+    /// Advances the clock by one second, as the timer does once a second.
     void IncreaseCurrentTime();
 
 Q_SIGNALS:
-    /// Once a second, and when the clock was set.
+    /// Emitted once a second, and when the clock was set.
     void signal_TimeChanged();
-    /// The clock's text differs, before signal_TimeChanged().
+    /// Emitted when the text of the clock has changed, before signal_TimeChanged().
     void signal_TimeStringChanged(QString time);
-    /// The server has announced another time, behind what that did to the clock.
+    /// Emitted when the server has announced another time, after the clock was adjusted to it.
     void signal_ServerTimeChanged();
-    /// Another time zone is in effect for the texts.
+    /// Emitted when another time zone has taken effect for the texts.
     void signal_TimeZoneChanged();
 
 private Q_SLOTS:
@@ -127,7 +128,7 @@ private:
     unsigned int m_uiTimeUTCClient = 0;
     int m_iTimezoneServer = iTimezoneUnknown;
     int m_iTimezoneSelected = iTimezoneUnknown;
-    int m_iTimezone = iTimezoneDefault; // in effect
+    int m_iTimezone = iTimezoneDefault; // the zone in effect
     QTimer m_Timer;
     QString m_strCurrentTime;
 

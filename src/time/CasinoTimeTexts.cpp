@@ -1,5 +1,4 @@
-// The time zone that the user has chosen, and the times in words: what the clock takes from the settings and the
-// catalogue.
+// What the clock takes from the settings and the catalogue: the user's time zone, and times in words.
 
 #include "CasinoTime.h"
 
@@ -16,7 +15,7 @@ const QString CORE_AREA = QStringLiteral("CORE");
 const QString MARKER_DAYS = QStringLiteral("#d#");
 const QString MARKER_HOURS = QStringLiteral("#h#");
 
-// A distance of time: whole days, and the rest within a day.
+// A time span: whole days, and the rest within a day.
 struct SDistance
 {
     qint64 iDays = 0;
@@ -36,7 +35,7 @@ SDistance DistanceBetween(unsigned int from, unsigned int to)
     return distance;
 }
 
-// A number without a leading zero, and a marker for its unit.
+// Returns a number without a leading zero, followed by a marker for its unit.
 QString NumberAndMarker(qint64 number, const QString &marker)
 {
     return QString::number(number) + QLatin1Char(' ') + marker;
@@ -136,7 +135,7 @@ void CCasinoTime::UpdateTimezone()
     CompareTimes();
 }
 
-// The month's name in the place where the format has the month's number between hashes.
+// Formats \a t, with the name of the month where the format has the month's number between hashes.
 CTranslationItem CCasinoTime::WithMonthName(unsigned int t, const QString &format) const
 {
     const QString month = ToLocalText(t, QStringLiteral("M"));

@@ -137,7 +137,7 @@ void CCountDown::slot_RefreshCountDown()
     const unsigned int now = CCasinoTime::GetInstance()->GetTimeUTCClient();
     if (m_bCountUp || m_uiTime == 0 || now == 0 || m_uiTime >= now)
         return;
-    // A slot may run an event loop, such as a dialog's: its ticks must not tell the end again.
+    // A slot may run an event loop, such as that of a dialog, whose ticks must not signal the end again.
     disconnect(CCasinoTime::GetInstance(), &CCasinoTime::signal_TimeChanged, this,
                &CCountDown::slot_RefreshCountDown);
     const unsigned int end = m_uiTime;

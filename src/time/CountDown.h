@@ -8,50 +8,51 @@
 
 namespace Globals {
 
-/// A number of seconds as a countdown shows it: hours, minutes and seconds, or days from two days up; minutes and
-/// seconds without the hours; or seconds alone. Empty for a type that is none.
+/// Returns \a seconds as a countdown shows them: hours, minutes and seconds, or days from two days up; minutes and
+/// seconds without the hours; or seconds alone. Empty if \a type isn't valid.
 PLUGININTERFACE_EXPORT CTranslationItem GetCountDownString(unsigned int seconds,
                                                            GlobalDefines::CountdownStringType type);
 
 } // namespace Globals
 
-/// Counts down to a time, or up from one, on the ticks of CCasinoTime, and keeps the text of it. Times are seconds
-/// since 1970 UTC. While the clock stands at 0 the countdown shows zero and doesn't finish. A slot of its signals
-/// may start, stop or delete it. Main thread.
+/// Counts down to a time, or up from one, on the ticks of CCasinoTime, and builds the text that shows it. Times are
+/// seconds since 1970 UTC. While the clock is 0, the countdown shows zero and doesn't finish. A slot connected to its
+/// signals may start, stop or delete it. Main thread.
 class PLUGININTERFACE_EXPORT CCountDown : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Stopped, without a parent.
+    /// Constructs a stopped countdown without a parent.
     CCountDown();
     ~CCountDown() override;
 
-    /// Counts down for so many seconds from now; 0 stops it.
+    /// Counts down \a seconds from now; 0 stops the countdown.
     void Start(unsigned int seconds);
-    /// Counts down to a time. One that isn't in the future stops it, without signal_CountDownFinished().
+    /// Counts down to \a endTime. A time that isn't in the future stops the countdown without
+    /// signal_CountDownFinished().
     void StartEndTime(unsigned int endTime);
-    /// Counts up from a time, until it is stopped; 0 stops it.
+    /// Counts up from \a startTime until it is stopped; 0 stops it.
     void StartFromTime(unsigned int startTime);
-    /// Shows zero, without signal_CountDownFinished().
+    /// Stops the countdown and shows zero, without signal_CountDownFinished().
     void Stop();
-    /// How the text is written, at once; GlobalDefines::CST_Normal at first.
+    /// Sets how the text is written and updates it at once. The initial type is GlobalDefines::CST_Normal.
     void SetType(GlobalDefines::CountdownStringType type);
 
-    /// Whether it counts, down or up.
+    /// Returns whether it counts, down or up.
     bool IsRunning() const;
-    /// Seconds to the end, 0 if it doesn't count down.
+    /// Returns the seconds until the end; 0 if it doesn't count down.
     unsigned int GetLeft() const;
-    /// Seconds since the start, 0 if it doesn't count up.
+    /// Returns the seconds since the start; 0 if it doesn't count up.
     unsigned int GetSince() const;
-    /// The text. It doesn't follow the language by itself.
+    /// Returns the text, which doesn't follow the language by itself.
     const CTranslationItem &GetCountDown() const;
 
 Q_SIGNALS:
-    /// The text is another one.
+    /// Emitted when the text has changed.
     void signal_CountDownChanged(QString string);
-    /// The end time has passed; on the tick after the one that shows zero. It stops after this signal, unless a slot
-    /// has started it anew.
+    /// Emitted when the end time has passed, on the tick after the one that shows zero. The countdown stops after
+    /// this signal unless a slot has started it again.
     void signal_CountDownFinished();
 
 private Q_SLOTS:
