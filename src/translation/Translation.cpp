@@ -75,8 +75,8 @@ const QList<CTranslation::SLang> &CTranslation::GetAvailableLanguages() const
     return m_languages;
 }
 
-// Writing the setting within its own signal takes the sender away from the listeners behind, so it is written only
-// where it names another language than the one that is in effect now.
+// Writing the setting inside its own change signal hides the caller from the slots that are called later, so it is
+// written only if it names another language than the one in effect.
 void CTranslation::slot_SelectedLanguageChanged()
 {
     CSettings *settings = CSettings::GetInstance();
@@ -135,7 +135,7 @@ int CTranslation::FindLanguageIndex() const
     return qMax(index, 0);
 }
 
-// Whether another language is in effect than before.
+// Returns whether another language has taken effect.
 bool CTranslation::TakeLanguage()
 {
     if (m_languages.isEmpty()) {

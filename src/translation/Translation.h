@@ -7,51 +7,51 @@
 #include <QSharedPointer>
 #include <QString>
 
-/// The catalogue of texts: turns a key and an area into a text in the user's language.
+/// The catalogue of texts, which translates a key and an area into a text in the user's language.
 ///
-/// The texts stand in CTranslationDB, which has to be initialised before the object is created; so have those that
-/// CSettings needs. Nothing is cached: whoever shows a text keeps it, and looks it up again on
-/// signal_TranslationChanged(). An area inherits the texts of the area "CORE"; no language inherits from another.
+/// The texts are read from CTranslationDB, which must be initialised first, as must the databases of CSettings.
+/// Nothing is cached: code that shows a text keeps it, and looks it up again on signal_TranslationChanged(). An area
+/// inherits the texts of the area "CORE"; no language inherits from another.
 ///
-/// The language in effect follows the setting `selectedlanguage` at once; where that names no language of the file,
-/// it is the operator's default, then the system's, and the setting is corrected. Lookups run one after the other,
-/// whatever the thread, but the database's connection belongs to the main thread.
+/// The language in effect follows the setting `selectedlanguage` at once. If the setting names no language of the
+/// file, the operator's default or else the system's language is used, and the setting is corrected. Lookups from
+/// different threads run one after the other, but the database connection belongs to the main thread.
 class PLUGININTERFACE_EXPORT CTranslation : public QObject
 {
     Q_OBJECT
 
 public:
-    /// One language of the file.
+    /// A language of the file.
     struct SLang
     {
-        int iID = -1;     ///< The file's own number, which the setting `selectedlanguage` holds.
-        QString strShort; ///< Language code, such as "en".
-        QString strLong;  ///< Name, for people to read.
+        int iID = -1;     ///< The id in the file, which the setting `selectedlanguage` holds.
+        QString strShort; ///< The language code, such as "en".
+        QString strLong;  ///< The name for people to read.
     };
 
-    /// Makes an object beside the shared one.
+    /// Constructs an object in addition to the shared one.
     explicit CTranslation(QObject *parent = nullptr);
     ~CTranslation() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CTranslation *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// The text of \a key in \a area, both in any case; \a languageID is negative for the language in effect. A text
-    /// that neither the area nor "CORE" has reads "area/key", a line break and "NOT IN TRANSLATION". Empty for an
-    /// empty key or area.
+    /// Returns the text of \a key in \a area, both case-insensitive, in the language \a languageID, or in the
+    /// language in effect if that is negative. For a text that neither the area nor "CORE" has, returns "area/key", a
+    /// line break and "NOT IN TRANSLATION". Empty for an empty key or area.
     QString GetTranslatedString(const QString &key, const QString &area, int languageID) const;
 
-    /// The language in effect; its id is -1 if the file has none.
+    /// Returns the language in effect; its id is -1 if the file has no languages.
     const SLang &GetLanguage() const;
-    /// In the order of the file.
+    /// Returns the languages in the order of the file.
     const QList<SLang> &GetAvailableLanguages() const;
 
 Q_SIGNALS:
-    /// Another language is in effect: look the texts up again.
+    /// Emitted when another language has taken effect and texts must be looked up again.
     void signal_TranslationChanged();
 
 private Q_SLOTS:

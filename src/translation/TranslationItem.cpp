@@ -58,8 +58,8 @@ bool CTranslationItem::SetPlaceholder(const QString &marker, const CTranslationI
 {
     if (marker.isEmpty())
         return false;
-    // The item may be this one, and must not come to hold itself.
-    const CTranslationItem copy(item); // NOLINT(performance-unnecessary-copy-initialization): just for that
+    // The item may be this object, which must not contain itself.
+    const CTranslationItem copy(item); // NOLINT(performance-unnecessary-copy-initialization): that is the purpose
     m_hashItems[marker].SetItem(copy);
     m_hashPlaceholders.remove(marker);
     ReTranslate();
@@ -126,7 +126,7 @@ const QHash<QString, QVariant> &CTranslationItem::GetPlaceholders() const
 
 void CTranslationItem::TranslationChanged() {}
 
-// An empty marker would match between any two letters; none is ever stored but through GetPlaceholder().
+// An empty marker would match between any two letters. Only GetPlaceholder() can store one.
 void CTranslationItem::ReplacePlaceholders()
 {
     QString text = m_strText;

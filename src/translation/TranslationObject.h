@@ -4,22 +4,22 @@
 
 #include <QObject>
 
-/// A translatable text for QML and for whoever wants to be told: it follows the language by itself and signals each
-/// time its text was built anew. Main thread.
+/// A translatable text for QML and for code that needs a signal: it follows the language by itself and emits
+/// signal_TextChanged() each time its text was built again. Main thread.
 class PLUGININTERFACE_EXPORT CTranslationObject : public QObject, public CTranslationItem
 {
     Q_OBJECT
 
-    /// The finished text; written, it becomes the literal template.
+    /// The finished text. Setting it sets the literal template.
     Q_PROPERTY(QString text READ GetTranslatedText WRITE SetText NOTIFY signal_TextChanged)
 
 public:
-    /// An empty text.
+    /// Constructs an empty text.
     explicit CTranslationObject(QObject *parent = nullptr);
     ~CTranslationObject() override;
 
 Q_SIGNALS:
-    /// The finished text was built anew, to the same letters or not.
+    /// Emitted when the finished text was built again, whether or not it differs.
     void signal_TextChanged();
 
 protected:
