@@ -40,10 +40,10 @@ void CMoneySpinner::SetValue(unsigned int value)
     UpdateDisplay();
 }
 
-// The lower amount is always where the animation starts, and the direction tells which way it runs.
+// The animation always starts at the lower amount; its direction tells which way it runs.
 void CMoneySpinner::slot_SetValue(unsigned int value)
 {
-    // Setting the ends of a run that is under way displays something already.
+    // Setting the start or end value of a running animation already changes the displayed amount.
     const unsigned int displayed = m_uiValue;
     if (value == displayed)
         return;
@@ -95,7 +95,7 @@ void CMoneySpinner::UpdateDisplay()
     SetShowComma(digits.size() <= MAX_DIGITS_WITH_COMMA);
     int position = digits.size();
     for (const TSetPlace setPlace : PLACES) {
-        // Whoever has heard of a place may have set another amount, which is displayed already.
+        // A connected slot may have set another amount, which is displayed already.
         if (m_uiValue != value)
             return;
         (this->*setPlace)(--position >= 0 ? digits.mid(position, 1) : QStringLiteral("0"));

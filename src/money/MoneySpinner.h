@@ -5,43 +5,44 @@
 
 #include <QPropertyAnimation>
 
-/// An amount of money that runs up or down, digit by digit, to its new value, as the counter of a jackpot does.
+/// An amount of money that runs up or down to its new value, digit by digit, like the counter of a jackpot.
 ///
-/// It counts hundredths, whatever the currency, and shows nine digits with leading zeros; of a value of ten digits
-/// the nine lowest. ShowComma tells the view whether to show the cents, up to 99,999.99, or the two highest digits.
-/// The currency's sign is that of the language at the time it was set. A slot of its signals may set another amount,
-/// but must not delete it, other than by deleteLater(). CTranslation's databases have to be initialised. Main thread.
+/// It counts hundredths of any currency and shows nine digits with leading zeros; of a ten-digit value it shows the
+/// nine lowest. ShowComma tells the view whether to show the cents, for values up to 99,999.99, or the two highest
+/// digits. The currency sign is in the language at the time when it was set. A slot connected to its signals may set
+/// another amount, but must not delete the object except by deleteLater(). CTranslation's databases must be
+/// initialised. Main thread.
 class PLUGININTERFACE_EXPORT CMoneySpinner : public CMoneySpinnerDataModel
 {
     Q_OBJECT
 
-    /// The amount that is displayed; written, it is displayed at once.
+    /// The displayed amount. Setting it displays the new amount at once.
     Q_PROPERTY(uint value READ GetValue WRITE SetValue) // clazy:exclude=qproperty-without-notify (the digits do)
 
 public:
-    /// Displays \a value at once, in hundredths.
+    /// Constructs a spinner that displays \a value, in hundredths.
     CMoneySpinner(unsigned int value, GlobalDefines::MoneyType moneytype, QObject *parent = nullptr);
-    /// 0, without a currency.
+    /// Constructs a spinner that displays 0, without a currency.
     explicit CMoneySpinner(QObject *parent = nullptr);
     ~CMoneySpinner() override;
 
-    /// What is displayed now, also in the middle of a run.
+    /// Returns the amount that is displayed now, even during a run.
     unsigned int GetValue() const;
-    /// Displays an amount without a run. A run that is under way goes on, and displays its own.
+    /// Displays an amount without a run. A run in progress continues and displays its own amounts.
     void SetValue(unsigned int value);
 
 public Q_SLOTS:
-    /// Runs to an amount in half a second; jumps there if the user wants no animations. A run that is under way
-    /// goes on between what is displayed and the new amount.
+    /// Runs to an amount in half a second, or jumps there if the user has turned off animations. A run in progress
+    /// continues between the displayed amount and the new one.
     void slot_SetValue(unsigned int value);
-    /// Displays the currency's sign in the language of the moment; the amount stays.
+    /// Displays the currency sign in the current language; the amount doesn't change.
     void slot_SetMoneyType(GlobalDefines::MoneyType moneytype);
 
 private Q_SLOTS:
     void slot_TranslationChanged();
 
 private:
-    friend class CMoneySpinnerWidget; // tells the amount to which it runs
+    friend class CMoneySpinnerWidget; // reads the amount at the end of a run
 
     void Init();
     void UpdateDisplay();

@@ -4,35 +4,35 @@
 #include <Export.h>
 #include <money/MoneySpinnerDataTable.h>
 
-/// An amount of money place by place, so that a view can draw each digit in a field of its own.
+/// An amount of money digit by digit, so that a view can draw each digit in a field of its own.
 ///
-/// The fields stand in MONEY_SPINNER_DATA_TABLE, which makes the page \ref models. C2 are hundredths, C1 tenths,
-/// D1 units, up to D7 for millions; DS and TS are the separators of decimals and thousands. For each there are a
-/// property, a getter, a setter that stores and signals a text that differs, and a change signal: `strD1`,
-/// `GetD1()`, `SetD1()`, `signal_D1Changed(QString)`. Main thread.
+/// MONEY_SPINNER_DATA_TABLE lists the fields, from which the page \ref models is generated. C2 is the hundredths
+/// digit, C1 the tenths, D1 the units, up to D7 for millions; DS and TS are the decimal and thousands separators.
+/// Each field has a property, a getter, a setter that emits the change signal if the text differs, and a change
+/// signal: `strD1`, `GetD1()`, `SetD1()`, `signal_D1Changed(QString)`. Main thread.
 class PLUGININTERFACE_EXPORT CMoneySpinnerDataModel : public QObject
 {
     Q_OBJECT
     DATA_MODEL_FIELDS(CMoneySpinnerDataModel, MONEY_SPINNER_DATA_TABLE)
 
 public:
-    /// All fields at their defaults.
+    /// Constructs a model with all fields at their defaults.
     explicit CMoneySpinnerDataModel(QObject *parent = nullptr);
     ~CMoneySpinnerDataModel() override;
 
-    /// Sets each field to its default, in the table's order.
+    /// Sets each field to its default, in the order of the table.
     virtual void Reset();
-    /// Called behind each read from a stream.
+    /// Called after each read from a stream.
     virtual void LoadedFromStream();
 };
 
-/// The fields in the table's order.
+/// Writes the fields to the stream, in the order of the table.
 PLUGININTERFACE_EXPORT QDataStream &operator<<(QDataStream &stream, const CMoneySpinnerDataModel &model);
-/// Reads them without a signal, and calls LoadedFromStream(). If the stream ends early or is corrupt, as its status
-/// then tells, the fields from there on have their defaults.
+/// Reads the fields without emitting signals, then calls LoadedFromStream(). If the stream ends early or is corrupt,
+/// its status says so, and the remaining fields have their defaults.
 PLUGININTERFACE_EXPORT QDataStream &operator>>(QDataStream &stream, CMoneySpinnerDataModel &model);
 
-/// One line a field, with its label.
+/// Writes one line per field, with its label.
 PLUGININTERFACE_EXPORT QDebug operator<<(QDebug debug, const CMoneySpinnerDataModel &model);
-/// The same; \a model isn't null.
+/// Writes one line per field, with its label; \a model must not be null.
 PLUGININTERFACE_EXPORT QDebug operator<<(QDebug debug, CMoneySpinnerDataModel *model);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The fields of CMoneySpinnerDataModel in the order of the class, its properties and its stream form; see
+// The fields of CMoneySpinnerDataModel in the order of the class, its properties and its stream format; see
 // DataModel.h.
 // clang-format off
 #define MONEY_SPINNER_DATA_TABLE(ROW) \

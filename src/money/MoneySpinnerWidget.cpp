@@ -9,7 +9,7 @@
 
 namespace {
 
-// The places from left to right: ROW(name, layout number). The names are what style sheets know.
+// The places from left to right: ROW(name, layout number). Style sheets refer to the names.
 // clang-format off
 #define PLACES_TABLE(ROW) \
     ROW(Currency, 33) \
@@ -44,9 +44,9 @@ struct CMoneySpinnerWidget::SForm
     {
         widget->setObjectName(QStringLiteral("W_MoneySpinner"));
         widget->resize(65, 13);
-        // Digits run from left to right in a right-to-left language, too.
+        // Digits are written from left to right even in a right-to-left language.
         widget->setLayoutDirection(Qt::LeftToRight);
-        widget->setAttribute(Qt::WA_StyledBackground); // and its border
+        widget->setAttribute(Qt::WA_StyledBackground); // lets a style sheet draw background and border
         QHBoxLayout *row = MakeLayout(widget, QStringLiteral("horizontalLayout"));
 #define MAKE_PLACE(Name, number)                                                             \
     F_##Name = new QFrame(widget);                                                           \
@@ -68,7 +68,7 @@ struct CMoneySpinnerWidget::SForm
     PLACES_TABLE(PLACE_MEMBERS)
 #undef PLACE_MEMBERS
 
-    // The amount to which the digits run; the lower one is where a run starts, whatever its direction.
+    // Returns the amount at the end of the run. The start value is the lower amount, whatever the direction.
     static unsigned int Target(const CMoneySpinner &spinner)
     {
         const QPropertyAnimation &run = spinner.m_animation;
@@ -83,7 +83,7 @@ struct CMoneySpinnerWidget::SForm
         const QString name =
             spinner.GetCurrency().trimmed() + Globals::MoneyToString(GlobalDefines::MONEYTYPE_POINTS, uiNamed, true);
         if (name != widget->accessibleName())
-            widget->setAccessibleName(name); // which tells of it
+            widget->setAccessibleName(name); // this notifies assistive technology
     }
 
     void NameAfterTarget(QWidget *widget, const CMoneySpinner &spinner)
@@ -92,7 +92,7 @@ struct CMoneySpinnerWidget::SForm
             NameAfter(widget, spinner);
     }
 
-    unsigned int uiNamed = 0; // the amount that the accessible name tells
+    unsigned int uiNamed = 0; // the amount in the accessible name
 };
 
 CMoneySpinnerWidget::CMoneySpinnerWidget(CMoneySpinner *spinner, QWidget *parent)
@@ -105,7 +105,7 @@ CMoneySpinnerWidget::CMoneySpinnerWidget(CMoneySpinner *spinner, QWidget *parent
     slot_##Name##Changed();
     MONEY_SPINNER_DATA_TABLE(CONNECT_FIELD)
 #undef CONNECT_FIELD
-    // A run begins before the first digit changes.
+    // The animation changes its state before the first digit changes.
     connect(&spinner->m_animation, &QAbstractAnimation::stateChanged, this, [this](QAbstractAnimation::State state) {
         if (state == QAbstractAnimation::Running)
             m_pForm->NameAfterTarget(this, *m_pSpinner);
@@ -152,7 +152,7 @@ void CMoneySpinnerWidget::slot_CurrencyChanged()
     m_pForm->NameAfter(this, *m_pSpinner);
 }
 
-// Cents, or the two highest digits.
+// Shows either the cents or the two highest digits.
 void CMoneySpinnerWidget::slot_ShowCommaChanged()
 {
     const bool cents = m_pSpinner->GetShowComma();

@@ -9,17 +9,17 @@
 class CMoneySpinner;
 
 /// A row of labels that shows a CMoneySpinner, from left to right in every language. The widget, its frames and
-/// labels have object names and no style of their own: a style sheet of the brand gives it, by `#W_MoneySpinner`,
-/// `QFrame#F_D1`, `QLabel#LB_D1` and so on.
+/// labels have object names but no style of their own; the style sheet of the brand provides it, using
+/// `#W_MoneySpinner`, `QFrame#F_D1`, `QLabel#LB_D1` and so on.
 ///
-/// Its accessible name is the amount to which the digits run, with the currency: "$1,234.56". It changes once with
-/// each new amount, not with each step of a run.
+/// Its accessible name is the amount at the end of the run, with the currency: "$1,234.56". It changes once per new
+/// amount, not with each step of a run.
 class PLUGININTERFACE_EXPORT CMoneySpinnerWidget : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// \a spinner isn't owned, and outlives the widget.
+    /// Constructs a widget that shows \a spinner, which it doesn't own and which must outlive it.
     explicit CMoneySpinnerWidget(CMoneySpinner *spinner, QWidget *parent = nullptr);
     ~CMoneySpinnerWidget() override;
 

@@ -26,7 +26,7 @@ QString Translated(const QString &key)
     return CTranslation::GetInstance()->GetTranslatedString(key, CORE_AREA, -1);
 }
 
-// Decimal, filled up with zeros to at least so many digits.
+// Returns the number in decimal, padded with zeros to at least \a digits digits.
 QString Digits(unsigned int number, int digits)
 {
     return QString::number(number).rightJustified(digits, QLatin1Char('0'));
@@ -43,8 +43,8 @@ unsigned int Whole(GlobalDefines::MoneyType type, unsigned int value)
     return IsChips(type) ? value : value / CENTS;
 }
 
-// The whole part and the decimals of a text of digits and points. A point in the first group's place parts groups, as
-// does one three digits behind such a one; the next point begins the decimals.
+// Splits a text of digits and points into its whole part and its decimals. A point after the first one to three
+// digits separates groups, as does each point three digits after such a one; the next point begins the decimals.
 void SplitAtSeparator(const QString &number, QString &integer, QString &fraction)
 {
     const QLatin1Char point('.');
@@ -61,7 +61,7 @@ void SplitAtSeparator(const QString &number, QString &integer, QString &fraction
         last = next;
     }
     fraction = number.mid(last + 1);
-    fraction = fraction.left(fraction.indexOf(point)); // all of it without a point
+    fraction = fraction.left(fraction.indexOf(point)); // all of it if there is no point
     if (fraction.size() == GROUP_DIGITS && !groupsClosed) {
         integer += fraction;
         fraction.clear();
@@ -182,7 +182,7 @@ unsigned int Globals::ExchangeMoneyBack(unsigned int value, double rate)
         return 0;
     const double factor = rate / RATE_UNIT;
     const double quotient = std::floor(value / factor);
-    // The quotient may be a little too small, by its rounding and by that of the product.
+    // The quotient may be slightly too small, because it and the product are rounded.
     for (int step = 0; step < MAX_BACK_STEPS; ++step) {
         const double candidate = quotient + step;
         if (!(candidate <= MAX_MONEY))
