@@ -7,36 +7,37 @@
 #include <QHash>
 #include <QVariant>
 
-/// An action whose text follows the language, with named values that its owner attaches for whoever handles it.
+/// An action whose text follows the language, and to which its owner attaches named values for the code that handles
+/// it.
 ///
-/// It begins without a parent; CMenu::AddAction() makes it the menu's child, which doesn't keep its owner from
-/// deleting it at any time. CTranslation's databases have to be initialised. Thread of the user interface.
+/// It is created without a parent. CMenu::AddAction() makes it a child of the menu, but its owner may still delete it
+/// at any time. CTranslation's databases must be initialised. Main thread.
 class PLUGININTERFACE_EXPORT CAction : public QAction, public CTranslationItem
 {
     Q_OBJECT
 
 public:
-    /// The text of the catalogue.
+    /// Constructs an action with a text of the catalogue.
     CAction(const QString &key, const QString &area);
-    /// A literal text.
+    /// Constructs an action with a literal text.
     explicit CAction(const QString &text);
     ~CAction() override;
 
-    /// Attaches a value, in place of one of that name.
+    /// Attaches a value, replacing any of the same name.
     void AddParameter(const QString &name, const QVariant &value);
-    /// Invalid if there is none of that name.
+    /// Returns the value of that name; invalid if there is none.
     QVariant GetParameter(const QString &name) const;
-    /// Nothing happens if there is none of that name.
+    /// Removes the value of that name, if there is one.
     void RemoveParameter(const QString &name);
-    /// Removes all of them.
+    /// Removes all attached values.
     void ClearParameters();
 
 public Q_SLOTS:
-    /// Lets the owner bring the action up to date.
+    /// Emits signal_Update(), so that the owner can bring the action up to date.
     void slot_Update();
 
 Q_SIGNALS:
-    /// The action is about to be shown.
+    /// Emitted when the action is about to be shown.
     void signal_Update(CAction *action);
 
 protected:

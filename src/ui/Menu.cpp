@@ -31,7 +31,7 @@ CMenu::CMenu(const QString &id, const QString &text)
     Init();
 }
 
-// The base class deletes the actions, when there is no list any more from which they could be taken.
+// The base class deletes the actions after the lists are destroyed, from which the slots would remove them.
 CMenu::~CMenu()
 {
     for (CAction *action : qAsConst(m_lActions))
@@ -99,7 +99,7 @@ void CMenu::TranslationChanged()
     setTitle(GetTranslatedText());
 }
 
-// An action that leaves the widget, as each does in its destructor, loses all its connections to it.
+// QMenu drops all its connections to an action that is removed, as each action is in its own destructor.
 void CMenu::actionEvent(QActionEvent *event)
 {
     QMenu::actionEvent(event);
@@ -113,7 +113,7 @@ void CMenu::actionEvent(QActionEvent *event)
         connect(removed, &QObject::destroyed, this, &CMenu::slot_ActionDestroyed);
 }
 
-// Whoever listens may delete any of them, this menu too.
+// Connected slots may delete any of these actions and menus, even this menu.
 void CMenu::slot_AboutToShow()
 {
     const QPointer<CMenu> self = this;

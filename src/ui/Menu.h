@@ -10,51 +10,51 @@
 
 class CAction;
 
-/// A menu whose title follows the language, of actions and further menus from any number of plugins.
+/// A menu whose title follows the language, with actions and submenus from any number of plugins.
 ///
-/// It owns the actions that are added to it, and none of the menus. Whoever made an action or a menu may delete it at
-/// any time, also while a menu is about to open; it is gone from all menus then. A menu must not be added to itself,
-/// nor to one of those below it. CTranslation's databases have to be initialised. Thread of the user interface.
+/// It owns the actions that are added to it, but not the submenus. The code that created an action or a menu may
+/// delete it at any time, even while a menu is about to open; all menus then drop it. A menu must not be added to
+/// itself or to one of the menus below it. CTranslation's databases must be initialised. Main thread.
 class PLUGININTERFACE_EXPORT CMenu : public QMenu, public CTranslationItem
 {
     Q_OBJECT
 
 public:
-    /// The title of the catalogue. \a id is that of CMenuManager.
+    /// Constructs a menu with a title of the catalogue. \a id is its id in CMenuManager.
     CMenu(const QString &id, const QString &key, const QString &area);
-    /// A literal title.
+    /// Constructs a menu with a literal title. \a id is its id in CMenuManager.
     CMenu(const QString &id, const QString &text);
     ~CMenu() override;
 
-    /// Null, and what is in the menu already, is ignored.
+    /// Appends an entry to the menu. Null and entries that are in the menu already are ignored.
     /// @{
     void AddAction(CAction *action);
     void AddMenu(CMenu *menu);
     /// @}
 
-    /// Attaches a value that handlers read, in place of one of that name. It goes to all that is in the menu now,
-    /// down to the last submenu; what is added later doesn't get it.
+    /// Attaches a value that handlers read, replacing any of the same name. All that is in the menu now, down to the
+    /// last submenu, gets it, too; what is added later doesn't.
     void AddParameter(const QString &name, const QVariant &value);
-    /// The menu's own; invalid if there is none of that name.
+    /// Returns the menu's own value of that name; invalid if there is none.
     QVariant GetParameter(const QString &name) const;
-    /// Here and in all that is in the menu now, like AddParameter().
+    /// Removes attached values from the menu and from everything that is in it now, like AddParameter().
     /// @{
     void RemoveParameter(const QString &name);
     void ClearParameters();
     /// @}
 
-    /// Of the menu and of all below it.
+    /// Sets the style sheet of the menu and of all menus below it.
     void SetStyleSheet(const QString &css);
-    /// Shows or hides the menu's entry in the one above it.
+    /// Shows or hides the entry of this menu in the menu above it.
     void SetVisible(bool visible);
 
 Q_SIGNALS:
-    /// The menu is about to open, or one above it; its actions and submenus have told so before.
+    /// Emitted when this menu or one above it is about to open, after its actions and submenus have emitted theirs.
     void signal_Update(CMenu *menu);
 
 protected:
     void TranslationChanged() override;
-    /// Goes on watching an action that leaves the menu, as each does in its destructor.
+    /// Keeps watching an action that is removed from the menu, as each action is in its own destructor.
     void actionEvent(QActionEvent *event) override;
 
 private Q_SLOTS:

@@ -76,7 +76,7 @@ void CMenuManager::SetMenuBarStyleSheet(const QString &css)
         menu->SetStyleSheet(css);
 }
 
-// The menu is nothing more than a QObject by now.
+// By now the menu is only a QObject.
 void CMenuManager::slot_MenuDestroyed()
 {
     for (auto entry = m_hMenus.begin(); entry != m_hMenus.end();)

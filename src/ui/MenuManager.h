@@ -10,45 +10,46 @@
 #include <QPointer>
 #include <QSharedPointer>
 
-/// The menu bar that all plugins share, and a registry of menus by id, through which several of them add entries to
+/// The menu bar that all plugins share, and a registry of menus by id, through which several plugins add entries to
 /// the same menu without knowing each other.
 ///
-/// The bar begins with the standard menus "MENU_MYACCOUNT" and "MENU_OPTIONS". It is a window of its own until the
-/// host places it. CTranslation's databases have to be initialised. Thread of the user interface.
+/// The bar initially has the standard menus "MENU_MYACCOUNT" and "MENU_OPTIONS". It is a window of its own until the
+/// host places it. CTranslation's databases must be initialised. Main thread.
 class PLUGININTERFACE_EXPORT CMenuManager : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Ids of the standard menus, which are also the keys of their titles in the area "CORE".
+    /// The ids of the standard menus, which are also the keys of their titles in the area "CORE".
     static const QString strMyAccount; ///< "MENU_MYACCOUNT"
     static const QString strOptions;   ///< "MENU_OPTIONS"
-    static const QString strGameRules; ///< "MENU_GAMERULES"; made by the plugin that has game rules.
+    static const QString strGameRules; ///< "MENU_GAMERULES"; created by the plugin that has game rules.
 
     CMenuManager();
-    /// All menus of the registry and the bar end at the next turn of the event loop.
+    /// Destroys the bar and all menus of the registry at the next turn of the event loop.
     ~CMenuManager() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CMenuManager *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// The menu of that id. One that is there takes the new title; one that isn't is created, and stands nowhere
+    /// Returns the menu with that id and gives it the title. A menu that doesn't exist is created; it isn't shown
     /// until it is added to the bar or to another menu. The registry owns it, but it may be deleted at any time.
     CMenu *GetMenu(const QString &id, const QString &key, const QString &area);
-    /// The same with a literal title.
+    /// Returns the menu with that id and gives it a literal title; creates it if there is none.
     CMenu *GetMenu(const QString &id, const QString &text);
-    /// Null if there is none.
+    /// Returns the menu with that id; null if there is none.
     CMenu *GetMenu(const QString &id) const;
 
-    /// Null once somebody has deleted it, as the window does in which the host has placed it.
+    /// Returns the menu bar; null after somebody has deleted it, as the window in which the host has placed it does.
     QMenuBar *GetMenuBar() const;
-    /// Appends the menu, again if it is there already. Nothing happens without a bar.
+    /// Appends the menu to the bar, even if it is there already. Does nothing without a bar.
     void AddToMenuBar(CMenu *menu);
-    /// Of the menus that were added to the bar and all below them; the bar keeps its own.
+    /// Sets the style sheet of the menus that were added to the bar and of all menus below them; the bar keeps its
+    /// own.
     void SetMenuBarStyleSheet(const QString &css);
 
 private Q_SLOTS:
@@ -60,7 +61,7 @@ private:
     CMenu *Register(const QString &id, CMenu *menu);
 
     QPointer<QMenuBar> m_pMenuBar;
-    QList<CMenu *> m_lMenuBarMenus; // in their order
+    QList<CMenu *> m_lMenuBarMenus; // in the order of the bar
     QHash<QString, CMenu *> m_hMenus;
 
     static QSharedPointer<CMenuManager> m_Instance;

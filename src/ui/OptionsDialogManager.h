@@ -7,34 +7,34 @@
 #include <QObject>
 #include <QSharedPointer>
 
-/// Where plugins register the pages of the options dialog, and where anybody asks for it. The host listens to
-/// signal_ShowDialog() and builds the dialog from the pages. Thread of the user interface.
+/// The registry in which plugins register the pages of the options dialog, and through which any code asks for it.
+/// The host listens to signal_ShowDialog() and builds the dialog from the pages. Main thread.
 class PLUGININTERFACE_EXPORT COptionsDialogManager : public QObject
 {
     Q_OBJECT
 
 public:
-    /// \a widget isn't used.
+    /// Constructs a registry without pages. \a widget isn't used.
     explicit COptionsDialogManager(QWidget *widget = nullptr);
     ~COptionsDialogManager() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static COptionsDialogManager *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop.
+    /// Destroys the object at the next turn of the event loop.
     static void DestroyInstance();
 
-    /// Appends the page, which stays its owner's and may be deleted at any time. Null is ignored.
+    /// Appends the page, which its owner keeps and may delete at any time. Null is ignored.
     void AddPage(COptionsPage *page);
-    /// In the order in which they were added.
+    /// Returns the pages in the order in which they were added.
     const QList<COptionsPage *> GetPages() const;
 
-    /// Asks the host for the dialog, above \a parent, which may be null.
+    /// Asks the host to show the dialog above \a parent, which may be null.
     static void Show(QWidget *parent);
 
 Q_SIGNALS:
-    /// For the host: somebody wants the dialog, above \a parent, which may be null.
+    /// Emitted to ask the host for the dialog above \a parent, which may be null.
     void signal_ShowDialog(QWidget *parent);
 
 private Q_SLOTS:

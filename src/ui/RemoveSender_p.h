@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-/// For the slot of a destroyed() signal: takes every occurrence of the object off the list. It is nothing more than a
-/// QObject by then, so that only its address is looked at.
+/// Removes every occurrence of \a sender from the list, for the slot of a destroyed() signal. By then the object is
+/// only a QObject, so only its address is compared.
 template <typename Type>
 void RemoveSender(QList<Type *> &list, const QObject *sender)
 {

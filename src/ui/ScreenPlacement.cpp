@@ -6,7 +6,7 @@
 
 namespace {
 
-// One dimension: where a length goes between two edges of the reference.
+// One dimension of a placement: a length and the edges of the reference.
 struct SSpan
 {
     int iFirst; // coordinate of the reference's first pixel
@@ -61,7 +61,7 @@ QPoint Globals::CalculateScreenPosition(QRect widget, QRect reference, QRect scr
     int y = Align({reference.top(), reference.bottom(), reference.height(), widget.height()},
                   alignment.testFlag(Qt::AlignTop), alignment.testFlag(Qt::AlignBottom),
                   alignment.testFlag(Qt::AlignVCenter), outside.testFlag(GlobalDefines::SPO_Vertical));
-    // Of a widget that doesn't fit, the end is what is kept on the screen.
+    // If a widget doesn't fit, its right and bottom ends are kept on the screen.
     x = qMin(qMax(x, screen.x()), screen.right() - widget.width());
     y = qMin(qMax(y, screen.y()), screen.bottom() - widget.height());
     return {x, y};

@@ -7,10 +7,10 @@
 
 namespace {
 
-// A few files, each of which includes the next one twice, would fill any memory and take any time.
+// Without limits, a few files that each include the next one twice would use up all memory and time.
 constexpr int MAX_LENGTH = 16 << 20;
 constexpr int MAX_FILES = 1000;
-constexpr int MAX_DEPTH = 64; // each level looks at all that it includes once more
+constexpr int MAX_DEPTH = 64; // each level scans everything that it includes once more
 
 const QLatin1String INCLUDE("#include");
 constexpr char COMMENT_BEGIN[] = "/*";
@@ -18,8 +18,8 @@ constexpr char COMMENT_END[] = "*/";
 constexpr char HERE[] = "./";
 constexpr int PAIR_SIZE = 2;
 
-// Where two characters stand next to each other, -1 if nowhere. Qt looks for a single character at many places at
-// once, but for a text at one after the other.
+// Returns where two characters stand next to each other, -1 if nowhere. Qt searches for a single character at many
+// places at once, but for a text at one place after the other.
 int FindPair(const QString &text, const char (&pair)[PAIR_SIZE + 1], int from = 0)
 {
     const QLatin1Char first(pair[0]);
@@ -37,7 +37,7 @@ QString ToFileName(QString include)
     return include;
 }
 
-// False if one is left open, or closed without being opened.
+// Returns false if a comment isn't closed, or closed without being opened.
 bool RemoveComments(QString &text)
 {
     QString rest;
@@ -59,12 +59,12 @@ bool IsBlank(QChar character)
     return character == QLatin1Char('\n') || character == QLatin1Char(' ') || character == QLatin1Char('\t');
 }
 
-// Whether each brace has its counterpart and each block a selector.
+// Returns whether each brace has its counterpart and each block has a selector.
 bool AreBlocksSound(const QString &text)
 {
     int depth = 0;
     bool hasSelector = false;
-    int start = 0; // of what may be a selector
+    int start = 0; // start of a possible selector
     for (int i = 0; i < text.size(); ++i) {
         if (text.at(i) == QLatin1Char('{')) {
             if (depth == 0) {
@@ -87,7 +87,7 @@ bool AreBlocksSound(const QString &text)
     return depth == 0;
 }
 
-// Appends a line with its relative paths replaced. False if the text would become longer than it may be.
+// Appends a line with its relative paths replaced. Returns false if the text would exceed \a maxLength.
 bool AppendLine(QString &text, const QString &line, const QString &directory, int maxLength)
 {
     int copied = 0;
@@ -110,9 +110,9 @@ bool AppendLine(QString &text, const QString &line, const QString &directory, in
 
 struct SProgress
 {
-    QStringList beingRead;  // includes lead from the first to the last
-    int iFiles = 0;         // that were opened
-    int iRoom = MAX_LENGTH; // for characters, besides those of the files that are being read
+    QStringList beingRead;  // the chain of includes, outermost first
+    int iFiles = 0;         // number of files read so far
+    int iRoom = MAX_LENGTH; // characters left, besides those of the files being read
 };
 
 bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents);

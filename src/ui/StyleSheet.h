@@ -5,22 +5,22 @@
 #include <QString>
 
 /// \file
-/// Style sheets of a brand's theme, from files that include others.
+/// Functions for the style sheets of a brand's theme, which may include other files.
 namespace Globals {
 
-/// Reads a Qt style sheet in UTF-8. A line `#include "common/buttons.css";` stands for that file, found from the
-/// folder of the including one. Relative paths get that folder in front, see ReplaceStylePath(). Comments, blank
-/// lines and the blanks at both ends of a line go.
+/// Reads a Qt style sheet in UTF-8. A line `#include "common/buttons.css";` is replaced with that file, relative to
+/// the folder of the including one. Relative paths are prefixed with that folder, see ReplaceStylePath(). Comments,
+/// blank lines and the white space at both ends of a line are removed.
 ///
-/// False, and \a contents stays, if a file can't be read, if a file includes itself, directly or not, if a comment or
-/// a brace is left open or closed without being opened, if a block has no selector, or if all together is longer than
-/// 16 Mi characters or comes from more than 1000 files, those that are included twice counted twice, or from more
-/// than 64 within each other. Blocks don't nest. Time is linear in the size of what is read, for each level of
-/// includes. Any thread.
+/// Returns false and leaves \a contents unchanged if a file can't be read, if a file includes itself, directly or
+/// not, if comments or braces aren't balanced, if a block has no selector, if the result is longer than 16 Mi
+/// characters, or if it comes from more than 1000 files, each counted as often as it is included, or from more than
+/// 64 nested ones. Blocks don't nest. Takes time linear in the size of what is read, for each level of includes. Any
+/// thread.
 PLUGININTERFACE_EXPORT bool GetCssContents(const QString &path, QString &contents);
 
-/// Puts \a directory, which ends in a slash, in front of the first "./" or "../" of each declaration of a line. They
-/// count wherever they stand. A line that would become longer than 16 Mi characters is answered as it is. Any thread.
+/// Inserts \a directory, which ends in a slash, before the first "./" or "../" of each declaration in a line,
+/// wherever they stand. Returns the line unchanged if it would become longer than 16 Mi characters. Any thread.
 PLUGININTERFACE_EXPORT QString ReplaceStylePath(QString line, const QString &directory);
 
 } // namespace Globals

@@ -11,10 +11,10 @@
 namespace {
 
 constexpr double MINIMUM_WIDTH = 20;
-// More than the walk of EnforceMinimum() ever needs, unless fractions that don't add up keep it going.
-constexpr qint64 MAX_CIRCLES = 4;
+// More rounds than EnforceMinimum() ever needs, unless rounding errors keep it running.
+constexpr qint64 MAX_ROUNDS = 4;
 
-// No stored number is larger.
+// Converts a width to an int, within the range that can be stored.
 int ToPixels(double size)
 {
     constexpr double most = std::numeric_limits<int>::max();
@@ -26,7 +26,7 @@ bool IsVisible(double size)
     return size >= 0;
 }
 
-// One pixel each, in a circle, until nothing is left: whole rounds at once.
+// Distributes the remaining pixels one by one over the visible columns, whole rounds at once.
 void GiveOut(double left, const QList<double> &sizes, QList<double> &widths)
 {
     if (!(left > 0))
@@ -59,7 +59,7 @@ QList<double> Scale(double width, double total, const QList<double> &sizes)
     return widths;
 }
 
-// It may get narrower than nothing.
+// The width of the neighbour may become negative.
 QList<double> AdjustNeighbour(double surplus, const QList<double> &sizes, int column)
 {
     QList<double> widths = sizes;
@@ -72,8 +72,8 @@ QList<double> AdjustNeighbour(double surplus, const QList<double> &sizes, int co
     return widths;
 }
 
-// A column that is too narrow charges what it lacks to the next one, in a circle that ends one round after the last
-// charge.
+// Widens columns that are too narrow, each at the expense of the next column, in a circle that ends one round after
+// the last such column.
 void EnforceMinimum(double width, const QList<double> &sizes, int first, QList<double> &widths)
 {
     const int count = widths.size();
@@ -95,7 +95,7 @@ void EnforceMinimum(double width, const QList<double> &sizes, int first, QList<d
             }
         }
         i = (i + 1) % count;
-    } while (i != stop && ++steps < MAX_CIRCLES * count);
+    } while (i != stop && ++steps < MAX_ROUNDS * count);
 }
 
 } // namespace
@@ -142,7 +142,7 @@ QList<double> TableView::Recalculate(double width, QList<double> sizes, QList<do
     }
     if (!(total > 0))
         return {};
-    const bool dragged = column >= 0 && column < last; // else there is no neighbour to take the change
+    const bool dragged = column >= 0 && column < last; // otherwise no neighbour can absorb the change
     QList<double> widths = dragged ? AdjustNeighbour(total - width, sizes, column) : Scale(width, total, sizes);
     EnforceMinimum(width, sizes, dragged ? column : 0, widths);
     return widths;

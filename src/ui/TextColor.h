@@ -6,7 +6,7 @@
 
 namespace Globals {
 
-/// Black or white, whichever reads better on \a background.
+/// Returns black or white, whichever reads better on \a background.
 PLUGININTERFACE_EXPORT QColor GetIdealTextColor(const QColor &background);
 
 } // namespace Globals
