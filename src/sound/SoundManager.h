@@ -6,12 +6,11 @@
 #include <QSharedPointer>
 #include <QString>
 
-/// The client's five channels of sound, each behind the user's switches: nothing is heard of a category that is off
-/// when it is to be played, nor of any but the samples while the user wants no sounds at all. A sound that is playing
-/// goes on.
+/// The client's five sound channels, which obey the user's switches: no sound starts while its category is off, nor,
+/// except for samples, while the user has turned off all sounds. A sound that is already playing continues.
 ///
-/// The channels begin with this object and follow the setting `volume`. For files see CSoundPlayer. CSettings'
-/// databases have to be initialised. Main thread.
+/// The channels are created with this object and follow the setting `volume`. For files see CSoundPlayer. CSettings'
+/// databases must be initialised. Main thread.
 class PLUGININTERFACE_EXPORT CSoundManager : public QObject
 {
     Q_OBJECT
@@ -20,26 +19,26 @@ public:
     CSoundManager();
     ~CSoundManager() override;
 
-    /// Creates the object on first use; the library owns it.
+    /// Returns the object, creating it on first use; the library owns it.
     static CSoundManager *GetInstance();
-    /// Whether it exists; creates nothing.
+    /// Returns whether the object exists; doesn't create it.
     static bool IsExisting();
-    /// The object ends at the next turn of the event loop; the channels stay.
+    /// Destroys the object at the next turn of the event loop; the channels are kept.
     static void DestroyInstance();
 
-    /// Always cuts off the effect before; \a queued makes no difference.
+    /// Plays an effect and cuts off the one before; \a queued makes no difference.
     void PlayEffect(QString file, bool queued);
-    /// Behind what the channel plays if \a queued, else in its place.
+    /// Plays the file after those already playing or queued if \a queued, otherwise in their place.
     /// @{
     void PlaySpeech(QString file, bool queued);
     void PlayWarning(QString file, bool queued);
     void PlayWinning(QString file, bool queued);
     /// @}
-    /// Lets the user hear a volume, up to 100, whatever the switches say. The channel keeps it until the next change
-    /// of the user's volume.
+    /// Plays a sample to let the user hear \a volume, at most 100, regardless of the switches. The channel keeps this
+    /// volume until the user's volume changes.
     void PlaySample(unsigned char volume, const QString &file);
 
-    /// Gives all channels the user's volume.
+    /// Sets the volume of all channels to the user's volume.
     void LoadSettings();
 
 private Q_SLOTS:

@@ -30,7 +30,7 @@ CSoundPlayer *CSoundPlayer::GetInstance(QString name)
 {
     QSharedPointer<CSoundPlayer> player = m_Instances.value(name);
     if (!player) {
-        // A copy of the letters, as a plugin's literal goes with its file.
+        // A deep copy, because a literal disappears when its plugin is unloaded.
         const QString key(name.constData(), name.size());
         player = Singleton::MakeShared(new CSoundPlayer(key));
         m_Instances.insert(key, player);
@@ -84,7 +84,7 @@ void CSoundPlayer::PlaySoundInstant(const QString &file)
 
 void CSoundPlayer::PlaySoundQueued(const QString &file)
 {
-    // What is left of a queue that has come to its end would be played again.
+    // Otherwise the sounds of a queue that has ended would be played again.
     if (m_pPlayer->state() != QMediaPlayer::PlayingState)
         StopPlaying();
     if (file.isEmpty() || file.startsWith(QLatin1Char(':')) || !QFileInfo::exists(file))

@@ -10,45 +10,44 @@
 class QMediaPlayer;
 class QMediaPlaylist;
 
-/// A channel on which one sound is heard at a time, with those that wait behind it. Channels sound independently of
-/// each other.
+/// A channel that plays one sound at a time and queues the others. Channels play independently of each other.
 ///
-/// Files lie on disk, not in a resource. One that isn't there is passed over without a word; of one that can't be
-/// played the system's own log tells, and what waits behind it may be lost with it. Volumes are 0 to 100; a channel
-/// begins with the user's. CSettings' databases have to be initialised. Main thread.
+/// Files are on disk, not in a resource. A missing file is skipped silently. A file that can't be played is only
+/// reported in the system's own log, and the sounds queued after it may be lost. Volumes are 0 to 100; a channel
+/// starts with the user's volume. CSettings' databases must be initialised. Main thread.
 class PLUGININTERFACE_EXPORT CSoundPlayer : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Makes a channel that isn't in the table; GetInstance() makes those that are.
+    /// Constructs a channel that isn't in the table; GetInstance() creates those that are.
     explicit CSoundPlayer(const QString &name);
     ~CSoundPlayer() override;
 
-    /// The channel of that name, created if there is none; the table of channels owns it.
+    /// Returns the channel with that name; creates it if there is none. The table of channels owns it.
     static CSoundPlayer *GetInstance(QString name);
-    /// Whether the table has it; creates none.
+    /// Returns whether the channel is in the table, without creating one.
     /// @{
     static bool IsExisting(QString name);
     static bool IsExisting(CSoundPlayer *player);
     /// @}
-    /// A channel leaves the table at once and ends at the next turn of the event loop.
+    /// Removes channels from the table at once and destroys them at the next turn of the event loop.
     /// @{
     static void DestroyInstance(QString name);
     static void DestroyInstance(CSoundPlayer *player);
     static void DestroyInstances();
     /// @}
 
-    /// Of the channels in the table.
+    /// Sets the volume of all channels in the table.
     static void SetVolumeForAllChannels(unsigned char volume);
-    /// What is above 100 is 100.
+    /// Sets the volume of the channel; values above 100 count as 100.
     void SetVolume(unsigned char volume);
 
-    /// Cuts off what the channel plays, and all that waits.
+    /// Plays the file at once; cuts off the current sound and clears the queue.
     void PlaySoundInstant(const QString &file);
-    /// Plays it behind what waits, at once if nothing is playing.
+    /// Plays the file after the queued sounds, or at once if nothing is playing.
     void PlaySoundQueued(const QString &file);
-    /// Cuts off what the channel plays, and forgets all that waits.
+    /// Cuts off the current sound and clears the queue.
     void StopPlaying();
 
 private:
