@@ -2,7 +2,7 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import GlobalDefines 1.0
 
-// Who is logged in, the user's money, how much is going on, and the jackpot.
+// Shows the logged-in user, the user's money, the numbers of players and tables, and the jackpot.
 Pane {
     id: root
 

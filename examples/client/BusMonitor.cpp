@@ -14,7 +14,7 @@ namespace {
 
 constexpr int MAX_EVENTS = 5000;
 constexpr int MAX_BYTES = 4 << 20;
-constexpr int MAX_HEX_BYTES = 1 << 16; // what the view shows without a delay
+constexpr int MAX_HEX_BYTES = 1 << 16; // that the view shows without a delay
 constexpr int LINE_BYTES = 16;
 
 constexpr auto isPrinting = [](char byte) { return byte >= ' ' && byte <= '~'; };
@@ -33,7 +33,7 @@ QString DirectionText(const QVariant &plugin)
     return Texts::Get(plugin.isNull() ? "BUS_TO_PLUGINS" : "BUS_FROM", {{"#plugin#", plugin}});
 }
 
-// A line for 16 bytes each: offset, bytes, and what of them is ASCII.
+// Returns a line for each 16 bytes: offset, bytes, and the printable ASCII characters.
 QString HexText(const QByteArray &data)
 {
     QString text;
@@ -83,7 +83,7 @@ CBusMonitor::CBusMonitor(CHost &host)
                 for (int row = first; row <= last; ++row)
                     m_iBytes -= GetValues(row).at(0).toByteArray().size();
             });
-    // The number stays in view behind the pause, to tell of the gap.
+    // The number stays visible after the pause, to show the gap.
     connect(m_pPause, &QCheckBox::toggled, this, [this](bool paused) { ShowPassed(paused ? 0 : m_iPassed); });
     connect(&host, &CHost::signal_EventPassed, this, &CBusMonitor::Record);
     Texts::Follow(this, [this] {
@@ -93,12 +93,12 @@ CBusMonitor::CBusMonitor(CHost &host)
     });
 }
 
-// In the road of the event: the plugins wait for it.
+// The plugins wait for the event meanwhile, so do little here.
 void CBusMonitor::Record(const CEvent &event, const CPluginInterface *sender)
 {
     if (m_pPause->isChecked())
         return ShowPassed(m_iPassed + 1);
-    // A copy of its own: the bytes may be the plugin's for the time of the call alone.
+    // A deep copy: the bytes may belong to the plugin and be valid only during the call.
     const QByteArray payload(event.data.constData(), qMin(event.data.size(), MAX_BYTES));
     const QVariant plugin = sender ? sender->GetName() : QVariant();
     const QString tags[] = {TagText(event.tag1), TagText(event.tag2)};
@@ -108,7 +108,7 @@ void CBusMonitor::Record(const CEvent &event, const CPluginInterface *sender)
            tags[0] + u'\n' + tags[1], {payload, plugin});
     m_iBytes += payload.size();
     while (GetRowCount() > MAX_EVENTS || m_iBytes > MAX_BYTES)
-        RemoveOldest(1 + GetRowCount() / 50); // several, as each time costs the same
+        RemoveOldest(1 + GetRowCount() / 50); // several at once, as each removal costs the same
 }
 
 void CBusMonitor::ShowPassed(int count)

@@ -3,6 +3,6 @@
 class CHost;
 class QWidget;
 
-/// The latest events that have crossed the bus since it was made, at most 5000 with 4 MiB of payload, and the bytes
-/// of the one that has the cursor. Of a payload that is larger by itself the front is kept. \a host outlives it.
+/// Creates a view of the latest events on the bus since its creation, at most 5000 with 4 MiB of payload, and of the
+/// bytes of the current event. Only the beginning of a larger payload is kept. \a host outlives the view.
 QWidget *CreateBusMonitor(CHost &host);

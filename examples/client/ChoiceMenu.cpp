@@ -9,7 +9,7 @@
 
 namespace {
 
-// Has \a choose called with the number of the entry that the user chooses.
+// Calls \a choose with the number of the entry that the user chooses.
 template <typename Choose>
 QMenu *CreateMenu(QWidget *parent, const char *name, const char *key, const QStringList &entries,
                   const Choose &choose)
@@ -49,7 +49,7 @@ QMenu *CreateTimezoneMenu(QWidget *parent)
     auto *menu = CreateMenu(parent, "timezones", "MENU_TIMEZONE", clock->GetTimezoneList(),
                             [](int index) { CSettings::GetInstance()->SetTimezoneIndex30(index); });
     const auto show = [=] {
-        menu->actions().constLast()->setText(clock->GetTimezoneList().constLast()); // the only one that is a word
+        menu->actions().constLast()->setText(clock->GetTimezoneList().constLast()); // the only text among them
         menu->actions().at(clock->GetTimezoneIndex())->setChecked(true);
     };
     Texts::Follow(menu, show, CSettings::GetInstance(), &CSettings::signal_TimezoneIndex30Changed);

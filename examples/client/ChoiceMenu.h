@@ -3,6 +3,7 @@
 class QMenu;
 class QWidget;
 
-/// Menus of which one entry holds: the language of the user, and the time zone. What is chosen goes to the settings.
+/// Creates a menu with one checked entry, the user's language or time zone. The user's choice is stored in the
+/// settings.
 QMenu *CreateLanguageMenu(QWidget *parent);
 QMenu *CreateTimezoneMenu(QWidget *parent);

@@ -50,8 +50,8 @@ void OpenPage(const QUrl &page)
         Note(QStringLiteral("The desktop has no program for %1").arg(page.toString()), CConsole::MC_General);
 }
 
-// Each with its file, and what it is missed by: the key of a text, and plain English where there are no texts. The
-// configuration is first, so that the settings find it.
+// Returns each database with its file and the message for the case that it can't be opened: the key of a text, and
+// plain English in case there are no texts. The configuration is first, because the settings need it.
 const QVector<std::tuple<CLocalDB *, QString, const char *, const char *>> GetDatabases()
 {
     const char *noConfig = "#file# is missing: the client works with its defaults.";
@@ -70,7 +70,7 @@ QString GetText(const char *key, const char *english)
     return CTranslationDB::GetInstance()->IsOpen() ? Texts::Get(key) : QString::fromLatin1(english);
 }
 
-// Whether Qt has plugins of a kind, told without loading them.
+// Returns whether Qt has plugins of a kind, without loading them.
 bool HasQtPlugins(const QString &kind)
 {
     const QStringList folders = QCoreApplication::libraryPaths();
@@ -79,7 +79,7 @@ bool HasQtPlugins(const QString &kind)
     });
 }
 
-// What Qt itself may lack comes first: no linker misses its plugins.
+// Plugins of Qt come first: the linker doesn't notice when they are missing.
 QStringList FindProblems()
 {
     const char *silent = "Qt's multimedia plugins aren't installed: nothing is heard.";
@@ -109,7 +109,7 @@ void DestroyInstances()
 } // namespace
 
 //! [shared]
-// The console is first, so that it hears of all that follows.
+// The console is created first, so that it receives all messages that follow.
 CClient::CShared::CShared()
 {
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, &PrintMessage);
@@ -123,13 +123,13 @@ CClient::CShared::CShared()
     CCasinoTime::GetInstance();
     CCasinoInfo::GetInstance()->InitCasinoInfo();
     Globals::SetApplicationProxy();
-    // Transfers go direct, so whoever asks for the proxy's password there is no proxy.
+    // Transfers connect directly, so any server that asks for the proxy's password isn't the proxy.
     CNetworkAccessManager *manager = CNetworkAccessManager::GetInstance();
     QObject::disconnect(manager, &QNetworkAccessManager::proxyAuthenticationRequired, manager, nullptr);
 }
 
-// When there is neither window nor plugin any more, and none before those that use it. The settings would take what
-// isn't written yet with them.
+// Called when window and plugins are destroyed. Each object is destroyed before those that it uses. The settings
+// would lose what isn't written yet.
 CClient::CShared::~CShared()
 {
     CSettings::GetInstance()->slot_SaveSettings(true);

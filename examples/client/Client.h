@@ -3,15 +3,16 @@
 #include "Host.h"
 #include "MainWindow.h"
 
-/// The running client: the user's folder, the databases, all that the library shares, the host and its window, in the
-/// order in which they need each other. The process runs in the client's folder of an installation.
+/// The running client: creates the user's folder, the databases, all shared objects of the library, the host and its
+/// window, in the order in which they need each other. The current directory is the client's folder of an
+/// installation.
 ///
-/// Whatever of the installation is missing is told in the console and in the window; the client works with the
-/// library's defaults instead.
+/// It reports missing parts of the installation in the console and in the window, and uses the library's defaults
+/// instead.
 class CClient
 {
 public:
-    /// Shows the window, starts the plugins, and opens the link to the game server.
+    /// Shows the window, starts the plugins, and connects to the game server.
     CClient(const QString &server, quint16 port);
     ~CClient();
 
@@ -19,7 +20,7 @@ public:
     CMainWindow &GetWindow() { return m_window; }
 
 private:
-    // All that the library shares.
+    // Creates and destroys the shared objects of the library.
     class CShared
     {
     public:
@@ -29,5 +30,5 @@ private:
 
     CShared m_shared;
     CHost m_host;
-    CMainWindow m_window; // before the plugins, which may ask for something at once
+    CMainWindow m_window; // before the plugins, which may request something at once
 };

@@ -10,7 +10,7 @@
 
 namespace {
 
-// The first entry stands for all, the others for the numbers from 0 on.
+// Creates a box whose first entry stands for all, and whose other entries stand for the numbers from 0 on.
 QComboBox *CreateChoice(const char *name, const QVector<const char *> &keys)
 {
     auto *box = CreateField<QComboBox>(nullptr, name);
@@ -20,7 +20,7 @@ QComboBox *CreateChoice(const char *name, const QVector<const char *> &keys)
     return box;
 }
 
-// What has no name is named by its number, and can be chosen from then on.
+// A number without a name is shown as such, and can be chosen from then on.
 QString NameOf(QComboBox *box, int value)
 {
     if (box->findData(value) < 0)
@@ -50,7 +50,7 @@ QWidget *CreateMessages()
             message.dtTimestamp,
             {NameOf(category, message.eCategory), NameOf(level, message.eLevel), message.strMessage, detail},
             message.strMessage + u'\n' + detail, {int(message.eCategory), int(message.eLevel)});
-        // What the console has forgotten goes here too.
+        // Rows that the console has dropped are removed here too.
         table->RemoveOldest(table->GetRowCount() - CConsole::GetMessages().size());
     };
     QObject::connect(table, &CLogTable::signal_Cleared, &CConsole::Clear);

@@ -4,10 +4,10 @@
 
 class CHost;
 
-/// A page with the messages of the console, and one with the events of the bus.
+/// A window with a page for the messages of the console, and one for the events of the bus.
 class CConsoleWindow : public QTabWidget
 {
 public:
-    /// \a host outlives the window.
+    /// Constructs the window for a \a host that outlives it.
     CConsoleWindow(CHost &host, QWidget *parent);
 };

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int MAX_NOTED_LENGTH = 200; // of what a plugin has sent
+constexpr int MAX_NOTED_LENGTH = 200; // of a plugin's payload in the console
 
 bool IsHostGroup(const CEvent &event)
 {
@@ -28,7 +28,7 @@ QByteArray LittleEndianBytes(Number value)
     return bytes;
 }
 
-// A Latin-1 text behind its 16-bit length; null if it isn't all there.
+// Returns a Latin-1 text that follows its 16-bit length; null if it isn't complete.
 QString ReadCountedText(QDataStream &stream)
 {
     quint16 length = 0;
@@ -59,7 +59,8 @@ CHost::CHost(const QString &server, quint16 port)
 void CHost::StartPlugins(const QString &directory)
 {
     m_plugins.Load(directory);
-    // A plugin that refuses is dropped on the way, with those that depend on it, so the steps walk over copies.
+    // A plugin whose Initialize() fails is dropped at once with those that depend on it, so the loops iterate over
+    // copies.
     const auto loaded = m_plugins.GetPlugins();
     for (CPluginInterface *plugin : loaded)
         ConnectPlugin(plugin);
@@ -90,7 +91,7 @@ bool CHost::CanClose() const
 
 void CHost::Shutdown()
 {
-    // Not least so that what the user has just noted is stored.
+    // This also stores the latest notes.
     if (CUserInfo::GetInstance()->IsLoggedIn())
         m_session.LogOut();
     m_link.Close();
@@ -125,10 +126,10 @@ void CHost::OnSendEvent(CEvent e)
 
 void CHost::OnConnectionStateChanged(EConnectionState::type state)
 {
-    // First, so that the server knows the user when a plugin asks for something.
+    // The session comes first, so that the server knows the user when a plugin sends a request.
     m_session.SetConnectionState(state);
     DeliverToPlugins(QStringLiteral("SCOC"), LittleEndianBytes<qint32>(state));
-    // With the number of links so far, so that a plugin can tell the first from a later one.
+    // The number of connections so far lets a plugin tell the first from a later one.
     if (state == EConnectionState::Connected)
         DeliverToPlugins(QStringLiteral("SCOE"), LittleEndianBytes<quint16>(++m_usLinkCount));
     Q_EMIT signal_ConnectionStateChanged(state);
@@ -138,7 +139,7 @@ void CHost::OnPacketReceived(CPacketLayerWrapper packet)
 {
     while (packet.GetNext()) {
         CEvent event = CEvent::Create(packet.GetGroup(), packet.GetPayloadTag());
-        // A server must not speak in the host's or a plugin's name.
+        // A server must not act as the host or a plugin.
         if (IsHostGroup(event) || event.HasTag1("DESI")) {
             Note(QStringLiteral("The game server sent a packet of the client's own group %1").arg(packet.GetGroup()),
                  CConsole::MC_Network);
@@ -183,7 +184,7 @@ void CHost::OpenLoginDialog()
 
 void CHost::SendToServer(const QByteArray &packet)
 {
-    // Who logs in is the user's choice and not a plugin's.
+    // The user decides who logs in, not a plugin.
     if (packet.startsWith(AccountProtocol::GROUP) || !m_link.Send(packet))
         Note(QStringLiteral("A packet of %1 bytes for the game server isn't sent").arg(packet.size()),
              CConsole::MC_Network);
@@ -211,14 +212,14 @@ void CHost::OpenAddress(const QString &address)
 {
     const QUrl url(address, QUrl::StrictMode);
     const bool isWeb = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
-    // A plugin may have its address from a server; nothing but a web page is opened.
+    // A plugin may have received its address from a server, so only web pages are opened.
     if (isWeb && url.isValid() && !url.host().isEmpty())
         Q_EMIT signal_PageRequested(url);
     else
         Note(QStringLiteral("No web page: %1").arg(address.left(MAX_NOTED_LENGTH)), CConsole::MC_General);
 }
 
-// The plugins of this client pass a page's address first and its query second; the second one leads in the payload.
+// The plugins of this client pass a page's address first and its query second; in the payload the second comes first.
 void CHost::OpenAddressWithQuery(const QByteArray &data)
 {
     QDataStream stream(data);

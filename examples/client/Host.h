@@ -9,9 +9,9 @@
 #include <QObject>
 #include <QUrl>
 
-/// The host's side of the bus: loads the plugins, keeps the link to the game server, the user's session on it and the
-/// user's data in step with the web server, and serves what plugins ask for. There is no link to a web server for
-/// plugins: packets for it, and all else that can't be served, are noted in the console.
+/// The host's side of the bus: loads the plugins, keeps the connection to the game server and the user's session,
+/// synchronises the user's data with the web server, and serves the plugins' requests. Plugins have no connection to
+/// a web server: packets for it, and all other events that can't be served, are written to the console.
 class CHost : public QObject
 {
     Q_OBJECT
@@ -19,16 +19,16 @@ class CHost : public QObject
 public:
     CHost(const QString &server, quint16 port);
 
-    /// Loads the plugins of \a directory and starts them, each behind those it depends on.
+    /// Loads the plugins of \a directory and starts them, each after those it depends on.
     void StartPlugins(const QString &directory);
-    /// Puts a plugin on the bus and lets it register; StartPlugins() does so with those that it loads.
+    /// Connects a plugin to the bus and lets it register for events; StartPlugins() does so with those that it loads.
     void ConnectPlugin(CPluginInterface *plugin);
-    /// Opens the link to the game server; it comes back by itself from then on.
+    /// Connects to the game server; a lost connection is established again by itself.
     void OpenLink();
 
-    /// Whether every plugin agrees that the client ends.
+    /// Returns whether every plugin allows the client to end.
     bool CanClose() const;
-    /// Closes the link and shuts the plugins down, the last started first.
+    /// Closes the connection and shuts the plugins down in the opposite order of the start.
     void Shutdown();
 
     const CPluginManager &GetPluginManager() const { return m_plugins; }
@@ -38,13 +38,13 @@ public:
 
 Q_SIGNALS:
     void signal_ConnectionStateChanged(EConnectionState::type state);
-    /// A plugin wants the user to log in, and nobody is.
+    /// Emitted when a plugin asks for the login dialog while nobody is logged in.
     void signal_LoginRequested();
-    /// A plugin wants the client to end.
+    /// Emitted when a plugin asks to end the client.
     void signal_ShutDownRequested();
-    /// A plugin wants a page to be shown; always http or https, with a host.
+    /// Emitted when a plugin asks to show a page, whose address is always http or https with a host.
     void signal_PageRequested(const QUrl &url);
-    /// An event crosses the bus: \a sender has sent it, or, without one, it is about to be delivered to plugins.
+    /// Emitted for each event on the bus: \a sender has sent it or, if null, it is about to be delivered to plugins.
     void signal_EventPassed(const CEvent &event, const CPluginInterface *sender);
 
 private:
@@ -54,7 +54,7 @@ private:
     void Deliver(const CEvent &event);
     void DeliverToPlugins(const QString &tag2, const QByteArray &data);
 
-    // What plugins ask for under "P2ME".
+    // These serve the plugins' requests under "P2ME".
     void OpenLoginDialog();
     void SendToServer(const QByteArray &packet);
     void RequestBalances();

@@ -54,7 +54,7 @@ CLogTable::CLogTable(const QVector<const char *> &titleKeys, const QVector<int> 
         Texts::Follow(
             this, [this, titleKeys, i] { m_pRows->setHeaderData(i, Qt::Horizontal, Texts::Get(titleKeys.at(i))); });
     }
-    // The range grows when the view gets to its layout, once for many rows.
+    // The range grows when the view is laid out, once for many rows.
     QScrollBar *bar = m_pView->verticalScrollBar();
     connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) { m_bAtEnd = value == bar->maximum(); });
     connect(bar, &QScrollBar::rangeChanged, this,

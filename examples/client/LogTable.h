@@ -6,20 +6,21 @@
 
 #include <functional>
 
-/// Rows that come one after the other, the newest last, below fields that filter, copy and clear them. Who looks at
-/// the end keeps seeing it.
+/// A table of rows in the order of time, the newest last, below fields that filter, copy and clear them. While it is
+/// scrolled to the end, it follows new rows.
 class CLogTable : public QWidget
 {
     Q_OBJECT
 
 public:
-    using TFields = QVector<QPair<const char *, QWidget *>>; ///< Behind a label, if there is a key for one.
+    using TFields = QVector<QPair<const char *, QWidget *>>; ///< Each with the key of its label, or null.
     using TChoice = std::function<bool(const QVariantList &values)>;
 
-    /// Widths are characters; the first column is the time. What \a isChosen refuses isn't shown.
+    /// Constructs the table. \a widths are in characters; the first column is the time. Rows for which \a isChosen
+    /// returns false are hidden.
     CLogTable(const QVector<const char *> &titleKeys, const QVector<int> &widths, const char *searchKey,
               const TFields &fields, const TChoice &isChosen = {});
-    /// The search looks into \a searched; \a values are the owner's.
+    /// Adds a row. The search field searches \a searched; \a values are returned by GetValues().
     void AddRow(const QDateTime &time, const QStringList &texts, const QString &searched, const QVariantList &values);
     void RemoveOldest(int count) { m_pRows->removeRows(0, count); }
     int GetRowCount() const { return m_pRows->rowCount(); }

@@ -6,14 +6,14 @@ class CHost;
 class QLabel;
 class QLineEdit;
 
-/// Asks for nickname and password and logs in. It stays open, and takes no input, until the server has answered, and
-/// shows why it was refused. A dialog that is given up cancels the login.
+/// Asks for nickname and password and logs in. The dialog stays open, with its fields disabled, until the server has
+/// answered, and shows the reason of a refusal. Closing it cancels the login.
 class CLoginDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// \a host outlives the dialog.
+    /// Constructs the dialog for a \a host that outlives it.
     explicit CLoginDialog(CHost &host, QWidget *parent = nullptr);
 
     void accept() override;

@@ -15,7 +15,7 @@ namespace {
 const QString LIGHT_SHEET = QStringLiteral("client/client.css");
 const QString DARK_SHEET = QStringLiteral("client/client-dark.css");
 
-constexpr QRgb BRAND_GREEN = 0xff2f7a52; // of what is chosen
+constexpr QRgb BRAND_GREEN = 0xff2f7a52; // of the selection
 constexpr QRgb DARK_BUTTON = 0xff363c40;
 constexpr QRgb DARK_WINDOW = 0xff24282b;
 constexpr QRgb DARK_BASE = 0xff1b1e20;
@@ -25,7 +25,7 @@ constexpr QRgb DARK_LINK = 0xff7cc49d;
 
 QPalette MakeDarkPalette()
 {
-    QPalette palette{QColor(DARK_BUTTON), QColor(DARK_WINDOW)}; // shades and the like follow from these
+    QPalette palette{QColor(DARK_BUTTON), QColor(DARK_WINDOW)}; // the other shades are derived from these
     palette.setColor(QPalette::Base, QColor(DARK_BASE));
     palette.setColor(QPalette::AlternateBase, QColor(DARK_WINDOW));
     palette.setColor(QPalette::ToolTipBase, QColor(DARK_BUTTON));

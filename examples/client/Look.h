@@ -4,11 +4,11 @@ class QObject;
 
 namespace Look {
 
-/// Values of the setting `themegeneral`; others count as light.
+/// The values of the setting `themegeneral`; any other counts as light.
 enum EColours { CO_LIGHT, CO_DARK };
 
-/// Gives the application the look that the setting says, with the brand's style sheet of that kind on top, now and
-/// whenever the setting changes, as long as \a owner lives.
+/// Applies the look of the setting to the application, with the brand's style sheet for it, now and whenever the
+/// setting changes while \a owner exists.
 void Follow(QObject *owner);
 
 } // namespace Look

@@ -28,11 +28,11 @@
 namespace {
 
 constexpr int MESSAGE_MS = 5000;
-// Without a move for so long the window is where the user wants it.
+// When the window has not moved for this time, its position is stored.
 constexpr int GEOMETRY_REST_MS = 500;
 const QString GEOMETRY_KEY = QStringLiteral("client");
 
-// One of its kind, which deletes itself when it is closed.
+// Opens a dialog unless one of its type is open; the dialog deletes itself when it is closed.
 template <typename Dialog, typename... Arguments>
 void OpenDialog(QPointer<Dialog> &dialog, Qt::WindowModality modality, Arguments &&...arguments)
 {
@@ -77,7 +77,7 @@ CMainWindow::CMainWindow(CHost &host)
     connect(&host, &CHost::signal_LoginRequested, this, &CMainWindow::OpenLogin);
     connect(&host, &CHost::signal_ShutDownRequested, this, &CMainWindow::close, Qt::QueuedConnection);
     connect(&host.GetSession(), &CSession::signal_LoginRefused, this, [this](const QString &key) {
-        if (!m_pLoginDialog || !m_pLoginDialog->isVisible()) // which shows by itself what becomes of its login
+        if (!m_pLoginDialog || !m_pLoginDialog->isVisible()) // the dialog itself shows the result of its login
             ShowMessage(Texts::MakeItem(key.toLatin1()), MESSAGE_MS);
     });
     connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this, [this] {
@@ -87,7 +87,7 @@ CMainWindow::CMainWindow(CHost &host)
     });
 }
 
-// It goes with the window, whereas the menu stays.
+// The window owns the entry; the menu outlives the window.
 QAction *CMainWindow::AddEntry(const QString &menu, const char *key, const char *name, const QKeySequence &shortcut,
                                const std::function<void(QAction *)> &action)
 {
@@ -149,7 +149,7 @@ void CMainWindow::CreateRulesMenu()
 
 void CMainWindow::DownloadRules(QAction *entry)
 {
-    entry->setEnabled(false); // one at a time
+    entry->setEnabled(false); // one download at a time
     auto *download = new CDownload(this, CConfig::GetInstance()->GetLinkGamerulesGeneral(), QByteArray(), false);
     connect(download, &CDownload::signal_Finished, this,
             [this, download, entry](bool status, const QByteArray &rules) {
@@ -203,7 +203,7 @@ void CMainWindow::RememberGeometry()
     CSettings::GetInstance()->SetWinPosByKey(GEOMETRY_KEY, saveGeometry().toBase64(), this);
 }
 
-// It may come from within a plugin's call, so the dialog opens without waiting for its end.
+// A plugin may call this, so the function opens the dialog and returns without waiting for its end.
 void CMainWindow::OpenLogin()
 {
     OpenDialog(m_pLoginDialog, Qt::WindowModal, m_host, this);

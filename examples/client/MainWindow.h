@@ -18,19 +18,19 @@ class QLabel;
 class QTabWidget;
 
 /// The client's window: a tab for each plugin that has a view, above it the user's money, and below it the state of
-/// the link, the jackpot, the user and the clock; in QML money, jackpot and user make one line. It opens where it was
-/// closed. The menu bar is that of CMenuManager, so that there is one window at a time.
+/// the connection, the jackpot, the user and the clock; in QML one line shows money, jackpot and user. It opens where
+/// it was closed last. It contains the menu bar of CMenuManager, so there can be only one window at a time.
 class CMainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    /// \a host outlives the window.
+    /// Constructs the window for a \a host that outlives it.
     explicit CMainWindow(CHost &host);
 
-    /// Makes the views of the plugins that have started.
+    /// Creates the views of the plugins that have started.
     void CreateViews();
-    /// Shows above all else what the installation lacks, a line each; nothing if that is empty.
+    /// Shows \a problems of the installation at the top, a line each; hides that label if the text is empty.
     void ShowProblems(const QStringList &problems);
 
 protected:
@@ -51,7 +51,7 @@ private:
     CHost &m_host;
     QTabWidget *m_pViews; // this and the next one are children
     QLabel *m_pProblems;
-    CTranslationItem m_message;            // that the status bar shows, or has shown
+    CTranslationItem m_message;            // the status bar's current or last message
     QPointer<CLoginDialog> m_pLoginDialog; // this and the next ones delete themselves
     QPointer<COptionsDialog> m_pOptionsDialog;
     QPointer<CConsoleWindow> m_pConsole;

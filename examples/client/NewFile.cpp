@@ -11,7 +11,7 @@ constexpr int MAX_NAME_LENGTH = 80; // in UTF-16 code units: 240 bytes at most, 
 constexpr int MAX_ENDING_LENGTH = 16;
 const QString NAMELESS = QStringLiteral("download");
 
-// Without what would hide the file, or lead elsewhere on some system.
+// Removes what would hide the file, or lead to another folder on some system.
 QString MakeVisible(const QString &name)
 {
     QString visible;
@@ -31,7 +31,7 @@ QString MakeNumbered(const QString &name, int number)
     const int dot = name.lastIndexOf(QLatin1Char('.'));
     const QString ending = dot > 0 && name.size() - dot <= MAX_ENDING_LENGTH ? name.mid(dot) : QString();
     const QString mark = number == 0 ? QString() : QStringLiteral(" (%1)").arg(number);
-    const int room = qMin(name.size(), MAX_NAME_LENGTH - mark.size()) - ending.size(); // for what is in front of both
+    const int room = qMin(name.size(), MAX_NAME_LENGTH - mark.size()) - ending.size(); // in front of both
     return name.left(room) + mark + ending;
 }
 

@@ -7,7 +7,7 @@
 class COptionsPage;
 class QListWidget;
 
-/// The pages that are registered with COptionsDialogManager. It closes when one of them goes.
+/// Shows the pages that are registered with COptionsDialogManager. The dialog closes when one of them is destroyed.
 class COptionsDialog : public QDialog
 {
     Q_OBJECT

@@ -2,6 +2,6 @@
 
 class QObject;
 
-/// Registers the host's pages of the options dialog: the general one, and that of the sounds, on which the user hears
-/// a volume when it is chosen. They belong to \a parent.
+/// Registers the host's pages of the options dialog, which belong to \a parent: the general page, and the sound page,
+/// which plays a sound when the user chooses a volume.
 void AddOptionsPages(QObject *parent);

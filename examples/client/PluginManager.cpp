@@ -17,7 +17,7 @@ void Complain(const QString &text)
     Note(text, CConsole::MC_Plugin, CConsole::ML_Error);
 }
 
-// A file that has several names, as liba.so is often a link to liba.so.1, is one library.
+// A file with several names, as liba.so is often a link to liba.so.1, is one library.
 const QFileInfoList FindLibraries(const QString &directory)
 {
     QFileInfoList libraries;
@@ -68,7 +68,7 @@ void CPluginManager::Drop(CPluginInterface *plugin, const QString &reason)
 {
     const QString name = plugin->GetName();
     Complain(QStringLiteral("Plugin \"%1\" is dropped: %2").arg(name, reason));
-    // The last one first: a plugin may rely on those it depends on until it is gone.
+    // In the opposite order: a plugin may use those it depends on until it is destroyed.
     for (int i = m_plugins.size() - 1; i >= 0; i = std::min(i, m_plugins.size()) - 1) {
         if (m_plugins.at(i)->GetDependencies().contains(name))
             Drop(m_plugins.at(i), QStringLiteral("it needs \"%1\"").arg(name));
@@ -100,7 +100,7 @@ QVector<CPluginInterface *> CPluginManager::SortByDependencies(const QVector<CPl
 CPluginInterface *CPluginManager::LoadFile(const QString &file)
 {
     auto loader = std::make_unique<QPluginLoader>(file);
-    // The metadata is read off the file without loading it.
+    // The metadata is read from the file without loading it.
     const QString interface = loader->metaData().value(QLatin1String("IID")).toString();
     CPluginInterface *plugin = nullptr;
     if (interface.isEmpty())
@@ -112,7 +112,7 @@ CPluginInterface *CPluginManager::LoadFile(const QString &file)
         Complain(QStringLiteral("%1 can't be loaded: %2").arg(file, loader->errorString()));
     else if (!m_loaders.contains(plugin))
         m_loaders.insert(plugin, loader.release());
-    else // by a hard link, of which only the file system knows; to unload it would delete the plugin
+    else // a hard link, which only the file system can tell; unloading it would delete the plugin
         plugin = nullptr;
     return plugin;
 }

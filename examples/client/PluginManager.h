@@ -9,32 +9,32 @@
 
 class QPluginLoader;
 
-/// Finds the plugins of an installation, loads those that fit, and brings them into the order they have to start in.
-/// What it refuses, it says in the console.
+/// Finds the plugins of an installation, loads those that fit, and sorts them into the order in which they have to
+/// start. It writes to the console what it refuses.
 class CPluginManager : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Unloads the plugins, the last one first.
+    /// Unloads the plugins in the opposite order of the start.
     ~CPluginManager() override;
 
-    /// Loads every shared object of \a directory that was built against this interface version; of others no code
-    /// runs. One that has several names there is loaded once, and of several plugins of one name, which may be
-    /// copies, the first one stays. Called once.
+    /// Loads every shared object of \a directory that was built for this version of the interface; no code of others
+    /// runs. A file with several names is loaded once, and of several plugins with one name, which may be copies, the
+    /// first is kept. Called once.
     void Load(const QString &directory);
-    /// Drops a plugin, and those that depend on it; each is announced before it goes.
+    /// Drops a plugin and those that depend on it; emits signal_PluginDropped() for each before.
     void Drop(CPluginInterface *plugin, const QString &reason);
 
-    /// In the order of their start: each behind those it depends on.
+    /// Returns the plugins in the order of their start, each after those it depends on.
     const QVector<CPluginInterface *> &GetPlugins() const { return m_plugins; }
 
-    /// Brings plugins into the order of their start. One that depends on a plugin that isn't there, directly or not,
-    /// or on itself in a circle, is left out. Otherwise the given order holds.
+    /// Sorts plugins into the order of their start. A plugin is left out if it depends, directly or not, on a missing
+    /// plugin, or on itself in a circle. Otherwise the given order is kept.
     static QVector<CPluginInterface *> SortByDependencies(const QVector<CPluginInterface *> &plugins);
 
 Q_SIGNALS:
-    /// The plugin is about to be unloaded.
+    /// Emitted before the plugin is unloaded.
     void signal_PluginDropped(CPluginInterface *plugin);
 
 private:

@@ -36,7 +36,7 @@ CServerLink::CServerLink(const QString &server, quint16 port)
 
 CServerLink::~CServerLink()
 {
-    // The socket would report its end when the timers are gone already.
+    // The socket would report its end when the timers are destroyed already.
     m_socket.disconnect(this);
 }
 
@@ -75,7 +75,8 @@ void CServerLink::OnSocketStateChanged(QAbstractSocket::SocketState state)
     if (state == QAbstractSocket::ConnectedState) {
         SetState(EConnectionState::Connected);
     } else if (state == QAbstractSocket::UnconnectedState) {
-        // The pause grows until a server has sent a packet: one that only takes links isn't asked in a tight loop.
+        // The pause grows until a server has sent a packet, so that a server that only accepts connections isn't
+        // called in a tight loop.
         m_packetTimer.stop();
         m_retryTimer.start(m_iRetryMs);
         m_iRetryMs = std::min(m_iRetryMs * 2, LAST_RETRY_MS);
@@ -89,12 +90,12 @@ void CServerLink::OnReadyRead()
     CPacketLayerWrapper packet;
     QElapsedTimer turn;
     turn.start();
-    // Whoever takes a packet may close the link.
+    // A slot that receives a packet may close the link.
     while (m_eState == EConnectionState::Connected && m_stream.TakePacket(packet)) {
         m_iRetryMs = FIRST_RETRY_MS;
         m_packetTimer.stop();
         Q_EMIT signal_PacketReceived(packet);
-        if (turn.hasExpired(TURN_MS)) { // the user has a turn too
+        if (turn.hasExpired(TURN_MS)) { // let the event loop handle the user's input
             QTimer::singleShot(0, this, &CServerLink::OnReadyRead);
             return;
         }
@@ -115,7 +116,7 @@ void CServerLink::Connect()
 {
     m_stream.Reset();
     m_socket.connectToHost(m_strServer, m_usPort);
-    // A proxy of a kind that carries no such links is refused without a change of the socket's state.
+    // If the proxy's type doesn't support such connections, the socket refuses without a change of its state.
     if (m_socket.state() == QAbstractSocket::UnconnectedState && !m_retryTimer.isActive()) {
         Q_EMIT signal_Problem(GetAddress() + QLatin1String(": ") + m_socket.errorString());
         OnSocketStateChanged(QAbstractSocket::UnconnectedState);

@@ -7,8 +7,9 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-/// The TCP link to the game server. It cuts the stream into packets and, once opened, comes back by itself whenever
-/// it is lost, with growing pauses. A server that sends what is no packet loses the link like one that is gone.
+/// The TCP connection to the game server. It splits the stream into packets and, once opened, reconnects after each
+/// loss, with growing pauses. It also closes the connection to a server that sends anything but packets, and
+/// reconnects.
 class CServerLink : public QObject
 {
     Q_OBJECT
@@ -17,24 +18,24 @@ public:
     CServerLink(const QString &server, quint16 port);
     ~CServerLink() override;
 
-    /// How long a packet may take from its first to its last byte, 10 s unless told otherwise.
+    /// Sets how long a packet may take from its first to its last byte, 10 s by default.
     void SetPacketLimit(int milliseconds) { m_packetTimer.setInterval(milliseconds); }
 
     void Open();
-    /// Gives up the link for good, until Open().
+    /// Closes the connection and doesn't reconnect until Open() is called.
     void Close();
 
     EConnectionState::type GetState() const { return m_eState; }
-    /// "host:port".
+    /// Returns the server as "host:port".
     QString GetAddress() const;
 
-    /// Sends one packet; false if the link doesn't stand or \a packet isn't as long as its size field says.
+    /// Sends one packet; returns false if there is no connection or \a packet isn't as long as its size field says.
     bool Send(const QByteArray &packet);
 
 Q_SIGNALS:
     void signal_StateChanged(EConnectionState::type state);
     void signal_PacketReceived(CPacketLayerWrapper packet);
-    /// For people to read: why the link was given up.
+    /// Emitted when the connection is closed for a reason that people should read.
     void signal_Problem(const QString &text);
 
 private:
@@ -47,7 +48,7 @@ private:
     QString m_strServer;
     quint16 m_usPort;
     QTcpSocket m_socket;
-    QTimer m_packetTimer; // runs while the front of a packet waits for its rest
+    QTimer m_packetTimer; // runs while part of a packet has arrived
     QTimer m_retryTimer;
     int m_iRetryMs; // the next pause before a new attempt
     CPacketStream m_stream;

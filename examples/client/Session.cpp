@@ -11,7 +11,7 @@ namespace {
 
 constexpr int ANSWER_LIMIT_MS = 10000;
 
-// Of texts by reasons; others have one in common.
+// Keys of texts by reason; all other reasons have one text.
 const QHash<int, const char *> REFUSAL_KEYS{{AccountProtocol::RF_BAD_NICKNAME, "LOGIN_BAD_NICKNAME"},
                                             {AccountProtocol::RF_NO_ACCOUNT, "LOGIN_NO_ACCOUNT"},
                                             {AccountProtocol::RF_WRONG_PASSWORD, "LOGIN_WRONG_PASSWORD"}};
@@ -24,7 +24,7 @@ void SetMoney(const AccountProtocol::SAccount &account)
     user->SetPlayMoney(account.mvPlay);
 }
 
-// The account's data is there when the login is signalled. At a logout, that of no account, it is gone by then.
+// The data of the account is set before the login is signalled. At a logout it is emptied before, too.
 void SetAccount(const AccountProtocol::SAccount &account, const QString &hash, quint32 loginTime)
 {
     CUserInfo *user = CUserInfo::GetInstance();
@@ -49,7 +49,7 @@ CSession::CSession(const TSend &send)
     m_answerTimer.setSingleShot(true);
     m_answerTimer.setInterval(ANSWER_LIMIT_MS);
     connect(&m_answerTimer, &QTimer::timeout, this, [this] {
-        // An acceptance that is under way would make the link the user's.
+        // An acceptance that is still on its way would log the user in on this link.
         Send(AccountProtocol::LOGOUT);
         Refuse("LOGIN_NO_ANSWER");
     });
@@ -88,7 +88,7 @@ void CSession::SetConnectionState(EConnectionState::type state)
         if (user->IsLoggedIn())
             Ask(user->GetNickname(), user->GetPasswordHashed());
     } else if (user->IsLoggedIn()) {
-        m_answerTimer.stop(); // the next link asks anew
+        m_answerTimer.stop(); // the login is sent again on the next link
     } else if (m_answerTimer.isActive()) {
         Refuse("LOGIN_LOST_LINK");
     }
@@ -141,7 +141,7 @@ void CSession::OnRefused(const AccountProtocol::SRefusal &refusal)
         Refuse(REFUSAL_KEYS.value(refusal.eReason, "LOGIN_REFUSED"));
 }
 
-// Whoever has asked may have logged out since.
+// The user who has asked may have logged out since.
 void CSession::OnBalances(const AccountProtocol::SAccount &account)
 {
     if (CUserInfo::GetInstance()->IsLoggedIn() && CUserInfo::GetInstance()->GetNickname() == account.strNickname)
@@ -158,7 +158,7 @@ void CSession::Ask(const QString &nickname, const QString &hash)
         m_answerTimer.start();
 }
 
-// Whoever is logged in was so on the last link, and isn't any more.
+// A user who was logged in on the former connection is logged out.
 void CSession::Refuse(const char *key)
 {
     m_answerTimer.stop();
@@ -168,7 +168,7 @@ void CSession::Refuse(const char *key)
     Q_EMIT signal_LoginRefused(QString::fromLatin1(key));
 }
 
-// The server may spell a nickname in another case.
+// Returns whether an answer is for the pending login. The server may spell the nickname in another case.
 bool CSession::TakeAnswerTo(const QString &nickname)
 {
     if (m_answerTimer.isActive() && nickname.compare(m_asked.strNickname, Qt::CaseInsensitive) == 0) {

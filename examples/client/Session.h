@@ -9,47 +9,47 @@
 
 #include <functional>
 
-/// The user's session with the game server: logs in and out, and keeps CUserInfo, CCasinoTime and the jackpot of
-/// CCasinoInfo as the server says.
+/// The user's session with the game server: logs in and out, and updates CUserInfo, CCasinoTime and the jackpot of
+/// CCasinoInfo with the server's data.
 ///
-/// Who is logged in stays so while the link is away, and is logged in anew, with the hash that CUserInfo holds, when
-/// it comes back. Answers to logins that nobody waits for, and balances of somebody else, change nothing and are
-/// noted in the console.
+/// The user stays logged in while the connection is lost, and is logged in again, with the hash that CUserInfo holds,
+/// when it is established. Unexpected answers to logins, and balances of another user, change nothing and are written
+/// to the console.
 class CSession : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Sends one packet, false if it can't be sent.
+    /// Sends one packet; returns false if it can't be sent.
     using TSend = std::function<bool(const QByteArray &)>;
 
     explicit CSession(const TSend &send);
 
-    /// How long the server may take to answer a login, 10 s unless told otherwise.
+    /// Sets how long the server may take to answer a login, 10 s by default.
     void SetAnswerLimit(int milliseconds) { m_answerTimer.setInterval(milliseconds); }
 
-    /// Ends in one of the two signals below, at once if there is no link. \a hash is that of the password. Does
-    /// nothing while another login waits for its answer.
+    /// Requests a login; one of the two signals below is emitted when it ends, at once if there is no connection. \a
+    /// hash is the hash of the password. Does nothing while another login waits for its answer.
     void LogIn(const QString &nickname, const QString &hash);
     void LogOut();
 
-    /// Asks for the user's balances anew; CUserInfo has them when the server has answered. False if nobody is logged
-    /// in or there is no link.
+    /// Requests the user's balances, which CUserInfo holds once the server has answered. Returns false if nobody is
+    /// logged in or there is no connection.
     bool RequestBalances() const;
 
-    /// Sends a record of the session's group, false if it can't be sent.
+    /// Sends a record of the session's group; returns false if it can't be sent.
     bool Send(const QByteArray &record) const;
 
-    // For the host, who gives all that there is of both.
+    // For the host, which passes all states and records.
     void SetConnectionState(EConnectionState::type state);
-    /// False if the record isn't the session's.
+    /// Handles a record; returns false if it isn't one of the session.
     bool HandleRecord(const CEvent &record);
 
 Q_SIGNALS:
-    /// CUserInfo knows the user by now.
+    /// Emitted after the login, when CUserInfo holds the user.
     void signal_LoggedIn();
-    /// Whoever was logged in before isn't any more. Nothing is cancelled: the user may try again.
-    /// \a key is that of the text to show, in the area of Texts.
+    /// Emitted when a login is refused; a user who was logged in before isn't any more. The login isn't cancelled:
+    /// the user may try again. \a key is the key of the text to show, in the area of Texts.
     void signal_LoginRefused(const QString &key);
 
 private:
@@ -62,5 +62,5 @@ private:
 
     TSend m_send;
     AccountProtocol::SLogin m_asked;
-    QTimer m_answerTimer; // runs as long as that waits for its answer
+    QTimer m_answerTimer; // runs while m_asked waits for its answer
 };

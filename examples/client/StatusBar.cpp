@@ -17,11 +17,11 @@
 
 namespace {
 
-// By EConnectionState.
+// Keys of texts by EConnectionState.
 constexpr const char *STATE_KEYS[] = {"CONNECTION_NONE", "CONNECTION_CONNECTING", "CONNECTION_CONNECTED",
                                       "CONNECTION_RECONNECTING"};
 
-// The bad beat jackpot, hidden until the game server has told of it.
+// Creates the view of the bad beat jackpot, hidden until the game server has sent it.
 QWidget *CreateJackpot(QWidget *parent)
 {
     CCasinoInfo *info = CCasinoInfo::GetInstance();
@@ -38,7 +38,7 @@ QWidget *CreateJackpot(QWidget *parent)
     layout->addWidget(digits);
     view->setVisible(info->GetBadBeatJackpotValue() > 0);
     QObject::connect(info, &CCasinoInfo::signal_BadBeatJackpotChanged, view, &QWidget::show);
-    // The spinner's sign is that of the language in which it was set.
+    // The spinner keeps the sign of the language in which it was set.
     QObject::connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, view, [info] {
         info->GetBadBeatJackpotSpinner()->slot_SetMoneyType(info->GetBadBeatJackpotMoneyType());
     });
@@ -55,7 +55,7 @@ QString MoneyText()
                     {"#play#", Globals::MoneyToString(GlobalDefines::MONEYTYPE_PLAY, user->GetPlayMoney(), true)}});
 }
 
-// Before the first time of the server the clock only counts.
+// Until the server has sent its time, the clock has no time of day.
 QString ClockText()
 {
     const CCasinoTime *clock = CCasinoTime::GetInstance();
@@ -63,7 +63,7 @@ QString ClockText()
     return known ? clock->GetTimeString() + QLatin1Char(' ') + clock->GetTimezoneString() : QString();
 }
 
-// The user's money, and in QML what \a account shows as well, which isn't shown then.
+// Creates the line with the user's money; in QML it also shows the content of \a account, which is hidden then.
 QWidget *CreateAccountLine(QWidget *parent, QWidget *account)
 {
     auto *money = CreateField<QLabel>(parent, "cashier");
@@ -92,7 +92,7 @@ QWidget *CreateStatus(QMainWindow *window, CHost &host)
 
     auto *account = new QWidget(window);
     auto *user = CreateField<QLabel>(account, "user");
-    user->setTextFormat(Qt::PlainText); // a nickname is its user's choice
+    user->setTextFormat(Qt::PlainText); // users choose their nicknames
     const CUserInfo *info = CUserInfo::GetInstance();
     const auto showUser = [=] { user->setText(info->IsLoggedIn() ? info->GetNickname() : Texts::Get("USER_NONE")); };
     Texts::Follow(user, showUser, info, &CUserInfo::signal_LoginStateChanged);

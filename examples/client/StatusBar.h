@@ -4,7 +4,7 @@ class CHost;
 class QMainWindow;
 class QWidget;
 
-/// Fills the window's status bar: the state of the link, transfers, the jackpot, the user and the clock. Answers the
-/// line with the user's money, to be shown elsewhere; in QML that has jackpot and user too, and the status bar
-/// hasn't.
+/// Fills the window's status bar: the state of the connection, transfers, the jackpot, the user and the clock.
+/// Returns the line with the user's money, which the caller places elsewhere; in QML that line also shows jackpot and
+/// user, and the status bar doesn't.
 QWidget *CreateStatus(QMainWindow *window, CHost &host);

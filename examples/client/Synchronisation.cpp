@@ -13,11 +13,11 @@
 
 namespace {
 
-// Rows have their times in whole seconds. Whatever is stored in the same second as the newest row has to be sent with
-// it, as it would never look newer than that.
+// Rows have their times in whole seconds. Changes that are stored in the same second as the newest row have to be
+// sent together with it, because later they would not look newer.
 constexpr int SEND_DELAY_MS = 1500;
 
-// By which the web server tells this installation from the user's others.
+// Identifies this installation among the user's others at the web server.
 QString ReadMachine()
 {
     QFile file(Pathes::Tmp() + QLatin1String("/machine"));
@@ -40,7 +40,7 @@ CSynchronisation::CSynchronisation(CSession &session)
     connect(&m_sendTimer, &QTimer::timeout, this, &CSynchronisation::Send);
     connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, this,
             &CSynchronisation::OnLoginStateChanged);
-    // Behind a link that came back too.
+    // Also after a connection was established again.
     connect(&session, &CSession::signal_LoggedIn, this, &CSynchronisation::BeginSync);
     connect(CSettingsSync::GetInstance(), &CSettingsSync::signal_RequestSessionForSync, this,
             &CSynchronisation::RequestSession);
@@ -67,7 +67,7 @@ void CSynchronisation::OnLoginStateChanged(bool loggedIn)
     if (loggedIn)
         PlayerInfo::LoadInfo();
     else
-        CPlayerModel::DestroyInstances(); // what waited to be stored was written while the user was still there
+        CPlayerModel::DestroyInstances(); // pending notes were written while the user was still logged in
 }
 
 void CSynchronisation::BeginSync()
@@ -82,8 +82,8 @@ void CSynchronisation::RequestSession(WebLinks::id link)
     m_session.Send(Payload::Encode(AccountProtocol::SWebRequest{static_cast<quint8>(link), ReadMachine()}));
 }
 
-// The game server answers in the order of the packets, so a session that nobody waits for is that of a login that has
-// ended since.
+// The game server answers in the order of the packets, so an unexpected session belongs to a login that has ended
+// since.
 void CSynchronisation::UseSession(const AccountProtocol::SWebSession &session)
 {
     if (session.ucLink != m_eAsked)
@@ -102,5 +102,5 @@ void CSynchronisation::UseSession(const AccountProtocol::SWebSession &session)
 void CSynchronisation::Send()
 {
     if (CSettingsSync::GetInstance()->SyncToServer(m_strSendSession))
-        m_timer.start(m_iPauseMs); // the server may have held something back until it had this
+        m_timer.start(m_iPauseMs); // the server may have held rows back until it had these
 }

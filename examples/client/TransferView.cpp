@@ -31,8 +31,8 @@ protected:
 private:
     struct SProgress
     {
-        qint64 iBytes = 0; // of both ways
-        qint64 iTotal = 0; // 0 if nobody knows
+        qint64 iBytes = 0; // sent and received
+        qint64 iTotal = 0; // 0 if it is unknown
     };
 
     void Watch(QNetworkReply *reply);
@@ -44,7 +44,7 @@ private:
     QLabel *m_pText; // this and the next one are children
     QProgressBar *m_pBar;
     QHash<QNetworkReply *, SProgress> m_transfers;
-    qint64 m_iPassedBytes = 0; // since the last look
+    qint64 m_iPassedBytes = 0; // at the last update
     QTimer m_timer;            // runs while there are transfers
 };
 
@@ -70,7 +70,7 @@ CTransferView::CTransferView(QWidget *parent)
     hide();
 }
 
-// Each transfer begins as a child of the manager. It becomes a reply only when its constructors have run.
+// QNetworkAccessManager adds each reply as a child before it is fully constructed, so it is looked at later.
 bool CTransferView::eventFilter(QObject *object, QEvent *event)
 {
     if (event->type() == QEvent::ChildAdded) {
@@ -129,7 +129,7 @@ void CTransferView::ShowProgress()
     m_pText->setText(
         Texts::Get("TRANSFER_PROGRESS",
                    {{"#what#", GetTitle()}, {"#done#", CDownload::FormatBytes(sum.iBytes)}, {"#speed#", speed}}));
-    // In kilobytes, for it counts in 31 bits. A bar of no range runs to and fro.
+    // The bar counts in kilobytes because its range is 31 bits. Without a range it shows that it is busy.
     m_pBar->setRange(0, isKnown ? int(sum.iTotal >> 10) : 0);
     m_pBar->setValue(int(sum.iBytes >> 10));
     show();
@@ -148,7 +148,7 @@ void CTransferView::Cancel()
 {
     const QList<QNetworkReply *> replies = m_transfers.keys();
     for (QNetworkReply *reply : replies) {
-        if (m_transfers.contains(reply)) // one's end may be another's too
+        if (m_transfers.contains(reply)) // a slot may have removed another one
             reply->abort();
     }
 }

@@ -2,9 +2,9 @@
 
 class QWidget;
 
-/// How far the client's transfers over HTTP are, all together, and how fast; a button gives them up. Hidden while
-/// there are none, and while those there are have just begun.
+/// Creates a view of the progress and the speed of all HTTP transfers of the client together, with a button that
+/// aborts them. The view is hidden while there are none, or only those that have just begun.
 ///
-/// It watches the shared network manager and so sees the library's own transfers too, those of the synchronisation
-/// and the pictures.
+/// It watches the shared network manager, and so also shows the library's own transfers: synchronisation and
+/// pictures.
 QWidget *CreateTransferView(QWidget *parent);

@@ -6,7 +6,7 @@
 
 namespace WebPages {
 
-/// The address that the operator has configured for a page; empty if there is none, or no such page.
+/// Returns the address that the operator has configured for a page; empty if there is none, or no such page.
 QString GetAddress(WebLinks::id page);
 
 } // namespace WebPages

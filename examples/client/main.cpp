@@ -13,7 +13,7 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     const QCommandLineOption server(QStringLiteral("server"), QStringLiteral("Address of the game server."),
                                     QStringLiteral("host:port"), QStringLiteral("127.0.0.1:17171"));
-    // The installation is the one that the program lies in, wherever it was started from.
+    // The installation is the one that contains the program, wherever the program was started.
     const QCommandLineOption folder(QStringLiteral("folder"),
                                     QStringLiteral("Client folder of the installation, if not the program's own."),
                                     QStringLiteral("path"), QApplication::applicationDirPath());

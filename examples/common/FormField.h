@@ -6,7 +6,7 @@
 #include <QFormLayout>
 #include <QLabel>
 
-/// A widget by whose name tests and the tour find it.
+/// Creates a widget with an object name, by which tests and the tour find it.
 template <typename Widget>
 Widget *CreateField(QWidget *parent, const char *name)
 {
@@ -15,7 +15,7 @@ Widget *CreateField(QWidget *parent, const char *name)
     return widget;
 }
 
-/// A label with the text of \a key, whose mnemonic leads to \a field.
+/// Creates a label with the text of \a key, whose mnemonic focuses \a field.
 inline QLabel *CreateLabel(const char *key, QWidget *field)
 {
     auto *label = new QLabel(field->parentWidget());
@@ -29,7 +29,7 @@ inline void AddFormField(QFormLayout *form, const char *key, QWidget *field)
     form->addRow(CreateLabel(key, field), field);
 }
 
-/// The same with a new field of that name.
+/// Creates a field with an object name and adds it with a label, as the function above does.
 template <typename Widget>
 Widget *AddFormField(QFormLayout *form, const char *key, const char *name)
 {
@@ -38,7 +38,7 @@ Widget *AddFormField(QFormLayout *form, const char *key, const char *name)
     return field;
 }
 
-/// Adds an entry with the text of \a key, and \a data.
+/// Adds an entry with the text of \a key, and with \a data.
 inline void AddTextItem(QComboBox *box, const char *key, const QVariant &data)
 {
     const int item = box->count();

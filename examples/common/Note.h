@@ -2,7 +2,7 @@
 
 #include <files/Console.h>
 
-/// A line in the console, for whoever looks after the client. In plain English.
+/// Writes a line to the console, in plain English, for those who maintain the client.
 inline void Note(const QString &text, CConsole::EMessageCategory category,
                  CConsole::EMessageLevel level = CConsole::ML_Warning)
 {

@@ -24,15 +24,15 @@
 
 namespace {
 
-const QString BACKEND = QStringLiteral("software"); // needs no OpenGL, and lists need no more
-const QString STYLE = QStringLiteral("Fusion");     // the one that follows a palette
+const QString BACKEND = QStringLiteral("software"); // needs no OpenGL, which lists don't need
+const QString STYLE = QStringLiteral("Fusion");     // uses the palette
 const QByteArray IMPORTS("import QtQuick 2.15; import QtQuick.Layouts 1.15; import QtQuick.Controls 2.15; ");
-// What takes long to read of what the files are made of.
+// The types that the QML files consist of and that take long to load.
 constexpr const char *PIECES[] = {"Item {}", "Pane {}", "TextField {}", "ComboBox {}", "ScrollBar {}"};
 
 } // namespace
 
-/// As large as its content wants to be, and in the colours of the widgets around it.
+/// A widget as large as its content requests, in the colours of the widgets around it.
 class CQuickWidget : public QQuickWidget
 {
 public:
@@ -113,7 +113,7 @@ bool CQuickView::IsChosen()
     return (type.isEmpty() ? CConfig::GetInstance()->GetPokerLobbyType() : type) == QLatin1String("qml");
 }
 
-// The widgets stay until QML is there.
+// The widgets stay visible until QML is loaded.
 void CQuickView::OnLobbyTypeChanged()
 {
     if (IsChosen() == (m_pQuick != nullptr))
@@ -125,8 +125,8 @@ void CQuickView::OnLobbyTypeChanged()
         Read(0);
 }
 
-// All at once would hold the user up, so each piece is read in an event of its own. What is wrong with one shows when
-// the file itself is read.
+// Loading all at once would block the user, so each type is loaded in an event of its own. Errors in one show when
+// the file itself is loaded.
 void CQuickView::Read(int piece)
 {
     if (piece < int(std::size(PIECES))) {
@@ -151,7 +151,7 @@ void CQuickView::SetQuickShown(bool isShown)
     Q_EMIT signal_QuickShown(isShown);
 }
 
-// Backend and style have to be chosen before the first one is made, by whichever module.
+// Backend and style have to be chosen before any module creates the first one.
 CQuickWidget *CQuickView::CreateQuick()
 {
     if (QQuickWindow::sceneGraphBackend() != BACKEND)

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// All settings as they are before anybody has chosen.
+/// All settings with their default values.
 class CDefaultSettings : public CSettingsBase
 {
     void Save(const QString &, const QString &, const QString &, const QVariant &, qint64) override {}

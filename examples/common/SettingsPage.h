@@ -9,7 +9,7 @@
 
 #include <functional>
 
-/// A page of the options dialog that is a list of fields, each of which shows one value.
+/// A page of the options dialog with a list of fields, each of which shows one value.
 class CSettingsPage : public COptionsPage
 {
     Q_OBJECT
@@ -17,20 +17,20 @@ class CSettingsPage : public COptionsPage
 public:
     struct SField
     {
-        const char *strKey;  ///< Of its text, in the area of Texts.
-        const char *strName; ///< Its object name.
+        const char *strKey;  ///< The key of the label's text, in the area of Texts.
+        const char *strName; ///< The object name.
         std::function<QVariant()> get;
         std::function<void(const QVariant &)> set;
         QVariant vDefault;
-        /// Makes a slider, or a combo box whose entries have the values as data; one without an entry leaves what is
-        /// chosen. Null for a switch.
+        /// Creates a slider, or a combo box whose entries have the values as data; without an entry for the value,
+        /// the combo box keeps its current one. Null for a check box.
         QWidget *(*create)(QWidget *parent) = nullptr;
     };
 
-    /// The field of the setting with this key, which is its object name too.
+    /// Returns the field for the setting with this key, which is also its object name.
     static SField Setting(const char *textKey, const char *setting, QWidget *(*create)(QWidget *parent) = nullptr);
 
-    /// Registers the page. \a titleKey is as lasting as those of the fields.
+    /// Registers the page. \a titleKey has to stay valid as long as the keys of the fields.
     CSettingsPage(const char *titleKey, QStyle::StandardPixmap icon, const QVector<SField> &fields, QObject *parent);
 
     QString GetTitle() const override;

@@ -30,7 +30,7 @@ QString GetType(GlobalDefines::TableType type)
     return Texts::Get(TYPE_KEYS.value(type, "LOBBY_TYPE_RING_GAME"));
 }
 
-// An area has the texts of the core as well.
+// Each area inherits the texts of the core.
 QString GetGame(const LobbyProtocol::STable &table)
 {
     return Texts::Get(Globals::GetLimitKey(table.eLimit, true)) + QLatin1Char(' ') +

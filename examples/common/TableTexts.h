@@ -2,15 +2,15 @@
 
 #include <protocol/LobbyProtocol.h>
 
-/// What there is to say of a table, in the user's language and time zone.
+/// Texts about a table, in the user's language and time zone.
 namespace TableTexts {
 
 QString GetType(GlobalDefines::TableType type);
-/// The limit and the game.
+/// Returns the limit and the game.
 QString GetGame(const LobbyProtocol::STable &table);
-/// A tournament has a buy-in and a fee instead of stakes.
+/// Returns whether the table is a tournament, which has a buy-in and a fee instead of stakes.
 bool IsTournament(const LobbyProtocol::STable &table);
-/// Stakes of a game, or buy-in and fee of a tournament.
+/// Returns the stakes of a game, or buy-in and fee of a tournament.
 QString GetStakes(const LobbyProtocol::STable &table);
 
 } // namespace TableTexts

@@ -28,7 +28,7 @@ QString Texts::Get(const char *key, TValues values)
     return values.size() == 0 ? Get(QString::fromLatin1(key)) : MakeItem(key, values).GetTranslatedText();
 }
 
-// The key comes last, so that it is looked up once and not for each value.
+// The key is appended last, so that it is looked up once and not for each value.
 CTranslationItem Texts::MakeItem(const char *key, TValues values)
 {
     CTranslationItem item;

@@ -9,25 +9,25 @@
 #include <functional>
 #include <initializer_list>
 
-/// The example's own texts, area "EXAMPLE" of the catalogue. Keys and markers are ASCII.
+/// The example's own texts, in the area "EXAMPLE" of the catalogue. Keys and markers are ASCII.
 namespace Texts {
 
-/// The area of all of them.
+/// Returns the area of all these texts.
 QString Area();
 
-/// Values by the markers in whose place they stand.
+/// The values that replace markers, by marker.
 using TValues = std::initializer_list<QPair<const char *, QVariant>>;
 
 QString Get(const QString &key);
 QString Get(const char *key, TValues values = {});
-/// A text of which \a name tells all but the language. It is made once in each language: a look into the catalogue
-/// takes long for what stands in many rows. Main thread.
+/// Returns the text that \a make makes, and makes it only once for each \a name and language: looking texts up takes
+/// long when there are many rows. Main thread.
 QString Once(const QString &name, const std::function<QString()> &make);
 
-/// The same for an owner who keeps the text and translates it again.
+/// Returns a text for an owner who keeps it and translates it again.
 CTranslationItem MakeItem(const char *key, TValues values = {});
 
-/// Calls \a action now and on each change of the language, as long as \a owner lives.
+/// Calls \a action now and on each change of the language, while \a owner exists.
 template <typename Action>
 void Follow(QObject *owner, const Action &action)
 {
@@ -35,7 +35,7 @@ void Follow(QObject *owner, const Action &action)
     action();
 }
 
-/// The same, and also at each of the signals.
+/// Calls \a action now, on each change of the language and on each of the signals, while \a owner exists.
 template <typename Action, typename Sender, typename... Signals>
 void Follow(QObject *owner, const Action &action, const Sender *sender, Signals... signals)
 {
@@ -43,8 +43,8 @@ void Follow(QObject *owner, const Action &action, const Sender *sender, Signals.
     Follow(owner, action);
 }
 
-/// Gives the text to \a object, now and on each change of the language. \a setter is a member of the object, or takes
-/// the object first.
+/// Passes the text to \a setter now and on each change of the language. \a setter is a member function of \a object,
+/// or a function that takes the object first.
 template <typename Object, typename Setter>
 void Bind(Object *object, Setter setter, const char *key)
 {

@@ -81,7 +81,7 @@ SAccount CAccounts::GetAccount(const QString &nickname) const
     return found ? found->account : SAccount();
 }
 
-// A newcomer's is made for the nickname.
+// The account of a newcomer gets the nickname.
 std::optional<CAccounts::SEntry> CAccounts::Find(const QString &nickname) const
 {
     const auto known = m_entries.constFind(nickname.toLower());

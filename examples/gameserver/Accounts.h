@@ -6,7 +6,7 @@
 
 #include <optional>
 
-/// Who may log in, as the server's data file says. Nothing of it changes while the server runs.
+/// The accounts that may log in, from the server's data file. They don't change while the server runs.
 class CAccounts
 {
 public:
@@ -14,13 +14,13 @@ public:
     /// AccountProtocol::HashPassword(), "currency", "real" and "play". One row may lack the nickname: its password
     /// opens an account with its money under any nickname that no other row has.
     ///
-    /// False, with \a error for whoever wrote the file, if it can't be read or one row isn't right.
+    /// Returns false, with \a error for the author of the file, if the file can't be read or a row has a fault.
     bool Load(const QString &fileName, QString &error);
 
-    /// Why there is no account for this login; nothing, with the \a account, if there is one.
+    /// Returns the reason to refuse the login, or nothing, with \a account set, if there is none.
     std::optional<AccountProtocol::ERefusal> LogIn(const AccountProtocol::SLogin &login,
                                                    AccountProtocol::SAccount &account) const;
-    /// The account of who has logged in under this nickname.
+    /// Returns the account of a user who has logged in under this nickname.
     AccountProtocol::SAccount GetAccount(const QString &nickname) const;
 
 private:
@@ -33,6 +33,6 @@ private:
     QString AddEntry(const SEntry &entry);
     std::optional<SEntry> Find(const QString &nickname) const;
 
-    QHash<QString, SEntry> m_entries; // by nickname, in lower case: users are told apart without regard to case
+    QHash<QString, SEntry> m_entries; // by nickname in lower case: case doesn't distinguish users
     std::optional<SEntry> m_newcomer;
 };

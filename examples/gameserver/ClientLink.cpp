@@ -8,9 +8,9 @@
 
 namespace {
 
-// More than the longest list takes, so that only who doesn't read lets it pile up.
+// Larger than the longest list, so that only a client that doesn't read exceeds it.
 constexpr qint64 MAX_UNSENT_BYTES = 4 << 20;
-// What may wait in the socket while the link pauses; more waits at the client.
+// The socket's buffer while the link pauses; further bytes wait at the client.
 constexpr qint64 MAX_UNREAD_BYTES = 64 << 10;
 constexpr int REFUSAL_PAUSE_MS = 500;
 
@@ -89,7 +89,7 @@ void CClientLink::OnReadyRead()
         m_halfSent.start();
 }
 
-// What is wrong with the packet, empty if nothing.
+// Returns what is wrong with the packet, empty if nothing.
 QString CClientLink::HandlePacket(CPacketLayerWrapper &packet)
 {
     const bool lobby = packet.GetGroup() == QLatin1String(LobbyProtocol::GROUP);
@@ -99,7 +99,7 @@ QString CClientLink::HandlePacket(CPacketLayerWrapper &packet)
     QString fault;
     for (int i = 0; !m_bEnded && fault.isEmpty() && packet.GetNext(); ++i) {
         const QByteArray payload(packet.GetPayload(), packet.GetPayloadLength());
-        // The pause behind a refused login begins with the next packet.
+        // The pause after a refused login begins with the next packet.
         if (i > 0 && !lobby && !table)
             fault = QStringLiteral("more than one record on the account");
         else if (table)
@@ -176,7 +176,7 @@ void CClientLink::End(const QString &reason)
     m_pSocket->abort();
     deleteLater();
     Q_EMIT signal_Ended();
-    SetUser(QString()); // the others hear of the seats
+    SetUser(QString()); // gives the seats back, which the others receive
 }
 
 void CClientLink::Log(const QString &text) const

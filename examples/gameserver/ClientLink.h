@@ -9,32 +9,32 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-/// The server's end of one client. It cuts what arrives into packets, checks all of it, and drops the client at the
-/// first thing that no client would send. Beginning and end are one line each in the log.
+/// The server's end of the connection to a client. It splits the stream into packets, checks all of it, and drops the
+/// client at the first thing that no client would send. It logs its beginning and its end, a line each.
 class CClientLink : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Takes the socket over. A packet has to be whole \a halfSentLimit milliseconds after its first byte.
+    /// Takes ownership of the socket. A packet has to be complete \a halfSentLimit milliseconds after its first byte.
     CClientLink(QTcpSocket *socket, int halfSentLimit, QObject *parent);
 
-    /// Whether the client has asked for the list, and thus wants to hear of changes.
+    /// Returns whether the client has requested the list, and therefore receives changes.
     bool IsSubscribed() const { return m_bSubscribed; }
-    /// Whose link this is; empty as long as nobody has logged in.
+    /// Returns the nickname of the logged-in user; empty if there is none.
     const QString &GetNickname() const { return m_strNickname; }
 
     void Send(const QByteArray &packets);
-    /// Answers a login.
+    /// Accepts a login.
     void Accept(const AccountProtocol::SAccount &account);
-    /// The same, after a pause in which the link serves nothing, so that passwords can't be tried fast. Whoever was
-    /// logged in before isn't any more.
+    /// Refuses a login, after a pause in which the link serves nothing, so that passwords can't be tried fast. A user
+    /// who was logged in before isn't any more.
     void Refuse(const AccountProtocol::SRefusal &refusal);
-    /// Tells apart whose the link has been: another number behind each login, refusal and logout.
+    /// Returns a number that changes at each login, refusal and logout, and so identifies the login.
     int GetLoginCount() const { return m_iLogins; }
 
-    /// The user's place at a table; 0 for none. Seats are given back with TableProtocol::SLeave, and at the end of
-    /// the user's time on this link.
+    /// Returns the user's place at a table; 0 for none. The seat is given back with TableProtocol::SLeave, and when
+    /// the user's login on this link ends.
     quint16 GetPlace(quint32 tableID) const { return m_places.value(tableID); }
     void SetPlace(quint32 tableID, quint16 place) { m_places.insert(tableID, place); }
 
@@ -42,13 +42,13 @@ Q_SIGNALS:
     void signal_ListRequested();
     void signal_SeatRequested(quint32 tableID);
     void signal_SeatLeft(quint32 tableID);
-    /// The user says something, with or without a seat.
+    /// Emitted when the user says something, with or without a seat.
     void signal_LineSaid(const TableProtocol::SLine &line);
-    /// To be answered at once.
+    /// Emitted for a login; a slot has to call Accept() or Refuse() at once.
     void signal_LoginRequested(const AccountProtocol::SLogin &login);
     void signal_BalancesRequested();
     void signal_WebSessionRequested(const AccountProtocol::SWebRequest &request);
-    /// The link is of no use any more and deletes itself at the next turn of the event loop.
+    /// Emitted when the link is no longer usable; it deletes itself when control returns to the event loop.
     void signal_Ended();
 
 private:
@@ -68,7 +68,7 @@ private:
     CPacketStream m_stream;
     QTimer m_halfSent;
     QTimer m_refusalPause;
-    QByteArray m_refusal; // to be sent when the pause is over
+    QByteArray m_refusal; // sent after the pause
     QString m_strNickname;
     QHash<quint32, quint16> m_places; // by table
     int m_iLogins = 0;

@@ -16,14 +16,14 @@ using LobbyProtocol::STable;
 namespace {
 
 constexpr int TICK_MS = 1000;
-// Rows of settings and notes bear the time that was told last, and are told apart by it.
+// Rows of settings and notes get the time that was sent last, and are ordered by it.
 constexpr int TIME_PACKETS_MS = 1000;
 constexpr int WEB_LIMIT_MS = 10000;
-// Well below what a process may open: once accepting has failed for want of a descriptor, it stays off.
+// Well below the number of descriptors of a process: once accepting has failed for lack of one, it stays off.
 constexpr int MAX_CLIENTS = 500;
-// One table in this many sees somebody come or go in a second.
+// In each second, players enter or leave one table in this many.
 constexpr quint32 TABLES_FOR_A_MOVE = 10;
-// In cents. At the limit somebody has won the jackpot, and it begins anew.
+// In cents. At the limit somebody wins the jackpot, and it starts again.
 constexpr quint32 JACKPOT_BEGIN = 1234567;
 constexpr quint32 JACKPOT_LIMIT = 5000000;
 constexpr quint32 JACKPOT_STEP = 250;
@@ -40,14 +40,14 @@ QByteArray WebSessionPacket(quint8 link, const QByteArray &session)
                               {Payload::Encode(AccountProtocol::SWebSession{link, QString::fromUtf8(session)})});
 }
 
-// Empty if nothing has changed.
+// Returns the packets with the counts, empty if nothing has changed.
 QByteArray CountPackets(const QVector<SPlayerCount> &changes)
 {
     return changes.isEmpty() ? QByteArray()
                              : Payload::ToPackets(LobbyProtocol::GROUP, LobbyProtocol::EncodePlayerCounts(changes));
 }
 
-// Takes a place, if the user may have one.
+// Takes a place, if the user is allowed one.
 LobbyProtocol::ESeatResult TakeSeat(STable *table, const QString &nickname)
 {
     if (!table)
@@ -155,7 +155,7 @@ void CGameServer::GiveWebSession(CClientLink *client, const AccountProtocol::SWe
                                                    "&nickname=" + QUrl::toPercentEncoding(client->GetNickname()) +
                                                    "&machine=" + QUrl::toPercentEncoding(request.strMachine));
     connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-    // For the user who asked, and as long as the link lives.
+    // Only if the same user is logged in, and while the link exists.
     connect(reply, &QNetworkReply::finished, client, [client, reply, link, login = client->GetLoginCount()] {
         const bool good = client->GetLoginCount() == login && reply->error() == QNetworkReply::NoError;
         client->Send(WebSessionPacket(link, good ? reply->readAll() : QByteArray()));
@@ -169,7 +169,7 @@ STable *CGameServer::FindTable(quint32 tableID)
     return table == m_tables.end() ? nullptr : &*table;
 }
 
-// Whoever has a seat there keeps it.
+// A user who has a seat there keeps it.
 void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)
 {
     STable *table = FindTable(tableID);
@@ -187,12 +187,12 @@ void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)
 void CGameServer::TakeSeatBack(quint32 tableID)
 {
     STable *table = FindTable(tableID);
-    if (table->usPlayers > 0) // they come and go by themselves as well
+    if (table->usPlayers > 0) // the simulated players leave as well
         --table->usPlayers;
     SendToSubscribers(CountPackets({{tableID, table->usPlayers}}));
 }
 
-// A line of nobody's isn't passed on.
+// A line isn't passed on if nobody is logged in on the link.
 void CGameServer::PassOn(CClientLink *client, TableProtocol::SLine line) const
 {
     line.strNickname = client->GetNickname();
@@ -200,7 +200,7 @@ void CGameServer::PassOn(CClientLink *client, TableProtocol::SLine line) const
     if (line.strNickname.isEmpty())
         return;
     const QByteArray packets = Payload::ToPackets(TableProtocol::GROUP, {Payload::Encode(line, TableProtocol::SAID)});
-    const QVector<CClientLink *> clients = m_clients; // sending may end one, which then leaves the member
+    const QVector<CClientLink *> clients = m_clients; // sending may end one, which is then removed from the member
     for (CClientLink *listener : clients) {
         if (listener->GetPlace(line.uiTableID) != 0)
             listener->Send(packets);
@@ -209,7 +209,7 @@ void CGameServer::PassOn(CClientLink *client, TableProtocol::SLine line) const
 
 void CGameServer::SendTime() const
 {
-    const QVector<CClientLink *> clients = m_clients; // sending may end one, which then leaves the member
+    const QVector<CClientLink *> clients = m_clients; // sending may end one, which is then removed from the member
     for (CClientLink *client : clients)
         client->Send(TimePacket());
 }
@@ -248,10 +248,10 @@ void CGameServer::SendToSubscribers(const QByteArray &packets) const
     }
 }
 
-// Whether the number of players has changed.
+// Lets a simulated player enter or leave; returns whether the number of players has changed.
 bool CGameServer::MovePlayers(STable &table)
 {
-    // Not the distributions of the standard library, which differ from one to the next.
+    // The distributions of the standard library aren't used because they differ between implementations.
     const quint32 draw = static_cast<quint32>(m_random());
     if (draw % TABLES_FOR_A_MOVE != 0)
         return false;

@@ -14,23 +14,24 @@
 
 class CClientLink;
 
-/// Serves the list of tables to clients on this machine, lets the players come and go and the jackpot grow, knows
-/// who may log in and who sits where, passes on what they say, and tells the time.
+/// Serves the list of tables to clients on this machine, simulates players who enter and leave and a jackpot that
+/// grows, manages logins and seats, passes on what users say, and sends the time.
 class CGameServer : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The same \a seed makes the same players come and go, and the jackpot grow alike. For \a halfSentLimit see
+    /// Constructs the server. The same \a seed gives the same players and jackpot. For \a halfSentLimit see
     /// CClientLink.
     CGameServer(const QVector<LobbyProtocol::STable> &tables, const CAccounts &accounts, quint32 seed,
                 int halfSentLimit);
 
-    /// Where users get their web sessions, as "host:port"; nowhere if this is not called. \a key is the secret that
-    /// the web server wants to see.
+    /// Sets the web server from which users get their web sessions, as "host:port"; without it they get none. \a key
+    /// is the secret that the web server expects.
     void SetWebServer(const QString &address, const QString &key);
 
-    /// Listens on 127.0.0.1; \a port 0 takes any that is free. False with the reason in GetError().
+    /// Listens on 127.0.0.1; with \a port 0 on any free port. Returns false, with the reason in GetError(), on
+    /// failure.
     bool Listen(quint16 port) { return m_server.listen(QHostAddress::LocalHost, port); }
     quint16 GetPort() const { return m_server.serverPort(); }
     QString GetError() const { return m_server.errorString(); }
@@ -56,7 +57,7 @@ private:
     QVector<LobbyProtocol::STable> m_tables;
     CAccounts m_accounts;
     std::mt19937 m_random;
-    quint32 m_uiJackpot; // cents
+    quint32 m_uiJackpot; // in cents
     int m_iHalfSentLimit;
     QNetworkAccessManager m_network;
     QString m_strWebServer;
@@ -64,5 +65,5 @@ private:
     QTcpServer m_server;
     QTimer m_tick;
     QTimer m_timePackets;
-    QVector<CClientLink *> m_clients; // children of this object, as long as they are of use
+    QVector<CClientLink *> m_clients; // children of this object, until they end
 };

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-/// One row of a data file. The first thing found wrong with it stays; what is taken after it means nothing.
+/// A row of a data file, which keeps its first fault; values taken after a fault are meaningless.
 class CJsonRow
 {
 public:
@@ -20,7 +20,7 @@ public:
     quint32 TakeNumber(QLatin1String key, quint32 least, quint32 most);
     QString TakeText(QLatin1String key, int least, int most);
 
-    /// The library reads an unknown letter as a known one, which a file is not to rest on.
+    /// Takes an enumeration. The library decodes an unknown letter to a known value, so the letter is compared.
     template <typename Enum>
     Enum TakeLetter(QLatin1String key, Enum (*decode)(char))
     {
@@ -31,7 +31,7 @@ public:
         return value;
     }
 
-    /// Empty if all is well. To be asked last: what wasn't taken by then is a fault too.
+    /// Returns the fault, empty if there is none. Call it last: a key that hasn't been taken is a fault too.
     QString GetFault() const;
 
 private:
@@ -39,7 +39,7 @@ private:
     QString m_strFault;
 };
 
-/// Reads a JSON file: an array of at most \a most objects, each of which goes to \a read. That answers what is wrong
-/// with it, empty if nothing. False, with \a error for whoever wrote the file, if it can't be read or one row isn't
-/// right.
+/// Reads a JSON file: an array of at most \a most objects. Calls \a read for each, which returns its fault, empty if
+/// there is none. Returns false, with \a error for the author of the file, if the file can't be read or a row has a
+/// fault.
 bool ReadJsonRows(const QString &fileName, int most, const std::function<QString(CJsonRow &)> &read, QString &error);

@@ -92,8 +92,8 @@ int main(int argc, char *argv[])
     if (!server.Listen(static_cast<quint16>(options.uiPort)))
         return Fail(QStringLiteral("port %1: %2").arg(options.uiPort).arg(server.GetError()));
 
-    // Whoever started the server waits for this line to learn the port. Nothing is kept that a signal could lose, so
-    // the default action of SIGTERM and SIGINT is the right end.
+    // The program that has started the server reads the port from this line. Nothing is stored that a signal could
+    // lose, so the default action of SIGTERM and SIGINT is the right end.
     std::printf("listening on %d\n", int(server.GetPort()));
     std::fflush(stdout);
     return QCoreApplication::exec();

@@ -7,17 +7,17 @@
 #include <QByteArray>
 #include <QString>
 
-/// What the client and the game server say to each other about the user's account, in records of packets of the group
-/// "ACCT", the server's clock in packets of the group "TIME", and the jackpot in packets of the group "CASI".
+/// The records that the client and the game server exchange about the user's account in packets of the group "ACCT",
+/// the server's clock in packets of the group "TIME", and the jackpot in packets of the group "CASI".
 ///
-/// The client logs in with SLogin, the only record of its packet, and the server answers SAccount or SRefusal. From
-/// then on the link is the user's, until LOGOUT, another SLogin, or its end. The server sends STime unasked: as the
-/// first packet of a link, and every now and then. Whoever has asked for the list of tables gets a SJackpot each time
-/// that it has grown. For a web page that wants to know its user, the client asks with SWebRequest, and the server
-/// answers with SWebSession once it has asked the web server. GET_BALANCES is answered with the balances of the user
-/// whose link it is, or not at all if that is nobody's.
+/// The client logs in with SLogin, the only record of its packet, and the server answers with SAccount or SRefusal.
+/// From then on the connection belongs to the user, until LOGOUT, another SLogin, or its end. The server sends STime
+/// without a request: as the first packet of a connection, and at intervals. It sends an SJackpot to each client that
+/// has requested the list of tables whenever the jackpot has grown. For a web page that has to know its user, the
+/// client sends SWebRequest, and the server answers with SWebSession when the web server has answered it. It answers
+/// GET_BALANCES with the balances of the logged-in user, or not at all if there is none.
 ///
-/// The records are those below, in the form of Payload.h.
+/// The records are in the form of Payload.h.
 namespace AccountProtocol {
 
 inline constexpr char GROUP[] = "ACCT";
@@ -27,11 +27,11 @@ inline constexpr char BALANCES[] = "BALS";     // one SAccount
 inline constexpr char TIME_GROUP[] = "TIME";
 inline constexpr char CASINO_GROUP[] = "CASI";
 
-/// In UTF-16 code units. Encoding cuts a longer nickname, and a payload with one doesn't decode.
+/// The longest nickname, in UTF-16 code units. Encoding cuts a longer one, and a payload with one doesn't decode.
 inline constexpr int MAX_NICKNAME_LENGTH = 32;
-/// Of HashPassword().
+/// The length of a hash that HashPassword() returns.
 inline constexpr int HASH_LENGTH = 64;
-/// Of a machine's name, and of a web session.
+/// The longest name of a machine, and the longest web session.
 inline constexpr int MAX_WEB_TEXT_LENGTH = 64;
 
 struct SLogin
@@ -51,8 +51,8 @@ struct SAccount
 {
     static constexpr char TAG[] = "LGOK";
 
-    QString strNickname; ///< As the account spells it, which may differ in case from what was asked for.
-    GlobalDefines::MoneyType eCurrency = GlobalDefines::MONEYTYPE_UNKNOWN; ///< Of the real money.
+    QString strNickname; ///< In the spelling of the account, which may differ in case from the login.
+    GlobalDefines::MoneyType eCurrency = GlobalDefines::MONEYTYPE_UNKNOWN; ///< The currency of the real money.
     GlobalDefines::MoneyValue mvReal = 0;
     GlobalDefines::MoneyValue mvPlay = 0;
 
@@ -62,9 +62,9 @@ struct SAccount
     }
 };
 
-/// Why a login is refused.
+/// The reason for which a login is refused.
 enum ERefusal : char {
-    RF_UNKNOWN = '-', ///< Like any other letter: the client doesn't know the reason.
+    RF_UNKNOWN = '-', ///< Also any other letter: the client doesn't know the reason.
     RF_BAD_NICKNAME = 'B',
     RF_NO_ACCOUNT = 'N',
     RF_WRONG_PASSWORD = 'P',
@@ -74,18 +74,18 @@ struct SRefusal
 {
     static constexpr char TAG[] = "LGRF";
 
-    QString strNickname; ///< As it was asked for.
+    QString strNickname; ///< In the spelling of the login.
     ERefusal eReason = RF_UNKNOWN;
 
     auto Fields() { return Payload::List(Payload::SText{strNickname, MAX_NICKNAME_LENGTH}, eReason); }
 };
 
-/// Asks for a session on the web server, in the name of the user whose link it is.
+/// Requests a session on the web server in the name of the logged-in user.
 struct SWebRequest
 {
     static constexpr char TAG[] = "WEBR";
 
-    quint8 ucLink = 0;  ///< What for, of WebLinks::id: SettingsSyncFetch or SettingsSyncSend.
+    quint8 ucLink = 0;  ///< The purpose, of WebLinks::id: SettingsSyncFetch or SettingsSyncSend.
     QString strMachine; ///< Tells the user's machines apart.
 
     auto Fields() { return Payload::List(ucLink, Payload::SText{strMachine, MAX_WEB_TEXT_LENGTH}); }
@@ -95,8 +95,8 @@ struct SWebSession
 {
     static constexpr char TAG[] = "WEBS";
 
-    quint8 ucLink = 0;  ///< As it was asked for.
-    QString strSession; ///< Empty if there is none: the web server is away or refuses, or nobody is logged in.
+    quint8 ucLink = 0;  ///< The purpose, as in the request.
+    QString strSession; ///< Empty if nobody is logged in, or the web server can't be reached or refuses.
 
     auto Fields() { return Payload::List(ucLink, Payload::SText{strSession, MAX_WEB_TEXT_LENGTH}); }
 };
@@ -122,15 +122,15 @@ struct SJackpot
     auto Fields() { return Payload::List(eCurrency, mvAmount); }
 };
 
-/// Whether a user may be called so: 1 to 32 characters that print, with no space around them.
+/// Returns whether a nickname is allowed: 1 to 32 printable characters, without a space at either end.
 bool IsNickname(const QString &text);
 
-/// SHA-256 of the password's UTF-8, in 64 lower-case hexadecimal digits: what goes over the link and what the server
-/// keeps, so that neither shows a password that its user may have elsewhere too.
+/// Returns the SHA-256 hash of the password's UTF-8 as 64 lower-case hexadecimal digits. The client sends it and the
+/// server stores it, so that neither reveals a password that its user may also use elsewhere.
 ///
-/// It protects nothing else. The link isn't encrypted, and whoever sees the hash there can log in with it as with the
-/// password itself. Nor is it salted or slow to compute, so that a password that can be guessed is found from it. A
-/// real server has an encrypted link and keeps a salted hash that is made for passwords.
+/// It protects nothing else. The connection isn't encrypted, and an eavesdropper can log in with the hash as with the
+/// password itself. It is neither salted nor slow to compute, so a weak password can be found from it. A real server
+/// has an encrypted connection and stores a salted hash made for passwords.
 QString HashPassword(const QString &password);
 
 } // namespace AccountProtocol

@@ -7,26 +7,26 @@
 #include <QString>
 #include <QVector>
 
-/// What the lobby and the game server say to each other, in records of packets of the group "LOBB".
+/// The records that the lobby and the game server exchange in packets of the group "LOBB".
 ///
-/// The client asks with GET_LIST. The server answers with a STable for each table and a SListEnd, and from then on
-/// sends SPlayerCounts whenever counts have changed. A user who is logged in may ask for a seat with SSeatRequest,
-/// and gets a SSeatAnswer. The records are those below, in the form of Payload.h.
+/// The client sends GET_LIST. The server answers with an STable for each table and an SListEnd, and from then on
+/// sends SPlayerCounts whenever counts have changed. A logged-in user may request a seat with SSeatRequest, which the
+/// server answers with SSeatAnswer. The records are in the form of Payload.h.
 namespace LobbyProtocol {
 
 inline constexpr char GROUP[] = "LOBB";
 inline constexpr char GET_LIST[] = "GLST"; // no fields: the tag is the whole payload
 
-/// A server has no more tables than this, and a client need not keep more.
+/// The largest number of tables that a server has and a client has to store.
 inline constexpr int MAX_TABLES = 10000;
-/// In UTF-16 code units. Encoding cuts a longer name, and a payload with one doesn't decode.
+/// The longest name, in UTF-16 code units. Encoding cuts a longer one, and a payload with one doesn't decode.
 inline constexpr int MAX_NAME_LENGTH = 64;
 
 struct STable
 {
     static constexpr char TAG[] = "TBLE";
 
-    quint32 uiID = 0; ///< Unique and lasting: the same table has it in the next list too.
+    quint32 uiID = 0; ///< Unique and permanent: the same table has the same id in the next list.
     QString strName;
     GlobalDefines::TableType eType = GlobalDefines::TT_NORMAL;
     GlobalDefines::GameType eGame = GlobalDefines::GT_HOLDEM;
@@ -34,7 +34,7 @@ struct STable
     GlobalDefines::MoneyType eMoney = GlobalDefines::MONEYTYPE_DOLLAR;
     GlobalDefines::MoneyValue mvLow = 0;  ///< Lower stake, or the buy-in.
     GlobalDefines::MoneyValue mvHigh = 0; ///< Higher stake, or the fee.
-    quint16 usPlaces = 0;                 ///< Seats, or the most players that may enter.
+    quint16 usPlaces = 0;                 ///< Seats, or the largest number of players.
     quint16 usPlayers = 0;
     quint32 uiStart = 0; ///< Seconds since 1970 UTC, 0 if the table has no start time.
 
@@ -57,7 +57,7 @@ struct SPlayerCounts
 {
     static constexpr char TAG[] = "PCNT";
 
-    QVector<SPlayerCount> counts; ///< One at least.
+    QVector<SPlayerCount> counts; ///< At least one.
 
     auto Fields() { return Payload::List(counts); }
 };
@@ -66,7 +66,7 @@ struct SListEnd
 {
     static constexpr char TAG[] = "LEND";
 
-    quint32 uiCount = 0; ///< How many tables the list has.
+    quint32 uiCount = 0; ///< The number of tables in the list.
 
     auto Fields() { return Payload::List(uiCount); }
 };
@@ -80,9 +80,9 @@ struct SSeatRequest
     auto Fields() { return Payload::List(uiTableID); }
 };
 
-/// What became of a request for a seat.
+/// The result of a seat request.
 enum ESeatResult : char {
-    SR_UNKNOWN = '-', ///< Like any other letter: there is no seat, and the client doesn't know why.
+    SR_UNKNOWN = '-', ///< Also any other letter: there is no seat, and the client doesn't know why.
     SR_TAKEN = 'T',
     SR_CLOSED = 'C',
     SR_FULL = 'F',
@@ -95,12 +95,12 @@ struct SSeatAnswer
 
     quint32 uiTableID = 0;
     ESeatResult eResult = SR_UNKNOWN;
-    quint16 usPlace = 0; ///< The seat, if there is one.
+    quint16 usPlace = 0; ///< The place, if the user has one.
 
     auto Fields() { return Payload::List(uiTableID, eResult, usPlace); }
 };
 
-/// In as many records as the counts need.
+/// Encodes the counts in as many records as they need.
 inline QVector<QByteArray> EncodePlayerCounts(const QVector<SPlayerCount> &counts)
 {
     constexpr int COUNTS_IN_A_RECORD = 1000; // 6000 bytes

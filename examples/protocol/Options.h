@@ -4,7 +4,8 @@
 
 namespace Options {
 
-/// The value of an option that takes a number. False, with the reason in \a error, if it isn't one within the limits.
+/// Reads the value of an option that takes a number. Returns false, with the reason in \a error, if it isn't a number
+/// within the limits.
 bool ReadNumber(const QCommandLineParser &parser, const QCommandLineOption &option, quint32 least, quint32 most,
                 quint32 &number, QString &error);
 

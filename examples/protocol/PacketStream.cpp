@@ -18,7 +18,7 @@ void CPacketStream::Append(const QByteArray &bytes)
 {
     if (m_bBroken)
         return;
-    // What was taken is dropped here, once for each arrival, and not for each of the many packets that may be in it.
+    // The packets that were taken are dropped here, once for each arrival and not for each of its many packets.
     m_buffer.remove(0, m_iConsumed);
     m_iConsumed = 0;
     m_buffer.append(bytes);

@@ -11,13 +11,15 @@
 #include <type_traits>
 #include <utility>
 
-/// A record is a structure with a TAG, and with Fields() that lists its members for both ways. Its payload is the tag
-/// and the fields: numbers are little-endian, a text is a 16-bit count of bytes and UTF-8, an enumeration is one
-/// letter or, for a game, four; of the library's own, unknown letters decode as what Globals::GetTableType() and its
-/// like make of them. A vector is one or more records, to the payload's end.
+/// Encodes and decodes records. A record is a structure with a TAG, and with Fields(), which lists its members for
+/// both directions. Its payload is the tag and the fields: numbers are little-endian, a text is a 16-bit count of
+/// bytes and UTF-8, an enumeration is one letter or, for a game, four; an unknown letter of the library's
+/// enumerations decodes to what Globals::GetTableType() and the like return for it. A vector is one or more records
+/// up to the payload's end.
 namespace Payload {
 
-/// Encoding cuts a text to so many UTF-16 code units; a payload with a longer or shorter one doesn't decode.
+/// A text field with its limits in UTF-16 code units. Encoding cuts a longer text; a payload with a longer or shorter
+/// one doesn't decode.
 struct SText
 {
     QString &strText;
@@ -25,7 +27,7 @@ struct SText
     int iLeast = 0;
 };
 
-/// What Fields() answers.
+/// Returns the fields as Fields() has to return them.
 template <typename... TFields>
 std::tuple<TFields...> List(TFields &&...fields)
 {
@@ -65,8 +67,8 @@ private:
     }
 };
 
-/// The one place where bytes of a payload are read. A read past the end gives zero or nothing, and so does each one
-/// after it or after a text that may not be; IsComplete() tells at the end whether all of them were good.
+/// Reads the bytes of a payload; nothing else does. A read past the end returns zero or nothing, and so does each
+/// read after it or after an invalid text; IsComplete() tells at the end whether all reads succeeded.
 class CReader
 {
 public:
@@ -112,7 +114,7 @@ private:
     bool m_bGood = true;
 };
 
-/// With \a tag where several kinds of record have the same fields.
+/// Encodes a record with \a tag instead of its own, for kinds of records with the same fields.
 template <typename Record>
 QByteArray Encode(Record record, const char *tag = Record::TAG)
 {
@@ -121,7 +123,8 @@ QByteArray Encode(Record record, const char *tag = Record::TAG)
     return writer.m_payload;
 }
 
-/// False, with \a record unchanged, unless the payload has that tag and the fields fill it exactly.
+/// Decodes a payload. Returns false, and leaves \a record unchanged, unless the payload has the tag and the fields
+/// fill it exactly.
 template <typename Record>
 bool Decode(const QByteArray &payload, Record &record, const char *tag = Record::TAG)
 {
@@ -133,7 +136,7 @@ bool Decode(const QByteArray &payload, Record &record, const char *tag = Record:
     return reader.IsComplete();
 }
 
-/// The payloads in as few packets of the group as hold them, back to back as they go over the wire.
+/// Frames the payloads in as few packets of the group as hold them, and returns the packets one after the other.
 QByteArray ToPackets(const char *group, const QVector<QByteArray> &payloads);
 
 } // namespace Payload

@@ -2,14 +2,14 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 
-// The lobby in QML. It binds to the settings and to the tables, which the widgets show as well.
+// The lobby in QML, bound to the settings and to the tables that the widgets show as well.
 Pane {
     id: root
 
     readonly property real rowHeight: Math.ceil(metrics.height * 1.4)
     readonly property var neededWidths: tables.textWidths.map(width => Math.ceil(width + 1.25 * metrics.height))
     readonly property real neededWidth: neededWidths.reduce((sum, width) => sum + width, 0)
-    // What is to spare is shared out equally.
+    // Spare width is shared out equally.
     readonly property var widths: neededWidths.map(
         width => width + Math.max(0, Math.floor((list.width - neededWidth) / neededWidths.length)))
 
@@ -23,7 +23,7 @@ Pane {
 
     FontMetrics { id: metrics; font: root.font }
     Shortcut { sequence: StandardKey.Find; onActivated: { view.setFocus(); filter.forceActiveFocus() } }
-    // These hold, whatever the user does to the fields.
+    // These bindings stay in force, whatever the user does to the fields.
     Binding { target: filter; property: "text"; value: String(CSettings.ringgamefilter) }
     Binding {
         target: type
@@ -56,10 +56,10 @@ Pane {
             }
         }
 
-        // Not a HorizontalHeaderView, which stays connected to the model beyond its own end.
+        // HorizontalHeaderView isn't used because it stays connected to the model after its own destruction.
         Row {
             Layout.leftMargin: frame.border.width
-            Layout.preferredWidth: 0 // or what the columns have to spare would widen the window, and so on
+            Layout.preferredWidth: 0 // otherwise the columns' spare width would widen the window, and so on
             Repeater {
                 model: root.neededWidths.length
                 Button {
@@ -120,7 +120,7 @@ Pane {
                     onTapped: { list.forceActiveFocus(); root.choose(rowAt(eventPoint)) }
                     onDoubleTapped: if (rowAt(eventPoint) === tables.chosenRow) tables.AskForSeat()
                 }
-                delegate: Rectangle { // there are many, so each is little
+                delegate: Rectangle { // kept small, because there are many
                     readonly property bool isChosen: row === tables.chosenRow
                     color: isChosen ? root.palette.highlight
                                     : row % 2 ? root.palette.alternateBase : root.palette.base

@@ -19,7 +19,7 @@ namespace {
 const QString QUICK = QStringLiteral("qml"); // value of the setting pokerlobbytype
 const QString WIDGETS = QStringLiteral("widgets");
 
-// Of texts by answers; others have one in common.
+// Keys of texts by answer; all other answers have one text.
 const QHash<int, const char *> SEAT_KEYS{{LobbyProtocol::SR_TAKEN, "SEAT_TAKEN"},
                                          {LobbyProtocol::SR_CLOSED, "SEAT_CLOSED"},
                                          {LobbyProtocol::SR_FULL, "SEAT_FULL"},
@@ -48,7 +48,7 @@ void CLobbyPlugin::ReceiveEvent(CEvent e)
     else if (Payload::Decode(e.data, answer))
         OnSeatAnswer(answer);
     else
-        isGood = !e.HasTag1(LobbyProtocol::GROUP); // what else the host may have to say is no fault
+        isGood = !e.HasTag1(LobbyProtocol::GROUP); // an unknown event of the host is no fault
     if (isGood || m_bWarned)
         return;
     m_bWarned = true;
@@ -122,7 +122,7 @@ bool CLobbyPlugin::OnTable(const LobbyProtocol::STable &table)
     return true;
 }
 
-// A list that lacks what was malformed is still the best there is.
+// A list without the malformed tables is better than none.
 bool CLobbyPlugin::OnListEnd(quint32 count)
 {
     m_pModel->SetTables(m_incoming);
@@ -139,7 +139,7 @@ void CLobbyPlugin::OnPlayerCounts(const QVector<LobbyProtocol::SPlayerCount> &co
     TellCounts();
 }
 
-// Of how much is going on the client knows what the lobby does.
+// The client knows the numbers of players and tables only from the lobby.
 void CLobbyPlugin::TellCounts() const
 {
     uint players = 0;

@@ -4,10 +4,10 @@
 
 #include <plugin/PluginInterface.h>
 
-/// Shows the tables of the game server, and asks for a seat at the one that the user chooses. It asks for the list
-/// each time the link stands, and keeps the old one on screen until the new one is complete. Of a seat that is given
-/// it tells the other plugins, see SeatEvent. Its view is one of widgets or one of QML. It adds the menu of the
-/// tables to the bar.
+/// Shows the tables of the game server, and requests a seat at the table that the user chooses. The plugin requests
+/// the list at each connection, and shows the old list until the new one is complete. It tells other plugins of a
+/// seat that the user is given, see SeatEvent. Its view is in widgets or in QML. It adds the menu of the tables to
+/// the menu bar.
 class CLobbyPlugin : public CPluginInterface
 {
     Q_OBJECT
@@ -32,7 +32,7 @@ public:
 private:
     void AddMenu();
     void RequestSeat(quint32 tableID);
-    // False if it has to be ignored, or the list isn't what the server says that it is.
+    // These two return false if the table has to be ignored, or if the list isn't what the server says.
     bool OnTable(const LobbyProtocol::STable &table);
     bool OnListEnd(quint32 count);
     void OnPlayerCounts(const QVector<LobbyProtocol::SPlayerCount> &counts);
@@ -41,7 +41,7 @@ private:
 
     CTableListModel *m_pModel = new CTableListModel(this);
     CLobbyTables *m_pTables = new CLobbyTables(m_pModel, this);
-    QPointer<QWidget> m_pView;                       // the host's
-    QMap<quint32, LobbyProtocol::STable> m_incoming; // by id, the list that isn't complete yet
-    bool m_bWarned = false;                          // on this connection
+    QPointer<QWidget> m_pView;                       // owned by the host
+    QMap<quint32, LobbyProtocol::STable> m_incoming; // the incomplete list, by id
+    bool m_bWarned = false;                          // of malformed packets, on this connection
 };

@@ -114,7 +114,7 @@ void CLobbyTables::OnListChanged()
     Q_EMIT signal_StatusChanged();
 }
 
-// A user without a choice sees all tables, and so does one with a choice that this version doesn't know.
+// A user without a choice, or with a choice that this version doesn't know, sees all tables.
 void CLobbyTables::TakeFilter()
 {
     const CSettings *settings = CSettings::GetInstance();

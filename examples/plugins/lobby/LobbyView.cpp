@@ -31,12 +31,12 @@ CLobbyView::CLobbyView(CLobbyTables *tables)
     : m_pTables(tables)
 {
     auto *layout = new QVBoxLayout(this);
-    layout->addLayout(CreateFilterLine()); // first, so that Tab gets there first
-    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): behind the filter line
+    layout->addLayout(CreateFilterLine()); // the first in the order of Tab
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): after the filter line
     m_pTable = CreateField<QTableView>(this, "lobbyTable");
     layout->addWidget(m_pTable, 1);
     auto *status = CreateField<QLabel>(this, "lobbyStatus");
-    status->setTextFormat(Qt::PlainText); // names in it are the server's
+    status->setTextFormat(Qt::PlainText); // the server chooses the names in it
     status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     layout->addWidget(status);
     SetUpTable();
@@ -69,13 +69,13 @@ QLayout *CLobbyView::CreateFilterLine()
         const QSignalBlocker blocker(type);
         type->setCurrentIndex(qMax(0, type->findData(settings->GetSelectedGametype())));
         const QString filter = QString::fromUtf8(settings->GetRinggameFilter());
-        if (text->text() != filter) // the cursor stays where the user is typing
+        if (text->text() != filter) // keep the cursor in place while the user types
             text->setText(filter);
     };
     Texts::Follow(this, show, settings, &CSettings::signal_RinggameFilterChanged,
                   &CSettings::signal_SelectedGametypeChanged);
     connect(text, &QLineEdit::textChanged, settings, [=] {
-        if (text->text().toUtf8() != settings->GetRinggameFilter()) // else it came from there
+        if (text->text().toUtf8() != settings->GetRinggameFilter()) // else the text came from the settings
             settings->SetRinggameFilter(text->text().toUtf8());
     });
     connect(type, QOverload<int>::of(&QComboBox::currentIndexChanged), settings,
@@ -108,10 +108,10 @@ void CLobbyView::SetUpTable()
         header->setSortIndicator(m_pTables->sortColumn(), m_pTables->sortOrder());
     };
     connect(m_pTables, &CLobbyTables::signal_OrderChanged, header, showOrder);
-    showOrder(); // before sorting, which would change it
+    showOrder(); // before sorting, which would change the order
     m_pTable->setSortingEnabled(true);
     connect(header, &QHeaderView::sectionResized, this, &CLobbyView::OnColumnResized);
-    for (int column = 0; column < header->count(); ++column) { // Ctrl+1 and so on, as a click on the title
+    for (int column = 0; column < header->count(); ++column) { // Ctrl+1 and so on, like a click on the title
         const QKeySequence keys(QStringLiteral("Ctrl+%1").arg(column + 1));
         connect(new QShortcut(keys, this), &QShortcut::activated, m_pTables, [this, column] {
             const bool turns = m_pTables->sortColumn() == column && m_pTables->sortOrder() == Qt::AscendingOrder;
@@ -123,12 +123,12 @@ void CLobbyView::SetUpTable()
     connect(m_pTable, &QTableView::activated, m_pTables, &CLobbyTables::AskForSeat);
 }
 
-// What the columns need at least, which the table always has room for.
+// The least widths of the columns; the table is never narrower than their sum.
 void CLobbyView::MeasureColumns()
 {
     QHeaderView *header = m_pTable->horizontalHeader();
     const int margins = fontMetrics().horizontalAdvance(QLatin1Char('M'));
-    const int mark = style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, header); // for any column to sort by
+    const int mark = style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, header); // of the sort indicator
     int sum = m_pTable->verticalScrollBar()->sizeHint().width() + margins;
     m_neededWidths.clear();
     for (const qreal width : m_pTables->GetTextWidths()) {
@@ -140,8 +140,8 @@ void CLobbyView::MeasureColumns()
     FitStoredColumns();
 }
 
-// Fits the widths into the table. If a column would get too narrow for its texts, a drag is taken back, and stored
-// widths, which may be of another language, make room for those that the texts need.
+// Fits the widths into the table. If a column would get too narrow for its texts, a drag is undone, and stored
+// widths, perhaps of another language, are replaced by widths that fit the texts.
 void CLobbyView::FitColumns(const QList<double> &widths, int dragged)
 {
     const int room = m_pTable->viewport()->width();
@@ -161,7 +161,7 @@ void CLobbyView::FitStoredColumns()
         FitColumns(TableView::Load(CLobbyTables::TABLE_KEY), NO_COLUMN);
 }
 
-// A drag takes from the next column what that can spare.
+// A drag takes its width from the next column, as far as that can shrink.
 void CLobbyView::OnColumnResized(int column)
 {
     if (m_bFitting)

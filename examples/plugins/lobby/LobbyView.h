@@ -7,14 +7,14 @@
 class QLayout;
 class QTableView;
 
-/// The lobby in widgets: the tables, what narrows them down, and how many there are. The columns' widths are
-/// settings, which the next user may have otherwise.
+/// The lobby in widgets: the tables, their filter, and their number. The columns' widths are settings, and may change
+/// with the user.
 class CLobbyView : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// The tables stay the caller's.
+    /// Constructs the view of \a tables, which the caller owns.
     explicit CLobbyView(CLobbyTables *tables);
 
 protected:
@@ -30,7 +30,7 @@ private:
 
     CLobbyTables *m_pTables;
     QTableView *m_pTable;         // a child
-    QList<double> m_neededWidths; // of the columns; no one gets narrower
+    QList<double> m_neededWidths; // the columns' minimum widths
     QList<double> m_shownWidths;
-    bool m_bFitting = false; // it isn't the user who changes the columns
+    bool m_bFitting = false; // while the program changes the widths, not the user
 };

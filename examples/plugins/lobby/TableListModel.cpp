@@ -17,7 +17,8 @@ constexpr quint32 DAY_SECONDS = 24 * 60 * 60;
 constexpr const char *COLUMN_KEYS[] = {"LOBBY_COLUMN_NAME",   "LOBBY_COLUMN_TYPE",    "LOBBY_COLUMN_GAME",
                                        "LOBBY_COLUMN_STAKES", "LOBBY_COLUMN_PLAYERS", "LOBBY_COLUMN_START"};
 
-// Seconds to the start of a table that starts within the next 24 hours, by the clock of the client; else negative.
+// Returns the seconds until a table starts if it starts within 24 hours by the client's clock, else a negative
+// number.
 qint64 CountDown(const STable &table)
 {
     const qint64 left = qint64(table.uiStart) - CCasinoTime::GetInstance()->GetTimeUTCClient();
@@ -29,17 +30,17 @@ QString PlayersText(const STable &table)
     return QStringLiteral("%1/%2").arg(table.usPlayers).arg(table.usPlaces);
 }
 
-// Invalid for a column that sorts by its text.
+// Returns the value to sort by; invalid for a column that sorts by its text.
 QVariant SortValue(const STable &table, int column)
 {
     switch (column) {
     case CTableListModel::COL_STAKES:
-        // Amounts of different money don't compare, so each kind stays together; a sum takes 33 bits.
+        // Amounts of different money can't be compared, so each kind stays together; a sum takes 33 bits.
         return (quint64(table.eMoney) << 33) + table.mvLow + quint64(table.mvHigh);
     case CTableListModel::COL_PLAYERS:
         return uint(table.usPlayers);
     case CTableListModel::COL_START:
-        // Tables without a start come behind all that have one.
+        // Tables without a start time are sorted after those that have one.
         return table.uiStart == 0 ? std::numeric_limits<quint32>::max() : table.uiStart;
     default:
         return QVariant();
@@ -166,7 +167,7 @@ void CTableListModel::OnTextsChanged()
     Q_EMIT signal_TextsChanged();
 }
 
-// One second less for those that count down, and the date for those that have just ended.
+// Updates the texts of the tables that count down, and shows the date for those whose countdown has just ended.
 void CTableListModel::OnClockChanged()
 {
     const bool counted = m_bCounting;

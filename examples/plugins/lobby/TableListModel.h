@@ -7,30 +7,29 @@
 #include <QMap>
 #include <QStringList>
 
-/// The tables of the game server, a row each, in no order of note.
+/// The tables of the game server, one row each, in any order.
 class CTableListModel : public QAbstractTableModel
 {
     Q_OBJECT
 
 public:
     enum EColumn { COL_NAME, COL_TYPE, COL_GAME, COL_STAKES, COL_PLAYERS, COL_START, COL_COUNT };
-    /// What a column sorts by, where its text would sort wrongly.
+    /// The role of the value that a column sorts by, where its text would sort wrongly.
     static constexpr int SORT_ROLE = Qt::UserRole;
 
     explicit CTableListModel(QObject *parent);
 
     const LobbyProtocol::STable &GetTable(int row) const { return m_rows.at(row).table; }
-    /// Null if there is no such table; good until the next change.
+    /// Returns a table, which is valid until the next change; null if there is no such table.
     const LobbyProtocol::STable *FindTable(quint32 id) const;
-    /// What stands in a cell; where a countdown does, the date, which is wider and takes its place.
+    /// Returns the text of a cell; for a countdown the date, which is wider and replaces it later.
     QString GetText(int row, int column) const { return m_rows.at(row).texts.at(column); }
-    /// Whether the tables are as the server last knew them, but may have changed since.
+    /// Returns whether the tables may have changed since the server sent them.
     bool IsStale() const { return m_bStale; }
     void SetStale();
-    /// Takes over a complete list, by their ids. Rows of tables that stay are the same rows afterwards, so that what
-    /// is selected stays selected.
+    /// Replaces the tables by a complete list. Tables with the same id keep their rows, and so stay selected.
     void SetTables(const QMap<quint32, LobbyProtocol::STable> &tables);
-    /// Does nothing if there is no such table.
+    /// Changes a table; does nothing if there is no such table.
     void SetPlayers(const LobbyProtocol::SPlayerCount &count);
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
@@ -39,14 +38,13 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 Q_SIGNALS:
-    /// Behind SetTables() and SetStale().
+    /// Emitted after SetTables() and SetStale().
     void signal_ListChanged();
-    /// All texts are others, in another language or time zone.
+    /// Emitted when all texts have changed, with the language or the time zone.
     void signal_TextsChanged();
 
 private:
-    // The texts are kept, for there may be many rows, and all of them are looked at to sort, to filter and to
-    // measure.
+    // The texts are cached, because there may be many rows, and sorting, filtering and measuring read all of them.
     struct SRow
     {
         LobbyProtocol::STable table;
@@ -60,5 +58,5 @@ private:
     QVector<SRow> m_rows;
     QHash<quint32, int> m_rowsByID;
     bool m_bStale = true;
-    bool m_bCounting = false; // down to a start, as of the last second
+    bool m_bCounting = false; // a countdown is shown, as of the last second
 };

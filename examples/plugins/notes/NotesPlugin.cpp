@@ -10,7 +10,8 @@
 
 #include <QtWidgets> //! [plugin]
 
-/// Notes on players: those whom the user has noted, and those who have said something at the user's table.
+/// Shows notes on players: those about whom the user has noted something, and those who have spoken at the user's
+/// table.
 class CNotesPlugin : public CPluginInterface
 {
     Q_OBJECT
@@ -69,7 +70,7 @@ private: //! [view] [list]
         m_pPlayers->parentWidget()->setEnabled(user->IsLoggedIn());
         if (!user->IsLoggedIn()) {
             m_items.clear();
-            m_pPlayers->clear(); // nobody is chosen any more, which empties the form
+            m_pPlayers->clear(); // removes the current player, which deletes the form
         }
         Add(user->GetNickname());
         const auto rows = PlayerInfo::GetSyncList(user->GetNickname(), 0);
@@ -98,14 +99,14 @@ private: //! [view] [list]
         rating->setMaximum(5);
         auto *avatar = AddFormField<QSpinBox>(form, "PLAYERS_AVATAR", "avatar");
         avatar->setMaximum(999999);
-        avatar->setKeyboardTracking(false); // each value is one picture to fetch
+        avatar->setKeyboardTracking(false); // each value is one picture to download
         auto *picture = AddFormField<QLabel>(form, "PLAYERS_PICTURE", "picture");
 
         //! [form] [bindings]
         CPlayerLists *lists = CPlayerLists::GetInstance();
         const auto show = [=] {
             const QSignalBlocker blockers[] = {QSignalBlocker(note), QSignalBlocker(rating), QSignalBlocker(avatar)};
-            if (note->toPlainText() != player->GetNotes()) // else the cursor would leave its place
+            if (note->toPlainText() != player->GetNotes()) // otherwise the cursor would move
                 note->setPlainText(player->GetNotes());
             tag->setCurrentIndex(static_cast<int>(player->GetTagID()));
             buddy->setChecked(player->GetBuddy() || lists->GetBuddyList()->contains(player));
@@ -131,10 +132,10 @@ private: //! [view] [list]
         });
     }
 
-    QPointer<QListWidget> m_pPlayers;          // the list of the view, which is the host's
-    QPointer<QWidget> m_pForm;                 // also of the view
+    QPointer<QListWidget> m_pPlayers;          // the list of the view, which the host owns
+    QPointer<QWidget> m_pForm;                 // a child of the view
     QHash<QString, QListWidgetItem *> m_items; // of the list, by nickname
-    QTimer m_look;                             // for players from another machine, of whom nothing tells
+    QTimer m_look;                             // finds players from another machine, whom no signal announces
     //! [bindings]
 };
 

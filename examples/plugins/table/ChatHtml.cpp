@@ -6,7 +6,7 @@
 
 namespace {
 
-// The longest smiley that the text begins with; empty if there is none.
+// Returns the longest smiley with which the text begins; empty if there is none.
 QString FindSmiley(const QHash<QString, CChatModel::SSmiley> &smileys, const QStringRef &text)
 {
     QString longest;

@@ -2,6 +2,5 @@
 
 #include <QString>
 
-/// What somebody says, as HTML: a smiley of CChatModel stands as its picture; whatever else people type is text and
-/// nothing more.
+/// Returns what somebody says as HTML: smileys of CChatModel as pictures, everything else as escaped text.
 QString ToHtml(const QString &text);

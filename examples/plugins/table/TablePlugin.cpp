@@ -21,7 +21,7 @@ namespace {
 constexpr int LEVEL_WITHOUT_OBSERVERS = 2;
 constexpr int LEVEL_WITH_OBSERVERS = 3;
 
-// Of somebody who isn't to be read.
+// Returns whether the user doesn't want to read the player's lines.
 bool IsHidden(const TableProtocol::SLine &line)
 {
     if (CPlayerModel::IsExisting(line.strNickname) && CPlayerModel::GetInstance(line.strNickname)->GetChatBlock())
@@ -82,7 +82,7 @@ void CTablePlugin::ConnectionStateChanged(EConnectionState::type state)
 
 void CTablePlugin::Start()
 {
-    // Loads the machine's sound system, which takes some frames: at the first seat they would be missed.
+    // Loads the machine's sound system now, which takes some frames; at the first seat that would be noticed.
     CSoundManager::GetInstance();
     CChatModel::GetInstance()->LoadSmileyConfig(Pathes::ToCommonRes(QStringLiteral("smileys/smileys.xml"), false));
     new CSettingsPage(
@@ -100,7 +100,7 @@ QWidget *CTablePlugin::CreateView(QWidget *)
     return nullptr;
 }
 
-// For all tables that are open.
+// Adds a menu entry that calls \a action for each open table.
 void CTablePlugin::AddEntry(const char *key, const std::function<void(CTableWindow *)> &action)
 {
     auto *entry = new CAction(QString::fromLatin1(key), Texts::Area());
@@ -146,7 +146,7 @@ void CTablePlugin::Send(const QByteArray &payload)
     SendToServer(TableProtocol::GROUP, 0, 0, payload.constData(), payload.size(), false);
 }
 
-// The server takes the seat of who logs out, or is gone, by itself.
+// The server takes back the seat of a user who logs out or disconnects.
 void CTablePlugin::LeaveTable(quint32 tableID)
 {
     const QPointer<CTableWindow> window = m_windows.take(tableID);

@@ -12,8 +12,8 @@
 
 class CTableWindow;
 
-/// Opens a window for each table at which the user is given a seat, and passes on what is said there. A link that is
-/// lost takes the seats with it; the windows stay, and wait for the user to take the seat again.
+/// Opens a window for each table at which the user is given a seat, and passes on what is said there. When the
+/// connection is lost, so are the seats; the windows stay open until the user takes the seat again.
 class CTablePlugin : public CPluginInterface
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ public:
 
     QString GetName() const override { return QStringLiteral("table"); }
     QString GetVersion() const override { return QStringLiteral("1.0"); }
-    /// Seats and the menu on the bar are the lobby's.
+    /// The lobby requests seats, and adds the menu to the menu bar.
     QStringList GetDependencies() const override { return {QStringLiteral("lobby")}; }
     bool Initialize() override { return true; }
     void Start() override;

@@ -146,7 +146,7 @@ void CTableWindow::ShowTopUp()
     m_pTopUpText->setText(MakeTopUpText());
 }
 
-// What the choices come to here.
+// Returns a text with the amounts that the choices result in at this table.
 QString CTableWindow::MakeTopUpText() const
 {
     const CAutoTopUpModel *model = CAutoTopUpModel::GetInstance();

@@ -13,19 +13,20 @@ class QLineEdit;
 class QSpinBox;
 class QTextBrowser;
 
-/// A table at which the user has a seat: what is played, when chips are bought, and the chat. It closes when the user
-/// logs out, and deletes itself.
+/// A table at which the user has a seat: its facts, the top-up of chips, and the chat. The window closes when the
+/// user logs out, and deletes itself.
 class CTableWindow : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// \a lobby is the widget beside whose window the first table ever opens, and whose window it belongs to.
+    /// Constructs the window. \a lobby is a widget of the window that becomes its owner; the first table opens beside
+    /// it.
     CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby);
 
     /// Shows the window where the last one was closed, or else beside the lobby.
     void Open(QWidget *lobby);
-    /// 0 if the seat is lost. Nothing can be said then.
+    /// Sets the place, 0 if the seat is lost. Nothing can be said then.
     void SetPlace(quint16 place);
     bool HasSeat() const { return m_usPlace != 0; }
     void AddLine(const TableProtocol::SLine &line);
@@ -46,7 +47,7 @@ private:
 
     LobbyProtocol::STable m_table;
     quint16 m_usPlace = 0;
-    QLabel *m_pFacts; // this and those below are children
+    QLabel *m_pFacts; // this and the next ones are children
     QCheckBox *m_pTopUp;
     QSpinBox *m_pLowerLimit;
     QComboBox *m_pTarget;
