@@ -12,7 +12,7 @@ namespace Bench {
 
 using TRow = QHash<QString, QVariant>;
 
-/// What a program writes by itself: SQL text with its values in it, and each row as a hash.
+/// Runs a query as a program would write it by hand: SQL text that contains the values, and each row as a hash.
 inline QList<TRow> RunLiteral(const QSqlDatabase &connection, const QString &sql)
 {
     QSqlQuery query(connection);

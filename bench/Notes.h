@@ -43,7 +43,7 @@ inline QString Note(int number)
     return QStringLiteral("raises with nothing before the flop, %1 times seen").arg(number);
 }
 
-// Without them the heap is as it is at the start: what is made next doesn't lie in holes that others have left.
+// Destroys all players, so that the heap is as at the start and new ones don't fill gaps.
 inline void ForgetPlayers()
 {
     CPlayerModel::DestroyInstances();
@@ -51,7 +51,7 @@ inline void ForgetPlayers()
     malloc_trim(0);
 }
 
-// One player in ten is a buddy.
+// Returns the flags of a player; one in ten is a buddy.
 inline int Flags(int number)
 {
     return number % 10 == 0 ? 1 : 0;
@@ -66,10 +66,10 @@ class CFile
 public:
     CFile()
     {
-        CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold
+        CConfigDB::GetInstance()->Init(); // there is no file, so that the defaults are used
         Require(CSettingsDB::GetInstance()->Init() && CPlayerInfoDB::GetInstance()->Init(), "the files");
         Require(sqlite3_open(QFile::encodeName(Pathes::PlayerInfoDB()), &m_pFile) == SQLITE_OK, "the connection");
-        Run("PRAGMA synchronous = NORMAL"); // with the write-ahead log that the library has begun
+        Run("PRAGMA synchronous = NORMAL"); // in addition to the write-ahead log that the library has enabled
     }
     ~CFile() { sqlite3_close(m_pFile); }
     Q_DISABLE_COPY_MOVE(CFile)
@@ -83,7 +83,7 @@ public:
         return statement;
     }
 
-    // So many notes of the user, who is logged in and of whose notes no model knows.
+    // Fills the file with the given number of notes of the user, who is logged in and whose notes no model has.
     void Fill(int notes)
     {
         CUserInfo *user = CUserInfo::GetInstance();
@@ -99,7 +99,7 @@ public:
         user->SetLoggedIn(USER);
     }
 
-    // Each row is a transaction of its own unless one is under way.
+    // Writes notes; each row is a transaction of its own unless one has been begun.
     int Write(int notes, unsigned int time)
     {
         sqlite3_stmt *insert = Prepare("INSERT INTO tbl_playerinfo (PIN_cUser, PIN_cPlayer, PIN_cNote, PIN_iTagID,"
@@ -142,7 +142,7 @@ private:
     sqlite3 *m_pFile = nullptr;
 };
 
-// All notes into new players, by a query of Qt's.
+// Loads all notes into new players with a QSqlQuery.
 inline int LoadByHand(TPlayers<CPlayerDataModel> &players)
 {
     QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
@@ -162,7 +162,7 @@ inline int LoadByHand(TPlayers<CPlayerDataModel> &players)
     return players.size();
 }
 
-// The same through the C API, with what the notes of this benchmark hold.
+// Loads all notes into new players with the C API, but only the columns that this benchmark fills.
 inline int LoadBySQLite(CFile &file, TPlayers<CPlayerDataModel> &players)
 {
     sqlite3_stmt *select =

@@ -31,7 +31,7 @@ using TValues = QMap<QString, QString>; // by key
 inline const QString USER = QStringLiteral("alice");
 inline const QString SELECT_OF_USER = QStringLiteral("SELECT * FROM 'tbl_settings' WHERE URS_cUser='%1'");
 
-// Numbers in a row make values that differ. A blob is as long as a small one in Base64.
+// Returns a value; consecutive numbers give different values. A blob is as long as a small one in Base64.
 template <typename Type>
 Type MakeValue(int number)
 {
@@ -57,7 +57,7 @@ struct SEntry
     void (*Set)(CSettings &settings, int number);
 };
 
-// All settings, each keyed one with one entry.
+// All settings; each keyed setting has one entry.
 // clang-format off
 inline const std::vector<SEntry> ENTRIES{
 #define BENCH_ENTRY(Type, area, key, scope, setter) \
@@ -85,7 +85,8 @@ inline TValues ToValues(const QList<TRow> &rows)
     return values;
 }
 
-// The library with a user logged in, or with nobody, so that all settings are the installation's.
+// The library's store with a user logged in, or with nobody, in which case all settings are those of the
+// installation.
 template <bool LOGGED_IN>
 class CLibrary
 {
@@ -127,7 +128,7 @@ protected:
 using CUserSettings = CLibrary<true>;
 using CInstallationSettings = CLibrary<false>;
 
-// The installation's rows through SQL text, which is made outside of Sync().
+// The rows of the installation, written with SQL text that is composed outside of Sync().
 class CLiteral : public CInstallationSettings
 {
 public:
@@ -159,7 +160,7 @@ private:
     QStringList m_lstReplaces;
 };
 
-// The installation's rows and the user's, read into hashes.
+// The rows of the installation and of the user, read into hashes.
 class CLiteralLogin : public CUserSettings
 {
 public:
@@ -204,7 +205,7 @@ struct SKConfigFile : KConfig
 };
 #endif
 
-// A peer's file, which knows neither users nor times.
+// The file of another store, which has neither users nor times.
 template <typename File>
 class CPeer
 {
@@ -219,7 +220,7 @@ public:
 
     void Set(const SEntry &entry, int number) { m_File->Write(entry, entry.Value(number)); }
     void Sync() { m_File->sync(); }
-    // A copy tells what has reached the file; nobody has read it yet.
+    // A copy is read, because it contains exactly what has been written and nobody has cached it.
     TValues GetStored()
     {
         const QString path = m_dir.filePath(QStringLiteral("copy%1.conf").arg(++m_iTime));
@@ -233,7 +234,7 @@ public:
         m_File.emplace(m_file.fileName());
         m_values = Read(*m_File, true);
     }
-    // QSettings remembers the contents of a file that it has closed, until the file's time is another one.
+    // QSettings caches the contents of a closed file until the file's time changes.
     void LogOut()
     {
         m_File.reset();

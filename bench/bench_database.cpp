@@ -1,4 +1,4 @@
-// Rows read through CLocalDB, beside the same SQL text through QSqlQuery on the same connection.
+// Rows read with CLocalDB, compared with the same SQL text in QSqlQuery on the same connection.
 
 #include "LiteralQuery.h"
 
@@ -14,10 +14,10 @@ using Bench::RunLiteral;
 using Bench::SRow;
 using Bench::TRow;
 
-constexpr int KEYS = 64; // that are asked for in turn
+constexpr int KEYS = 64; // the number of keys that are looked up in turn
 const QString TABLE = QStringLiteral("tbl_rows");
 
-// A file with so many rows.
+// A file with the given number of rows.
 struct STable
 {
     explicit STable(int rows)
@@ -47,7 +47,7 @@ struct STable
     QStringList names;
 };
 
-// They stay until the program ends, so that no side fills one anew.
+// The tables exist until the program ends, so that each is filled once.
 STable &GetTable(int rows)
 {
     static std::map<int, std::unique_ptr<STable>> tables;
@@ -71,7 +71,7 @@ TRow SelectLiteral(STable &table, const QString &name)
     return RunLiteral(table.connection, sql).value(0);
 }
 
-// What a program would do that looks the same thing up again and again.
+// Selects as a program would that looks the same thing up repeatedly.
 TRow SelectPrepared(STable &table, const QString &name)
 {
     QSqlQuery &query = table.prepared;
@@ -97,7 +97,7 @@ QList<TRow> SelectAllLiteral(int rows)
     return RunLiteral(GetTable(rows).connection, QStringLiteral("SELECT * FROM 'tbl_rows'"));
 }
 
-// All keys one behind the other.
+// Adds a side that looks up all keys one after the other.
 void AddOneSide(SRow<QList<TRow>> &row, const char *side, TRow (*select)(STable &, const QString &))
 {
     row.Side(side, [select](int rows) {

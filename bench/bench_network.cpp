@@ -1,4 +1,4 @@
-// A download from a web server on loopback, which has a thread of its own, beside a bare socket.
+// A download from a web server on loopback, which has a thread of its own, compared with a bare socket.
 
 #include "support.h"
 
@@ -26,7 +26,7 @@ using Bench::SRow;
 constexpr int MEGA = 1 << 20;
 constexpr int BEAT_MS = 5;
 
-// Answers "/64" with 64 MiB, in a thread of its own.
+// A web server in a thread of its own that answers "/64" with 64 MiB.
 class CServer
 {
 public:
@@ -60,7 +60,7 @@ private:
     std::thread m_thread;
 };
 
-// "VmRSS" or, since the last ResetPeak(), "VmHWM", in bytes.
+// Returns the memory of the process in bytes: "VmRSS" or, as the peak since the last ResetPeak(), "VmHWM".
 double Memory(const char *which)
 {
     const QList<QByteArray> lines = ReadFile(QStringLiteral("/proc/self/status")).split('\n');
@@ -78,7 +78,7 @@ void ResetPeak()
     Require(file.open(QIODevice::WriteOnly) && file.write("5") == 1, "the reset of the peak");
 }
 
-// Turns the event loop until it is ended, and watches how evenly it beats and what memory it takes.
+// Runs the event loop until it is quit, and measures the gaps between timer events and the peak of the memory.
 void RunLoop(QEventLoop &loop, int megabytes)
 {
     const double before = Memory("VmRSS");
@@ -113,7 +113,7 @@ QByteArray Download(int port, int megabytes)
     return body;
 }
 
-// In place, but for the few bytes that come with the header.
+// Receives in place, except for the few bytes that arrive with the header.
 QByteArray ReadFromSocket(int port, int megabytes)
 {
     QTcpSocket socket;
@@ -155,7 +155,7 @@ int main(int argc, char **argv)
     const CServer server;
     const QCoreApplication application(argc, argv);
     const CInstallationTree installation;
-    CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold
+    CConfigDB::GetInstance()->Init(); // there is no file, so that the defaults are used
     AddRows(server.GetPort());
     return Bench::RunRows(argc, argv);
 }

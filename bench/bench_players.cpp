@@ -1,4 +1,4 @@
-// Live players: how they are found, changed, kept in memory, loaded with the user's notes, and saved.
+// Live players: how fast they are found, changed, created, loaded with the user's notes, and saved.
 
 #include "Notes.h"
 
@@ -11,10 +11,10 @@ namespace {
 using namespace Notes;
 using Bench::SRow;
 
-constexpr double IDLE_SECONDS = 5e-5; // a turn of the event loop that has written nothing
+constexpr double IDLE_SECONDS = 5e-5; // a turn of the event loop in which nothing was written
 constexpr int CHANGES = 1000;
 
-// A player as a program would write one by hand, with the same fields.
+// A player as a program would write it by hand, with the same fields.
 class CBarePlayer : public QObject
 {
     Q_OBJECT
@@ -36,7 +36,7 @@ Q_SIGNALS:
     void signal_VipLevelChanged(quint32 level);
 };
 
-// Players whose nicknames are asked for in an order that isn't the one of their making.
+// Players, and their nicknames in another order than that of their creation.
 struct SFound
 {
     QStringList names;
@@ -77,7 +77,7 @@ void AddFindRow()
     row.Side("floor", [byHand](int) { return FindAll(found.names, byHand); });
 }
 
-// The sum of what a listener hears.
+// Adds a side that returns the sum of the values that a slot receives.
 template <typename Player, typename Signal>
 void AddSetterSide(SRow<quint64> &row, const char *side, Signal signal)
 {
@@ -134,7 +134,7 @@ void AddMemoryRow()
         "floor", [](int players) { return MakeBarePlayers(bare, players); }, tell);
 }
 
-// What waits, in the order of its last change.
+// The players that wait, in the order of their last change.
 struct SQueue
 {
     struct SEntry
@@ -203,7 +203,7 @@ void AddLoadRow(CFile &file)
     row.Side("C API of SQLite", [&file](int) { return LoadBySQLite(file, players); });
 }
 
-// Turns the event loop until all is written; what counts are the turns that write.
+// Runs the event loop until all is written; only the turns that write are timed.
 int SaveThroughLibrary(CFile &file, int notes)
 {
     for (bool done = false; !done;) {

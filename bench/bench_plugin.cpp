@@ -1,4 +1,4 @@
-// The bus beside bare Qt signals, and packets beside a buffer that a program manages by itself.
+// The bus compared with bare Qt signals, and packets compared with a buffer that a program manages itself.
 
 #include "support.h"
 
@@ -89,7 +89,7 @@ CPacketLayerWrapper BuildPacket(int records)
     return packet;
 }
 
-// A buffer as exact as the library's.
+// A buffer of the exact size, like the library's.
 struct SBuffer
 {
     SBuffer() = default;
@@ -97,7 +97,7 @@ struct SBuffer
     Q_DISABLE_COPY_MOVE(SBuffer)
     char *Grow(int bytes)
     {
-        // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): what the library is measured against
+        // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): the floor
         pBytes = static_cast<char *>(std::realloc(pBytes, size_t(iSize) + size_t(bytes)));
         iSize += bytes;
         return pBytes + iSize - bytes;

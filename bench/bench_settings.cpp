@@ -1,6 +1,6 @@
-// The store of all user settings in a file on disk: the write of the queue, and the login of a user who has them
-// stored. The floor is SQL text on the same connection; QSettings with its INI format and KConfig keep the same
-// settings in files of their own. In the end each file has to hold what was set.
+// The store of all user settings in a file on disk: writing the queue, and the login of a user with stored settings.
+// The floor is SQL text on the same connection; QSettings with its INI format and KConfig store the same settings in
+// files of their own. At the end each file has to contain the values that were set.
 
 #include "SettingsStores.h"
 
@@ -15,7 +15,7 @@ namespace {
 using namespace SettingsStores;
 using Bench::SRow;
 
-// Calls of the process by which it has written to any file.
+// Returns the number of system calls with which the process has written to files.
 double CountWrites()
 {
     const QByteArray counts = ReadFile(QStringLiteral("/proc/self/io"));
@@ -88,7 +88,7 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv); // the SQL driver is a plugin of Qt
     const CInstallationTree installation;
-    CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold
+    CConfigDB::GetInstance()->Init(); // there is no file, so that the defaults are used
     CCasinoTime::GetInstance()->SetTimeUTCServer(1000);
     Require(CSettingsDB::GetInstance()->Init(), "the settings' file");
     AddRows();

@@ -1,6 +1,6 @@
-// The start of a host: from main() until the objects are there that it makes before its plugins, on files that an
-// earlier start has made. Each start is a process of its own, this program again; the floor opens the same files and
-// reads from each one once. What is opened, strace tells.
+// The start of a host: from main() until the objects exist that it creates before its plugins, with files that an
+// earlier start has created. Each start is a process of its own, running this program again; the floor opens the same
+// files and reads from each one once. strace tells which files are opened.
 
 #include "support.h"
 
@@ -35,12 +35,12 @@ namespace {
 
 using Bench::Require;
 
-const QString FONT_KEY = QStringLiteral("defaultfontfamily"); // the operator's
+const QString FONT_KEY = QStringLiteral("defaultfontfamily"); // set by the operator
 const QString FONT = QStringLiteral("Serif");
-const QString TAB_KEY = QStringLiteral("designertab"); // the installation's
+const QString TAB_KEY = QStringLiteral("designertab"); // a setting of the installation
 const QString TAB = QStringLiteral("Colours");
 
-// What SQLite has begun in this process, on whichever connection.
+// The statements that SQLite has begun in this process, on all connections.
 QStringList statements;
 
 int RecordStatement(unsigned int, void *, void *statement, void *)
@@ -99,7 +99,8 @@ QStringList FloorStart()
             ReadOne(Pathes::SettingsDB(), QStringLiteral("SELECT URS_cKey, URS_cValue FROM tbl_settings"), TAB_KEY)};
 }
 
-// The process that starts: tells its time, its statements, how many of them have come twice, and what it has read.
+// The process that starts: prints its time, the number of its statements and of repeated ones, and the values that it
+// has read.
 int Start(const QElapsedTimer &clock, bool library)
 {
     const QStringList read = library ? LibraryStart() : FloorStart();
@@ -123,7 +124,7 @@ QStringList RunStart(const QString &side, const QStringList &tracer = {})
     return QString::fromUtf8(process.readAll()).split(QLatin1Char('\n'));
 }
 
-// Files that a start opens, and those of the installation and of the user that it opens more than once.
+// Counts the files that a start opens, and the installation's and user's files that it opens more than once.
 void CountOpens(const QString &side)
 {
     const QString trace = QStringLiteral("trace.txt");
@@ -163,7 +164,7 @@ void AddSide(Bench::SRow<QString> row, const char *name)
     row.Side(name, work, tell);
 }
 
-// What an operator gives, and what an earlier start has left.
+// Creates the operator's files, and those that an earlier start would have left.
 void MakeFiles(const CInstallationTree &installation)
 {
     for (const char *file : {"Resources/config.sqlite", "Resources/language.sqlite"})

@@ -1,5 +1,5 @@
-// The exchange of notes with the web server: what the client sends and what it takes in, beside the same JSON by way
-// of variant maps.
+// The exchange of notes with the web server: the JSON that the client sends and receives, compared with the same JSON
+// by way of variant maps.
 
 #include "Notes.h"
 
@@ -66,14 +66,14 @@ void AddBuildRow(CFile &file)
     SRow<QByteArray> row{"sync_build", {100, 1000, 10000, 100000}};
     row.Setup = [&file](int notes) {
         file.Fill(notes);
-        CSettingsSync::GetInstance()->ReadJSON("{}"); // a server that has nothing yet
+        CSettingsSync::GetInstance()->ReadJSON("{}"); // a server without rows
         CSettingsSync::GetInstance()->GetLocalTimestamps();
     };
     row.Side("library", [](int) { return CSettingsSync::GetInstance()->CreateJSONforSync(); });
     row.Side("floor", [&file](int) { return WriteMap(ReadMap(file)); });
 }
 
-// Into variant maps, and the rows in one transaction.
+// Reads the answer into variant maps, and writes the rows in one transaction.
 void TakeInByHand(CFile &file, const QByteArray &answer)
 {
     const QVariantMap map = QJsonDocument::fromJson(answer).object().toVariantMap();

@@ -1,4 +1,4 @@
-// Texts of the catalogue and amounts of money, beside the same SQL text through QSqlQuery on the same connection.
+// Texts of the catalogue and amounts of money, compared with the same SQL text in QSqlQuery on the same connection.
 
 #include "LiteralQuery.h"
 
@@ -22,10 +22,10 @@ namespace {
 using Bench::Require;
 using Bench::SRow;
 
-constexpr int KEYS = 64; // that are asked for in turn
+constexpr int KEYS = 64; // the number of keys that are looked up in turn
 constexpr unsigned int AMOUNT = 123456789;
 constexpr unsigned int CHIPS = 1234567;
-constexpr int DIGITS = 16; // more than an amount has
+constexpr int DIGITS = 16; // more than any amount has
 const QString AREA = QStringLiteral("bench");
 const QString CORE = QStringLiteral("core");
 
@@ -45,7 +45,7 @@ void MakeCatalogue()
         " (1, 'core', 'money_thousandsseperator', ',')");
 }
 
-// With so many texts.
+// Fills the catalogue with the given number of texts.
 void Fill(int texts)
 {
     static int present = 0;
@@ -73,7 +73,7 @@ QString LookUp(const QString &key, const QString &area)
     return CTranslation::GetInstance()->GetTranslatedString(key, area, -1);
 }
 
-// All keys one behind the other.
+// Adds a side that looks up all keys one after the other.
 void AddTextSide(SRow<QStringList> &row, const char *side, QString (*find)(const QString &, const QString &))
 {
     row.Side(side, [find](int texts) {
@@ -84,7 +84,7 @@ void AddTextSide(SRow<QStringList> &row, const char *side, QString (*find)(const
     });
 }
 
-// Digits in a buffer, with signs that are known; chips without any.
+// Writes digits into a buffer, with given sign and separators; without any for chips.
 QString FormatByHand(const QString &sign, const QString &separator, const QString &decimal, unsigned int amount)
 {
     QChar buffer[DIGITS * 2];
@@ -112,7 +112,7 @@ QString AmountByHand(int)
     return FormatByHand(LookUp(QStringLiteral("CURRENCY"), CORE), separator, decimal, AMOUNT);
 }
 
-// Counts what SQLite begins on the catalogue's connection, until it is told null.
+// Counts the statements that SQLite begins on the catalogue's connection, until it is called with null.
 void CountStatements(int *number)
 {
     const auto count = [](unsigned int, void *sum, void *, void *) { return ++*static_cast<int *>(sum), 0; };
@@ -182,7 +182,7 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv); // the SQL driver is a plugin of Qt
     const CInstallationTree installation;
     installation.WriteFile(QStringLiteral("Resources/language.sqlite"), QByteArray());
-    CConfigDB::GetInstance()->Init(); // there is none, so that the defaults hold
+    CConfigDB::GetInstance()->Init(); // there is no file, so that the defaults are used
     Require(CSettingsDB::GetInstance()->Init() && CTranslationDB::GetInstance()->Init(), "the databases");
     MakeCatalogue();
     int statements = 0;

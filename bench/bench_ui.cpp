@@ -1,4 +1,4 @@
-// Style sheets beside a reader by indexOf(), and columns of tables beside the scaling pass alone.
+// Style sheets compared with a reader that uses indexOf(), and columns of tables with the scaling pass alone.
 
 #include "support.h"
 
@@ -19,7 +19,7 @@ using Bench::SRow;
 constexpr int KILO = 1024;
 constexpr int FILE_KILO = 20; // of each included file
 
-// A theme of so many kB, all of it in files that one sheet includes.
+// Writes a theme of the given size, all of it in files that one sheet includes, and returns the sheet's path.
 QString WriteSheet(const CInstallationTree &tree, int kilobytes, bool broken)
 {
     QByteArray file;
@@ -40,7 +40,7 @@ QString WriteSheet(const CInstallationTree &tree, int kilobytes, bool broken)
     return tree.WriteFile(folder + (broken ? QStringLiteral("broken.css") : QStringLiteral("style.css")), sheet);
 }
 
-// False if a comment is left open.
+// Removes comments; returns false if one isn't closed.
 bool RemoveComments(const QString &text, QString &rest)
 {
     int from = 0;
@@ -55,7 +55,7 @@ bool RemoveComments(const QString &text, QString &rest)
     return true;
 }
 
-// A reader that knows how these sheets are written.
+// A reader for sheets in exactly this format.
 bool ReadByHand(const QString &path, QString &contents)
 {
     QFile file(path);
@@ -83,7 +83,7 @@ bool ReadByHand(const QString &path, QString &contents)
     return RemoveComments(lines, contents);
 }
 
-// What is read, or that it couldn't be.
+// Adds a side that returns what was read, or that it failed.
 void AddSheetSide(SRow<QString> &row, const char *side, const QString &path, bool (*read)(const QString &, QString &))
 {
     row.Side(side, [&path, read](int) {
@@ -105,7 +105,7 @@ void AddSheetRow(const CInstallationTree &tree, const char *name, bool broken, c
     AddSheetSide(row, "floor", path, ReadByHand);
 }
 
-// The scaling pass alone: what the fractions leave goes to the first columns.
+// Does the scaling pass alone: the first columns get the remaining pixels.
 QList<double> ScaleByHand(double width, const QList<double> &sizes)
 {
     double total = 0;

@@ -1,4 +1,4 @@
-"""The growth curves of the benchmarks as a picture."""
+"""Draws the growth curves of the benchmarks."""
 
 import html
 import math
@@ -11,7 +11,7 @@ SIDES = (("floor", "#9a9a9a", "4 3"), ("library", "#1f5fa8", ""))
 
 
 def curve(row, side, rounds):
-    """Points of n and the median time of one item in nanoseconds."""
+    """Returns points of n and the median time of one item in nanoseconds."""
     ns = sorted(n for key, found, n in rounds[0] if (key, found) == (row.key, side))
     return [(n, statistics.median(results[row.key, side, n]["ns"] for results in rounds) / items(row, n))
             for n in ns]

@@ -1,4 +1,4 @@
-"""What is expected of each row of the benchmarks; the programs say what its sides do."""
+"""The bounds of each row of the benchmarks; the programs define what its sides do."""
 
 from dataclasses import dataclass, field
 from typing import Optional
@@ -6,17 +6,17 @@ from typing import Optional
 
 @dataclass
 class Row:
-    key: str  # the name's first part
+    key: str  # the first part of the name
     title: str
-    floor: str  # what stands beside it
+    floor: str  # what it is compared with
     ratio: Optional[float] = None  # at most so many times the floor
     extra_ns: Optional[float] = None  # or so many nanoseconds above it
-    per: str = ""  # what the time is that of one of
-    items: int = 0  # how many of those, where it isn't n
-    flat: bool = False  # the time doesn't grow with n
-    wall: bool = False  # the time is the clock's, not the processor's
-    counters: dict = field(default_factory=dict)  # most of each, at n or at any: {"name": 16} or {"name@10000": 16};
-    # with None it's told, not judged
+    per: str = ""  # the unit whose time is shown; there are n of it
+    items: int = 0  # the number of units, where it isn't n
+    flat: bool = False  # the time for each unit doesn't grow with n
+    wall: bool = False  # wall time instead of processor time
+    # The bound of each, at any n or at one: {"name": 16} or {"name@10000": 16}; None only shows it.
+    counters: dict = field(default_factory=dict)
 
 
 PROGRAMS = {

@@ -13,8 +13,8 @@
 
 #include <time.h>
 
-/// Ways to the same result, each measured by Google Benchmark under the name "row/side/n". The side "library" is
-/// judged beside the side "floor"; others are shown. What is expected of the rows stands in rows.py.
+/// Measures different ways to the same result with Google Benchmark, each under the name "row/side/n". The side
+/// "library" is judged against the side "floor"; other sides are only shown. rows.py contains the bounds.
 namespace Bench {
 
 inline void Require(bool done, const char *what)
@@ -23,7 +23,7 @@ inline void Require(bool done, const char *what)
         qFatal("%s failed", what);
 }
 
-/// What the work under measurement tells besides its time; the largest value of a run counts.
+/// Sets a counter of the current work; the largest value of a run is reported.
 inline std::map<std::string, double> counters;
 inline void Count(const char *name, double value)
 {
@@ -31,10 +31,10 @@ inline void Count(const char *name, double value)
     most = std::max(most, value);
 }
 
-/// Seconds of the iteration under way that don't count, in a row with Prepare.
+/// Seconds of the current iteration that don't count, in a row with Prepare.
 inline double idleSeconds = 0;
 
-/// What the thread has had of the processor.
+/// Returns the processor time of the thread in nanoseconds.
 inline double ProcessorNanoseconds()
 {
     timespec time{};
@@ -42,21 +42,23 @@ inline double ProcessorNanoseconds()
     return double(time.tv_sec) * 1e9 + double(time.tv_nsec);
 }
 
-/// One row: its sides do the same work for each n. A side whose result isn't the others' ends the program.
+/// One row of the table, whose sides do the same work for each n. A side whose result differs from the others ends
+/// the program.
 template <typename Result>
 struct SRow
 {
     std::string strName;
     std::vector<int> sizes;
-    /// Called with n before each run of the sides that are added behind it; a run may be many iterations.
+    /// Called with n before each run of the sides that are added after it was set; a run may be many iterations.
     std::function<void(int)> Setup = nullptr;
-    /// The same before each iteration. Neither it nor the end of the work's result is timed. The time is that of the
-    /// clock then, the processor's is the counter "cpu_ns", and the longest iteration "longest_ms".
+    /// Called with n before each iteration; neither it nor the destruction of the work's result is timed. The time is
+    /// then wall time; the counter "cpu_ns" is the processor time, and "longest_ms" the longest iteration.
     std::function<void(int)> Prepare = nullptr;
-    int iIterations = 0; ///< Instead of as many as fill the time of a run.
+    int iIterations = 0; ///< The number of iterations of a run; 0 for as many as fill its time.
     std::shared_ptr<std::map<int, Result>> results = std::make_shared<std::map<int, Result>>(); // of the first side
 
-    /// \a work takes n, and can be repeated unless there is Prepare; \a tell makes the result of what it answers.
+    /// Adds a side. \a work takes n, and has to be repeatable unless Prepare is set; \a tell makes the result from
+    /// what \a work returns.
     template <typename Work, typename Tell>
     void Side(const std::string &side, Work work, Tell tell)
     {
@@ -115,7 +117,7 @@ private:
     }
 };
 
-/// For main(), behind the making of the rows.
+/// Runs the rows that have been added; called by main().
 inline int RunRows(int argc, char **argv)
 {
     benchmark::Initialize(&argc, argv);

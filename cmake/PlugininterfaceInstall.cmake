@@ -1,5 +1,5 @@
-# What the library installs: itself, and what its users compile, find it and write QML with. The tool and the example
-# install themselves. A component is a Debian package, see PlugininterfacePackages.cmake.
+# Installs the library, and the files that its users need to compile, find it and write QML. The tool and the example
+# install themselves. Each component is a Debian package, see PlugininterfacePackages.cmake.
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/plugininterface")
@@ -15,7 +15,7 @@ install(FILES "${CMAKE_CURRENT_BINARY_DIR}/plugininterfaceConfig.cmake"
               "${CMAKE_CURRENT_BINARY_DIR}/plugininterfaceConfigVersion.cmake"
     DESTINATION "${package_dir}" COMPONENT development)
 
-# Both ways to the library work wherever the tree is moved to.
+# The CMake package and the pkg-config file work wherever the tree is moved to.
 set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 file(RELATIVE_PATH pc_to_prefix "/${pkgconfig_dir}" "/")
 cmake_path(NORMAL_PATH pc_to_prefix)

@@ -1,5 +1,5 @@
-# Four Debian packages, by `cpack` in the build folder: the library, what is needed to compile with it, the tool of
-# those who brand an installation, and the example. Each is a component of the installation.
+# Four Debian packages, made by `cpack` in the build folder: the library, its development files, the tool for
+# operators, and the example. Each is a component of the installation.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME plugininterface)
 set(CPACK_PACKAGE_CONTACT "Maintainers of plugininterface <maintainers@users.noreply.c-seed-65f3c664.example>")
@@ -17,7 +17,7 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/src") # where the other packages find the library
 
-# What those who link the library depend on, and the linker's cache.
+# The dependency of packages that link the library, and the update of the linker's cache.
 set(soname_version ${PROJECT_VERSION_MAJOR})
 file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/packages/shlibs"
     CONTENT "libplugininterface ${soname_version} libplugininterface${soname_version} (>= ${PROJECT_VERSION})\n")
@@ -34,7 +34,7 @@ add_custom_command(OUTPUT "${changelog}"
 add_custom_target(plugininterface_packages_changelog ALL DEPENDS "${changelog}")
 
 # debian_package(<component> NAME <name> SECTION <section> SUMMARY <line> DESCRIPTION <line>... DEPENDS <package>...)
-# The libraries that a program links are found in it; DEPENDS has what no linker sees.
+# The packages of linked libraries are detected; DEPENDS lists dependencies that the linker doesn't see.
 macro(debian_package component)
     cmake_parse_arguments(DEB "" "NAME;SECTION;SUMMARY" "DESCRIPTION;DEPENDS" ${ARGN})
     string(TOUPPER "${component}" upper)

@@ -1,12 +1,12 @@
-# One function per kind of target. What holds for all of a kind (warnings, visibility, Qt strictness, where the
-# result lies) is said here once; a folder's CMakeLists.txt is a list of sources. Arguments that a function does not
-# know are fatal.
+# One function for each kind of target. It defines what all targets of the kind have in common (warnings, visibility,
+# strictness of Qt, output folders), so that the CMakeLists.txt of a folder only lists sources. Unknown arguments are
+# fatal.
 
 include(GNUInstallDirs)
 
-# The installation tree that the build makes for the example client; its shape is the one Pathes describes.
+# The installation tree that the build creates for the example client, in the layout that Pathes describes.
 set(PLUGININTERFACE_INSTALLATION_DIR "${PROJECT_BINARY_DIR}/installation/Contents")
-# Where it is installed, with the servers beside it.
+# The folder into which it is installed, together with the servers.
 set(PLUGININTERFACE_EXAMPLE_DIR "${CMAKE_INSTALL_LIBDIR}/plugininterface-example")
 
 macro(_plugininterface_parse function options single multi)
@@ -16,7 +16,7 @@ macro(_plugininterface_parse function options single multi)
     endif()
 endmacro()
 
-# What every target of this project is compiled with.
+# Sets the compiler options of all targets of this project.
 function(plugininterface_strict target)
     target_compile_features(${target} PRIVATE cxx_std_17)
     set_target_properties(${target} PROPERTIES
@@ -36,7 +36,7 @@ function(plugininterface_strict target)
     target_compile_options(${target} PRIVATE
         $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
         -Woverloaded-virtual -Wundef>
-        # Not part of g++'s -Wconversion, and moc's output has some.
+        # g++'s -Wconversion doesn't include it, and moc's output has such conversions.
         $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-sign-conversion>
         $<$<CXX_COMPILER_ID:MSVC>:/W4>)
     if(PLUGININTERFACE_WERROR)
@@ -45,12 +45,13 @@ function(plugininterface_strict target)
     if(PLUGININTERFACE_PRECOMPILED_HEADERS)
         target_precompile_headers(${target} PRIVATE <QtCore>)
     endif()
-    # A symbol that the hidden visibility hides from its user shows at the link, not at load.
+    # Libraries that a target links but doesn't use don't become its dependencies.
     target_link_options(${target} PRIVATE $<$<PLATFORM_ID:Linux>:LINKER:--as-needed>)
 endfunction()
 
-# A folder of the library: plugininterface_library_folder(HEADERS <public headers> SOURCES <sources and private headers>)
-# Public headers are installed under their folder's name and compiled alone by the build.
+# A folder of the library:
+# plugininterface_library_folder(HEADERS <public headers> SOURCES <sources and private headers>)
+# Public headers are installed in a folder of that name, and the build compiles each of them alone.
 function(plugininterface_library_folder)
     _plugininterface_parse(plugininterface_library_folder "" "" "HEADERS;SOURCES" ${ARGN})
     target_sources(plugininterface PRIVATE ${ARG_SOURCES} ${ARG_HEADERS})
@@ -59,7 +60,7 @@ function(plugininterface_library_folder)
     set_property(TARGET plugininterface APPEND PROPERTY PLUGININTERFACE_PUBLIC_HEADERS ${ARG_HEADERS})
 endfunction()
 
-# One translation unit for each public header, which holds nothing but its #include.
+# Compiles one translation unit for each public header, which contains only its #include.
 function(plugininterface_check_headers_alone)
     get_target_property(headers plugininterface PLUGININTERFACE_PUBLIC_HEADERS)
     set(units)
@@ -71,7 +72,7 @@ function(plugininterface_check_headers_alone)
     add_library(plugininterface_headers_alone OBJECT ${units})
     plugininterface_strict(plugininterface_headers_alone)
     set_target_properties(plugininterface_headers_alone PROPERTIES AUTOMOC OFF)
-    if(NOT PROJECT_IS_TOP_LEVEL) # a check of this project, not of those that take it in
+    if(NOT PROJECT_IS_TOP_LEVEL) # a check of this project, not of projects that include it
         set_target_properties(plugininterface_headers_alone PROPERTIES EXCLUDE_FROM_ALL ON)
     endif()
     target_link_libraries(plugininterface_headers_alone PRIVATE plugininterface::plugininterface)
@@ -86,7 +87,8 @@ function(plugininterface_tool name)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 endfunction()
 
-# A part of the example that its programs and their tests share: plugininterface_example_library(<name> SOURCES ... [LIBRARIES ...])
+# A library of the example that its programs and their tests share:
+# plugininterface_example_library(<name> SOURCES ... [LIBRARIES ...])
 function(plugininterface_example_library name)
     _plugininterface_parse(plugininterface_example_library "" "" "SOURCES;LIBRARIES" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
@@ -98,7 +100,7 @@ function(plugininterface_example_library name)
 endfunction()
 
 # A program of the example: plugininterface_example(<name> SOURCES ... [LIBRARIES ...] [INSTALLATION_NAME <file>])
-# With INSTALLATION_NAME it lies in the client folder of the installation tree under that name, otherwise in bin.
+# With INSTALLATION_NAME it is built under that name in the client folder of the installation tree, otherwise in bin.
 function(plugininterface_example name)
     _plugininterface_parse(plugininterface_example "" "INSTALLATION_NAME" "SOURCES;LIBRARIES" ${ARGN})
     plugininterface_tool(${name} SOURCES ${ARG_SOURCES} LIBRARIES ${ARG_LIBRARIES})
@@ -110,7 +112,8 @@ function(plugininterface_example name)
     endif()
 endfunction()
 
-# Programs and plugins of the example are installed as the tree they are built in: plugininterface_install_example(<folder> <target>...)
+# Installs programs and plugins of the example in the layout of the build:
+# plugininterface_install_example(<folder> <target>...)
 function(plugininterface_install_example folder)
     set(destination "${PLUGININTERFACE_EXAMPLE_DIR}/${folder}")
     file(RELATIVE_PATH to_library "/${destination}" "/${CMAKE_INSTALL_LIBDIR}")
@@ -119,7 +122,7 @@ function(plugininterface_install_example folder)
 endfunction()
 
 # A plugin: plugininterface_plugin(<name> SOURCES ... [LIBRARIES ...] [DIRECTORY <output folder>])
-# Without DIRECTORY it lies in the plugin folder of the installation tree, where the example client finds it.
+# Without DIRECTORY it is built in the plugin folder of the installation tree, where the example client finds it.
 function(plugininterface_plugin name)
     _plugininterface_parse(plugininterface_plugin "" "DIRECTORY" "SOURCES;LIBRARIES" ${ARGN})
     if(NOT ARG_DIRECTORY)
@@ -133,13 +136,13 @@ endfunction()
 
 # A Qt Test program: plugininterface_test(<name> SOURCES ... [LIBRARIES ...] [DEFINITIONS ...] [SERIAL])
 # A warning in its log that the test did not announce with QTest::ignoreMessage() fails it. SERIAL is for tests that
-# cannot share the machine with another one; say why beside it.
+# can't run at the same time as another one; say why beside it.
 function(plugininterface_test name)
     _plugininterface_parse(plugininterface_test "SERIAL" "" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     plugininterface_strict(${name})
     target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
-    # QSKIP() takes further arguments, which C++ before C++20 wants at least one of.
+    # QSKIP() has a variadic macro argument, of which C++ before C++20 requires at least one.
     target_compile_options(${name} PRIVATE
         $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-gnu-zero-variadic-macro-arguments>)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")

@@ -1,8 +1,8 @@
-# Sourced by ./demo and ./test: installs what is missing and builds a preset. Both run in the project's folder.
+# Sourced by ./demo and ./test: installs missing packages and builds a preset. Both run in the project's folder.
 
 say() { printf '\n== %s\n' "$*"; }
 
-# Installs those Debian packages of cmake/packages.txt that are not there.
+# Installs the missing ones of the Debian packages in cmake/packages.txt.
 install_packages() {
     local missing=() package as_root=()
     for package in $(grep -v '^#' cmake/packages.txt); do
@@ -16,14 +16,14 @@ install_packages() {
         >/dev/null
 }
 
-# build_preset NAME
+# build_preset NAME: configures and builds a preset.
 build_preset() {
     say "Building $1"
     cmake --preset "$1" >/dev/null
     cmake --build --preset "$1"
 }
 
-# take_tour PRESET: the example client shows itself, and leaves screenshots in build/PRESET/tour.
+# take_tour PRESET: drives the example client, and saves screenshots in build/PRESET/tour.
 take_tour() {
     say "The tour, $1"
     local build=$PWD/build/$1 data=$PWD/examples/data

@@ -14,8 +14,8 @@
 
 #include <cstdint>
 
-/// What the targets stand on. Each is a program of libFuzzer's, which calls FuzzOne() with bytes of its choice; what
-/// doesn't hold ends the program with those bytes on the disk.
+/// The common parts of the fuzz targets. Each target is a libFuzzer program, which calls FuzzOne() with inputs of its
+/// choice; a failed check ends the program, which saves the input.
 namespace Fuzz {
 
 inline void Require(bool holds, const char *what)
@@ -24,8 +24,8 @@ inline void Require(bool holds, const char *what)
         qFatal("%s", what);
 }
 
-/// The library as a client has it: files of its own, a small catalogue, and somebody logged in. Made once, and left
-/// to the end of the process.
+/// The library as in a client: with files of its own, a small catalogue, and a logged-in user. It exists until the
+/// process ends.
 class CLibrary
 {
 public:
@@ -62,7 +62,7 @@ private:
 inline char programName[] = "fuzz";
 inline char *CLibrary::s_arguments[] = {programName, nullptr};
 
-/// Creates it on first use.
+/// Returns the library, and creates it on first use.
 inline CLibrary &Library()
 {
     static CLibrary &library = *[] {
@@ -72,7 +72,7 @@ inline CLibrary &Library()
     return library;
 }
 
-/// Takes the first byte off \a bytes; 0 if there is none.
+/// Removes and returns the first byte of \a bytes; 0 if there is none.
 inline unsigned char TakeByte(QByteArray &bytes)
 {
     const unsigned char first = bytes.isEmpty() ? 0 : static_cast<unsigned char>(bytes.at(0));
@@ -82,7 +82,7 @@ inline unsigned char TakeByte(QByteArray &bytes)
 
 } // namespace Fuzz
 
-/// Written by each target.
+/// Checks one input; each target defines it.
 void FuzzOne(QByteArray bytes);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)

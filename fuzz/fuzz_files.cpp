@@ -1,4 +1,4 @@
-// Files of the operator: emoticons in XML, and style sheets with what they include.
+// Files of the operator: emoticons in XML, and style sheets with the files that they include.
 
 #include "Fuzz.h"
 

@@ -40,7 +40,7 @@ void TakeAnswer(const QByteArray &json)
     sync->GetLocalTimestamps();
     const QByteArray sent = sync->CreateJSONforSync();
     Fuzz::Require(sent.isEmpty() || QJsonDocument::fromJson(sent).isObject(), "what is sent is an object");
-    CPlayerModel::DestroyInstances(); // the names are many
+    CPlayerModel::DestroyInstances(); // each input adds names
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 

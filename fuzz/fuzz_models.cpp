@@ -1,4 +1,4 @@
-// The data models as QDataStream holds them: what was read is written, and read again, to the same.
+// Data models serialised by QDataStream: a model that was read is written and read again unchanged.
 
 #include "Fuzz.h"
 

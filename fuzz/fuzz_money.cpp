@@ -1,4 +1,4 @@
-// Amounts as players type them: what was understood is shown, and understood again, as the same.
+// Amounts as players type them: an amount that was read is written and read again unchanged.
 
 #include "Fuzz.h"
 

@@ -1,4 +1,4 @@
-// The stream of the game server, however it is cut, and the walk over the records of its packets.
+// The stream of the game server, split anywhere, and the records of its packets.
 
 #include "Fuzz.h"
 
@@ -15,7 +15,7 @@ QByteArrayList TakeAll(CPacketStream &stream)
     return packets;
 }
 
-// The same packet, if the walk reaches its end.
+// Builds the same packet from its records, if all of them can be read.
 void Rebuild(const QByteArray &bytes)
 {
     CPacketLayerWrapper packet(bytes.constData());
@@ -27,7 +27,7 @@ void Rebuild(const QByteArray &bytes)
     }
     Fuzz::Require(packet.GetPayload() == nullptr && packet.GetPayloadLength() == 0, "no payload behind the end");
     Fuzz::Require(copy.GetPacketSize() <= packet.GetPacketSize(), "the records fit into their packet");
-    if (copy.GetPacketSize() == packet.GetPacketSize()) // but for letters of the group behind a zero byte
+    if (copy.GetPacketSize() == packet.GetPacketSize()) // letters of the group after a zero byte may differ
         Fuzz::Require(bytes.mid(4) == QByteArray(copy.GetPacket(), copy.GetPacketSize()).mid(4), "the same packet");
 }
 
@@ -49,7 +49,7 @@ void FuzzOne(QByteArray bytes)
     for (const QByteArray &packet : packets)
         Rebuild(packet);
 
-    // A packet whose records nobody has looked at yet, as a plugin gets it.
+    // A packet whose records nobody has read yet, as a plugin gets it.
     const int size = qMin<int>(bytes.size(), CPacketLayerWrapper::MAX_PACKET_SIZE);
     if (size < CPacketLayerWrapper::HEADER_SIZE)
         return;

@@ -1,4 +1,4 @@
-// The translators' files: what was read without an error is written, and read again, to the same texts.
+// The translators' files: texts that were read without an error are written and read again unchanged.
 
 #include "Fuzz.h"
 
@@ -10,7 +10,7 @@ QString Describe(const SPoCatalogue &catalogue)
 {
     QStringList texts{QString::number(catalogue.iID), catalogue.strShort, catalogue.strLong};
     for (const SPoCatalogue::SText &text : catalogue.texts)
-        texts += {text.GetName(), text.strText}; // that a text is unsure isn't written
+        texts += {text.GetName(), text.strText}; // fuzziness isn't written
     return texts.join(QLatin1Char('\n'));
 }
 

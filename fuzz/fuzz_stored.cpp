@@ -1,4 +1,4 @@
-// What the settings hold as texts of a form of their own: packed structures in Base64, and widths of columns.
+// Settings whose texts have formats of their own: packed structures in Base64, and widths of columns.
 
 #include "Fuzz.h"
 
@@ -45,7 +45,7 @@ void LoadWidths(const QByteArray &text, double width, int column)
         Fuzz::Require(std::isfinite(size), "a width is a number");
         room += qMax(0.0, size);
     }
-    // Rounding may cost less than a pixel a column.
+    // Rounding may change the sum by less than a pixel for each column.
     Fuzz::Require(fitted.isEmpty() || column >= 0 || std::abs(room - width) <= fitted.size(),
                   "the widths fill the room");
     TableView::Store(key, fitted);
@@ -58,7 +58,7 @@ void FuzzOne(QByteArray bytes)
 {
     Fuzz::Library();
     static unsigned int inputs = 0;
-    if (++inputs % 1000 == 0) // no event loop turns that would write what waits, and all would be kept
+    if (++inputs % 1000 == 0) // no event loop runs to write pending settings, which would all be kept
         CSettings::GetInstance()->slot_SaveSettings(true);
     const unsigned char choice = Fuzz::TakeByte(bytes);
     if (choice % 3 == 2) {

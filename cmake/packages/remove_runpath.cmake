@@ -1,4 +1,4 @@
-# What lies in the system's folders finds its libraries there; the RUNPATH is for an installation elsewhere.
+# Files in the system's folders find their libraries there; the RUNPATH serves an installation elsewhere.
 file(GLOB_RECURSE files "${CPACK_TEMPORARY_DIRECTORY}/*")
 foreach(file IN LISTS files)
     if(NOT IS_SYMLINK "${file}")

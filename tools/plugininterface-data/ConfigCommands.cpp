@@ -19,7 +19,7 @@
 
 namespace {
 
-// Key in lower case and the value as the library reads it.
+// Values as the library reads them, by key in lower case.
 using TConfig = QMap<QString, QString>;
 
 QString Quoted(const QString &text)
@@ -58,7 +58,7 @@ std::optional<QString> BoolText(const QJsonValue &value)
     return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
 }
 
-// The value as it is stored; nothing if it is of another type than the key.
+// Returns the value as it is stored; nothing if its type isn't the key's.
 std::optional<QString> StoredText(const SConfigKey &key, const QJsonValue &value)
 {
     switch (key.vDefault.userType()) {
@@ -157,7 +157,7 @@ bool Write(CDataFile &file, const TConfig &config)
            file.Commit();
 }
 
-// The value that the library reads; it is told if the file's author meant another.
+// Returns the value that the library reads; reports it if the author of the file meant another.
 QJsonValue ReadValue(const SConfigKey &key, const QVariant &value, const QString &path, CReport &report)
 {
     const QString text = value.toString();

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// The commands on the operator's configuration. Each answers the program's exit code.
+/// The commands for the operator's configuration. Each returns the program's exit code.
 namespace ConfigCommands {
 
 int Build(const QString &json, const QString &out);

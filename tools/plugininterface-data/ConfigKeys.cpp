@@ -9,7 +9,7 @@
 
 namespace {
 
-// The number of letters to be added, removed or changed, by the rows of the usual matrix.
+// Returns the number of letters to add, remove or change, computed by rows of the usual matrix.
 int EditDistance(const QString &from, const QString &to)
 {
     QVector<int> row(to.size() + 1);

@@ -4,25 +4,25 @@
 #include <QVariant>
 #include <QVector>
 
-/// The keys of the operator's configuration.
+/// A key of the operator's configuration.
 struct SConfigKey
 {
     QString strKey; ///< in lower case
     QString strProperty;
     QString strReaders;
-    QVariant vDefault; ///< an int, a bool or a QString, as is the key's type
+    QVariant vDefault; ///< an int, a bool or a QString; its type is the key's type
 
-    /// "int", "bool" or "text"
+    /// Returns "int", "bool" or "text".
     QString GetTypeName() const;
 };
 
 namespace ConfigKeys {
 
-/// In the order of the library's table.
+/// Returns all keys in the order of the library's table.
 const QVector<SConfigKey> &GetAll();
-/// Null if there is no such key; keys match in any case.
+/// Returns a key in any case; null if it doesn't exist.
 const SConfigKey *Find(const QString &key);
-/// The key that takes the fewest letters to be added, removed or changed.
+/// Returns the key that takes the fewest letters to add, remove or change.
 const SConfigKey &FindNearest(const QString &key);
 
 } // namespace ConfigKeys

@@ -31,8 +31,8 @@ CDataFile::~CDataFile()
 
 bool CDataFile::Open()
 {
-    // What a program that was interrupted has left there is brought into the file beside it at the next opening, and
-    // would spoil a new one.
+    // SQLite would apply such a file of an interrupted program to the new database when it is opened next, and spoil
+    // it.
     for (const char *suffix : {"-journal", "-wal"}) {
         const QString rest = m_strPath + QLatin1String(suffix);
         if (!Check(!QFile::exists(rest), QLatin1String("in use, or left half-written, by another program: ") + rest))
@@ -44,7 +44,7 @@ bool CDataFile::Open()
     connection.setDatabaseName(m_file.GetTemporaryPath());
     if (!Check(connection.open(), Text(connection.lastError())))
         return false;
-    // A half-written file is thrown away, so its journal needs no file.
+    // If the program is interrupted, the incomplete file is discarded, so its journal can be in memory.
     return Exec(QStringLiteral("PRAGMA journal_mode = MEMORY")) && Exec(QStringLiteral("BEGIN"));
 }
 

@@ -6,10 +6,10 @@
 #include <QVariant>
 #include <QVector>
 
-/// Writes an SQLite file in one transaction. It replaces an older one only when all is well; see CReplacementFile.
+/// Writes an SQLite file in one transaction, and replaces an older one only on success; see CReplacementFile.
 ///
-/// After a failure every further operation fails, too, and GetError() tells of the first one. The same operations
-/// give the same bytes.
+/// After a failure every further operation fails too, and GetError() returns the first error. The same operations
+/// write the same bytes.
 class CDataFile
 {
 public:
@@ -19,7 +19,7 @@ public:
 
     bool Open();
     bool Exec(const QString &sql);
-    /// Runs \a sql once for each row, whose values stand for its question marks.
+    /// Executes \a sql once for each row, whose values replace its question marks.
     bool Insert(const QString &sql, const QVector<QVariantList> &rows);
     bool Commit();
 
@@ -42,9 +42,9 @@ public:
     ~CDataReader();
     Q_DISABLE_COPY_MOVE(CDataReader)
 
-    /// Opens the file and makes sure that it has these tables. If it fails, GetError() says why.
+    /// Opens the file and checks that it has these tables. Returns false, with the reason in GetError(), on failure.
     bool Open(const QStringList &tables);
-    /// The rows of a selection; none after a failure.
+    /// Returns the rows of a selection; none after a failure.
     QVector<QVariantList> Select(const QString &sql);
 
     QString GetError() const { return m_strError; }

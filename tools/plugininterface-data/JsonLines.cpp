@@ -5,7 +5,7 @@
 
 namespace {
 
-// Behind the closing quote of the string that opens at \a begin.
+// Returns the position after the closing quote of the string that begins at \a begin.
 int StringEnd(const QByteArray &json, int begin)
 {
     int end = begin + 1;
@@ -26,7 +26,7 @@ QVector<JsonLines::SMember> JsonLines::FindMembers(const QByteArray &json)
     QVector<SMember> members;
     int depth = 0;
     int line = 1;
-    SMember string{QString(), 0}; // the last one, whose colon may follow
+    SMember string{QString(), 0}; // the last one, which is a name if a colon follows
     for (int i = 0; i < json.size(); ++i) {
         switch (json.at(i)) {
         case '\n':

@@ -4,7 +4,7 @@
 #include <QString>
 #include <QVector>
 
-/// Where the members of a JSON object stand in its text, which QJsonDocument doesn't tell.
+/// Finds the lines of the members of a JSON object, which QJsonDocument doesn't tell.
 namespace JsonLines {
 
 struct SMember
@@ -13,11 +13,11 @@ struct SMember
     int iLine; ///< from 1
 };
 
-/// The members of the outermost object, in the order of the text, and each as often as it stands there. The text has
-/// to be one that QJsonDocument accepts.
+/// Returns the members of the outermost object in the order of the text, a repeated one repeatedly. QJsonDocument has
+/// to accept the text.
 QVector<SMember> FindMembers(const QByteArray &json);
 
-/// The line of a byte, from 1.
+/// Returns the line of a byte, from 1.
 int LineAt(const QByteArray &text, int offset);
 
 } // namespace JsonLines

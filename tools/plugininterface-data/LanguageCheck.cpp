@@ -22,7 +22,7 @@ QSet<QString> Markers(const QString &text)
     return markers;
 }
 
-// In a fixed order, one after the other.
+// Returns the markers in a fixed order, separated by spaces.
 QString Listed(const QSet<QString> &markers)
 {
     QStringList list = markers.values();
@@ -54,7 +54,7 @@ public:
     {
     }
 
-    /// Answers how many keys there are in all.
+    /// Compares the catalogues and returns the number of all keys.
     int Check()
     {
         FindOwners();
@@ -67,7 +67,7 @@ public:
     }
 
 private:
-    // For each key where it stands, in the reference if possible.
+    // Finds a text for each key, in the reference if possible.
     void FindOwners()
     {
         AddOwner(m_reference);

@@ -14,7 +14,7 @@
 
 namespace {
 
-// What is counted for the summary.
+// The numbers for the summary.
 struct SCounts
 {
     int iTexts = 0;
@@ -23,7 +23,7 @@ struct SCounts
     int iObsolete = 0;
 };
 
-// A number column compares well with the decimal text that the library looks for, and can use the index for it.
+// The number column can be compared with the decimal text for which the library searches, and uses the index.
 QStringList CreateStatements()
 {
     const QString languages = CTranslationDB::strTableNameAvailLanguages;
@@ -45,7 +45,7 @@ QVector<QVariantList> LanguageRows(const QVector<SPoCatalogue> &catalogues)
     return rows;
 }
 
-// In the order of the keys, so that moving an entry in its PO file changes nothing.
+// The rows are in the order of the keys, so that moving an entry in its PO file changes nothing.
 QVector<QVariantList> TextRows(const SPoCatalogue &catalogue, SCounts &counts)
 {
     QMap<QPair<QString, QString>, QString> texts;
@@ -80,7 +80,7 @@ bool Write(CDataFile &file, const QVector<SPoCatalogue> &catalogues, SCounts &co
     return file.Commit();
 }
 
-// Keys are written in capitals. One that capitals would change is left as it is stored.
+// Returns the key in capitals, unless the library would read it back as another key.
 QString Capitals(const QString &key)
 {
     return key.toUpper().toLower() == key ? key.toUpper() : key;
@@ -95,7 +95,7 @@ public:
     {
     }
 
-    /// False if the file can't be read. Rows that make no sense go into the report and are left out.
+    /// Returns false if the file can't be read. Invalid rows are reported and left out.
     bool Read()
     {
         CDataReader file(m_strPath);
@@ -111,7 +111,7 @@ public:
         return file.GetError().isEmpty();
     }
 
-    /// The languages by their ids.
+    /// Returns the languages by their ids.
     QMap<int, SPoCatalogue> GetCatalogues() const { return m_catalogues; }
 
 private:
@@ -152,7 +152,7 @@ private:
     QMap<int, SPoCatalogue> m_catalogues;
 };
 
-// A file for each, named after its short form as far as that makes a good name of its own.
+// Names each file after the language's short form if that makes a valid, unique name.
 void NameFiles(QMap<int, SPoCatalogue> &catalogues, const QString &folder)
 {
     static const QRegularExpression good(QStringLiteral("^\\w[\\w@.-]*$"));
@@ -172,7 +172,7 @@ bool CanWrite(const QMap<int, SPoCatalogue> &catalogues, const QString &folder, 
     if (!can)
         report.Error(folder, 0, QStringLiteral("can't be made"));
     for (const SPoCatalogue &catalogue : catalogues) {
-        // The translators' comments and unfinished texts are in their files only.
+        // Only the existing files contain the translators' comments and unfinished texts.
         if (force || !QFile::exists(catalogue.strFile))
             continue;
         report.Error(catalogue.strFile, 0, QStringLiteral("is there already; --force replaces it"));

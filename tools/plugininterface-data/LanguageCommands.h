@@ -2,12 +2,12 @@
 
 #include <QString>
 
-/// The commands that turn the PO files of the translators into the language file of an installation, and back. Each
-/// answers the program's exit code.
+/// The commands that build the language file of an installation from the PO files of the translators, and export it
+/// again. Each returns the program's exit code.
 namespace LanguageCommands {
 
 int Build(const QString &folder, const QString &out);
-/// Replaces PO files that are there already only if told so by \a force.
+/// Exports a language file to PO files; replaces existing files only with \a force.
 int Export(const QString &path, const QString &folder, bool force);
 
 } // namespace LanguageCommands

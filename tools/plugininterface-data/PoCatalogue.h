@@ -5,8 +5,7 @@
 #include <QString>
 #include <QVector>
 
-/// The texts of one language, as its PO file holds them: the context of an entry is the text's area, its msgid the
-/// key.
+/// The texts of one language from its PO file: the context of an entry is the text's area, its msgid the key.
 struct SPoCatalogue
 {
     struct SText
@@ -16,13 +15,13 @@ struct SPoCatalogue
         QString strText;
         int iLine = 0; ///< from 1; 0 if it is unknown
         bool bFuzzy = false;
-        /// An empty text is one that nobody has translated, unless the translator says that it is meant to be empty.
+        /// An empty text counts as untranslated unless its comment says that it is empty on purpose.
         bool bEmptyOnPurpose = false;
 
         bool IsTranslated() const { return !bFuzzy && (!strText.isEmpty() || bEmptyOnPurpose); }
-        /// The key as the library looks for it, which ignores case.
+        /// Returns area and key in lower case, as the library looks them up.
         QPair<QString, QString> GetLookupKey() const { return {strArea.toLower(), strKey.toLower()}; }
-        /// For messages: area and key.
+        /// Returns area and key for messages.
         QString GetName() const { return strArea + QLatin1Char('/') + strKey; }
     };
 
@@ -36,11 +35,11 @@ struct SPoCatalogue
 
 namespace PoCatalogues {
 
-/// All PO files of a folder, in the order of the languages' ids. Without errors in the report every one is well
-/// formed, each id is there once, and so is each key of a language.
+/// Reads all PO files of a folder, in the order of the languages' ids. If the report has no errors, each of them is
+/// well-formed, each id occurs once, and so does each key of a language.
 QVector<SPoCatalogue> ReadFolder(const QString &folder, CReport &report);
 
-/// Writes to \a path; the report speaks of the catalogue's file.
+/// Writes a catalogue to \a path; the report names the catalogue's file.
 bool Write(const QString &path, const SPoCatalogue &catalogue, CReport &report);
 
 } // namespace PoCatalogues

@@ -11,8 +11,8 @@
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/lsan_interface.h>
 
-// The library's parser loses the strings of each entry that it has read. Exported, as the sanitizer is a library,
-// too.
+// The library's parser leaks the strings of each entry that it reads. The function is exported because the sanitizer
+// is a library, too.
 __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
 {
     return "leak:libgettextpo";
@@ -31,7 +31,7 @@ struct SFree
 template <typename Type>
 using TOwned = std::unique_ptr<Type, SFree>;
 
-// gettext-po's handlers get no pointer of the caller's. The library and this tool have one thread.
+// gettext-po passes no pointer of the caller to its handlers. The library and this tool have one thread.
 struct SSink
 {
     CReport &report;
@@ -54,8 +54,8 @@ void Tell(int severity, const char *file, std::size_t line, const char *text)
     }
 }
 
-// The library wants no return after a fatal error. Between here and the setjmp() there are only its C functions,
-// which lose what memory they held, and which an exception can't pass.
+// The library's error handler must not return after a fatal error. Only the library's C functions are between here
+// and the setjmp(): they leak the memory that they hold, and an exception can't pass them.
 // NOLINTBEGIN(cert-err52-cpp)
 void LeaveIfFatal(int severity)
 {
@@ -96,7 +96,8 @@ bool WriteGuarded(po_file_t file, const char *path)
 }
 // NOLINTEND(cert-err52-cpp)
 
-// The library doesn't tell where an entry stands, but gives all of them, obsolete ones too, in the order of the file.
+// Finds the lines of the entries, which the library doesn't tell. The library returns all entries, obsolete ones too,
+// in the order of the file.
 class CEntryLines
 {
 public:
@@ -107,7 +108,7 @@ public:
             Step();
     }
 
-    // The lines of all msgid, from 1.
+    // Returns the lines of all msgid, counted from 1.
     QVector<int> Get() const { return m_lines; }
 
 private:
@@ -126,7 +127,7 @@ private:
         }
     }
 
-    // "#~" makes what follows obsolete, but for "#~|", which is a former text.
+    // "#~" makes the entry after it obsolete, except "#~|", which is a former text.
     void SkipComment()
     {
         if (m_text.mid(m_iPosition, 2) == "#~" && m_text.mid(m_iPosition, 3) != "#~|") {
@@ -248,7 +249,7 @@ bool PoFile::Read(const QString &path, SPoFile &po, CReport &report)
     const QByteArray text = source.readAll();
     const int zero = text.indexOf('\0');
     if (zero >= 0) {
-        // The library's texts would end there, and the rest be lost.
+        // The library would treat it as the end of a text and drop the rest.
         report.Error(path, 1 + text.left(zero).count('\n'), QStringLiteral("a zero byte"));
         return false;
     }

@@ -5,16 +5,16 @@
 #include <QString>
 #include <QVector>
 
-/// A PO file as gettext knows it: entries, and a header of fields.
+/// A PO file as gettext defines it: entries, and a header of fields.
 struct SPoFile
 {
     struct SEntry
     {
-        QString strContext; ///< null if it has none
+        QString strContext; ///< null if there is none
         QString strID;
         QString strText;
-        QString strComments; ///< the translator's, one a line
-        int iLine = 0;       ///< of its msgid, from 1; 0 if it is unknown
+        QString strComments; ///< of the translator, each a line
+        int iLine = 0;       ///< the line of its msgid, from 1; 0 if it is unknown
         bool bFuzzy = false;
         bool bObsolete = false;
         bool bPlural = false;
@@ -28,11 +28,11 @@ struct SPoFile
     QVector<SEntry> entries; ///< without the header
 };
 
-/// Reading and writing through the gettext-po library, in UTF-8. What is wrong goes into the report.
+/// Reads and writes PO files with the gettext-po library, in UTF-8. Errors are added to the report.
 namespace PoFile {
 
 bool Read(const QString &path, SPoFile &po, CReport &report);
-/// Writes to \a path; the report speaks of \a name.
+/// Writes a file to \a path; the report calls it \a name.
 bool Write(const QString &path, const QString &name, const SPoFile &po, CReport &report);
 
 } // namespace PoFile

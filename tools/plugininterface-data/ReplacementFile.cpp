@@ -13,7 +13,8 @@ QString Target(const QString &path)
     return info.isSymLink() ? info.symLinkTarget() : path;
 }
 
-// What everybody may read, since the data of an installation is everybody's; an old file's choice stands.
+// Returns the permissions of an existing file; a new one is readable for everybody, as the data of an installation
+// is.
 QFile::Permissions Permissions(const QString &path)
 {
     return QFile::exists(path) ? QFile::permissions(path)
@@ -34,8 +35,8 @@ bool CReplacementFile::Open()
         m_strError = QLatin1String("can't write in its folder: ") + m_file.errorString();
         return false;
     }
-    // The name is asked for while the file is open, since a temporary file may have none before. Closed, it leaves
-    // the locks to those who write: a process loses all its locks on a file when it closes one handle.
+    // A temporary file may only have a name while it is open. It is closed for the sake of locks: a process loses all
+    // its locks on a file when it closes one handle.
     m_strTemporaryPath = m_file.fileName();
     m_file.close();
     return true;

@@ -3,19 +3,19 @@
 #include <QString>
 #include <QTemporaryFile>
 
-/// A new file that takes the place of an old one in one step, when it is whole.
+/// A new file that replaces an old one in one step when it is complete.
 ///
-/// It is written beside the old one, under a name of its own. Unless Commit() is called and succeeds, the old file
-/// stays as it was and the new one is removed.
+/// It is written beside the old file, under a temporary name. Unless Commit() is called and succeeds, the old file
+/// stays unchanged and the new one is removed.
 class CReplacementFile
 {
 public:
-    /// A \a path that is a symbolic link stands for the file that the link names.
+    /// Constructs a replacement for \a path, or for the target if \a path is a symbolic link.
     explicit CReplacementFile(const QString &path);
 
-    /// Makes the new file, empty and closed. If it fails, GetError() says why.
+    /// Creates the new file, empty and closed. Returns false, with the reason in GetError(), on failure.
     bool Open();
-    /// Where to write.
+    /// Returns the path of the new file.
     QString GetTemporaryPath() const { return m_strTemporaryPath; }
     bool Commit();
 

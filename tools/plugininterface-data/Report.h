@@ -2,19 +2,19 @@
 
 #include <QString>
 
-/// What the tool says: findings on stderr, one a line as "FILE:LINE: text", so that editors jump to them; results on
-/// stdout. All of it in UTF-8, whatever the locale.
+/// The output of the tool: findings on stderr, each a line "FILE:LINE: text", from which an editor can open the file
+/// there; results on stdout. All in UTF-8, whatever the locale.
 class CReport
 {
 public:
-    /// A \a line of 0 stands for the file as a whole.
+    /// Prints an error. A \a line of 0 stands for the whole file.
     void Error(const QString &file, int line, const QString &text);
-    /// Something that doesn't make the data wrong.
+    /// Prints a finding that doesn't make the data wrong.
     void Note(const QString &file, int line, const QString &text);
     void Print(const QString &text);
 
     bool HasErrors() const { return m_iErrors > 0; }
-    /// The program's: 0, or 1 after an error.
+    /// Returns the program's exit code: 0, or 1 after an error.
     int GetExitCode() const { return HasErrors() ? 1 : 0; }
 
 private:

@@ -4,8 +4,8 @@
 
 namespace Databases {
 
-/// A page in Markdown of the six databases, as SQLite holds them: opens those of the installation that the process
-/// runs in, and makes the users' four. Null if one can't be opened.
+/// Returns a Markdown page of the six databases with their actual schemas: opens those of the installation in which
+/// the process runs, and creates the user's four. Null if one can't be opened.
 QString Page();
 
 } // namespace Databases

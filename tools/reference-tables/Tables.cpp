@@ -27,7 +27,7 @@ QString Head(const QStringList &cells)
     return Row(cells) + QLatin1Char('|') + QStringLiteral("---|").repeated(cells.size()) + QLatin1Char('\n');
 }
 
-// What stands in a table as a default is C++.
+// Returns the default of a table's row, which is a C++ expression, for readers.
 QString Default(const QString &expression)
 {
     static const QHash<QString, QString> configKeys{

@@ -2,14 +2,14 @@
 
 #include <QString>
 
-/// Pages in Markdown of what the library's macro tables say.
+/// Markdown pages of the library's macro tables.
 namespace Tables {
 
-/// The users' settings.
+/// Returns the page of the users' settings.
 QString Settings();
-/// The events that the library composes or takes apart.
+/// Returns the page of the events that the library composes or decodes.
 QString Events();
-/// The fields of the data models.
+/// Returns the page of the fields of the data models.
 QString Models();
 
 } // namespace Tables

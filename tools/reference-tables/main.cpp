@@ -1,5 +1,5 @@
-// Writes the reference pages of the documentation to a folder. Its current directory is that of a client in an
-// installation, where the users' databases are made.
+// Writes the reference pages of the documentation to a folder. The current directory has to be the client's folder of
+// an installation, in which the program creates the users' databases.
 
 #include "Databases.h"
 #include "Tables.h"
