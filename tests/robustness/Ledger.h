@@ -22,8 +22,6 @@ public:
             m_strFault = what;
     }
 
-    bool IsFull(const QString &row) { return m_rows[row].choices.size() >= MOST_CHOICES; }
-
     /// A machine's user sees it.
     void See(int machine, const QString &row, const QString &content)
     {
@@ -49,7 +47,7 @@ public:
     void Give(int machine, const QString &row, const QString &content, qint64 time)
     {
         SRow &to = m_rows[row];
-        if (IsFull(row))
+        if (to.choices.size() >= MOST_CHOICES)
             return;
         to.choices.append({machine, time, content, 0, true});
         to.heard[machine] |= Bit(to.choices.size());

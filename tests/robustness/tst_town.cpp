@@ -29,15 +29,6 @@ const bool SAME_HASHES =
 const bool PLAIN_LOOP = qputenv("QT_NO_GLIB", "1");
 const bool PATIENT = qputenv("QTEST_FUNCTION_TIMEOUT", QByteArray::number(300000 + qint64(TOWNS) * 1000));
 
-struct SStep
-{
-    int machine = 0;
-    QString strWhat;
-    QString strName;
-    QString strValue;
-    qint64 iWait = 0; // after it
-};
-
 struct SLife
 {
     int iMachines = 2;
@@ -61,25 +52,25 @@ SStep DrawStep(QRandomGenerator &random, const SLife &life, int number)
 {
     SStep step{random.bounded(life.iMachines), Draw(random, DEEDS), QString(), QString::number(number),
                Draw(random, WAITS)};
+    const QString &what = step.strWhat;
     const bool again = random.bounded(4) == 0; // a value that there was
-    if (step.strWhat == "login"_s)
+    if (what == "login"_s) {
         step.strName = QString::number(random.bounded(life.iUsers));
-    else if (step.strWhat == "lock"_s)
+    } else if (what == "lock"_s) {
         step.strName = random.bounded(2) == 0 ? "playerinfo"_s : "settings"_s;
-    else if (step.strWhat == "fate"_s)
+    } else if (what == "fate"_s) {
         step.strName = QString::number(random.bounded(int(CTown::FATES)));
-    else if (step.strWhat == "set"_s)
-        step.strName = Draw(random, CTown::GetSettings());
-    else
-        step.strName = Draw(random, CTown::GetPlayers());
-    if (step.strWhat == "fate"_s)
         step.strValue = QString::number(random.bounded(12000));
-    else if (step.strWhat == "jump"_s)
-        step.strValue = QString::number(random.bounded(200000) - 100000);
-    else if (step.strWhat == "note"_s)
-        step.strValue = u'n' + step.strValue + (random.bounded(5) == 0 ? QString(3000, u'z') : QString());
-    else if (step.strWhat == "set"_s && again)
-        step.strValue = QString::number(random.bounded(3));
+    } else if (what == "set"_s) {
+        step.strName = Draw(random, SETTINGS);
+        step.strValue = again ? QString::number(random.bounded(3)) : step.strValue;
+    } else {
+        step.strName = Draw(random, PLAYERS);
+        if (what == "jump"_s)
+            step.strValue = QString::number(random.bounded(200000) - 100000);
+        else if (what == "note"_s)
+            step.strValue = u'n' + step.strValue + (random.bounded(5) == 0 ? QString(3000, u'z') : QString());
+    }
     return step;
 }
 
@@ -89,8 +80,8 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
     const int machine = random.bounded(life.iMachines);
     const int other = (machine + 1) % life.iMachines;
     const QString user = QString::number(random.bounded(life.iUsers));
-    const QString player = Draw(random, CTown::GetPlayers());
-    const QString key = Draw(random, CTown::GetSettings());
+    const QString player = Draw(random, PLAYERS);
+    const QString key = Draw(random, SETTINGS);
     const SStep login{machine, "login"_s, user, QString(), 4000};
     const SStep logout{machine, "logout"_s, QString(), QString(), Draw(random, WAITS)};
     const SStep sync{machine, "sync"_s, QString(), QString(), 3200};
@@ -159,49 +150,14 @@ SLife DrawLife(int seed)
     return life;
 }
 
-void Do(CTown &town, const SStep &step)
-{
-    const bool in = !town.GetUser(step.machine).isEmpty();
-    if (step.strWhat == "login"_s) {
-        const QString user = town.GetUserName(step.strName.toInt());
-        if (in && town.GetUser(step.machine) != user)
-            town.Do(step.machine, "logout"_s);
-        town.Do(step.machine, "login "_s + user);
-    } else if (step.strWhat == "lock"_s) {
-        town.Lock(step.machine, step.strName);
-    } else if (step.strWhat == "full"_s) {
-        town.SetFull(step.machine, true);
-    } else if (step.strWhat == "free"_s) {
-        town.Free(step.machine);
-    } else if (step.strWhat == "kill"_s) {
-        town.Kill(step.machine);
-    } else if (step.strWhat == "fate"_s) {
-        town.SetFate(step.machine, CTown::EFate(step.strName.toInt()), step.strValue.toInt());
-    } else if (step.strWhat == "jump"_s) {
-        town.Do(step.machine, "jump "_s + step.strValue);
-    } else if (step.strWhat == "ghost"_s) {
-        if (!in)
-            town.Do(step.machine, "note ghost "_s + step.strValue);
-    } else if (QStringList{"logout"_s, "reset"_s, "end"_s, "sync"_s}.contains(step.strWhat)) {
-        if (in)
-            town.Do(step.machine, step.strWhat);
-    } else {
-        town.Change(step.machine, step.strWhat, step.strName, step.strValue);
-    }
-}
-
 // The first fault, or nothing.
 QString Live(CGround &ground, const SLife &life)
 {
     CTown town(ground, life.iMachines, life.iUsers);
-    for (const SStep &step : life.steps) {
-        Do(town, step);
-        town.Advance(step.iWait);
-        if (!town.GetLedger().GetFault().isEmpty())
-            return town.GetLedger().GetFault();
-    }
+    for (auto step = life.steps.cbegin(); town.GetFault().isEmpty() && step != life.steps.cend(); ++step)
+        town.Do(*step);
     town.Settle();
-    return town.GetLedger().GetFault();
+    return town.GetFault();
 }
 
 // Without the steps that the fault doesn't need.
