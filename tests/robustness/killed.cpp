@@ -11,6 +11,7 @@
 #include <models/UserInfo.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
+#include <support/Literal.h>
 #include <time/CasinoTime.h>
 
 #include <QApplication>
@@ -30,18 +31,16 @@ void Tell(int number)
 
 void StoreNotes(int number)
 {
-    CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Ann"));
+    CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
     for (int player = 0; player < PLAYERS; ++player)
-        CPlayerLists::GetInstance()
-            ->GetPlayerModel(QStringLiteral("player%1").arg(player))
-            ->SetNotes(QString::number(number));
+        CPlayerLists::GetInstance()->GetPlayerModel("player%1"_s.arg(player))->SetNotes(QString::number(number));
     CUserInfo::GetInstance()->SetLoggedIn(QString());
     Tell(number);
 }
 
 void FetchAvatars(unsigned int number)
 {
-    CPlayerModel *player = CPlayerLists::GetInstance()->GetPlayerModel(QStringLiteral("Bob"));
+    CPlayerModel *player = CPlayerLists::GetInstance()->GetPlayerModel("Bob"_s);
     QObject::connect(player, &CPlayerModel::signal_CustomAvatarChanged, player, [player](unsigned int there) {
         static unsigned int last = 0;
         if (there == last)
@@ -56,7 +55,7 @@ void FetchAvatars(unsigned int number)
 void ChangeSettings(int &number)
 {
     static int changed = 0;
-    const QList<CSettings::SSetting> stored = CSettings::GetSettingList(QStringLiteral("Ann"));
+    const QList<CSettings::SSetting> stored = CSettings::GetSettingList("Ann"_s);
     if (changed == number && (stored.isEmpty() || stored.last().vValue.toInt() != number))
         return; // it waits
     if (changed == number)
@@ -77,11 +76,11 @@ int main(int argc, char **argv)
     CCasinoTime::GetInstance()->SetTimeUTCServer(1700000000);
     int number = arguments.at(2).toInt();
     QTimer timer;
-    if (arguments.at(1) == QLatin1String("avatars")) {
-        CConfig::GetInstance()->SetConfigs({{QStringLiteral("playerpicture_link"), arguments.value(3)}});
+    if (arguments.at(1) == "avatars"_s) {
+        CConfig::GetInstance()->SetConfigs({{"playerpicture_link"_s, arguments.value(3)}});
         FetchAvatars(static_cast<unsigned int>(number));
-    } else if (arguments.at(1) == QLatin1String("settings")) {
-        CUserInfo::GetInstance()->SetLoggedIn(QStringLiteral("Ann"));
+    } else if (arguments.at(1) == "settings"_s) {
+        CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
         QObject::connect(&timer, &QTimer::timeout, [&number] { ChangeSettings(number); });
         timer.start(1);
     } else {

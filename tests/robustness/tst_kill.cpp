@@ -3,11 +3,10 @@
 //
 // PLUGININTERFACE_KILLS=200 kills so often in each way, instead of a few times.
 
-#include "Reader.h"
-
 #include <examples/ServerProcess.h>
 #include <files/Pathes.h>
 #include <support/InstallationTree.h>
+#include <support/Literal.h>
 #include <support/Rows.h>
 
 #include <QBuffer>
@@ -15,6 +14,8 @@
 #include <QImage>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QtTest>
 
 #include <httplib.h>
@@ -67,6 +68,24 @@ private:
     std::thread m_thread;
 };
 
+// The first column of what a statement selects, as another program reads it: by a connection of its own, which is
+// closed again.
+QStringList ReadFirstColumn(const QString &file, const QString &sql)
+{
+    QStringList rows;
+    {
+        QSqlDatabase reader = QSqlDatabase::addDatabase("QSQLITE"_s, "reader"_s);
+        reader.setDatabaseName(file);
+        if (reader.open()) {
+            QSqlQuery query(sql, reader);
+            while (query.next())
+                rows.append(query.value(0).toString());
+        }
+    }
+    QSqlDatabase::removeDatabase("reader"_s);
+    return rows;
+}
+
 void CheckFiles(const QString &folder)
 {
     QDirIterator files(folder, {"*.sqlite"_s}, QDir::Files, QDirIterator::Subdirectories);
@@ -81,14 +100,11 @@ class tst_kill : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void Killed_data()
-    {
-        AddRows<QString>({"work"}, {{"notes", "notes"_s}, {"avatars", "avatars"_s}, {"settings", "settings"_s}});
-    }
+    void Killed_data() { AddRows("notes;avatars;settings"_s); }
 
     void Killed()
     {
-        QFETCH(QString, work);
+        const QString work = QString::fromLatin1(QTest::currentDataTag());
         const unsigned int after = work == "settings"_s ? 245000 : 0; // around the next write
         const CPictureServer server;
         QRandomGenerator random(7);
@@ -128,10 +144,6 @@ private Q_SLOTS:
             const httplib::Params user{{"key", "k"}, {"nickname", "Ann"}, {"machine", "first"}};
             const auto session = client.Post("/sessions", user);
             QVERIFY(session && session->status == 200);
-            std::thread killer([id = pid_t(server.processId()), after = random.bounded(60000u)] {
-                QThread::usleep(after);
-                ::kill(id, SIGKILL);
-            });
             const auto send = [&](int number) {
                 const QString json = R"(&json={"playerinfostime":"%1","usersettingstime":"%1","playerinfos":[)"
                                      R"({"nick":"p%1","note":"n","tag":"0","flags":"0","time":"%1"}]})"_s;
@@ -140,6 +152,11 @@ private Q_SLOTS:
                 return answer && answer->status == 200;
             };
             const int before = last;
+            QVERIFY(send(++last));
+            std::thread killer([id = pid_t(server.processId()), after = random.bounded(60000u)] {
+                QThread::usleep(after);
+                ::kill(id, SIGKILL);
+            });
             while (send(last + 1))
                 ++last;
             killer.join();
@@ -150,7 +167,6 @@ private Q_SLOTS:
                 QVERIFY2(rows.contains("{\"nick\":\"p%1\"}"_s.arg(number)), qPrintable(QString::number(number)));
         }
         qInfo("%d kills, %d acknowledged", KILLS, last);
-        QVERIFY(last > 0);
     }
 
 private:
