@@ -3,12 +3,13 @@
 #include <QCoreApplication>
 #include <QFile>
 
+#include <chrono>
 #include <cstdio>
 
 namespace {
 
 constexpr int MAX_TEXT = 64;
-constexpr int THREADS = 16; // some may hang with a fault
+constexpr int THREADS = 16; // a slow download keeps one
 constexpr uint PICTURES_A_FOLDER = 1000;
 constexpr std::chrono::milliseconds PIECE_TIME(50);
 constexpr quint32 PIECES_A_SECOND = 20;
@@ -79,8 +80,6 @@ void CWebServer::AddHandlers()
     using TWork = int (CWebServer::*)(const httplib::Request &, std::string &);
     const auto with = [this](TWork work, const char *type) {
         return [this, work, type](const httplib::Request &request, httplib::Response &response) {
-            if (m_faults.Answer(request, response))
-                return;
             std::string text;
             const auto answer = [&] { response.status = (this->*work)(request, text); };
             QMetaObject::invokeMethod(this, answer, Qt::BlockingQueuedConnection);
@@ -100,9 +99,6 @@ void CWebServer::AddHandlers()
             if (ReadBody(reader, response, whole.body))
                 merge(whole, response);
         });
-    const auto order = [this](const auto &request, auto &response) { m_faults.TakeOrder(request, response); };
-    if (m_options.bFaults)
-        m_pServer->Post("/fault", order);
 }
 
 bool CWebServer::ReadBody(const TReader &reader, httplib::Response &response, std::string &body) const

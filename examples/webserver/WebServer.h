@@ -1,9 +1,10 @@
 #pragma once
 
-#include "FaultDesk.h"
 #include "SyncStore.h"
 
 #include <QObject>
+
+#include <httplib.h>
 
 #include <memory>
 #include <thread>
@@ -25,8 +26,7 @@ public:
         QString strCertificate;
         QString strPrivateKey; ///< Plain HTTP without both.
         quint32 uiBodyLimit = 0;
-        quint32 uiRate = 0;   ///< Bytes a second of a file; 0 for as many as it can.
-        bool bFaults = false; ///< Whether anybody may order wrong answers.
+        quint32 uiRate = 0; ///< Bytes a second of a file; 0 for as many as it can.
     };
 
     CWebServer(CSyncStore &store, const SOptions &options);
@@ -50,7 +50,6 @@ private:
 
     CSyncStore &m_store;
     const SOptions m_options;
-    CFaultDesk m_faults;
     std::unique_ptr<httplib::Server> m_pServer;
     std::thread m_thread;
 };

@@ -33,8 +33,6 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
     const auto limit = Option("body-limit", "The longest request body; default 33554432.", "bytes", "33554432");
     const auto certificate = Option("certificate", "PEM file; with it and its key it serves https.", "file");
     const auto privateKey = Option("private-key", "PEM file.", "file");
-    const QCommandLineOption faults(QStringLiteral("faults"),
-                                    QStringLiteral("Let anybody order wrong answers with POST /fault."));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Gives the game server web sessions for its users, keeps their settings and notes in step over their\n"
@@ -42,7 +40,7 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
         "Prints \"listening on PORT\" once clients can connect. Each request is a line on standard error. The exit\n"
         "code is 1 if the server cannot start."));
     parser.addHelpOption();
-    parser.addOptions({file, pictures, files, rate, number, key, limit, certificate, privateKey, faults});
+    parser.addOptions({file, pictures, files, rate, number, key, limit, certificate, privateKey});
     parser.process(application);
     database = parser.value(file);
     options = {parser.value(pictures),
@@ -51,8 +49,7 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
                parser.value(certificate),
                parser.value(privateKey),
                0,
-               0,
-               parser.isSet(faults)};
+               0};
     if (database.isEmpty() || options.strKey.isEmpty())
         error = QStringLiteral("--database or --key is missing; see --help");
     else if (options.strCertificate.isEmpty() != options.strPrivateKey.isEmpty())
