@@ -92,7 +92,7 @@ private Q_SLOTS:
         QVERIFY(database.Init());
         QVERIFY(database.Exec("UPDATE tbl_session SET SES_iExpiry = 1"_s));
         QCOMPARE(Fetch(session, 0), "403"_s);
-        QCOMPARE(Send(session, {"x=1@100"_s}), 403);
+        QCOMPARE(Send(session, "x"_s, "1"_s, 100), 403);
     }
 
     // What a new machine has got is sent again neither to it nor to the others, or each new one would cost all of
@@ -101,9 +101,10 @@ private Q_SLOTS:
     {
         const QByteArray first = AskForSession("Rigel"_s, "first"_s);
         const QByteArray second = AskForSession("Rigel"_s, "second"_s);
-        QCOMPARE(Send(first, {"x=1@100"_s, "y=2@101"_s}), 200);
+        QCOMPARE(Send(first, "x"_s, "1"_s, 100), 200);
+        QCOMPARE(Send(first, "y"_s, "2"_s, 101), 200);
         QCOMPARE(Fetch(second, 0), "x=1 y=2"_s);
-        QCOMPARE(Send(second, {"y=2@101"_s}), 200); // the newest, as it is asked to
+        QCOMPARE(Send(second, "y"_s, "2"_s, 101), 200); // the newest, as it is asked to
         QCOMPARE(Fetch(first, 101), QString());
         QCOMPARE(Fetch(second, 101), QString());
     }
@@ -115,17 +116,17 @@ private Q_SLOTS:
         const QByteArray first = AskForSession("Lyra"_s, "first"_s);
         const QByteArray holding = AskForSession("Lyra"_s, "holding"_s);
         const QByteArray offered = AskForSession("Lyra"_s, "offered"_s);
-        QCOMPARE(Send(first, {"x=1@100"_s}), 200);
+        QCOMPARE(Send(first, "x"_s, "1"_s, 100), 200);
         QCOMPARE(Fetch(holding, 0), "x=1"_s);
-        QCOMPARE(Send(holding, {"x=1@100"_s}), 200);
-        QCOMPARE(Send(first, {"x=2@110"_s}), 200);
+        QCOMPARE(Send(holding, "x"_s, "1"_s, 100), 200);
+        QCOMPARE(Send(first, "x"_s, "2"_s, 110), 200);
         QCOMPARE(Fetch(offered, 0), "x=2"_s);
         m_server.kill();
         QVERIFY(m_server.waitForFinished());
         MakeVersion2();
         Start();
-        QCOMPARE(Send(holding, {"x=1@120"_s}), 200);
-        QCOMPARE(Send(offered, {"x=@130"_s}), 200);
+        QCOMPARE(Send(holding, "x"_s, "1"_s, 120), 200);
+        QCOMPARE(Send(offered, "x"_s, ""_s, 130), 200);
         QCOMPARE(Fetch(AskForSession("Lyra"_s, "new"_s), 0), "x=2"_s);
     }
 
@@ -153,21 +154,17 @@ private:
         return notes.join(u' ');
     }
 
-    // Each note is "player=note@time", the newest is the last one. The status is answered.
-    int Send(const QByteArray &session, const QStringList &notes) const
+    // Sends a note of a player, which is the newest that the machine has; answers the status.
+    int Send(const QByteArray &session, const QString &player, const QString &note, int time) const
     {
-        QJsonArray rows;
-        QString time;
-        for (const QString &note : notes) {
-            time = note.section(u'@', 1);
-            const QString text = note.section(u'@', 0, 0).section(u'=', 1);
-            rows.append(QJsonObject{{"nick"_s, note.section(u'=', 0, 0)},
-                                    {"note"_s, text},
-                                    {"tag"_s, text.isEmpty() ? "0"_s : "1"_s},
-                                    {"flags"_s, "0"_s},
-                                    {"time"_s, time}});
-        }
-        const QJsonObject root{{"usersettingstime"_s, "0"_s}, {"playerinfostime"_s, time}, {"playerinfos"_s, rows}};
+        const QJsonObject row{{"nick"_s, player},
+                              {"note"_s, note},
+                              {"tag"_s, note.isEmpty() ? "0"_s : "1"_s},
+                              {"flags"_s, "0"_s},
+                              {"time"_s, QString::number(time)}};
+        const QJsonObject root{{"usersettingstime"_s, "0"_s},
+                               {"playerinfostime"_s, QString::number(time)},
+                               {"playerinfos"_s, QJsonArray{row}}};
         const QByteArray body = "session=" + session + "&json=" + QJsonDocument(root).toJson();
         const auto answer = m_pWeb->Post("/sync", body.toStdString(), FORM);
         return answer ? answer->status : 0;
