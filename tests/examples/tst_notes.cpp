@@ -15,7 +15,6 @@ private Q_SLOTS:
     void NotesOfALogin()
     {
         const CInstallationTree tree;
-        tree.MakeDir("Tmp"_s);
         QFile::link(NOTES_PLUGIN_PATH ""_s, tree.MakeDir("Client/Plugins"_s) + "/notes.so"_s);
         QVERIFY(CSettingsDB::GetInstance()->Init());
         QVERIFY(CPlayerInfoDB::GetInstance()->Init());
@@ -41,15 +40,10 @@ private Q_SLOTS:
 
         CUserInfo::GetInstance()->SetLoggedIn("Magnolia"_s);
         plugin->SendInternEvent(said, false);
-        for (const char *typed : {"Tom", "Tom", " "}) {
-            QTest::keyClicks(view->findChild<QLineEdit *>(), QLatin1String(typed));
-            QTest::keyClick(view->findChild<QLineEdit *>(), Qt::Key_Return);
-        }
+        QTest::keyClicks(view->findChild<QLineEdit *>(), "Tom"_s);
+        QTest::keyClick(view->findChild<QLineEdit *>(), Qt::Key_Return);
         QCOMPARE(see(), "Fern Magnolia Tom"_s);
-        QCOMPARE(players->currentItem()->text(), "Tom"_s);
         QTest::keyClicks(view->findChild<QPlainTextEdit *>(), "Bluffs"_s); // and waits to be stored
-        CPlayerModel::GetInstance("Tom"_s)->SetRating(4);
-        QCOMPARE(view->findChild<QSpinBox *>("rating"_s)->value(), 4);
 
         CUserInfo::GetInstance()->SetLoggedIn(QString());
         QCOMPARE(see(), " (off)"_s);

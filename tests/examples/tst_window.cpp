@@ -13,17 +13,11 @@
 #include <QScreen>
 #include <QtTest>
 
-namespace {
-
-constexpr int OPENINGS = 10;
-constexpr int SETTLE_MS = 150; // in which a window manager answers
-
-} // namespace
-
 class tst_window : public QObject
 {
     Q_OBJECT
 
+    static constexpr int SETTLE_MS = 150; // in which a window manager answers
     const CInstallationTree m_tree;
 
     // Opens the client's window, has \a use do something with it, and answers the place at which it was closed.
@@ -46,7 +40,6 @@ class tst_window : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_tree.MakeDir("Tmp"_s);
         QVERIFY(CSettingsDB::GetInstance()->Init());
         GlobalDefines::RegisterQML();
     }
@@ -60,7 +53,7 @@ private Q_SLOTS:
             window.move(61, 47);
         });
         QCOMPARE(moved, QRect(61, 47, 521, 433));
-        for (int opening = 0; opening < OPENINGS; ++opening)
+        for (int opening = 0; opening < 10; ++opening)
             QCOMPARE(OpenAndClose(nothing), moved);
         QWidget away; // on a screen that is far larger
         away.setGeometry(6000, 5000, 521, 433);
