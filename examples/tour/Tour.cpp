@@ -70,8 +70,6 @@ int CTour::Run()
     CWatchedApplication::Get()->Forget(); // the start is over
     if (m_options.bSecondMachine)
         return RunSecondMachine();
-    if (m_options.iSoakMinutes > 0)
-        return RunSoak();
     ShowStart();
     ShowLobby();
     ShowConsole();

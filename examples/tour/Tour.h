@@ -37,7 +37,6 @@ struct STourOptions
     /// A client that another one's tour has started, in an installation of its own in \a strOutput, for the steps
     /// that its standard input names.
     bool bSecondMachine = false;
-    int iSoakMinutes = 0; ///< Instead of the tour, if there are any.
 };
 
 /// The rows that \a sql selects from the SQLite file, columns separated by "|". A program that has nothing to do with
@@ -107,9 +106,6 @@ private:
     void ShowNotes();
     void ShowSecondMachine();
     void ShowLostWebServer();
-    void ShowReturningMachine();
-    void ShowFreshMachine();
-    void ShowWhatStays();
     void ShowLostServer();
     void ShowReturn();
 
@@ -123,12 +119,9 @@ private:
     void Do(TWords step);
     void DoThere(TWords step);
     void TakeStep(const QStringList &step);
-    void StartSecondMachine(const QString &name, bool isNew);
+    void StartSecondMachine(const QString &name);
     void EndSecondMachine();
     int RunSecondMachine();
-    // Instead of the tour: the client under 1000 events a second, with a login each ten seconds. Prints each minute
-    // what there is of it, and fails if that is more than after the first one.
-    int RunSoak();
 
     void ChooseNextTab() const;
     bool ChoosePlayer(const QString &nickname) const;

@@ -140,17 +140,6 @@ void CTour::ShowRunningNumbers()
             const int later = SeeJackpot();
             return jackpot > 0 && later > jackpot ? "%1 to %2 cents"_s.arg(jackpot).arg(later) : QString();
         });
-    const auto *table = Find<QTableView>("lobbyTable");
-    const QModelIndex cell = FindCountDown(*table);
-    const QString before = cell.data().toString();
-    QString after;
-    QObject context; // ends before what the lambda refers to: clazy:excludeall=lambda-in-connect
-    QObject::connect(table->model(), &QAbstractItemModel::dataChanged, &context, [&](const QModelIndex &changed) {
-        if (changed.column() == cell.column())
-            after = cell.data().toString();
-    });
-    See("A countdown runs"_s,
-        [&] { return !after.isEmpty() && after < before ? before + QLatin1String(" to ") + after : QString(); });
 }
 
 void CTour::ShowTimezones()
@@ -164,7 +153,7 @@ void CTour::ShowTimezones()
         "Clock and starts are in the time zone that the user chooses"_s,
         [&] { ChooseEntry("timezones", FOREIGN_TIMEZONE); },
         [&] {
-            // Behind a change of the zone the clock stands at the last time that the server has told.
+            // After a change of the zone the clock stands at the last time that the server has told.
             const auto *clock = CCasinoTime::GetInstance();
             const QDateTime now = QDateTime::fromSecsSinceEpoch(clock->GetTimeUTCClient(), Qt::UTC);
             const QString expected = now.addSecs(FOREIGN_OFFSET_SECONDS).toString("hh:mm "_s) + FOREIGN_TIMEZONE;

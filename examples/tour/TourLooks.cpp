@@ -141,7 +141,7 @@ void CTour::ShowLooks()
         const QByteArray light = ("light-"_s + QLatin1String(scale)).toLatin1();
         const QByteArray dark = ("dark-"_s + QLatin1String(scale)).toLatin1();
         qputenv("QT_SCALE_FACTOR", scale);
-        StartSecondMachine(name, true);
+        StartSecondMachine(name);
         qunsetenv("QT_SCALE_FACTOR");
         DoThere({"The user logs in on a screen of this density", "log in"});
         for (const QString &language : LANGUAGES)

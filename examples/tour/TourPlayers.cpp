@@ -3,7 +3,6 @@
 #include <files/Pathes.h>
 #include <settings/Settings.h>
 
-#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEventLoop>
@@ -60,14 +59,6 @@ void CTour::TakeStep(const QStringList &step)
         {"choose avatar", {[&] { ChooseAvatar(subject, value); }, [&] { return SeeAvatar(subject, value); }}},
         {"see filter", {nothing, [&] { return SeeFilter(value); }}},
         {"filter", {[&] { TypeFilter(value); }, [&] { return SeeRows({row.arg(QLatin1String("ringgamefilter"))}); }}},
-        {"see sounds",
-         {nothing,
-          [&] {
-              return Find<QAction>("sounds")->isChecked() == (value == QLatin1String("true")) ? value : QString();
-          }}},
-        {"sounds",
-         {[&] { Trigger(Find<QAction>("sounds")); },
-          [&] { return SeeRows({row.arg(QLatin1String("soundsenabled"))}); }}},
         {"see language", {nothing, [&] { return SeeTexts(value); }}},
         {"language", {[&] { ChooseEntry("languages", value); }, [&] { return SeeTexts(value); }}},
         {"colours",
