@@ -1,10 +1,8 @@
 #pragma once
 
-#include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QString>
 #include <QTemporaryDir>
 
 /// An installation in a temporary folder. While it lives, its client folder is the process's current directory.

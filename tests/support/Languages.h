@@ -3,19 +3,10 @@
 #include <files/Pathes.h>
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
+#include <support/Rows.h>
 #include <support/Singletons.h>
 
 #include <QtTest>
-
-/// "a|b;c|d" is two rows of test data; const, so that a loop over them detaches nothing.
-inline const QList<QStringList> Rows(const QString &text)
-{
-    QList<QStringList> rows;
-    const QStringList lines = text.split(QLatin1Char(';'));
-    for (const QString &row : lines)
-        rows.append(row.split(QLatin1Char('|')));
-    return rows;
-}
 
 /// An installation with a language file, and new singletons, which end with it. Texts are rows of language, area, key
 /// and text; languages are "id code name,id code name", of which 1 is selected.
@@ -40,8 +31,7 @@ public:
     static void Fill(const QString &table, const QString &rows)
     {
         CTranslationDB::GetInstance()->Exec("CREATE TABLE "_s + table);
-        for (const QStringList &row : Rows(rows))
-            CTranslationDB::GetInstance()->Exec("INSERT INTO "_s + table + " VALUES ('"_s + row.join("','"_s) +
-                                                "')"_s);
+        for (const QStringList &row : ToRows(rows))
+            CTranslationDB::GetInstance()->Exec("INSERT INTO %1 VALUES ('%2')"_s.arg(table, row.join("','"_s)));
     }
 };

@@ -18,11 +18,20 @@ void AddRows(std::initializer_list<const char *> columns,
         std::apply([](const char *name, const auto &...values) { (QTest::newRow(name) << ... << values); }, row);
 }
 
-/// Rows of texts, in the column "in": "a|b;c|d" is two rows, whose names are "a|b" and "c|d".
+/// "a|b;c|d" is two rows; const, so that a loop over them detaches nothing.
+inline const QList<QStringList> ToRows(const QString &text)
+{
+    QList<QStringList> rows;
+    const QStringList lines = text.split(QLatin1Char(';'));
+    for (const QString &row : lines)
+        rows.append(row.split(QLatin1Char('|')));
+    return rows;
+}
+
+/// Such rows, in the column "in"; their names are "a|b" and "c|d".
 inline void AddRows(const QString &text)
 {
     QTest::addColumn<QStringList>("in");
-    const QStringList rows = text.split(QLatin1Char(';'));
-    for (const QString &row : rows)
-        QTest::newRow(qPrintable(row)) << row.split(QLatin1Char('|'));
+    for (const QStringList &row : ToRows(text))
+        QTest::newRow(qPrintable(row.join(QLatin1Char('|')))) << row;
 }

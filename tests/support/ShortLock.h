@@ -6,7 +6,7 @@
 #include <QString>
 #include <QThread>
 
-#include <memory>
+#include <future>
 
 /// Another connection's lock on a SQLite file, in a thread of its own: it is there when the constructor returns, and
 /// gone after a while.
@@ -15,7 +15,7 @@ class CShortLock
 public:
     explicit CShortLock(const QString &file, const QString &begin = QStringLiteral("BEGIN IMMEDIATE"),
                         unsigned long ms = 200)
-        : m_thread(QThread::create([=] {
+        : m_thread(std::async(std::launch::async, [=] {
             const QString name = QStringLiteral("short lock of ") + file;
             {
                 QSqlDatabase connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
@@ -29,13 +29,10 @@ public:
             QSqlDatabase::removeDatabase(name);
         }))
     {
-        m_thread->start();
         m_locked.acquire();
     }
-    ~CShortLock() { m_thread->wait(); }
-    Q_DISABLE_COPY_MOVE(CShortLock)
 
 private:
     QSemaphore m_locked;
-    std::unique_ptr<QThread> m_thread;
+    std::future<void> m_thread; // whose destructor waits
 };

@@ -29,53 +29,40 @@
 #include <QMap>
 #include <QString>
 
-// Every singleton of the library; a new one is one more row.
-#define SINGLETONS(ROW)        \
-    ROW(CAutoTopUpModel)       \
-    ROW(CCasinoInfo)           \
-    ROW(CCasinoTime)           \
-    ROW(CChatModel)            \
-    ROW(CConfig)               \
-    ROW(CConfigDB)             \
-    ROW(CConsole)              \
-    ROW(CHandHistoryDB)        \
-    ROW(CLobbyListDB)          \
-    ROW(CMenuManager)          \
-    ROW(CNetworkAccessManager) \
-    ROW(COptionsDialogManager) \
-    ROW(CPlayerInfoDB)         \
-    ROW(CPlayerLists)          \
-    ROW(CPlayerTaggingModel)   \
-    ROW(CSettings)             \
-    ROW(CSettingsDB)           \
-    ROW(CSettingsSync)         \
-    ROW(CSoundManager)         \
-    ROW(CTranslation)          \
-    ROW(CTranslationDB)        \
-    ROW(CUserInfo)
+#include <typeinfo>
+
+template <typename... Singletons>
+struct SSingletonList
+{
+    static QMap<QString, quint64> GetAddresses()
+    {
+        return {{QString::fromLatin1(typeid(Singletons).name()), quint64(quintptr(Singletons::GetInstance()))}...};
+    }
+    static void Destroy() { (Singletons::DestroyInstance(), ...); }
+};
+
+/// Every singleton of the library.
+using TSingletons =
+    SSingletonList<CAutoTopUpModel, CCasinoInfo, CCasinoTime, CChatModel, CConfig, CConfigDB, CConsole,
+                   CHandHistoryDB, CLobbyListDB, CMenuManager, CNetworkAccessManager, COptionsDialogManager,
+                   CPlayerInfoDB, CPlayerLists, CPlayerTaggingModel, CSettings, CSettingsDB, CSettingsSync,
+                   CSoundManager, CTranslation, CTranslationDB, CUserInfo>;
 
 /// Addresses of what host and plugins have to share, by name, as the including module sees them. Creates the
 /// singletons that aren't there.
 inline QMap<QString, quint64> GetSharedAddresses()
 {
-    QMap<QString, quint64> addresses;
-    const auto add = [&addresses](const char *name, const void *object) {
-        addresses.insert(QString::fromLatin1(name), quint64(quintptr(object)));
-    };
-#define ADD_ADDRESS(Class) add(#Class, Class::GetInstance());
-    SINGLETONS(ADD_ADDRESS)
-#undef ADD_ADDRESS
-    add("model of a player", CPlayerModel::GetInstance(QStringLiteral("Ann")));
-    add("meta-object of CPluginInterface", &CPluginInterface::staticMetaObject);
+    QMap<QString, quint64> addresses = TSingletons::GetAddresses();
+    const CPlayerModel *ann = CPlayerModel::GetInstance(QStringLiteral("Ann"));
+    addresses.insert(QStringLiteral("a player's model"), quint64(quintptr(ann)));
+    addresses.insert(QStringLiteral("a meta-object"), quint64(quintptr(&CPluginInterface::staticMetaObject)));
     return addresses;
 }
 
 /// They end before it returns, but for the menus, which end a turn of the event loop later.
 inline void DestroySingletons()
 {
-#define DESTROY(Class) Class::DestroyInstance();
-    SINGLETONS(DESTROY)
-#undef DESTROY
+    TSingletons::Destroy();
     CPlayerModel::DestroyInstances();
     CSoundPlayer::DestroyInstances();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
