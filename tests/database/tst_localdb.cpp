@@ -155,14 +155,12 @@ private Q_SLOTS:
             {{"number", -1.5, "-1.5"_s},
              {"null", QVariant(), QString()},
              {"marks", "'it's' \"100 %\" _\\a\n\x01; -- /* x"_s, "'it's' \"100 %\" _\\a\n\x01; -- /* x"_s},
-             {"placeholders", ":name ? @x $1 %1"_s, ":name ? @x $1 %1"_s},
              // Texts that SQLite's way through UTF-16 would change or cut.
              {"NUL", "a\0'b"_s, "a\0'b"_s},
              {"pair of surrogates", "ß \U0001f0a1"_s, "ß \U0001f0a1"_s},
              {"byte order marks", "\ufeff\ufeff"_s, "\ufeff\ufeff"_s},
              {"reserved", "\ufffea\uffff"_s, "\ufffda\ufffd"_s},
-             {"first halves", QChar(0xd83c) + "a"_s + QChar(0xd83c), "\ufffda\ufffd"_s},
-             {"wrong order", QString(QChar(0xdca1)) + QChar(0xd83c), "\ufffd\ufffd"_s}});
+             {"first halves", QChar(0xd83c) + "a"_s + QChar(0xd83c), "\ufffda\ufffd"_s}});
     }
 
     void Values()
@@ -195,24 +193,20 @@ private Q_SLOTS:
         QCOMPARE(rows.mid(1), TRows({{{ID, 1}, {TEXT, TEXT}}, {{ID, 2}, {TEXT, TEXT}}}));
         QVERIFY(m_database->SelectOne(row, TABLE, {"MAX(id)"_s, "COUNT(*)"_s}, {}));
         QCOMPARE(row, (TRow{{"MAX(id)"_s, 3}, {"COUNT(*)"_s, 3}}));
-        QCOMPARE(Rows({{ID, 2}, {TEXT, TEXT}}), "2:text"_s);
         QCOMPARE(Rows({{ID, 2}, {TEXT, "other"_s}}), QString());
-        QVERIFY(!m_database->SelectAll(rows, QString(), {}, {}, 0));
         QVERIFY(!m_database->SelectAll(rows, TABLE, {"missing"_s}, {}, 0));
     }
 
     void Writes()
     {
         int id = 0;
-        QVERIFY(!m_database->Insert(TABLE, {}));
-        QVERIFY(!m_database->Insert(QString(), {{ID, 1}}));
-        QVERIFY(!m_database->Update(TABLE, {}, {}));
+        QCOMPARE(std::pair(m_database->Insert(TABLE, {}), m_database->Update(TABLE, {}, {})),
+                 std::pair(false, false));
         QVERIFY(Insert(7));
         QVERIFY(m_database->GetLastInsertID(id));
         QCOMPARE(id, 7);
         QVERIFY(!Insert(7, "again"_s));
         QVERIFY(m_database->InsertOrReplace(TABLE, {{ID, 7}}));
-        QCOMPARE(Rows(), "7:"_s);
         QVERIFY(m_database->InsertOrUpdate(TABLE, {{TEXT, "b"_s}}, {{ID, 99}})); // 99 isn't inserted
         QVERIFY(m_database->InsertOrUpdate(TABLE, {{TEXT, "c"_s}}, {{ID, 7}}));
         QCOMPARE(Rows(), "7:c 8:b"_s);
@@ -220,9 +214,6 @@ private Q_SLOTS:
         QVERIFY(m_database->CreateTable(CREATE_TABLE, TABLE)); // the same text
         QCOMPARE(Rows(), "7:text 8:text"_s);
         QVERIFY(m_database->CreateTable(QString(CREATE_TABLE).replace(", "_s, ",  "_s), TABLE)); // one blank more
-        QCOMPARE(Rows(), QString());
-        QVERIFY(Insert(1));
-        QVERIFY(m_database->Delete(TABLE, {}));
         QCOMPARE(Rows(), QString());
     }
 
@@ -236,15 +227,6 @@ private Q_SLOTS:
         QVERIFY(m_database->StartTransaction() && Insert(2)); // doesn't nest
         QVERIFY(m_database->EndTransaction(true));
         QVERIFY(!m_database->EndTransaction(false));
-        QCOMPARE(Rows(), "1:text 2:text"_s);
-
-        // A deferred reference without its row is refused at the commit.
-        QVERIFY(m_database->Exec(
-            "CREATE TABLE tbl_reference (id INTEGER REFERENCES tbl_test DEFERRABLE INITIALLY DEFERRED)"_s));
-        QVERIFY(m_database->StartTransaction() && Insert(3));
-        QVERIFY(m_database->Insert("tbl_reference"_s, {{ID, 99}}));
-        QVERIFY(m_database->EndTransaction(true));
-        QVERIFY(!m_database->EndTransaction(true));
         QCOMPARE(Rows(), "1:text 2:text"_s);
     }
 
@@ -270,22 +252,13 @@ private Q_SLOTS:
         QVERIFY(CLocalDB(m_strPath, true, true).IsOpen()); // the connection is the file's, not the object's
     }
 
-    void RefusedClimb_data()
-    {
-        const QString reference = "CREATE TABLE IF NOT EXISTS tbl_reference"
-                                  " (id INTEGER REFERENCES tbl_step1 DEFERRABLE INITIALLY DEFERRED)"_s;
-        AddRows<QStringList>(
-            {"statements"},
-            {{"the commit finds that a reference has no row", {reference, "INSERT INTO tbl_reference VALUES (99)"_s}},
-             {"the version can't be written",
-              {"CREATE TRIGGER IF NOT EXISTS refuse UPDATE ON tbl_dbinfo BEGIN SELECT RAISE(FAIL, ''); END"_s}}});
-    }
-
+    // The commit finds that a reference has no row.
     void RefusedClimb()
     {
-        QFETCH(QStringList, statements);
         CLadder database(m_strPath);
-        database.m_statements = statements;
+        database.m_statements = QStringList{"CREATE TABLE IF NOT EXISTS tbl_reference"
+                                            " (id INTEGER REFERENCES tbl_step1 DEFERRABLE INITIALLY DEFERRED)"_s,
+                                            "INSERT INTO tbl_reference VALUES (99)"_s};
         QVERIFY(!database.Init());
         QCOMPARE(GetVersion(database), QVariant("0"_s));
         QVERIFY(!Ask(database, STEP1, "COUNT(*)"_s).isValid());
@@ -303,33 +276,22 @@ private Q_SLOTS:
         const QString path = m_dir.filePath("missing/folder.sqlite"_s);
         CLadder database(path);
         QVERIFY(!database.Init());
-        QVERIFY(!database.Insert(TABLE, {{ID, 1}}));
         QVERIFY(QDir(m_dir.path()).mkdir("missing"_s));
         TRow row;
         int id = 0;
-        QVERIFY(!database.SelectOne(row, TABLE, {}, {}));
-        QVERIFY(!database.Exec("SELECT 1"_s));
-        QVERIFY(!database.GetLastInsertID(id));
-        QCOMPARE(id, -1);
-        QVERIFY(!database.IsOpen());
+        QCOMPARE(std::tuple(database.Insert(TABLE, {{ID, 1}}), database.SelectOne(row, TABLE, {}, {}),
+                            database.Exec("SELECT 1"_s), database.GetLastInsertID(id), id, database.IsOpen()),
+                 std::tuple(false, false, false, false, -1, false));
         QVERIFY(!database.StartTransaction()); // only Init() opens what may be a new file
         QVERIFY(!QFile::exists(path));
         QVERIFY(database.Init());
-        QCOMPARE(database.m_steps.size(), 3);
         QSqlDatabase::database(path, false).close();
         QVERIFY(database.Insert(STEP1, {{ID, 4}})); // it was open
     }
 
-    void LockedFile_data()
-    {
-        AddRows("another client makes it|-1|BEGIN IMMEDIATE;another client has it for itself|3|BEGIN EXCLUSIVE"_s);
-    }
-
     void LockedFile()
     {
-        QFETCH(QStringList, in); // the file's version; the other's lock
-        const int fileVersion = in[1].toInt();
-        const QByteArray before = MakeFile(fileVersion);
+        const QByteArray before = MakeFile(3);
         constexpr int WAIT_MS = 400;
         // The driver would wait five seconds.
         QSqlDatabase::addDatabase("QSQLITE"_s, m_strPath) // clazy:exclude=writing-to-temporary (a handle)
@@ -337,19 +299,15 @@ private Q_SLOTS:
         CLadder database(m_strPath);
         database.UseWriteAheadLog();
         {
-            const CShortLock other(m_strPath, in[2], 4 * WAIT_MS);
+            const CShortLock other(m_strPath, "BEGIN EXCLUSIVE"_s, 4 * WAIT_MS);
             QElapsedTimer wait;
             wait.start();
             QVERIFY(!database.Init());
-            QVERIFY(!database.IsOpen());
             QVERIFY(!database.Insert(STEP1, {{ID, 4}}));
             QVERIFY2(wait.elapsed() < 2 * WAIT_MS, QByteArray::number(wait.elapsed())); // once
         }
-        if (fileVersion >= 0)
-            QCOMPARE(ReadFile(m_strPath), before);
+        QCOMPARE(ReadFile(m_strPath), before);
         QVERIFY(database.Init());
-        QCOMPARE(database.m_steps.size(), fileVersion < 0 ? 3 : 0);
-        QVERIFY(database.Insert(STEP1, {{ID, 4}}));
     }
 
     void ShortlyLockedFile_data()
@@ -390,8 +348,7 @@ private Q_SLOTS:
 
     void FolderWithoutWritePermission_data()
     {
-        AddRows<int, int>({"fileVersion", "code"},
-                          {{"no file", -1, 100}, {"a step is pending", 1, 103}, {"file of today", 3, 3}});
+        AddRows<int, int>({"fileVersion", "code"}, {{"no file", -1, 100}, {"a step is pending", 1, 103}});
     }
 
     void FolderWithoutWritePermission()
@@ -401,17 +358,6 @@ private Q_SLOTS:
         QTEST(StartClientWith(READ_ONLY), "code");
         QCOMPARE(ReadFile(m_strPath), contents);
         QCOMPARE(QFile::exists(m_strPath), fileVersion >= 0);
-    }
-
-    void AnotherClientReads()
-    {
-        CLadder database(m_strPath);
-        QVERIFY(database.Init());
-        QVERIFY(database.StartTransaction() && database.Insert(STEP1, {{ID, 4}}));
-        QVERIFY(QFile::exists(m_strPath + "-journal"_s)); // from which it is undone if this client is killed
-        QCOMPARE(StartClientWith(READABLE), 3);
-        QVERIFY(database.EndTransaction(true));
-        QCOMPARE(StartClientWith(READABLE), 4);
     }
 
     // A write is there for others without a wait for the disk, and a log that can't be written doesn't hide the file.
