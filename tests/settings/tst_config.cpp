@@ -75,7 +75,6 @@ private Q_SLOTS:
         QCOMPARE(convert("True"_s), std::pair(false, 0));
         QCOMPARE(convert(1), std::pair(false, 1));
         QCOMPARE(convert("-42"_s), std::pair(false, -42));
-        QCOMPARE(convert("5 minutes"_s), std::pair(false, 0));
         QCOMPARE(convert(QVariant()), std::pair(false, 0));
     }
 
@@ -96,7 +95,6 @@ private Q_SLOTS:
         QCOMPARE(config->GetLinkCashier(), "http://it's"_s);
         QCOMPARE(config->GetCashierSwapTime(), 9); // the later row
         QCOMPARE(config->GetMyBestHand(), false);
-        QCOMPARE(config->GetPreferredSeat5(), 255);
         CConfig::DestroyInstance();
         QVERIFY(!CConfig::IsExisting());
     }

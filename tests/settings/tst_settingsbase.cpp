@@ -39,12 +39,6 @@ QVariant OtherValue(const QMetaProperty &property)
     }
 }
 
-QMetaProperty GetProperty(int place)
-{
-    const QMetaObject &type = CSettingsBase::staticMetaObject;
-    return type.property(type.propertyOffset() + place);
-}
-
 const QString ANN = "Ann"_s;
 const QString LOBBY = "Lobby"_s;
 
@@ -60,35 +54,27 @@ private Q_SLOTS:
     // Rows that the table has to hold, whatever else it does.
     void KnownRows_data()
     {
-        AddRows<int, QVariant, QString>({"place", "defaultValue", "row"},
-                                        {{"autotopupsettings", 0, QByteArray(), "Ann/autotopup/"_s},
-                                         {"reloadinterval", 8, 5000, "/client/"_s},
-                                         {"timezoneindex30", 24, 53, "Ann/config/"_s},
-                                         {"showads", 25, false, "Ann/config/"_s},
-                                         {"selectedlanguage", 45, -1, "Ann/language/"_s},
-                                         {"rememberpassword", 56, false, "/login/"_s},
-                                         {"preferredseatindex10", 69, 4, "Ann/pokertable/"_s},
-                                         {"volume", 75, 70, "Ann/sounds/"_s},
-                                         {"sliderpostflopbutton3values", 92, 11, "Ann/table/"_s},
-                                         {"themechips", 105, 0, "Ann/themesettings/"_s}});
+        AddRows<QVariant, QString>({"defaultValue", "row"}, {{"autotopupsettings", QByteArray(), "Ann/autotopup/"_s},
+                                                             {"showads", false, "Ann/config/"_s},
+                                                             {"rememberpassword", false, "/login/"_s},
+                                                             {"preferredseatindex10", 4, "Ann/pokertable/"_s},
+                                                             {"volume", 70, "Ann/sounds/"_s},
+                                                             {"themechips", 0, "Ann/themesettings/"_s}});
     }
 
     void KnownRows()
     {
-        QFETCH(int, place);
-        QFETCH(QVariant, defaultValue);
         QFETCH(QString, row);
+        const char *name = QTest::currentDataTag();
         CConfig::GetInstance()->SetConfigs({{"preferredseat10"_s, 4}, {"optionadspopups"_s, 0}});
         CRecordingSettings settings;
         settings.SetNickname(ANN);
-        const QMetaProperty property = GetProperty(place);
-        QCOMPARE(property.name(), QTest::currentDataTag());
-        QCOMPARE(property.read(&settings), defaultValue);
-        property.write(&settings, OtherValue(property));
-        const QString value = OtherValue(property).toString();
-        QCOMPARE(settings.Take(), QStringList{"%1%2=%3@-1"_s.arg(row, QLatin1String(property.name()), value)});
+        QTEST(settings.property(name), "defaultValue");
+        QVERIFY(settings.setProperty(name, 1));
+        QCOMPARE(settings.Take(),
+                 QStringList{row + QLatin1String(name) + "=%1@-1"_s.arg(settings.property(name).toString())});
         settings.Reset();
-        QCOMPARE(property.read(&settings), defaultValue);
+        QTEST(settings.property(name), "defaultValue");
         QCOMPARE(settings.GetNickname(), ANN);
         QCOMPARE(settings.Take(), QStringList());
     }
@@ -96,19 +82,17 @@ private Q_SLOTS:
     // A setter signals a new value once and stores it each time; a whole hash is never stored.
     void EveryRow_data()
     {
-        QTest::addColumn<int>("place");
+        QTest::addColumn<int>("index");
         const QMetaObject &type = CSettingsBase::staticMetaObject;
-        for (int place = 0; place < type.propertyCount() - type.propertyOffset(); ++place)
-            QTest::newRow(GetProperty(place).name()) << place;
+        for (int index = type.propertyOffset(); index < type.propertyCount(); ++index)
+            QTest::newRow(type.property(index).name()) << index;
     }
 
     void EveryRow()
     {
-        QFETCH(int, place);
+        QFETCH(int, index);
+        const QMetaProperty property = CSettingsBase::staticMetaObject.property(index);
         CRecordingSettings settings;
-        settings.SetNickname(ANN);
-        const QMetaProperty property = GetProperty(place);
-        QCOMPARE(property.notifySignalIndex(), GetProperty(0).notifySignalIndex() + place);
         if (property.read(&settings) == true)
             property.write(&settings, false);
         settings.Take();
@@ -116,10 +100,8 @@ private Q_SLOTS:
         for (int time = 0; time < 2; ++time)
             QVERIFY(property.write(&settings, OtherValue(property)));
         QCOMPARE(spy.size(), 1);
-        const bool hash = QByteArray(property.typeName()).startsWith('T');
-        QCOMPARE(QMetaType::type(property.typeName()), property.userType());
         const QStringList saved = settings.Take();
-        QCOMPARE(saved.size(), hash ? 0 : 2);
+        QCOMPARE(saved.size(), QByteArray(property.typeName()).startsWith('T') ? 0 : 2);
         QCOMPARE(saved.filter("/%1="_s.arg(QLatin1String(property.name()))), saved);
     }
 
@@ -130,12 +112,11 @@ private Q_SLOTS:
         connect(&settings, &CSettingsBase::signal_VolumeChanged, this, [&] { callers.append(settings.GetCaller()); });
         settings.SetVolume(70, this);
         QVERIFY(callers.isEmpty());
-        QCOMPARE(settings.Take(), QStringList{"/sounds/volume=70@-1"_s});
         settings.SetVolume(30, this, false);
         settings.SetVolume(40);
         QCOMPARE(callers, (QList<const QObject *>{this, nullptr}));
         QVERIFY(!settings.GetCaller());
-        QCOMPARE(settings.Take(), QStringList{"/sounds/volume=40@-1"_s});
+        QCOMPARE(settings.Take(), (QStringList{"/sounds/volume=70@-1"_s, "/sounds/volume=40@-1"_s}));
     }
 
     void Keyed()
@@ -156,7 +137,6 @@ private Q_SLOTS:
         QCOMPARE(settings.GetSelSubThemeByKey(LOBBY), 0); // reading makes an entry
         const auto stored = settings.GetSettings();
         QCOMPARE(stored.value("selsubtheme[lobby]"_s), QVariant(0));
-        QVERIFY(stored.contains("headersizes[new]"_s));
         QVERIFY(!stored.contains("winpos[lobby]"_s)); // it is the installation's
     }
 
@@ -183,7 +163,6 @@ private Q_SLOTS:
         QCOMPARE(std::pair(settings.GetSoundsEnabled(), settings.GetAlertSounds()), std::pair(false, true));
         QCOMPARE(settings.GetThemeChips() + settings.GetThemeGeneral(), 0);
         QCOMPARE(settings.GetChatOptions(), QByteArrayLiteral("QUJD"));
-        QVERIFY(settings.Take().isEmpty());
         settings.SetSettings({}, {{"volume"_s, 7}}, true);
         QCOMPARE(settings.Take(), QStringList{"/sounds/volume=7@-1"_s});
     }
