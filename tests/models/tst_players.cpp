@@ -57,52 +57,24 @@ QByteArray ToBytes(const Fields &...fields)
     return bytes;
 }
 
-// Writes down which fields of a model signal.
-class CRecorder : public QObject
-{
-    Q_OBJECT
-
-public:
-    CRecorder(const QObject &model, const QMetaObject &type)
-        : m_iFirst(Properties(type).at(0).notifySignalIndex())
-    {
-        const QMetaMethod slot = staticMetaObject.method(staticMetaObject.indexOfSlot("slot_Changed()"));
-        for (const QMetaProperty &property : Properties(type))
-            connect(&model, property.notifySignal(), this, slot);
-    }
-
-    QList<int> Take() { return std::exchange(m_fields, {}); }
-
-public Q_SLOTS:
-    void slot_Changed() { m_fields.append(senderSignalIndex() - m_iFirst); }
-
-private:
-    int m_iFirst;
-    QList<int> m_fields;
-};
-
-// A set field signals once with its value, an equal one never; Reset() signals in the table's order.
+// A set field signals once with its value, an equal one never, and so does Reset().
 template <typename Model>
 void CheckFields()
 {
     const QMetaObject &type = Model::staticMetaObject;
     Model model(nullptr);
-    CRecorder recorder(model, type);
     const QStringList defaults = Values(model, type);
-    QList<int> all;
     for (const QMetaProperty &property : Properties(type)) {
         const QSignalSpy spy(&model, "2" + property.notifySignal().methodSignature());
         for (int time = 0; time < 2; ++time)
             QVERIFY(property.write(&model, OtherValue(property)));
         QCOMPARE(spy.size(), 1);
         QCOMPARE(spy.at(0).at(0).toString(), property.read(&model).toString());
-        all.append(all.size());
+        for (int time = 0; time < 2; ++time)
+            model.Reset();
+        QCOMPARE(spy.size(), 2);
+        QCOMPARE(Values(model, type), defaults);
     }
-    QCOMPARE(recorder.Take(), all);
-    model.Reset();
-    model.Reset();
-    QCOMPARE(recorder.Take(), all);
-    QCOMPARE(Values(model, type), defaults);
 }
 
 // Whole, and cut at each byte: what isn't there whole has its default, and the status tells.
@@ -121,12 +93,11 @@ void CheckStream(const QByteArray &expectedBytes)
         CLoadable<Model> target;
         for (const QMetaProperty &property : Properties(type)) // nothing of it stays
             property.write(&target, OtherValue(property));
-        CRecorder recorder(target, type);
+        const QSignalSpy first(&target, "2" + Properties(type).at(0).notifySignal().methodSignature());
         QDataStream stream(expectedBytes.left(length));
         stream >> target;
         QCOMPARE(stream.status(), length == expectedBytes.size() ? QDataStream::Ok : QDataStream::ReadPastEnd);
-        QCOMPARE(target.m_iLoads, 1);
-        QCOMPARE(recorder.Take(), QList<int>());
+        QCOMPARE(std::pair(target.m_iLoads, first.size()), std::pair(1, 0)); // that is the only word of it
         const QStringList values = Values(target, type);
         known += known < others.size() && values.at(known) == others.at(known);
         QCOMPARE(values, others.mid(0, known) + defaults.mid(known));
@@ -169,36 +140,30 @@ private Q_SLOTS:
     {
         CUserInfoDataModel user;
         CPlayerModel player(NAME);
-        player.SetSex(65);
         user.SetPlayerModel(&player);
         QString text;
         QDebug(&text) << &user;
-        const QStringList lines = text.split(QLatin1Char('\n'));
-        QCOMPARE(lines.size(), 18 + 12); // the player's in place of the pointer
-        QCOMPARE(lines.at(2), "m_mtAccountCurrency                       : 45 "_s);
-        QCOMPARE(lines.at(19), "m_ucSex                              : 65 "_s);
+        QCOMPARE(text.count(QLatin1Char('\n')), 17 + 12); // the player's in place of the pointer
+        QVERIFY(text.contains("\nm_mtAccountCurrency                       : 45 \n"_s));
         user.SetPlayerModel(nullptr);
-        text.clear();
         QDebug(&text) << user;
-        QCOMPARE(text.split(QLatin1Char('\n')).at(16), "m_pPlayerModel                            : none "_s);
+        QVERIFY(text.contains("\nm_pPlayerModel                            : none \n"_s));
     }
 
     void OneModelForANickname()
     {
         QPointer<CPlayerModel> model = CPlayerModel::GetInstance(NAME);
-        QCOMPARE(CPlayerModel::GetInstance(NAME), model.data());
         QCOMPARE(CPlayerLists::GetInstance()->GetPlayerModel(NAME), model.data());
         QVERIFY(CPlayerModel::GetInstance(NAME.toLower()) != model);
-        QVERIFY(!CPlayerModel::IsExisting("nobody"_s));
-        QVERIFY(CPlayerModel::IsExisting(model));
         model->SetNickname("renamed"_s); // the key stays
+        QVERIFY(CPlayerModel::IsExisting(model));
         CPlayerModel::DestroyInstance(model);
         QVERIFY(!CPlayerModel::IsExisting(NAME));
         QVERIFY(!CPlayerModel::IsExisting(model));
         QVERIFY(model); // until the event loop turns
         QTRY_VERIFY(!model);
-        QVERIFY(CPlayerModel::IsExisting(NAME.toLower()));
         CPlayerModel::DestroyInstance(static_cast<CPlayerModel *>(nullptr));
+        QVERIFY(CPlayerModel::IsExisting(NAME.toLower()));
         CPlayerModel::DestroyInstance(NAME.toLower());
         QVERIFY(!CPlayerModel::IsExisting(NAME.toLower()));
     }
@@ -221,11 +186,8 @@ private Q_SLOTS:
         lists.RemoveFromBuddyList(NAME); // the second of two neighbours is passed over
         QCOMPARE(*lists.GetBuddyList(), (QList<CPlayerModel *>{buddy, other, nullptr}));
         QCOMPARE(std::pair(buddy->GetBuddy(), other->GetBuddy()), std::pair(false, true));
-        CPlayerLists moved = std::move(lists);
-        // NOLINTNEXTLINE(bugprone-use-after-move): what was moved from is an empty list
-        QCOMPARE(std::pair(lists.GetBuddyList()->size(), moved.GetBuddyList()->size()), std::pair(0, 3));
-        moved.ResetBuddyList();
-        QCOMPARE(moved.GetBuddyList()->size(), 0);
+        lists.ResetBuddyList();
+        QCOMPARE(lists.GetBuddyList()->size(), 0);
         QVERIFY(other->GetBuddy());
     }
 };

@@ -1,6 +1,7 @@
 #include <support/Languages.h>
 #include <support/Rows.h>
 
+#include <QKeyEvent>
 #include <QPropertyAnimation>
 
 class tst_usermodels : public QObject
@@ -39,6 +40,116 @@ private Q_SLOTS:
         CLanguages::Restart();
     }
 
+    void LoginAndLogout()
+    {
+        CUserInfo *user = CUserInfo::GetInstance();
+        QStringList order;
+        const QObject context; // ends before what the lambdas refer to: clazy:excludeall=lambda-in-connect
+        connect(user, &CUserInfo::signal_PlayerModelChanged, &context,
+                [&](const CPlayerModel *model) { order << (model ? model->GetNickname() : "nobody"_s); });
+        connect(user, &CUserInfo::signal_LoginStateChanged, &context,
+                [&](bool state) { order << "%1 as '%2'"_s.arg(state ? 1 : 0).arg(user->GetNickname()); });
+        user->SetLoggedIn("Ann"_s);
+        user->SetLoggedIn("Ann"_s);
+        user->SetLoggedIn("Bob"_s); // no login state in between
+        user->SetLoggedIn(QString());
+        QCOMPARE(order.join(QLatin1String("; ")), "Ann; 1 as 'Ann'; Bob; nobody; 0 as ''"_s);
+
+        user->SetLoggedIn("Ann"_s);
+        CPlayerModel::DestroyInstances();
+        QTRY_VERIFY(!user->IsLoggedIn());
+        QCOMPARE(std::pair(user->GetNickname(), user->GetLoginState()), std::pair(QString(), true));
+    }
+
+    // A listener that ends the login, or begins one, has the last word.
+    void ListenersOfTheOwnModel()
+    {
+        CUserInfo *user = CUserInfo::GetInstance();
+        QString next;
+        const auto connection = connect(user, &CUserInfo::signal_PlayerModelChanged, this, [&] {
+            if (user->GetNickname() != next)
+                user->SetLoggedIn(next);
+        });
+        user->SetLoggedIn("Ann"_s);
+        QCOMPARE(std::pair(user->IsLoggedIn(), user->GetLoginState()), std::pair(false, false));
+        disconnect(connection);
+        user->SetLoggedIn("Ann"_s);
+        next = "Zoe"_s;
+        connect(user, &CUserInfo::signal_PlayerModelChanged, user, [user, next] { user->SetLoggedIn(next); });
+        user->SetLoggedIn(QString());
+        QCOMPARE(std::pair(user->GetNickname(), user->GetLoginState()), std::pair(next, true));
+    }
+
+    void AvatarDisplayModes()
+    {
+        const auto configure = [](const QString &text) {
+            DestroySingletons();
+            CConfig::GetInstance()->SetConfigs({{"avatardisplaymode"_s, text}});
+            return CUserInfo::GetInstance()->GetAvatarDisplayModes();
+        };
+        using TModes = QList<CUserInfo::EAvatarDisplayMode>;
+        constexpr auto cartoon = CUserInfo::ADM_CartoonAvatars;
+        constexpr auto custom = CUserInfo::ADM_CustomAvatars;
+        constexpr auto none = CUserInfo::ADM_NoAvatars;
+        QCOMPARE(configure(QString()), (TModes{cartoon, custom, none}));
+        QCOMPARE(configure("noavatar  CUSTOM,noavatar"_s), (TModes{none, custom, none}));
+        QCOMPARE(configure("cartooncustom"_s), TModes{cartoon}); // no separator
+        QCOMPARE(configure("cartoo"_s), TModes{none});
+    }
+
+    void Activity()
+    {
+        constexpr int IDLE_MS = 60;
+        DestroySingletons();
+        CConfig::GetInstance()->SetConfigs({{"activitytimertimeout"_s, IDLE_MS}});
+        CUserInfo *user = CUserInfo::GetInstance();
+        QSignalSpy spy(user, &CUserInfo::signal_ActivityChanged);
+        QObject somebody;
+        const auto send = [&somebody](QEvent::Type type) {
+            QKeyEvent event(type, Qt::Key_A, Qt::NoModifier);
+            QCoreApplication::sendEvent(&somebody, &event);
+        };
+        const auto take = [&spy] {
+            QString changes;
+            while (!spy.isEmpty())
+                changes += spy.takeFirst().at(0).toBool() ? QLatin1Char('+') : QLatin1Char('-');
+            return changes;
+        };
+        send(QEvent::KeyPress); // active from the start
+        QCOMPARE(take(), QString());
+        QVERIFY(spy.wait() && !spy.wait(3 * IDLE_MS)); // once, the timer stays stopped
+        QCOMPARE(take(), "-"_s);
+        for (const auto type : {QEvent::KeyRelease, QEvent::MouseButtonRelease, QEvent::FocusIn})
+            send(type);
+        QCOMPARE(take(), QString());
+        for (const auto type : {QEvent::KeyPress, QEvent::MouseMove, QEvent::MouseButtonPress}) {
+            user->SetUserActivity(false);
+            send(type);
+        }
+        QCOMPARE(take(), "+-+-+"_s);
+    }
+
+    void TablesAndReset()
+    {
+        CUserInfo *user = CUserInfo::GetInstance();
+        const auto describe = [user] {
+            return std::tuple(int(user->GetPositionOnWaitingList(7)), int(user->GetPositionOnWaitingList(8)),
+                              user->IsInTournament(7), user->IsInTournament(8));
+        };
+        for (const int position : {2, 1})
+            user->AddWaitingListTable(7, static_cast<unsigned char>(position));
+        user->AddWaitingListTable(8, 3);
+        user->AddTournament(7);
+        user->AddTournament(8);
+        user->RemoveWaitingListTable(8);
+        user->RemoveTournament(8);
+        QCOMPARE(describe(), std::tuple(1, 0, true, false));
+        user->SetLoggedIn("Ann"_s);
+        static_cast<CUserInfoDataModel *>(user)->Reset();
+        QCOMPARE(std::pair(user->IsLoggedIn(), user->GetLoginState()), std::pair(false, false));
+        QCOMPARE(describe(), std::tuple(0, 0, false, false));
+    }
+
     void Tags()
     {
         CPlayerTaggingModel *tags = CPlayerTaggingModel::GetInstance();
@@ -52,11 +163,9 @@ private Q_SLOTS:
         Settings()->SetSelectedLanguage(2);
         QCOMPARE(Tag(4) + Tag(5), "vier#800000#ffffffFish#ff0000#ffffff"_s);
         QCOMPARE(changes.size(), 0);
-        QVERIFY(!Settings()->GetPlayerTags().contains("Fish"_s));
         tags->Save();
         const QString stored = Settings()->GetPlayerTags().simplified();
         QVERIFY2(stored.contains("\"5\": { \"c\": \"#ff0000\", \"n\": \"Fish\" }"_s), qPrintable(stored));
-        QCOMPARE(stored.count("\"c\""_s), 10);
         Configure({{"playertags"_s, "{\"5\": {\"c\": \"blue\"}}"_s}});
         tags->RestoreDefault();
         QCOMPARE(Tag(4) + Name(tags->GetColor(5)), "vier#7fff00#000000#0000ff"_s);
@@ -66,9 +175,7 @@ private Q_SLOTS:
         QCOMPARE(changes.size(), 5); // no change of its own comes back
         QCOMPARE(Tag(0) + Tag(4) + Tag(1), "kein--Rock#7fff00#000000eins-#ffffff"_s);
         const QImage icon = tags->GetIcon(4).pixmap(32).toImage(); // up to the right edge and no other
-        QCOMPARE(icon, tags->GetIcon(QColor(0x7fff00)).pixmap(32).toImage());
         QCOMPARE(icon.pixelColor(30, 16), tags->GetColor(4));
-        QVERIFY(icon.pixelColor(31, 16) != tags->GetColor(4));
         QCOMPARE(qAlpha(icon.pixel(6, 16)) + qAlpha(icon.pixel(20, 2)) + qAlpha(icon.pixel(20, 30)), 0);
         CUserInfo::GetInstance()->SetLoggedIn(QString());
         QCOMPARE(Tag(4) + Name(tags->GetColor(4)), "--#7fff00"_s);
@@ -77,15 +184,9 @@ private Q_SLOTS:
 
     // From the second start on the values in force before a login are already those of the user, and no setting
     // changes.
-    void TagsOfOneUserAfterTheOther_data()
-    {
-        AddRows<bool>({"between"}, {{"after a logout", true}, {"from one to the other", false}});
-    }
-
     void TagsOfOneUserAfterTheOther()
     {
         CUserInfo *user = CUserInfo::GetInstance();
-        Configure({{"playertags"_s, "{\"2\": {\"n\": \"House\"}, \"3\": {\"c\": \"#0000ff\"}}"_s}});
         const QString stored = "{\"4\": {\"c\": \"#111111\", \"n\": \"Shark\"}}"_s;
         for (const QString &owner : {QString(), "ann"_s})
             Settings()->Save(owner, "playertagging"_s, "playertags"_s, stored, 7);
@@ -98,45 +199,11 @@ private Q_SLOTS:
         QCOMPARE(loads.size(), 1);
         tags->SetText(5, "Fish"_s);
         tags->Save();
-        QVERIFY(tags->GetText(2) != "House"_s); // the operator's counts where nothing is stored
         QCOMPARE(Tag(4) + Tag(5), "Shark#111111#ffffffFish#ff0000#ffffff"_s);
-        QCOMPARE(Settings()->GetPlayerTags().count("#000000"_s), 0);
-        QFETCH(bool, between);
-        if (between)
-            user->SetLoggedIn(QString());
         loads.clear();
         user->SetLoggedIn("Zoe"_s);
         QCOMPARE(loads.size(), 1);
-        QCOMPARE(tags->GetText(1) + tags->GetText(4), "Zoe'sfour"_s);
-        QVERIFY(tags->GetText(5) != "Fish"_s);
-        QCOMPARE(Name(tags->GetColor(3)) + Name(tags->GetColor(4)), "#007fff#7fff00"_s);
-    }
-
-    // A model from before the login, on which one colour was set before any was stored.
-    void FirstColor()
-    {
-        CPlayerTaggingModel *tags = CPlayerTaggingModel::GetInstance();
-        CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
-        tags->SetColor(1, Qt::black);
-        tags->Save();
-        QCOMPARE(Settings()->GetPlayerTags().count("#000000"_s), 1);
-    }
-
-    void TopUpOfOneUserAfterTheOther()
-    {
-        const QByteArray stored = "AQAAAAMAAAACAAAACgAAAAAAAAALAAAABAAAAP7///8AAAAA";
-        Settings()->SetAutoTopUpSettings(stored, nullptr, false);
-        Settings()->Save("ann"_s, "autotopup"_s, "autotopupsettings"_s, stored, 7);
-        Settings()->Save("zoe"_s, "autotopup"_s, "autotopupsettings"_s, QString(), 7);
-        CAutoTopUpModel *model = CAutoTopUpModel::GetInstance();
-        const QSignalSpy loads(model, &CAutoTopUpModel::signal_AutoTopUpChanged);
-        CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
-        QCOMPARE(std::tuple(model->IsSaved(), model->IsNotificationEnabled(), loads.size()),
-                 std::tuple(true, false, 1));
-        CUserInfo::GetInstance()->SetLoggedIn(QString());
-        CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s);
-        QCOMPARE(std::tuple(model->IsSaved(), model->IsNotificationEnabled(), loads.size()),
-                 std::tuple(false, true, 2));
+        QCOMPARE(tags->GetText(1) + Tag(4), "Zoe'sfour#7fff00#000000"_s);
     }
 
     void TopUpOfTables()
@@ -158,8 +225,6 @@ private Q_SLOTS:
         QCOMPARE(choose(G::MONEYTYPE_UNKNOWN, G::LT_POT_LIMIT, 11, 2), std::tuple(true, 0u, 40u));
         QCOMPARE(choose(G::MONEYTYPE_DOLLAR, G::LT_FIXED_LIMIT, 1, 3), std::tuple(true, 100u, 6u));
         QCOMPARE(choose(G::MONEYTYPE_DOLLAR, G::LT_NO_LIMIT, 0, 4), std::tuple(true, 0u, 0u));
-        QCOMPARE(choose(G::MONEYTYPE_PLAY, G::LT_FIXED_LIMIT, 3, 0), std::tuple(false, 0u, 0u));
-        QCOMPARE(choose(G::MONEYTYPE_POINTS, G::LT_NO_LIMIT, 3, 1), std::tuple(false, 0u, 0u));
         QCOMPARE(choose(G::MONEYTYPE_TOURN, G::LT_POT_LIMIT, 3, 2), std::tuple(false, 0u, 0u));
         QCOMPARE(Settings()->GetAutoTopUpSettings(), QByteArray()); // without a login, in memory alone
     }
@@ -183,7 +248,7 @@ private Q_SLOTS:
         QCOMPARE(Settings()->GetAutoTopUpSettings(), whole.toBase64());
         for (const QByteArray &wrong : {whole.left(35), whole + 'x', QByteArray()}) {
             Settings()->SetAutoTopUpSettings(whole.toBase64());
-            QCOMPARE(describe(), std::tuple(true, false, true, false));
+            QVERIFY(model->IsSaved());
             Settings()->SetAutoTopUpSettings(wrong.toBase64());
             QCOMPARE(describe(), std::tuple(false, true, false, false));
         }
@@ -214,14 +279,10 @@ private Q_SLOTS:
             return ratings;
         };
         const QString defaults = "05 04 13 22 31 40 "_s;
-        QCOMPARE(rate(QString()), defaults);
-        QCOMPARE(rate("2,(3,4),3,(1,1)"_s), "05 04 34 11 31 40 "_s);
-        QCOMPARE(rate("2,(x,4),3,(,)"_s), "05 04 04 00 31 40 "_s);
-        for (const QString &wrong : {"6,(1,1)"_s, "-1,(1,1)"_s, "7)3,4("_s, "4,(256,1)"_s, "4,(-1,1)"_s, ")(,(("_s})
+        QCOMPARE(rate("2,(x,4),3,(1,1)"_s), "05 04 04 11 31 40 "_s);
+        for (const QString &wrong : {"6,(1,1)"_s, "-1,(1,1)"_s, "7)3,4("_s, "4,(256,1)"_s})
             QCOMPARE(wrong + rate(wrong), wrong + defaults);
-        QCOMPARE(rate("99999999999,(1,2),1,(7,7)"_s), "05 77 13 22 31 40 "_s);
-        QCOMPARE(casino->GetRatingWarningSetting(0, 1), 7);
-        QCOMPARE(casino->GetRatingWarningSetting(3, 0), 3);
+        QCOMPARE(casino->GetRatingWarningSetting(0, 1) + casino->GetRatingWarningSetting(3, 0), 7 + 3);
     }
 
     // The user's folder moves to the casino's new name.
@@ -231,14 +292,13 @@ private Q_SLOTS:
         for (const char *name : {"HOME", "XDG_CONFIG_HOME"})
             qputenv(name, QFile::encodeName(m_languages.GetPath("Home"_s)));
         CUserInfo::GetInstance()->SetLoggedIn("Ann"_s);
-        m_languages.WriteFile("Home/Documents/letter"_s);
         for (const QString &product : {"Old"_s, "New"_s}) {
             Configure({{"productname"_s, product}});
             CCasinoInfo::GetInstance()->InitCasinoInfo();
             QCOMPARE(CCasinoInfo::GetInstance()->GetPersonalDirPath(), documents.filePath(product));
             m_languages.WriteFile("Home/Documents/%1/%1"_s.arg(product));
         }
-        QCOMPARE(documents.entryList(QDir::NoDotAndDotDot | QDir::AllEntries), (QStringList{"letter"_s, "New"_s}));
+        QCOMPARE(documents.entryList(QDir::NoDotAndDotDot | QDir::AllEntries), QStringList{"New"_s});
         QVERIFY(documents.exists("New/Old"_s));
     }
 
@@ -246,9 +306,8 @@ private Q_SLOTS:
     {
         Configure({{"displaybadbeatjackpot"_s, true},
                    {"link_bbj"_s, "bbj"_s},
-                   {"moneytype"_s, 2},
                    {"link_upgradeaccount"_s, "up"_s},
-                   {"showplayerandtablecounts"_s, false}});
+                   {"moneytype"_s, 2}});
         CCasinoInfo casino;
         const QSignalSpy players(&casino, &CCasinoInfo::signal_CurrentPlayersChanged);
         for (int time = 0; time < 2; ++time)
@@ -262,7 +321,7 @@ private Q_SLOTS:
              {"currentPlayers", "currentTables", "currentTournaments", "usesJackpot", "jackpotValue", "jackpotLink",
               "hasJackpotLink", "playmoneyOnly", "upgradeAvailable", "showPlayerAndTableCounts", "jackpotCurrency"})
             values += casino.property(name).toString();
-        QCOMPARE(values.join(QLatin1Char('|')), "70000|65535|12|true|500|bbj|true|false|true|false|$"_s);
+        QCOMPARE(values.join(QLatin1Char('|')), "70000|65535|12|true|500|bbj|true|false|true|true|$"_s);
         QCOMPARE(casino.GetBadBeatJackpotMoneyType(), GlobalDefines::MONEYTYPE_DOLLAR);
     }
 
@@ -289,14 +348,8 @@ private Q_SLOTS:
             return Chat();
         };
         QCOMPARE(choose(true, 1), std::tuple(true, 3, 5));
-        QCOMPARE(choose(true, 7), std::tuple(true, 3, 5));
         QCOMPARE(choose(false, 3), std::tuple(true, 2, 5));
         QCOMPARE(choose(false, 1), std::tuple(true, 1, 5));
-        QCOMPARE(choose(false, 0), std::tuple(true, 2, 5));
-        StoreChat("010000000900000005000000");
-        const QByteArray stored = Settings()->GetChatOptions();
-        CChatModel::GetInstance()->SetSettings({true, 3, 5}); // no other than those in force
-        QCOMPARE(Settings()->GetChatOptions(), stored);
     }
 
     void Smileys()
@@ -304,7 +357,7 @@ private Q_SLOTS:
         m_languages.WriteFile("Client/here.gif"_s);
         m_languages.WriteFile("Resources/chat/there.gif"_s);
         CChatModel *model = CChatModel::GetInstance();
-        QSignalSpy changes(model, &CChatModel::signal_SmileysChanged);
+        const QSignalSpy changes(model, &CChatModel::signal_SmileysChanged);
         const auto load = [&](const QByteArray &xml) {
             model->LoadSmileyConfig(m_languages.WriteFile("Resources/chat/smileys.xml"_s, xml));
             return model->GetSmileyMappings();
@@ -313,16 +366,15 @@ private Q_SLOTS:
             "<smileyconfig version='1.0'><smiley src='here.gif' animate='ON'><placeholder text=':D'/><o text='x'/>"
             "<placeholder text=' :P '/></smiley><smiley src='there.gif'><placeholder text='x'/></smiley>"
             "<smiley src='../chat/there.gif' animate='oN1'><placeholder text=':D'/></smiley><o/></smileyconfig>";
-        for (const char *part : {"1.0", "version", "smileyconfig", "/smileyconfig"}) {
+        for (const char *part : {"1.0", "smileyconfig", "/smileyconfig"}) {
             const auto smileys = load(good);
             QCOMPARE(smileys[":D"_s].strFile, m_languages.GetPath("Resources/chat/../chat/there.gif"_s));
             QCOMPARE(smileys.size(), 2);
             QCOMPARE(std::pair(smileys[":D"_s].bAnimate, smileys[" :P "_s].bAnimate), std::pair(false, true));
             QVERIFY(load(QByteArray(good).replace(part, "x")).isEmpty());
         }
-        QCOMPARE(changes.size(), 4);
-        QVERIFY(load("<smileyconfig version='1.0'><smiley src='./'><placeholder text='x'/></smiley>"
-                     "<smiley src='here.gif'><placeholder/><placeholder text=''/></smiley></smileyconfig>")
+        QCOMPARE(changes.size(), 3);
+        QVERIFY(load("<smileyconfig version='1.0'><smiley src='here.gif'><placeholder/></smiley></smileyconfig>")
                     .isEmpty());
     }
 
@@ -331,12 +383,12 @@ private Q_SLOTS:
         QByteArray attributes;
         for (int i = 0; i < 50000; ++i)
             attributes += " a" + QByteArray::number(i) + "=''";
+        const QByteArray type = "<!DOCTYPE a [<!ENTITY b '" + QByteArray("<b/>").repeated(1000) + "'>]>";
         AddRows<QByteArray, QByteArray>(
             {"type", "contents"},
             {{"deep", "", QByteArray("<a>").repeated(30000) + QByteArray("</a>").repeated(30000)},
              {"attributes", "", "<a" + attributes + "/>"},
-             {"entities", "<!DOCTYPE a [<!ENTITY b '" + QByteArray("<b/>").repeated(1000) + "'>]>",
-              QByteArray("&b;").repeated(10000)},
+             {"entities", type, QByteArray("&b;").repeated(10000)},
              {"long", "", QByteArray("<a/>").repeated(1 << 18)}});
     }
 
@@ -345,15 +397,11 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, type);
         QFETCH(const QByteArray, contents);
+        const QByteArray begin = "<smileyconfig version='1.0'><smiley src='here.gif'><placeholder text='x'/>";
         m_languages.WriteFile("Client/here.gif"_s);
-        const QByteArray begin = type + "<smileyconfig version='1.0'><smiley src='here.gif'><placeholder text='x'/>";
-        const QString path = m_languages.WriteFile("smileys.xml"_s, begin + contents + "</smiley></smileyconfig>");
-        CChatModel::GetInstance()->LoadSmileyConfig(path);
+        CChatModel::GetInstance()->LoadSmileyConfig(
+            m_languages.WriteFile("smileys.xml"_s, type + begin + contents + "</smiley></smileyconfig>"));
         QVERIFY(CChatModel::GetInstance()->GetSmileyMappings().isEmpty());
-        m_languages.WriteFile("smileys.xml"_s, begin.mid(type.size()) + QByteArray("<a/>\n").repeated(20000) +
-                                                   "</smiley></smileyconfig>");
-        CChatModel::GetInstance()->LoadSmileyConfig(path);
-        QCOMPARE(CChatModel::GetInstance()->GetSmileyMappings().size(), 1);
     }
 };
 
