@@ -77,6 +77,10 @@ private Q_SLOTS:
         QCOMPARE(m_strError, QString());
         QVERIFY(!QFileInfo::exists(Tmp("from")));
         QVERIFY(RemoveDir(Tmp("from"), m_strError)); // nothing is left to be done
+        for (const char *path : {"alias", "alias/", "alias/.", "alias/.//"}) {
+            Link("outside", "alias");
+            QVERIFY2(RemoveDir(Tmp(path), m_strError) && !QFileInfo::exists(Tmp("alias")), path);
+        }
         QCOMPARE(ReadFile(Tmp("outside/file")), QByteArray("old"));
     }
 
@@ -102,6 +106,7 @@ private Q_SLOTS:
         QCOMPARE(m_strError, QString());
         QCOMPARE(GetRelativePaths("to"), "a a/file kept replaced"_s);
         QVERIFY(!QFileInfo::exists(Tmp("from")));
+        QVERIFY(MoveDir(Tmp("from"), Tmp("from/below"), m_strError)); // nothing is left to be moved
     }
 
     void MoveAble()
@@ -139,53 +144,30 @@ private Q_SLOTS:
         QCOMPARE(ReadFile(Tmp("tree/tree/file")), QByteArray("old"));
     }
 
-    void LinkIsRemoved()
-    {
-        Write("tree/file");
-        for (const char *path : {"alias", "alias/", "alias/.", "alias/.//"}) {
-            Link("tree", "alias");
-            QVERIFY2(RemoveDir(Tmp(path), m_strError) && !QFileInfo::exists(Tmp("alias")), path);
-        }
-        QCOMPARE(ReadFile(Tmp("tree/file")), QByteArray("old"));
-    }
-
-    void NothingThere()
-    {
-        for (const QString &from : {QString(), Tmp("missing")}) {
-            QVERIFY2(CopyDir(from, Tmp("other"), m_strError, false), qPrintable(m_strError));
-            QVERIFY2(MoveDir(from, Tmp("missing/below"), m_strError), qPrintable(m_strError));
-            QCOMPARE(m_strError, QString());
-        }
-    }
-
     // Every step that can be tried again fails for good, and all of them at the same time, since each takes its time.
-    // Permissions would stop nobody who is root; directories, files and links in the way stop everybody.
+    // Permissions would stop nobody who is root; directories, files and links in the way stop everybody. For one of
+    // them another program lets go of the file after a moment.
     void Failures()
     {
         Write("from/a/file");
         Write("over/file/in the way");
-        Write("across/a", "a file, where a directory is needed");
+        Write("across/a"); // where a directory is needed
         QVERIFY(QDir().mkpath(Tmp("removed/a/file")));
         Link("missing/file", "dangling/a/file");
-        Link("from/a", "back/a");
         Link("from", "alias");
+        Write("obstacle");
 
         const TOperation copy = [](const auto &from, const auto &to, auto &e) { return CopyDir(from, to, e, false); };
         const TOperation move = [](const auto &from, const auto &to, auto &e) { return CopyDir(from, to, e, true); };
         const TOperation remove = [](const auto &path, const auto &, auto &e) { return RemoveDir(path, e); };
         const std::tuple<TOperation, const char *, const char *, const char *> failures[] = {
             {copy, "from", "across", "copy: failed to create path: ~/across/a"},
-            {MoveDir, "from", "across", "copy: failed to create path: ~/across/a"},
             {move, "from", "removed", "copy: failed to remove: ~/removed/a/file"},
             {move, "from", "dangling", "move: failed to rename: ~/from/a/file to ~/dangling/a/file"},
             {copy, "from", "dangling", "copy: failed to copy: ~/from/a/file to ~/dangling/a/file"},
             {CopyFile, "from/a/file", "over/file", "copy: failed to remove file: ~/over/file"},
             {CopyFile, "from/a/file", "from/a/file", "copy: failed to copy file: ~/from/a/file to ~/from/a/file"},
-            {CopyFile, "from", "across/a", "copy: failed to copy file: ~/from to ~/across/a"}, // a directory
-            {move, "from", "from/.", "move: failed to rename: ~/from/a/file to ~/from/a/file"},
             {move, "from", "alias", "move: failed to rename: ~/from/a/file to ~/alias/a/file"},
-            {copy, "from", "back", "copy: failed to copy: ~/from/a/file to ~/back/a/file"},
-            {CopyFile, "missing", "from/a/file", "copy: failed to copy file: ~/missing to ~/from/a/file"},
             {remove, "across/a", "", "remove: failed to remove dir: ~/across/a"},
 #if defined(Q_OS_LINUX) // the kernel lets nobody remove these
             {remove, "/proc/self/fdinfo", "", "remove: failed to remove file: /proc/self/fdinfo/0"},
@@ -194,22 +176,14 @@ private Q_SLOTS:
         std::vector<std::future<QString>> errors;
         for (const auto &[operation, from, to, message] : failures)
             errors.push_back(std::async(std::launch::async, GetMessage, operation, Tmp(from), Tmp(to)));
+        auto later = std::async(std::launch::async, copy, Tmp("from"), Tmp("obstacle"), std::ref(m_strError));
+        QThread::msleep(300);
+        QVERIFY(QFile::remove(Tmp("obstacle")));
+        QVERIFY2(later.get(), qPrintable(m_strError));
         for (size_t i = 0; i < errors.size(); ++i)
             QCOMPARE(errors[i].get().replace(m_strTmp, "~"_s), QLatin1String(std::get<3>(failures[i])));
         QCOMPARE(ReadFile(Tmp("from/a/file")), QByteArray("old"));
-        QCOMPARE(ReadFile(Tmp("across/a")).left(6), QByteArray("a file"));
-        QCOMPARE(QDir(Tmp("across")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
-    }
-
-    void LaterAttempt()
-    {
-        Write("obstacle");
-        // Another program lets go of the file after a moment; the call below blocks this thread.
-        const auto otherProgram = std::async(std::launch::async, [this] {
-            QThread::msleep(300);
-            QFile::remove(Tmp("obstacle"));
-        });
-        QVERIFY(DoAction(FA_MakePath, Tmp("obstacle/a"), QString()));
+        QCOMPARE(ReadFile(Tmp("across/a")), QByteArray("old"));
     }
 };
 
