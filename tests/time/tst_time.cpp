@@ -1,9 +1,10 @@
 #include <support/Languages.h>
 #include <support/Rows.h>
+#include <time/CountDown.h>
 
 static constexpr unsigned int NOON = 1709208000; // 29 February 2024, 12:00 UTC
 
-class tst_casinotime : public QObject
+class tst_time : public QObject
 {
     Q_OBJECT
 
@@ -17,8 +18,7 @@ private Q_SLOTS:
 
     void ServerTimes_data()
     {
-        AddRows("0|;5|server ;-5|server ;6|time server ;-6|11:59 time server ;60|12:01 time server ;"
-                "2585759295|06:28 time server "_s);
+        AddRows("0|;5|server ;-5|server ;6|time server ;-6|11:59 time server ;2585759295|06:28 time server "_s);
     }
 
     void ServerTimes()
@@ -70,6 +70,7 @@ private Q_SLOTS:
         CCasinoTime casino;
         const QString none = casino.GetTimeDiffString(NOON).GetText() + casino.GetDateTimeString().GetText();
         QCOMPARE(none + casino.GetTimeString(0) + casino.GetDateString(0), QString());
+        QCOMPARE(casino.GetTimezoneList().mid(52), (QStringList{"GMT+14"_s, "auto"_s}));
         QCOMPARE(casino.GetTimeString(NOON + 61) + casino.GetDateString(NOON), "12:0129.02.2024"_s);
         QCOMPARE(casino.GetDateStringShort(NOON).GetTranslatedText(), "Feb 29"_s);
         casino.SetTimeUTCServer(NOON + 46800); // 01:00
@@ -78,9 +79,8 @@ private Q_SLOTS:
 
     void Distances_data()
     {
-        AddRows("0|0 0 0 m;3599|0 0 59 m;3600|0 1 h 0 m;86399|0 23 h 59 m;86459|in 1 d 0 h 0 m;-59|0 minutes;"
-                "-3600|1 hour, 0 minutes;-7200|2 hours, 0 minutes;-86460|1 day, 1 minute;"
-                "-172799|1 day, 23 hours, 59 minutes;-1709208000|"_s);
+        AddRows("0|0 0 0 m;3599|0 0 59 m;3600|0 1 h 0 m;86459|in 1 d 0 h 0 m;-3600|1 hour, 0 minutes;"
+                "-86460|1 day, 1 minute;-172799|1 day, 23 hours, 59 minutes;-1709208000|"_s);
     }
 
     void Distances()
@@ -93,9 +93,8 @@ private Q_SLOTS:
 
     void Zones_data()
     {
-        AddRows("23|23|GMT-0:30|Feb 29 11:30;0|0|GMT-12|Feb 29 00:00;-1|24|GMT+0|Feb 29 12:00;"
-                "53|53|GMT+0|Feb 29 12:00;21|21|GMT-1:30|Feb 29 10:30;54|24|GMT+0|Feb 29 12:00;"
-                "52|52|GMT+14|Mar 01 02:00"_s);
+        AddRows("23|23|GMT-0:30|Feb 29 11:30;-1|24|GMT+0|Feb 29 12:00;53|53|GMT+0|Feb 29 12:00;"
+                "21|21|GMT-1:30|Feb 29 10:30;54|24|GMT+0|Feb 29 12:00;52|52|GMT+14|Mar 01 02:00"_s);
     }
 
     void Zones()
@@ -115,17 +114,7 @@ private Q_SLOTS:
         QCOMPARE(QString::number(casino.GetTimezoneIndex()), in[1]);
     }
 
-    void ZoneNames()
-    {
-        const QStringList names = CCasinoTime().GetTimezoneList();
-        QCOMPARE(QStringList({names.value(23), names.value(53)}), QStringList({"GMT-0:30"_s, "auto"_s}));
-        QCOMPARE(names.size(), 54);
-    }
-
-    void MachinesZone_data()
-    {
-        AddRows("WIN-5:45|GMT+5:30|GMT+6:30;WIN+3:30|GMT-3:30|GMT-2:30;WIN-14|GMT+14|GMT+0"_s);
-    }
+    void MachinesZone_data() { AddRows("WIN-5:45|GMT+5:30|GMT+6:30;WIN-14|GMT+14|GMT+0"_s); }
 
     void MachinesZone()
     {
@@ -141,7 +130,89 @@ private Q_SLOTS:
         QCOMPARE(casino.GetTimezoneString(), in[2]);
         qputenv("TZ", "UTC");
     }
+
+    void CountDownTexts_data()
+    {
+        AddRows("0|00:00:00|00:00|0|;3661|01:01:01|01:01|3661|;172799|47:59:59|59:59|172799|;"
+                "172800|2 days|00:00|172800|"_s);
+    }
+
+    void CountDownTexts()
+    {
+        QFETCH(QStringList, in); // seconds, and the texts of the three types and of one that is none
+        for (const int type : {0, 1, 2, 3})
+            QCOMPARE(Globals::GetCountDownString(in[0].toUInt(), GlobalDefines::CountdownStringType(type))
+                         .GetTranslatedText(),
+                     in.at(type + 1));
+    }
+
+    void CountDownRuns()
+    {
+        CCasinoTime::DestroyInstance();
+        CCasinoTime *clock = CCasinoTime::GetInstance();
+        CCountDown countDown;
+        QString seen;
+        connect(&countDown, &CCountDown::signal_CountDownChanged, this,
+                [&](const QString &text) { seen += text + QLatin1Char(' '); });
+        connect(&countDown, &CCountDown::signal_CountDownFinished, this, [&] { seen += "end "_s; });
+        const auto run = [&](int ticks) { // what is signalled on so many ticks, and shown then
+            while (--ticks >= 0)
+                clock->IncreaseCurrentTime();
+            return std::exchange(seen, {}) + countDown.GetCountDown().GetTranslatedText();
+        };
+        countDown.Start(3); // the new clock stands at 0
+        QCOMPARE(run(0), "00:00:00"_s);
+        QVERIFY(countDown.IsRunning());
+        QCOMPARE(run(3), "00:00:02 00:00:01 00:00:00 00:00:00"_s);
+        QCOMPARE(run(1), "end 00:00:00"_s);
+        countDown.StartEndTime(7); // the clock stands at 4
+        QCOMPARE(std::tuple(countDown.GetLeft(), countDown.GetSince()), std::tuple(3, 0));
+        countDown.StartEndTime(4);
+        QCOMPARE(run(2), "00:00:03 00:00:00 00:00:00"_s);
+        countDown.StartFromTime(7); // the clock stands at 6
+        QCOMPARE(run(3), "00:00:01 00:00:02 00:00:02"_s);
+        QCOMPARE(std::tuple(countDown.GetLeft(), countDown.GetSince()), std::tuple(0, 2));
+        countDown.Start(172801);
+        QCOMPARE(run(2), "2 days 47:59:59 47:59:59"_s);
+        countDown.StartFromTime(1);
+        countDown.SetType(GlobalDefines::CST_Seconds);
+        countDown.Stop();
+        countDown.Start(0);
+        countDown.StartFromTime(0);
+        QCOMPARE(run(2), "00:00:10 10 0 0"_s);
+    }
+
+    // At its end a slot runs an event loop, such as a dialog's, and starts it anew, first down and then up.
+    void CountDownStartedAtItsEnd()
+    {
+        CCasinoTime *clock = CCasinoTime::GetInstance();
+        CCountDown countDown;
+        int ends = 0;
+        connect(&countDown, &CCountDown::signal_CountDownFinished, this, [&] {
+            clock->IncreaseCurrentTime();
+            ++ends == 1 ? countDown.Start(1) : countDown.StartFromTime(1);
+        });
+        countDown.Start(1);
+        for (int tick = 0; tick < 8; ++tick)
+            clock->IncreaseCurrentTime();
+        QCOMPARE(ends, 2);
+        QVERIFY(countDown.GetSince() > 0);
+    }
+
+    void CountDownDeletedInASignal()
+    {
+        const auto ends = [](auto signal) {
+            const QPointer<CCountDown> countDown = new CCountDown;
+            connect(countDown, signal, countDown, [countDown] { delete countDown; });
+            countDown->StartEndTime(CCasinoTime::GetInstance()->GetTimeUTCClient() + 1);
+            for (int tick = 0; countDown && tick < 3; ++tick)
+                CCasinoTime::GetInstance()->IncreaseCurrentTime();
+            return countDown.isNull();
+        };
+        QVERIFY(ends(&CCountDown::signal_CountDownFinished));
+        QVERIFY(ends(&CCountDown::signal_CountDownChanged));
+    }
 };
 
-QTEST_GUILESS_MAIN(tst_casinotime)
-#include "tst_casinotime.moc"
+QTEST_GUILESS_MAIN(tst_time)
+#include "tst_time.moc"
