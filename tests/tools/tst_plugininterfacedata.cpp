@@ -70,25 +70,20 @@ private Q_SLOTS:
     {
         AddRows<QByteArray, QString, QByteArray>(
             {"json", "findings", "dumped"},
-            {{"good",
-              R"({"LINK_Cashier": "ö's", "casinoid": -7, "mybesthand": false, "subskin": 2.0, "pokerlobbytype": ""})",
-              {},
-              R"({"casinoid":-7,"link_cashier":"ö's","mybesthand":false,"pokerlobbytype":"","subskin":2})"},
-             {"built-in value", "{\"casinoid\":\n1, \"subskin\": 2}",
-              "1: note: \"casinoid\" is left out of the file, since this is its built-in value"_s,
-              R"({"subskin":2})"},
+            {{"good", "{\"LINK_Cashier\": \"'ö'\", \"mybesthand\": false, \"subskin\": -2.0,\n\"casinoid\": 1}",
+              "2: note: \"casinoid\" is left out of the file, since this is its built-in value"_s,
+              R"({"link_cashier":"'ö'","mybesthand":false,"subskin":-2})"},
              {"unknown and double keys",
               "{\"casinoid\": 2,\n\"subskin\": 2, \"link_cahsier\": \"x\",\n\"casinoi\\u0064\": 2,\n\"SUBSKIN\": 3}",
               "2: unknown key \"link_cahsier\", the nearest is \"link_cashier\"\n"
               "3: \"casinoid\" is in line 1 already\n4: \"SUBSKIN\" is in line 2 already"_s,
               {}},
              {"values of another type",
-              "{\"theme_chips\": {\"subskin\": \"\\\"}\\n\"},\n\n\"casinoid\": 2.5, \"subskin\": \"2\",\n"
-              "\"moneytype\": 2147483648, \"mybesthand\": 1}",
+              "{\"theme_chips\": {\"subskin\": \"\\\"}\\n\"},\n\n\"casinoid\": 2.5, \"moneytype\": 2147483648,\n"
+              "\"mybesthand\": 1}",
               "1: \"theme_chips\" wants a text in double quotes\n"
               "3: \"casinoid\" wants a whole number from -2147483648 to 2147483647\n"
-              "3: \"subskin\" wants a whole number from -2147483648 to 2147483647\n"
-              "4: \"moneytype\" wants a whole number from -2147483648 to 2147483647\n"
+              "3: \"moneytype\" wants a whole number from -2147483648 to 2147483647\n"
               "4: \"mybesthand\" wants true or false"_s,
               {}},
              {"no JSON", "{\"casinoid\": 2,\n\"subskin\" 2}", "2: missing name separator"_s, {}}});
@@ -121,18 +116,14 @@ private Q_SLOTS:
 
         QVERIFY(CConfigDB::GetInstance()->Init());
         const CConfig *config = CConfig::GetInstance();
-        QCOMPARE(config->GetProductname(), "Example Card Room"_s);
-        QCOMPARE(config->GetMoneyType(), 2);
-        QCOMPARE(
-            std::tuple(config->GetDisplayBadBeatJackpot(), config->GetPokerPoints(), config->GetOptionDealerSound()),
-            std::tuple(true, true, false));
+        QCOMPARE(std::tuple(config->GetProductname(), config->GetMoneyType(), config->GetOptionDealerSound()),
+                 std::tuple("Example Card Room"_s, 2, false));
     }
 
     void OutputRefused_data()
     {
-        AddRows<QString>({"output"}, {{"no folder", "nowhere/config.sqlite"_s},
-                                      {"a folder", "Tmp"_s},
-                                      {"another program writes to it", "Resources/busy.sqlite"_s}});
+        AddRows<QString>({"output"},
+                         {{"a folder", "Tmp"_s}, {"another program writes to it", "Resources/busy.sqlite"_s}});
     }
     void OutputRefused()
     {
@@ -148,16 +139,13 @@ private Q_SLOTS:
 
     void DumpOfOthersFiles_data()
     {
-        AddRows<QString>({"findings"}, {{"missing", " no such file"_s},
-                                        {"junk", " file is not a database"_s},
-                                        {"empty", " has no table tbl_config"_s},
+        AddRows<QString>({"findings"}, {{"empty", " has no table tbl_config"_s},
                                         {"rows", " \"pokerpoints\" is \"1\", but wants true or false\n"
                                                  " unknown key \"no\"\n has more than one \"pokerpoints\""_s}});
     }
     void DumpOfOthersFiles()
     {
         const CInstallationTree tree;
-        tree.WriteFile("Tmp/junk"_s, QByteArray(4096, 'x'));
         CLocalDB(tree.GetPath("Tmp/empty"_s), false, false).Init();
         CLocalDB rows(tree.GetPath("Tmp/rows"_s), false, true);
         QVERIFY(rows.Init());
@@ -206,21 +194,10 @@ private Q_SLOTS:
             {"german", "finding", "built"},
             {{"text missing", Po(2, left), " CORE/DAY is missing, "_s, three},
              {"placeholder lost", Po(2, day + Entry("LEFT", "#d# T.")), "11: CORE/LEFT has lost #h# of "_s, whole},
-             {"placeholder invented", Po(2, left + Entry("DAY", "#n# T.")), "11: CORE/DAY has invented #n#, "_s,
-              whole},
              {"fuzzy", Po(2, "#, fuzzy\n#| msgid \"DATE\"\n" + day + left), "10: CORE/DAY is fuzzy"_s,
               "3 texts; left out: 1"_s},
-             {"untranslated", Po(2, left + Entry("DAY", "")), "11: CORE/DAY is not translated"_s,
-              "0 fuzzy, 1 untranslated"_s},
              {"empty on purpose", Po(2, left + "# empty on purpose\n" + Entry("DAY", "")), {}, whole},
-             {"obsolete",
-              Po(2, day + "#~ msgctxt \"CORE\"\n#~ msgid \"OLD\"\n#~ msgstr \"alt\"\n\n" + left),
-              {},
-              "4 texts; left out: 0 fuzzy, 0 untranslated, 1 obsolete"_s},
              {"there already", Po(2, day + left + Entry("day", "T")), "14: CORE/day is in line 8 already"_s, {}},
-             {"without area", Po(2, day + "msgid \"LEFT\"\nmsgstr \"\"\n"), "10: LEFT has no msgctxt"_s, {}},
-             {"id of another language", Po(1, day + left), " X-Language-Id 1 is that of "_s, {}},
-             {"no id", Po(2, day).replace("X-Language-Id", "X"), "1: its header lacks X-Language-Id"_s, {}},
              {"other encoding", Po(2, day).replace("UTF-8", "ASCII"), "1: its header has to say "_s, {}},
              {"no PO file", Po(2, day + "msgstr oops\n"), "10: "_s, {}}});
     }
@@ -249,20 +226,14 @@ private Q_SLOTS:
     {
         const QString row = "\n| `activitytimertimeout` | int | `600000` | `activitytimertimeout` | CUserInfo |\n"_s;
         QVERIFY(Run("config keys"_s).strOut.contains(row));
-        const QJsonArray keys = QJsonDocument::fromJson(Run("config keys --json"_s).strOut.toUtf8()).array();
-        QCOMPARE(keys.first().toObject().value("default"_s), QJsonValue(600000));
+        QVERIFY(Run("config keys --json"_s).strOut.contains("\"default\": 600000"_s));
     }
 
     void Usage()
     {
-        QCOMPARE(Run(QString()).iExitCode, 2);
-        QCOMPARE(Run("config build a"_s).iExitCode, 2);
-        QCOMPARE(Run("config keys --xml"_s).iExitCode, 2);
         const SResult unknown = Run("config bulid a b"_s);
         QCOMPARE(unknown.iExitCode, 2);
-        QVERIFY(unknown.strError.contains("unknown command config bulid"_s));
-        QCOMPARE(Run("--help"_s).strOut.count(QRegularExpression("\n  (config|language) "_s)), 6);
-        QVERIFY(Run("language check --help"_s).strOut.contains("--reference <SHORT>"_s));
+        QVERIFY2(unknown.strError.contains("unknown command config bulid"_s), qPrintable(unknown.strError));
     }
 };
 
