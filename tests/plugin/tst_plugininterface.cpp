@@ -231,7 +231,7 @@ private Q_SLOTS:
     {
         QFETCH(int, how);
         CUserInfo *user = CUserInfo::GetInstance();
-        user->SetLoginState(true); // without a model nobody is logged in
+        user->SetLoginState(how == 1); // without a model nobody is logged in
         Send(m_plugin, "ONE1"_s);
         if (how == 0)
             user->EmitLoginCanceled();
@@ -242,7 +242,6 @@ private Q_SLOTS:
         else
             m_plugin.reset();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        user->SetLoggedIn(QString());
         user->SetLoggedIn("Ann"_s);
         QCoreApplication::processEvents();
         QCOMPARE(sent, QByteArrayList{LOGIN});

@@ -116,8 +116,8 @@ private Q_SLOTS:
         settings->SetWinningSounds(true); // the others are on
         settings->SetDealerSpeech(true);
         settings->setProperty(qPrintable(in[0]), false);
-        for (int channel = 0; channel < 4; ++channel)
-            (CSoundManager::GetInstance()->*PLAY[channel])(File(TONES.mid(channel, 1)), false);
+        for (const QChar tone : "ABCD"_s)
+            (CSoundManager::GetInstance()->*PLAY[TONES.indexOf(tone)])(File(tone), false);
         CSoundManager::GetInstance()->PlaySample(70, File("E"_s));
         QTRY_COMPARE(GetTones(Listen()), in[1]);
         settings->SetSoundsEnabled(false); // what plays goes on

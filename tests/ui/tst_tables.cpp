@@ -37,10 +37,10 @@ private Q_SLOTS:
              {"wider", 400, {100, 100, 100}, -1, {134, 133, 133}},
              {"narrower than the minimum", 1000, {980, 10, 10}, -1, {960, 20, 20}},
              {"no width", 0, {226.424, 28.9759, 0.3, -1, 7}, -1, {0, 0, 0, -1, 0}},
-             {"less than no width", -0.5, {5, 5}, -1, {}},
              {"fraction of a pixel", 100.5, {50, -1, 50}, -1, {51, -1, 50}},
              {"no columns", 100, {}, 0, {}},
              {"all empty", 100, {0, -1, 0}, -1, {}},
+             {"dragged wider", 300, {150, 100, 100}, 0, {150, 50, 100}},
              {"dragged narrower, the next hidden", 400, {100, -7, 100}, 0, {100, -7, 300}},
              {"last visible one dragged", 300, {100, 150, -9}, 1, {120, 180, -9}},
              {"dragged among narrow ones", 90, {10, 10, 70}, 1, {20, 20, 50}}});
