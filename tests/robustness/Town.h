@@ -151,7 +151,8 @@ private:
         qint64 iNext = -1;
         QMap<QString, SRequest> requests; // under way
         QString strUser;
-        qint64 iLogin = 0; // when
+        qint64 iLogin = 0;    // when
+        qint64 iAnswered = 0; // when the latest of its answered requests began
         EFate eFate = Answered;
         qint64 iDelay = 0;
         qint64 iHindered = -1;         // until when something may wait for its file
@@ -439,10 +440,12 @@ private:
     }
 
     // What an answer brings is in effect, but for what the user has changed since, or just before.
-    void CheckTaken(const SMachine &at, const SRequest &request)
+    void CheckTaken(SMachine &at, const SRequest &request)
     {
-        if (at.strUser != request.owner.strUser || qMax(at.iLogin, at.iHindered) >= request.iBegin)
-            return; // or it belongs to a login that has ended
+        const qint64 former = std::exchange(at.iAnswered, qMax(at.iAnswered, request.iBegin));
+        if (at.strUser != request.owner.strUser || qMax(at.iLogin, at.iHindered) >= request.iBegin ||
+            former > request.iBegin)
+            return; // it belongs to a login that has ended, or the answer to a later request came before
         for (const SSyncList &list : request.lists) {
             for (const SSyncRow &sent : list.rows) {
                 const auto row = ToRow(sent.strKey, sent.strContent);

@@ -150,6 +150,20 @@ private Q_SLOTS:
         QVERIFY(next.contains("volume"));
     }
 
+    // What one user has changed since an exchange that wasn't answered is no change of the next one's.
+    void AnotherUsersChanges()
+    {
+        CSettingsSync *sync = CSettingsSync::GetInstance();
+        sync->InitiateSync();
+        CSettings::GetInstance()->SetVolume(1);
+        CPlayerModel::GetInstance("Bob"_s)->SetNotes("first"_s);
+        CUserInfo::GetInstance()->SetLoggedIn(QString());
+        CUserInfo::GetInstance()->SetLoggedIn("Zoe"_s);
+        sync->ReadJSON(ToJson(ANSWER));
+        QCOMPARE(CSettings::GetInstance()->GetVolume(), 11);
+        QCOMPARE(CPlayerModel::GetInstance("Bob"_s)->GetNotes(), "server"_s);
+    }
+
     // An answer makes the list what the rows say, but for what the user has changed since.
     void BuddiesOfAnswers()
     {
