@@ -120,10 +120,11 @@ void CPlayerModel::SaveLater(bool travels)
     CPlayerSaves *saves = CPlayerSaves::Get();
     if (!saves || saves->IsLoading(this))
         return;
-    saves->Restart(this, GetKey(), travels);
+    const QString key = GetKey();
+    saves->Restart(this, key, travels);
     CLocalChanges *changes = travels ? CLocalChanges::Get() : nullptr;
     if (changes)
-        changes->AddPlayer(CPlayerSaves::GetUser(), GetKey());
+        changes->AddPlayer(CPlayerSaves::GetUser(), key);
 }
 
 // Returns the nickname under which the table holds the model, even if it was renamed; empty for a model that isn't in
