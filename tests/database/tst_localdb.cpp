@@ -228,6 +228,15 @@ private Q_SLOTS:
         QVERIFY(m_database->EndTransaction(true));
         QVERIFY(!m_database->EndTransaction(false));
         QCOMPARE(Rows(), "1:text 2:text"_s);
+
+        // A deferred reference without its row is refused at the commit.
+        QVERIFY(m_database->Exec(
+            "CREATE TABLE tbl_reference (id INTEGER REFERENCES tbl_test DEFERRABLE INITIALLY DEFERRED)"_s));
+        QVERIFY(m_database->StartTransaction() && Insert(3));
+        QVERIFY(m_database->Insert("tbl_reference"_s, {{ID, 99}}));
+        QVERIFY(m_database->EndTransaction(true));
+        QVERIFY(!m_database->EndTransaction(true));
+        QCOMPARE(Rows(), "1:text 2:text"_s);
     }
 
     void Climbs_data()
