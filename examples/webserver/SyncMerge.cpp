@@ -14,7 +14,7 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSync
     , m_remember(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_past VALUES (?, ?, ?, ?, ?)")))
     , m_drop(store.Prepare(QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"
                                           " AND HLD_cKey = ?")))
-    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?, 0)")))
+    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, 0, 0)")))
     , m_findPast(store.Prepare(QStringLiteral("SELECT 1 FROM tbl_past WHERE PST_cList = ? AND PST_cKey = ?"
                                               " AND PST_cContent = ? AND PST_iTime = ?")))
 {
@@ -90,17 +90,18 @@ bool CSyncMerge::ReadOtherRows(qint64 after, qint64 last)
 // the offer have arrived; the content alone doesn't tell, for a user may have chosen the same.
 bool CSyncMerge::ReadHeld()
 {
-    if (!m_place.bStampedAnew)
+    if (!m_place.bStampedAnew && m_machine.bCaughtUp)
         return true;
-    m_bArrived = std::any_of(m_list.rows.cbegin(), m_list.rows.cend(), [this](const SSyncRow &sent) {
-        const SRow row = m_rows.value(sent.strKey);
-        return sent.iTime == m_machine.iOffered && sent.iTime == row.iStamp && sent.strContent == row.strContent;
-    });
+    m_bArrived =
+        m_place.bStampedAnew && std::any_of(m_list.rows.cbegin(), m_list.rows.cend(), [this](const SSyncRow &sent) {
+            const SRow row = m_rows.value(sent.strKey);
+            return sent.iTime == m_machine.iOffered && sent.iTime == row.iStamp && sent.strContent == row.strContent;
+        });
     if (m_bArrived)
         m_machine.iBase = std::max(m_machine.iBase, m_machine.iOffered);
     bool good = !m_bArrived || m_store.Confirm(m_place, m_machine.iOffered);
     QSqlQuery query =
-        m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_bEmpty FROM tbl_held WHERE HLD_cList = ?"
+        m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_bEmpty, HLD_iOffer FROM tbl_held WHERE HLD_cList = ?"
                                        " AND HLD_cMachine = ? AND HLD_cKey = ?"));
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
         good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
@@ -108,6 +109,8 @@ bool CSyncMerge::ReadHeld()
             m_held[sent.strKey].insert(query.value(0).toString());
             if (query.value(1).toBool())
                 m_held[sent.strKey].insert(SyncJson::NO_NOTE);
+            if (query.value(2).toLongLong() == 0)
+                m_sentBefore.insert(sent.strKey, query.value(0).toString());
         }
     }
     return good;
@@ -122,13 +125,21 @@ bool CSyncMerge::IsHeld(const SSyncRow &sent) const
            (held == m_held.constEnd() ? sent.strContent == SyncJson::NO_NOTE : held->contains(sent.strContent));
 }
 
-// The machine has changed the row to that, so no earlier offer of it can arrive any more.
-bool CSyncMerge::Hold(const SSyncRow &sent, qint64 stamp)
+// The machine has changed the row to that, so no earlier offer of it can arrive any more. Of settings it only matters
+// what a new machine has sent.
+bool CSyncMerge::Hold(const SSyncRow &sent)
 {
     const QString &machine = m_place.strMachine;
-    return !m_place.bStampedAnew ||
+    return (!m_place.bStampedAnew && !m_bAddsOnly) ||
            ((!m_held.contains(sent.strKey) || CSyncStore::Execute(m_drop, {m_strID, machine, sent.strKey})) &&
-            CSyncStore::Execute(m_hold, {m_strID, machine, sent.strKey, sent.strContent, stamp}));
+            CSyncStore::Execute(m_hold, {m_strID, machine, sent.strKey, sent.strContent}));
+}
+
+// Whether what is here is what the machine itself has sent, so that it knew of it when it changed the row.
+bool CSyncMerge::IsOwn(const SSyncRow &sent, const SRow &row) const
+{
+    const auto before = m_sentBefore.constFind(sent.strKey);
+    return before != m_sentBefore.constEnd() && *before == row.strContent;
 }
 
 // Whether the machine wouldn't have the row so any more if the last answer had reached it.
@@ -158,7 +169,9 @@ bool CSyncMerge::Take(const SSyncRow &sent)
     const bool held = IsHeld(sent);
     if (row == m_rows.end() && held)
         return true;
-    if (!held && !Hold(sent, taken.iStamp))
+    const bool own = row != m_rows.end() && IsOwn(sent, *row);
+    const bool addsOnly = m_bAddsOnly && !own;
+    if (!held && (row == m_rows.end() || !addsOnly || m_place.bStampedAnew) && !Hold(sent))
         return false;
     if (row == m_rows.end()) {
         m_rows.insert(sent.strKey, taken);
@@ -166,7 +179,7 @@ bool CSyncMerge::Take(const SSyncRow &sent)
     }
     const bool alike = row->strContent == sent.strContent;
     row->bSent = alike;
-    if (m_bAddsOnly || held || sent.iTime < row->iChanged || IsEcho(sent, *row)) {
+    if (addsOnly || held || sent.iTime < row->iChanged || IsEcho(sent, *row)) {
         row->bLacked = !alike;
         return true;
     }

@@ -35,7 +35,8 @@ private:
     bool IsEcho(const SSyncRow &sent, const SRow &row);
     bool ReadHeld();
     bool IsHeld(const SSyncRow &sent) const;
-    bool Hold(const SSyncRow &sent, qint64 stamp);
+    bool Hold(const SSyncRow &sent);
+    bool IsOwn(const SSyncRow &sent, const SRow &row) const;
     bool Take(const SSyncRow &sent);
     bool SendAgain();
     bool Forget();
@@ -54,6 +55,7 @@ private:
     QSqlQuery m_findPast;
     QHash<QString, SRow> m_rows;          // of those that the machine sends or lacks, by key
     QHash<QString, QSet<QString>> m_held; // contents by key
+    QHash<QString, QString> m_sentBefore; // the content that the machine has sent last, by key
     qint64 m_iNewest = 0;                 // that any machine may have had
     bool m_bArrived = false;              // the offer has, as what is sent shows
     bool m_bEmpty = false;                // nothing was here

@@ -26,8 +26,8 @@ const QLatin1String SCHEMA[] = {
     QLatin1String("CREATE TABLE tbl_past (PST_cList TEXT, PST_cKey TEXT, PST_cContent TEXT, PST_iTime INTEGER,\n"
                   "  PST_iUntil INTEGER, PRIMARY KEY(PST_cList, PST_cKey, PST_iTime, PST_cContent))")};
 
-// What a machine may hold of a row: what it has sent, and what it has been offered since, by how far the offer goes.
-// In version 2 a row with an offer of 0 says that it may hold none yet.
+// What a machine may hold of a row: what it has sent, with an offer of 0, and what it has been offered since, by how
+// far the offer goes. In version 2 a row with an offer of 0 says that it may hold none yet.
 const QLatin1String HELD_SCHEMA("CREATE TABLE tbl_held (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT,\n"
                                 "  HLD_cContent TEXT, HLD_iOffer INTEGER,\n"
                                 "  PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent))");
@@ -45,6 +45,16 @@ const QLatin1String FLAG_SCHEMA[] = {
                   "  FROM tbl_heldbefore AS held WHERE HLD_iOffer > 0"),
     QLatin1String("DROP TABLE tbl_heldbefore")};
 
+// From version 4 on the sessions are numbered.
+const QLatin1String SESSION_SCHEMA[] = {
+    QLatin1String("ALTER TABLE tbl_session RENAME TO tbl_sessionbefore"),
+    QLatin1String("CREATE TABLE tbl_session (SES_iNumber INTEGER PRIMARY KEY AUTOINCREMENT, SES_cID TEXT UNIQUE,\n"
+                  "  SES_cRest TEXT, SES_cUser TEXT, SES_cMachine TEXT, SES_iExpiry INTEGER)"),
+    QLatin1String("INSERT INTO tbl_session SELECT NULL, SES_cID, SES_cRest, SES_cUser, SES_cMachine, SES_iExpiry\n"
+                  "  FROM tbl_sessionbefore ORDER BY SES_iExpiry, rowid"),
+    QLatin1String("DROP TABLE tbl_sessionbefore"),
+    QLatin1String("ALTER TABLE tbl_machine ADD COLUMN MAC_iSession INTEGER DEFAULT 0")};
+
 } // namespace
 
 CSyncStore::CSyncStore(const QString &path)
@@ -55,6 +65,8 @@ CSyncStore::CSyncStore(const QString &path)
 bool CSyncStore::CreateDBVersion(unsigned int version)
 {
     const auto exec = [this](const auto &sql) { return Exec(sql); };
+    if (version == 4)
+        return std::all_of(std::begin(SESSION_SCHEMA), std::end(SESSION_SCHEMA), exec);
     if (version == 3)
         return std::all_of(std::begin(FLAG_SCHEMA), std::end(FLAG_SCHEMA), exec);
     if (version == 2)
@@ -70,7 +82,7 @@ bool CSyncStore::AddSession(const SOwner &owner, QString &session)
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     QSqlQuery query;
     return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_iExpiry <= ?"), {now}) &&
-           Run(query, QStringLiteral("INSERT INTO tbl_session VALUES (?, ?, ?, ?, ?)"),
+           Run(query, QStringLiteral("INSERT INTO tbl_session VALUES (NULL, ?, ?, ?, ?, ?)"),
                {session.left(ID_LENGTH), session.mid(ID_LENGTH), owner.strUser, owner.strMachine,
                 now + SESSION_SECONDS});
 }
@@ -80,12 +92,12 @@ bool CSyncStore::FindSession(const QString &session, SOwner &owner)
     QSqlQuery query;
     const QString rest = session.mid(ID_LENGTH);
     if (!Run(query,
-             QStringLiteral("SELECT SES_cUser, SES_cMachine, SES_cRest FROM tbl_session"
+             QStringLiteral("SELECT SES_cUser, SES_cMachine, SES_cRest, SES_iNumber FROM tbl_session"
                             " WHERE SES_cID = ? AND SES_iExpiry > ?"),
              {session.left(ID_LENGTH), QDateTime::currentSecsSinceEpoch()}) ||
         !query.next() || (!rest.isEmpty() && rest != query.value(2).toString()))
         return false;
-    owner = {query.value(0).toString(), query.value(1).toString()};
+    owner = {query.value(0).toString(), query.value(1).toString(), query.value(3).toLongLong()};
     query.finish();
     return true;
 }
@@ -103,33 +115,28 @@ bool CSyncStore::Merge(const SOwner &owner, SyncJson::TLists &lists)
     });
 }
 
-// Both lists or none. A machine that asks with a time that has gone back has lost its rows and is new again;
-// what it sends with one has come late, and all of it has come with something later.
+// Both lists or none. A machine that asks with a time that has gone back has lost its rows and is new again, unless
+// the request has come late. What it sends with one has come late, and all of it has come with something later.
 bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, bool asks, const TOnList &work)
 {
     bool good = Exec(QStringLiteral("BEGIN IMMEDIATE"));
     for (std::size_t i = 0; good && i < lists.size(); ++i) {
         const QString id = owner.strUser.toLower() + QLatin1Char('/') + QLatin1String(SyncJson::LISTS[i]);
         const SPlace place{id, owner.strMachine, SyncJson::STAMPED_ANEW[i]};
-        QSqlQuery query;
-        good = Run(query,
-                   QStringLiteral("SELECT MAC_iBase, MAC_iOffered, MAC_bMet FROM tbl_machine"
-                                  " WHERE MAC_cList = ? AND MAC_cMachine = ?"),
-                   {id, owner.strMachine});
         SMachine machine;
-        const bool known = query.next();
-        if (known && !asks && lists[i].iTime < query.value(0).toLongLong()) {
-            lists[i] = {query.value(0).toLongLong(), {}};
+        good = ReadMachine(owner, place, machine);
+        const bool back = machine.bKnown && lists[i].iTime < machine.iBase;
+        if (good && back && (!asks || owner.iSession < machine.iSession)) {
+            lists[i] = {machine.iBase, {}};
             continue;
         }
-        if (known && lists[i].iTime >= query.value(0).toLongLong())
-            machine = {query.value(0).toLongLong(), query.value(1).toLongLong(), query.value(2).toBool(), true};
-        else if (good && place.bStampedAnew)
-            good = Run(query, QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"),
-                       {id, owner.strMachine});
-        good = good && work(place, machine, lists[i]) &&
-               Run(query, QStringLiteral("INSERT OR REPLACE INTO tbl_machine VALUES (?, ?, ?, ?, ?)"),
-                   {id, owner.strMachine, machine.iBase, machine.iOffered, machine.bCaughtUp});
+        const qint64 session = std::max(owner.iSession, machine.iSession);
+        if (back)
+            machine = SMachine();
+        QSqlQuery query;
+        good = good && (machine.bKnown || ForgetHeld(place)) && work(place, machine, lists[i]) &&
+               Run(query, QStringLiteral("INSERT OR REPLACE INTO tbl_machine VALUES (?, ?, ?, ?, ?, ?)"),
+                   {id, owner.strMachine, machine.iBase, machine.iOffered, machine.bCaughtUp, session});
     }
     for (QSqlQuery &query : m_queries)
         query.finish(); // or it would go on reading beyond the transaction
@@ -137,6 +144,27 @@ bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, bool ask
     if (!good)
         Exec(QStringLiteral("ROLLBACK"));
     return good;
+}
+
+bool CSyncStore::ReadMachine(const SOwner &owner, const SPlace &place, SMachine &machine)
+{
+    QSqlQuery query;
+    const bool good = Run(query,
+                          QStringLiteral("SELECT MAC_iBase, MAC_iOffered, MAC_bMet, MAC_iSession FROM tbl_machine"
+                                         " WHERE MAC_cList = ? AND MAC_cMachine = ?"),
+                          {place.strList, owner.strMachine});
+    if (good && query.next())
+        machine = {query.value(0).toLongLong(), query.value(1).toLongLong(), query.value(2).toBool(), true,
+                   query.value(3).toLongLong()};
+    return good;
+}
+
+// It has lost what it held.
+bool CSyncStore::ForgetHeld(const SPlace &place)
+{
+    QSqlQuery query;
+    return Run(query, QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"),
+               {place.strList, place.strMachine});
 }
 
 bool CSyncStore::FetchList(const SPlace &place, SMachine &machine, SSyncList &list)

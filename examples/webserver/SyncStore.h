@@ -14,6 +14,7 @@ struct SOwner
 {
     QString strUser;
     QString strMachine;
+    qint64 iSession = 0; ///< Later sessions have greater numbers.
 };
 
 /// What the server knows of a list on one machine.
@@ -22,7 +23,7 @@ struct SOwner
 /// the machine asks for or sends next, or never.
 ///
 /// A machine is new until it is known to have had the rows that were here before it. It is so again once its time has
-/// gone back, for then it has lost its rows.
+/// gone back, for then it has lost its rows. In a request of an earlier session it hasn't: the request has come late.
 struct SMachine
 {
     /// The newest time that the machine is known to have had, with all of its rows here by then, and all from here
@@ -31,6 +32,7 @@ struct SMachine
     qint64 iOffered = 0;    ///< How far the last offer brings it.
     bool bCaughtUp = false; ///< It isn't new any more.
     bool bKnown = false;    ///< There is anything about it at all.
+    qint64 iSession = 0;    ///< The latest by which it has asked or sent.
 };
 
 /// Keeps what is in step, and by which session whose machine speaks. All rows have two times: that of the user's
@@ -55,7 +57,7 @@ public:
     bool Merge(const SOwner &owner, SyncJson::TLists &lists);
 
 protected:
-    unsigned int GetMaxVersion() override { return 3; }
+    unsigned int GetMaxVersion() override { return 4; }
     bool CreateDBVersion(unsigned int version) override;
 
 private:
@@ -71,6 +73,8 @@ private:
     using TOnList = std::function<bool(const SPlace &place, SMachine &machine, SSyncList &list)>;
 
     bool ForLists(const SOwner &owner, SyncJson::TLists &lists, bool asks, const TOnList &work);
+    bool ReadMachine(const SOwner &owner, const SPlace &place, SMachine &machine);
+    bool ForgetHeld(const SPlace &place);
     bool FetchList(const SPlace &place, SMachine &machine, SSyncList &list);
     bool Offer(const SPlace &place, const SMachine &machine, const SSyncList &list);
     bool Confirm(const SPlace &place, qint64 offer);

@@ -109,6 +109,21 @@ private Q_SLOTS:
         QCOMPARE(Fetch(second, 101), QString());
     }
 
+    // A request that comes late says nothing of what the machine holds by then, so its echo is known as one.
+    void LateRequestIsNoLoss()
+    {
+        const QByteArray late = AskForSession("Spica"_s, "desk"_s);
+        const QByteArray desk = AskForSession("Spica"_s, "desk"_s);
+        const QByteArray other = AskForSession("Spica"_s, "other"_s);
+        QCOMPARE(Send(desk, "x"_s, "1"_s, 100), 200);
+        QCOMPARE(Fetch(other, 0), "x=1"_s);
+        QCOMPARE(Send(other, "x"_s, "1"_s, 100), 200);
+        QCOMPARE(Send(other, "x"_s, "2"_s, 110), 200);
+        QCOMPARE(Fetch(late, 0), QString());
+        QCOMPARE(Send(desk, "x"_s, "1"_s, 120), 200);
+        QCOMPARE(Fetch(AskForSession("Spica"_s, "new"_s), 0), "x=2"_s);
+    }
+
     // What machines may hold is known as before, and is no change when they send it as new: one has loaded its note
     // again, and the other has none, for the answer with what it has been offered was lost.
     void OlderFileIsUpgraded()
@@ -182,6 +197,12 @@ private:
               "INSERT OR IGNORE INTO held2 SELECT HLD_cList, HLD_cMachine, HLD_cKey,"
               " '{\"flags\":0,\"note\":\"\",\"tag\":0}', 0 FROM tbl_held WHERE HLD_bEmpty"_s,
               "DROP TABLE tbl_held"_s, "ALTER TABLE held2 RENAME TO tbl_held"_s,
+              "CREATE TABLE session2 (SES_cID TEXT PRIMARY KEY, SES_cRest TEXT, SES_cUser TEXT, SES_cMachine TEXT,"
+              " SES_iExpiry INTEGER)"_s,
+              "INSERT INTO session2 SELECT SES_cID, SES_cRest, SES_cUser, SES_cMachine, SES_iExpiry"
+              " FROM tbl_session"_s,
+              "DROP TABLE tbl_session"_s, "ALTER TABLE session2 RENAME TO tbl_session"_s,
+              "ALTER TABLE tbl_machine DROP COLUMN MAC_iSession"_s,
               "UPDATE tbl_dbinfo SET DBI_cValue = '2' WHERE DBI_cKey = 'version'"_s})
             QVERIFY2(database.Exec(sql), qPrintable(sql));
     }

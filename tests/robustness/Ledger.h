@@ -1,6 +1,6 @@
 #pragma once
 
-#include <support/Literal.h>
+#include "UserRows.h"
 
 #include <QHash>
 #include <QString>
@@ -155,7 +155,7 @@ private:
             if (in.choices.at(i).strContent == content)
                 found |= Bit(i + 1);
         }
-        if (content == "|0|0"_s || (found == 0 && row.contains(" s/"_s)))
+        if (content == GetUnchanged(row) || (found == 0 && row.contains(" s/"_s)))
             found |= 1;
         if (found == 0)
             Fail("nobody has chosen %1 = %2"_s.arg(row, content));

@@ -229,7 +229,8 @@ private:
                 const EFate fate = std::exchange(at.eFate, Answered);
                 const qint64 usual = at.iNow + USUAL_MS + std::exchange(at.iDelay, 0);
                 at.requests.insert(session, {http,
-                                             {session.section(u'.', 1, 1), session.section(u'.', 0, 0)},
+                                             {session.section(u'.', 1, 1), session.section(u'.', 0, 0),
+                                              session.section(u'.', 2).toLongLong()},
                                              fate,
                                              at.iNow,
                                              fate != Answered && fate != Refused,

@@ -18,6 +18,12 @@ inline QStringList GetRows()
     return rows;
 }
 
+/// What a row is that nobody has changed.
+inline QString GetUnchanged(const QString &row)
+{
+    return row.contains("p/"_s) ? "|0|0"_s : row.endsWith("volume"_s) ? "70"_s : "0"_s;
+}
+
 /// Of a player's row; a setting's is its value.
 inline QString ToContent(const QString &note, int tag, int flags)
 {

@@ -378,7 +378,8 @@ private:
     void RequestSession(WebLinks::id link)
     {
         const bool fetch = link == WebLinks::SettingsSyncFetch;
-        (fetch ? m_strFetchSession : m_strSendSession) = "%1.%2.%3"_s.arg(m_strName, GetUser()).arg(++m_iSessions);
+        m_iSessions = qMax(m_iSessions + 1, now / MS); // beyond those from before a kill, too
+        (fetch ? m_strFetchSession : m_strSendSession) = "%1.%2.%3"_s.arg(m_strName, GetUser()).arg(m_iSessions);
         (fetch ? m_fetchTimer : m_sendTimer).start(fetch ? SESSION_MS : SESSION_MS + SEND_DELAY_MS);
     }
 
@@ -390,7 +391,7 @@ private:
     QTimer m_sendTimer;
     QString m_strFetchSession;
     QString m_strSendSession;
-    int m_iSessions = 0;
+    qint64 m_iSessions = 0;
     bool m_bOwes = true;  // an answer to the test
     bool m_bLooks = true; // before that
     qint64 m_iUntil = -1;

@@ -88,7 +88,7 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
     const SStep lock{machine, "lock"_s, "playerinfo"_s, QString(), 0};
     const SStep free{machine, "free"_s, QString(), QString(), Draw(random, WAITS)};
     const SStep again{machine, "login"_s, user, QString(), 0};
-    switch (random.bounded(6)) {
+    switch (random.bounded(8)) {
     case 0: // a note is kept over a logout
         return {login, lock, {machine, "note"_s, player, "kept"_s, Draw(random, WAITS)}, logout, again, free};
     case 1: { // what is kept, and is no change, meets what another machine has sent
@@ -122,6 +122,25 @@ QVector<SStep> DrawScene(QRandomGenerator &random, const SLife &life)
                 {machine, "sync"_s, QString(), QString(), 100},
                 {other, "note"_s, player, "second"_s, 10000},
                 {machine, "sync"_s, QString(), QString(), 12000}};
+    case 5: // a request from before the login comes after those that followed it, and all of it is long known
+        return {login,
+                {other, "login"_s, user, QString(), 4000},
+                {other, "note"_s, player, "first"_s, 12000},
+                {machine, "fate"_s, QString::number(random.bounded(int(CTown::FATES))), "11900"_s, 0},
+                sync,
+                logout,
+                again,
+                {other, "note"_s, player, "second"_s, 12000}};
+    case 6: // a machine that hasn't got what is there changes what it has sent
+        return {{other, "login"_s, user, QString(), 4000},
+                {other, "note"_s, player, "other"_s, 12000},
+                {machine, "fate"_s, QString::number(CTown::Refused), "7000"_s, 0},
+                {machine, "login"_s, user, QString(), 25000},
+                {machine, "set"_s, key, "74"_s, 100},
+                {machine, "note"_s, Draw(random, PLAYERS), "own"_s, 12000},
+                {machine, "set"_s, key, "75"_s, 100},
+                {machine, "tag"_s, Draw(random, PLAYERS), "4"_s, 3200},
+                sync};
     default: // what stays on the machine is changed just before an exchange
         return {login,
                 {other, "login"_s, user, QString(), 4000},
