@@ -14,7 +14,7 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSync
     , m_remember(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_past VALUES (?, ?, ?, ?, ?)")))
     , m_drop(store.Prepare(QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"
                                           " AND HLD_cKey = ?")))
-    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, 0, 0)")))
+    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?, 0, 1)")))
     , m_findPast(store.Prepare(QStringLiteral("SELECT 1 FROM tbl_past WHERE PST_cList = ? AND PST_cKey = ?"
                                               " AND PST_cContent = ? AND PST_iTime = ?")))
 {
@@ -22,7 +22,7 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSync
 
 bool CSyncMerge::Run()
 {
-    if (!ReadNewest() || !ReadSentRows() || !ReadHeld())
+    if (!ReadNewest() || !ReadSentRows() || !ReadHeld() || !ReadMissing())
         return false;
     // A new machine's rows are defaults, or older than what it has lost. It isn't new any more if it has been offered
     // what is here and shows nothing that would have been overwritten by that.
@@ -35,7 +35,7 @@ bool CSyncMerge::Run()
             return false;
     }
     const bool good = m_bAddsOnly || SendAgain();
-    m_machine = {m_list.iTime, m_bAddsOnly ? 0 : m_list.iTime, !m_bAddsOnly, true};
+    m_machine = {m_list.iTime, m_bAddsOnly ? 0 : m_list.iTime, !m_bAddsOnly && !m_bMissing, true};
     m_list.rows.clear();
     return good;
 }
@@ -86,22 +86,41 @@ bool CSyncMerge::ReadOtherRows(qint64 after, qint64 last)
     return good;
 }
 
-// What the machine may hold. If it sends the newest row of an offer with the time that it was offered, all rows of
-// the offer have arrived; the content alone doesn't tell, for a user may have chosen the same.
-bool CSyncMerge::ReadHeld()
+bool CSyncMerge::ReadSentBefore()
 {
-    if (!m_place.bStampedAnew && m_machine.bCaughtUp)
-        return true;
-    m_bArrived =
-        m_place.bStampedAnew && std::any_of(m_list.rows.cbegin(), m_list.rows.cend(), [this](const SSyncRow &sent) {
-            const SRow row = m_rows.value(sent.strKey);
-            return sent.iTime == m_machine.iOffered && sent.iTime == row.iStamp && sent.strContent == row.strContent;
-        });
+    QSqlQuery query = m_store.Prepare(QStringLiteral("SELECT HLD_cContent FROM tbl_held WHERE HLD_cList = ?"
+                                                     " AND HLD_cMachine = ? AND HLD_cKey = ? AND HLD_bSent"));
+    bool good = true;
+    for (const SSyncRow &sent : qAsConst(m_list.rows)) {
+        good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
+        if (good && query.next())
+            m_sentBefore.insert(sent.strKey, query.value(0).toString());
+    }
+    return good;
+}
+
+// If the machine sends the newest row of an offer with the time that it was offered, all rows of the offer have
+// arrived. The content alone doesn't tell, for a user may have chosen the same, nor does what it has sent before.
+bool CSyncMerge::ReadArrival()
+{
+    m_bArrived = std::any_of(m_list.rows.cbegin(), m_list.rows.cend(), [this](const SSyncRow &sent) {
+        const SRow row = m_rows.value(sent.strKey);
+        return sent.iTime == m_machine.iOffered && sent.iTime == row.iStamp && sent.strContent == row.strContent &&
+               !IsOwn(sent, row);
+    });
     if (m_bArrived)
         m_machine.iBase = std::max(m_machine.iBase, m_machine.iOffered);
-    bool good = !m_bArrived || m_store.Confirm(m_place, m_machine.iOffered);
+    return !m_bArrived || m_store.Confirm(m_place, m_machine.iOffered);
+}
+
+// What the machine may hold.
+bool CSyncMerge::ReadHeld()
+{
+    if (!m_place.bStampedAnew)
+        return m_machine.bCaughtUp || ReadSentBefore();
+    bool good = ReadSentBefore() && ReadArrival();
     QSqlQuery query =
-        m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_bEmpty, HLD_iOffer FROM tbl_held WHERE HLD_cList = ?"
+        m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_bEmpty FROM tbl_held WHERE HLD_cList = ?"
                                        " AND HLD_cMachine = ? AND HLD_cKey = ?"));
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
         good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
@@ -109,10 +128,24 @@ bool CSyncMerge::ReadHeld()
             m_held[sent.strKey].insert(query.value(0).toString());
             if (query.value(1).toBool())
                 m_held[sent.strKey].insert(SyncJson::NO_NOTE);
-            if (query.value(2).toLongLong() == 0)
-                m_sentBefore.insert(sent.strKey, query.value(0).toString());
         }
     }
+    return good;
+}
+
+// A machine that isn't known to have the rows of an offer has been asked for all that it has. If one of them is
+// missing there, the offer hasn't arrived.
+bool CSyncMerge::ReadMissing()
+{
+    if (m_machine.bCaughtUp || m_bArrived)
+        return true;
+    QSqlQuery query;
+    const bool good =
+        m_store.Run(query, QStringLiteral("SELECT ROW_cKey FROM tbl_row WHERE ROW_cList = ? AND ROW_iStamp <= ?"),
+                    {m_strID, m_machine.iOffered});
+    while (good && !m_bMissing && query.next())
+        m_bMissing = !m_rows.contains(query.value(0).toString());
+    query.finish();
     return good;
 }
 
@@ -127,12 +160,12 @@ bool CSyncMerge::IsHeld(const SSyncRow &sent) const
 
 // The machine has changed the row to that, so no earlier offer of it can arrive any more. Of settings it only matters
 // what a new machine has sent.
-bool CSyncMerge::Hold(const SSyncRow &sent)
+bool CSyncMerge::Hold(const SSyncRow &sent, qint64 stamp)
 {
     const QString &machine = m_place.strMachine;
     return (!m_place.bStampedAnew && !m_bAddsOnly) ||
            ((!m_held.contains(sent.strKey) || CSyncStore::Execute(m_drop, {m_strID, machine, sent.strKey})) &&
-            CSyncStore::Execute(m_hold, {m_strID, machine, sent.strKey, sent.strContent}));
+            CSyncStore::Execute(m_hold, {m_strID, machine, sent.strKey, sent.strContent, stamp}));
 }
 
 // Whether what is here is what the machine itself has sent, so that it knew of it when it changed the row.
@@ -171,7 +204,7 @@ bool CSyncMerge::Take(const SSyncRow &sent)
         return true;
     const bool own = row != m_rows.end() && IsOwn(sent, *row);
     const bool addsOnly = m_bAddsOnly && !own;
-    if (!held && (row == m_rows.end() || !addsOnly || m_place.bStampedAnew) && !Hold(sent))
+    if (!held && (row == m_rows.end() || !addsOnly || m_place.bStampedAnew) && !Hold(sent, taken.iStamp))
         return false;
     if (row == m_rows.end()) {
         m_rows.insert(sent.strKey, taken);

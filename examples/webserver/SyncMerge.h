@@ -33,9 +33,12 @@ private:
     bool ReadOtherRows(qint64 after, qint64 last);
     bool IsOverwritten(const SSyncRow &sent);
     bool IsEcho(const SSyncRow &sent, const SRow &row);
+    bool ReadSentBefore();
+    bool ReadArrival();
     bool ReadHeld();
+    bool ReadMissing();
     bool IsHeld(const SSyncRow &sent) const;
-    bool Hold(const SSyncRow &sent);
+    bool Hold(const SSyncRow &sent, qint64 stamp);
     bool IsOwn(const SSyncRow &sent, const SRow &row) const;
     bool Take(const SSyncRow &sent);
     bool SendAgain();
@@ -58,6 +61,7 @@ private:
     QHash<QString, QString> m_sentBefore; // the content that the machine has sent last, by key
     qint64 m_iNewest = 0;                 // that any machine may have had
     bool m_bArrived = false;              // the offer has, as what is sent shows
+    bool m_bMissing = false;              // a row of the offer there
     bool m_bEmpty = false;                // nothing was here
     bool m_bAddsOnly = false;
 };

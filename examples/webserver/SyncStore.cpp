@@ -26,8 +26,8 @@ const QLatin1String SCHEMA[] = {
     QLatin1String("CREATE TABLE tbl_past (PST_cList TEXT, PST_cKey TEXT, PST_cContent TEXT, PST_iTime INTEGER,\n"
                   "  PST_iUntil INTEGER, PRIMARY KEY(PST_cList, PST_cKey, PST_iTime, PST_cContent))")};
 
-// What a machine may hold of a row: what it has sent, with an offer of 0, and what it has been offered since, by how
-// far the offer goes. In version 2 a row with an offer of 0 says that it may hold none yet.
+// What a machine may hold of a row: what it has sent, and what it has been offered since, by how far the offer goes.
+// In version 2 a row with an offer of 0 says that it may hold none yet.
 const QLatin1String HELD_SCHEMA("CREATE TABLE tbl_held (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT,\n"
                                 "  HLD_cContent TEXT, HLD_iOffer INTEGER,\n"
                                 "  PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent))");
@@ -45,8 +45,9 @@ const QLatin1String FLAG_SCHEMA[] = {
                   "  FROM tbl_heldbefore AS held WHERE HLD_iOffer > 0"),
     QLatin1String("DROP TABLE tbl_heldbefore")};
 
-// From version 4 on the sessions are numbered.
+// From version 4 on the sessions are numbered, and a flag says what the machine has sent itself.
 const QLatin1String SESSION_SCHEMA[] = {
+    QLatin1String("ALTER TABLE tbl_held ADD COLUMN HLD_bSent INTEGER DEFAULT 0"),
     QLatin1String("ALTER TABLE tbl_session RENAME TO tbl_sessionbefore"),
     QLatin1String("CREATE TABLE tbl_session (SES_iNumber INTEGER PRIMARY KEY AUTOINCREMENT, SES_cID TEXT UNIQUE,\n"
                   "  SES_cRest TEXT, SES_cUser TEXT, SES_cMachine TEXT, SES_iExpiry INTEGER)"),
@@ -170,7 +171,7 @@ bool CSyncStore::ForgetHeld(const SPlace &place)
 bool CSyncStore::FetchList(const SPlace &place, SMachine &machine, SSyncList &list)
 {
     const qint64 time = list.iTime;
-    if (machine.bKnown && time == machine.iOffered && !Confirm(place, time))
+    if (machine.bKnown && time == machine.iOffered && time > machine.iBase && !Confirm(place, time))
         return false;
     if (!machine.bKnown)
         machine.iBase = time;
@@ -217,7 +218,7 @@ bool CSyncStore::Offer(const SPlace &place, const SMachine &machine, const SSync
     return Run(query,
                QStringLiteral("INSERT INTO tbl_held SELECT ROW_cList, ?, ROW_cKey, ROW_cContent, ?, NOT EXISTS"
                               " (SELECT 1 FROM tbl_held WHERE HLD_cList = ROW_cList AND HLD_cMachine = ?"
-                              " AND HLD_cKey = ROW_cKey) FROM tbl_row WHERE ROW_cList = ? AND ROW_iStamp >= ?"
+                              " AND HLD_cKey = ROW_cKey), 0 FROM tbl_row WHERE ROW_cList = ? AND ROW_iStamp >= ?"
                               " ON CONFLICT DO UPDATE SET HLD_iOffer = excluded.HLD_iOffer"),
                {place.strMachine, machine.iOffered, place.strMachine, place.strList, oldest});
 }

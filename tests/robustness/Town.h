@@ -255,8 +255,11 @@ private:
             m_ledger.Kill(at.number, row, at.stored.value(row).toString(GetNothing(row)), due);
         }
         at.seen = data.value("seen"_s).toObject();
-        for (auto row = at.seen.constBegin(); !at.strUser.isEmpty() && row != at.seen.constEnd(); ++row)
-            m_ledger.See(at.number, at.strUser + u' ' + row.key(), row->toString());
+        for (auto row = at.seen.constBegin(); !at.strUser.isEmpty() && row != at.seen.constEnd(); ++row) {
+            const QString name = at.strUser + u' ' + row.key();
+            if (row.key().startsWith(u'p') || at.stored.contains(name)) // or it's what the last user has left
+                m_ledger.See(at.number, name, row->toString());
+        }
     }
 
     SEvent GetNext()
