@@ -14,7 +14,7 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSync
     , m_remember(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_past VALUES (?, ?, ?, ?, ?)")))
     , m_drop(store.Prepare(QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"
                                           " AND HLD_cKey = ?")))
-    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?, 0, 1)")))
+    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?, 0, ?)")))
     , m_findPast(store.Prepare(QStringLiteral("SELECT 1 FROM tbl_past WHERE PST_cList = ? AND PST_cKey = ?"
                                               " AND PST_cContent = ? AND PST_iTime = ?")))
 {
@@ -88,25 +88,27 @@ bool CSyncMerge::ReadOtherRows(qint64 after, qint64 last)
 
 bool CSyncMerge::ReadSentBefore()
 {
-    QSqlQuery query = m_store.Prepare(QStringLiteral("SELECT HLD_cContent FROM tbl_held WHERE HLD_cList = ?"
-                                                     " AND HLD_cMachine = ? AND HLD_cKey = ? AND HLD_bSent"));
+    QSqlQuery query =
+        m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_iSent FROM tbl_held WHERE HLD_cList = ?"
+                                       " AND HLD_cMachine = ? AND HLD_cKey = ? AND HLD_iSent > 0"));
     bool good = true;
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
         good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
         if (good && query.next())
-            m_sentBefore.insert(sent.strKey, query.value(0).toString());
+            m_sentBefore.insert(sent.strKey, {query.value(0).toString(), query.value(1).toLongLong()});
     }
     return good;
 }
 
 // If the machine sends the newest row of an offer with the time that it was offered, all rows of the offer have
-// arrived. The content alone doesn't tell, for a user may have chosen the same, nor does what it has sent before.
+// arrived. The content alone doesn't tell, for a user may have chosen the same, nor does a time with which it has
+// sent the row itself.
 bool CSyncMerge::ReadArrival()
 {
     m_bArrived = std::any_of(m_list.rows.cbegin(), m_list.rows.cend(), [this](const SSyncRow &sent) {
         const SRow row = m_rows.value(sent.strKey);
         return sent.iTime == m_machine.iOffered && sent.iTime == row.iStamp && sent.strContent == row.strContent &&
-               !IsOwn(sent, row);
+               sent.iTime != m_sentBefore.value(sent.strKey).iStamp;
     });
     if (m_bArrived)
         m_machine.iBase = std::max(m_machine.iBase, m_machine.iOffered);
@@ -133,11 +135,11 @@ bool CSyncMerge::ReadHeld()
     return good;
 }
 
-// A machine that isn't known to have the rows of an offer has been asked for all that it has. If one of them is
-// missing there, the offer hasn't arrived.
+// A machine with rows that isn't known to have those of an offer has been asked for all that it has. If one of them
+// is missing there, the offer hasn't arrived.
 bool CSyncMerge::ReadMissing()
 {
-    if (m_machine.bCaughtUp || m_bArrived)
+    if (m_machine.bCaughtUp || m_bArrived || m_machine.iBase == 0)
         return true;
     QSqlQuery query;
     const bool good =
@@ -165,14 +167,14 @@ bool CSyncMerge::Hold(const SSyncRow &sent, qint64 stamp)
     const QString &machine = m_place.strMachine;
     return (!m_place.bStampedAnew && !m_bAddsOnly) ||
            ((!m_held.contains(sent.strKey) || CSyncStore::Execute(m_drop, {m_strID, machine, sent.strKey})) &&
-            CSyncStore::Execute(m_hold, {m_strID, machine, sent.strKey, sent.strContent, stamp}));
+            CSyncStore::Execute(m_hold, {m_strID, machine, sent.strKey, sent.strContent, stamp, stamp}));
 }
 
 // Whether what is here is what the machine itself has sent, so that it knew of it when it changed the row.
 bool CSyncMerge::IsOwn(const SSyncRow &sent, const SRow &row) const
 {
     const auto before = m_sentBefore.constFind(sent.strKey);
-    return before != m_sentBefore.constEnd() && *before == row.strContent;
+    return before != m_sentBefore.constEnd() && before->strContent == row.strContent;
 }
 
 // Whether the machine wouldn't have the row so any more if the last answer had reached it.

@@ -28,6 +28,12 @@ private:
         bool bLacked = false; // the machine has another, whatever it has been offered
     };
 
+    struct SSent
+    {
+        QString strContent;
+        qint64 iStamp = 0;
+    };
+
     bool ReadNewest();
     bool ReadSentRows();
     bool ReadOtherRows(qint64 after, qint64 last);
@@ -58,7 +64,7 @@ private:
     QSqlQuery m_findPast;
     QHash<QString, SRow> m_rows;          // of those that the machine sends or lacks, by key
     QHash<QString, QSet<QString>> m_held; // contents by key
-    QHash<QString, QString> m_sentBefore; // the content that the machine has sent last, by key
+    QHash<QString, SSent> m_sentBefore;   // what the machine has sent last, by key
     qint64 m_iNewest = 0;                 // that any machine may have had
     bool m_bArrived = false;              // the offer has, as what is sent shows
     bool m_bMissing = false;              // a row of the offer there

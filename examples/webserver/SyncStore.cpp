@@ -45,9 +45,9 @@ const QLatin1String FLAG_SCHEMA[] = {
                   "  FROM tbl_heldbefore AS held WHERE HLD_iOffer > 0"),
     QLatin1String("DROP TABLE tbl_heldbefore")};
 
-// From version 4 on the sessions are numbered, and a flag says what the machine has sent itself.
+// From version 4 on the sessions are numbered, and what a machine has sent itself has its stamp there.
 const QLatin1String SESSION_SCHEMA[] = {
-    QLatin1String("ALTER TABLE tbl_held ADD COLUMN HLD_bSent INTEGER DEFAULT 0"),
+    QLatin1String("ALTER TABLE tbl_held ADD COLUMN HLD_iSent INTEGER DEFAULT 0"),
     QLatin1String("ALTER TABLE tbl_session RENAME TO tbl_sessionbefore"),
     QLatin1String("CREATE TABLE tbl_session (SES_iNumber INTEGER PRIMARY KEY AUTOINCREMENT, SES_cID TEXT UNIQUE,\n"
                   "  SES_cRest TEXT, SES_cUser TEXT, SES_cMachine TEXT, SES_iExpiry INTEGER)"),
