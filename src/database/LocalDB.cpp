@@ -1,15 +1,16 @@
 #include "LocalDB.h"
 
-#include <database/BoundText_p.h>
 #include <database/SqliteResult_p.h>
+#include <database/Statements_p.h>
 #include <database/Transaction_p.h>
 
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlDriver>
-#include <QSqlRecord>
 #include <QStringList>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace {
 
@@ -35,31 +36,49 @@ QString Quoted(const QString &name)
     return QLatin1Char('\'') + name + QLatin1Char('\'');
 }
 
-// Returns column=? for each pair, as a condition or a list of assignments. Appends the values to be bound to values.
-QString Equations(const TRow &pairs, QLatin1String separator, QVariantList &values)
+// The pairs of a hash in the order of their columns, so that a statement about the same columns has the same text.
+struct SPairs
 {
-    QStringList equations;
-    equations.reserve(pairs.size());
-    for (auto pair = pairs.cbegin(); pair != pairs.cend(); ++pair) {
-        equations.append(pair.key() + QLatin1String("=?"));
-        values.append(pair.value());
+    explicit SPairs(const TRow &row)
+        : columns(row.keys())
+    {
+        std::sort(columns.begin(), columns.end());
+        values.reserve(columns.size());
+        for (const QString &column : qAsConst(columns))
+            values.append(row.value(column));
     }
-    return equations.join(separator);
+
+    QStringList columns;
+    QVariantList values;
+};
+
+// Appends column=? for each pair, as a condition or a list of assignments.
+void AppendEquations(QString &sql, const SPairs &pairs, QLatin1String separator)
+{
+    for (int i = 0; i < pairs.columns.size(); ++i) {
+        if (i > 0)
+            sql += separator;
+        sql += pairs.columns.at(i) + QLatin1String("=?");
+    }
 }
 
-QString Condition(const TRow &where, QVariantList &values)
+void AppendCondition(QString &sql, const SPairs &where)
 {
-    return where.isEmpty() ? QString() : QLatin1String(" WHERE ") + Equations(where, QLatin1String(" AND "), values);
+    if (where.columns.isEmpty())
+        return;
+    sql += QLatin1String(" WHERE ");
+    AppendEquations(sql, where, QLatin1String(" AND "));
 }
 
-// Binds every value as text.
-bool ExecQuery(QSqlQuery &query, const QString &sql, const QVariantList &values)
+void AppendRows(QList<TRow> &rows, QSqlQuery &query, const QStringList &names)
 {
-    if (!query.prepare(sql))
-        return false;
-    for (const QVariant &value : values)
-        query.addBindValue(BoundText::ToBind(value.toString()));
-    return query.exec();
+    do {
+        TRow row;
+        row.reserve(names.size());
+        for (int column = 0; column < names.size(); ++column)
+            row.insert(names.at(column), query.value(column));
+        rows.append(row);
+    } while (query.next());
 }
 
 void EnforceForeignKeys(const QSqlDatabase &connection)
@@ -142,28 +161,18 @@ bool CLocalDB::SelectAll(QList<QHash<QString, QVariant>> &rows, QString table, Q
 {
     if (!IsOpen() || table.isEmpty())
         return false;
+    const SPairs condition(where);
     const QString columns = fields.isEmpty() ? QStringLiteral("*") : QStringList(fields).join(QLatin1String(", "));
-    QVariantList values;
-    QString sql =
-        QLatin1String("SELECT ") + columns + QLatin1String(" FROM ") + Quoted(table) + Condition(where, values);
+    QString sql = QLatin1String("SELECT ") + columns + QLatin1String(" FROM ") + Quoted(table);
+    AppendCondition(sql, condition);
     if (limit > 0)
         sql += QLatin1String(" LIMIT ") + QString::number(limit);
-
-    QSqlQuery query = GetQuery();
-    if (!ExecQuery(query, sql, values))
+    const bool done =
+        CStatements::Get(GetConnection())
+            .Select(sql, condition.values, !columns.contains(QLatin1Char('*')),
+                    [&rows](QSqlQuery &query, const QStringList &names) { AppendRows(rows, query, names); });
+    if (!done)
         return false;
-    // The names of the result are the same for each row.
-    const QSqlRecord record = query.record();
-    QStringList names;
-    for (int column = 0; column < record.count(); ++column)
-        names.append(record.fieldName(column));
-    while (query.next()) {
-        TRow row;
-        row.reserve(names.size());
-        for (int column = 0; column < names.size(); ++column)
-            row.insert(names.at(column), query.value(column));
-        rows.append(row);
-    }
     return !rows.isEmpty();
 }
 
@@ -187,18 +196,20 @@ bool CLocalDB::InsertOrUpdate(QString table, QHash<QString, QVariant> values, QH
 
 bool CLocalDB::Update(QString table, QHash<QString, QVariant> values, QHash<QString, QVariant> where)
 {
-    QVariantList bound;
-    const QString assignments = Equations(values, QLatin1String(", "), bound);
-    return ExecBound(QLatin1String("UPDATE ") + Quoted(table) + QLatin1String(" SET ") + assignments +
-                         Condition(where, bound),
-                     bound);
+    const SPairs assignments(values);
+    const SPairs condition(where);
+    QString sql = QLatin1String("UPDATE ") + Quoted(table) + QLatin1String(" SET ");
+    AppendEquations(sql, assignments, QLatin1String(", "));
+    AppendCondition(sql, condition);
+    return ExecBound(sql, assignments.values + condition.values);
 }
 
 bool CLocalDB::Delete(QString table, QHash<QString, QVariant> where)
 {
-    QVariantList bound;
-    const QString condition = Condition(where, bound);
-    return ExecBound(QLatin1String("DELETE FROM ") + Quoted(table) + condition, bound);
+    const SPairs condition(where);
+    QString sql = QLatin1String("DELETE FROM ") + Quoted(table);
+    AppendCondition(sql, condition);
+    return ExecBound(sql, condition.values);
 }
 
 bool CLocalDB::Exec(const QString &sql)
@@ -371,25 +382,22 @@ bool CLocalDB::InsertRow(QLatin1String verb, const QString &table, const QHash<Q
 {
     if (table.isEmpty() || values.isEmpty())
         return false;
-    QStringList columns;
-    QStringList markers;
-    QVariantList bound;
-    for (auto pair = values.cbegin(); pair != values.cend(); ++pair) {
-        columns.append(Quoted(pair.key()));
-        markers.append(QStringLiteral("?"));
-        bound.append(pair.value());
+    const SPairs pairs(values);
+    QString columns;
+    QString markers;
+    for (const QString &column : pairs.columns) {
+        const QLatin1String separator(columns.isEmpty() ? "" : ",");
+        columns += separator + Quoted(column);
+        markers += separator + QLatin1Char('?');
     }
-    return ExecBound(verb + Quoted(table) + QLatin1String(" (") + columns.join(QLatin1Char(',')) +
-                         QLatin1String(") VALUES (") + markers.join(QLatin1Char(',')) + QLatin1Char(')'),
-                     bound);
+    return ExecBound(verb + Quoted(table) + QLatin1String(" (") + columns + QLatin1String(") VALUES (") + markers +
+                         QLatin1Char(')'),
+                     pairs.values);
 }
 
 bool CLocalDB::ExecBound(const QString &sql, const QVariantList &values)
 {
-    if (!IsOpen())
-        return false;
-    QSqlQuery query = GetQuery();
-    return ExecQuery(query, sql, values);
+    return IsOpen() && CStatements::Get(GetConnection()).Exec(sql, values);
 }
 
 CLocalDB::EOutcome CLocalDB::GetOutcome(const QSqlError &error)
