@@ -1,87 +1,243 @@
-// Texts of the catalogue and amounts of money, compared with the same SQL text in QSqlQuery on the same connection.
+// Texts of the catalogue, the switch to another language, and amounts of money. The floor selects on the same
+// connection. QTranslator and gettext find the same texts by the same keys in files of their own; QLocale and ICU
+// know by themselves how to write an amount.
 
-#include "LiteralQuery.h"
+#include "Catalogues.h"
 
 #include <database/ConfigDB.h>
 #include <database/SettingsDB.h>
-#include <database/TranslationDB.h>
-#include <files/Pathes.h>
 #include <money/MoneySpinner.h>
 #include <money/MoneyStrings.h>
+#include <settings/Settings.h>
 #include <support/InstallationTree.h>
-#include <translation/Translation.h>
+#include <translation/TranslationObject.h>
 
-#include <sqlite3.h>
+#ifdef BENCH_ICU
+#include <unicode/numberformatter.h>
+#endif
 
-#include <QCoreApplication>
 #include <QLocale>
-#include <QSqlDriver>
+
+#include <optional>
 
 namespace {
 
-using Bench::Require;
+using namespace Catalogues;
 using Bench::SRow;
 
-constexpr int KEYS = 64; // the number of keys that are looked up in turn
+constexpr int KEYS = 64;             // the number of keys that are looked up in turn
+constexpr int SHOWN = 620;           // texts on screen
+constexpr int TEXTS = 10000 + SHOWN; // of each language, where languages are switched
 constexpr unsigned int AMOUNT = 123456789;
 constexpr unsigned int CHIPS = 1234567;
 constexpr int DIGITS = 16; // more than any amount has
-const QString AREA = QStringLiteral("bench");
-const QString CORE = QStringLiteral("core");
+constexpr char SELECT_GERMAN[] = "SELECT TRL_cTranslation FROM tbl_translations WHERE TRL_AVL_iID = 2"
+                                 " AND TRL_cArea = 'bench' AND TRL_cKey = ?";
 
-void Run(const char *sql)
+void FillEnglish(int texts)
 {
-    Require(CTranslationDB::GetInstance()->Exec(QString::fromUtf8(sql)), sql);
+    Fill(texts, KEYS, false);
 }
 
-void MakeCatalogue()
+void FillBoth(int shown)
 {
-    Run("CREATE TABLE tbl_availablelanguages (AVL_iID INTEGER PRIMARY KEY, AVL_cShort TEXT, AVL_cLong TEXT)");
-    Run("INSERT INTO tbl_availablelanguages VALUES (1, 'en', 'English')");
-    Run("CREATE TABLE tbl_translations (TRL_AVL_iID INTEGER, TRL_cArea TEXT, TRL_cKey TEXT, TRL_cTranslation TEXT)");
-    Run("CREATE UNIQUE INDEX idx_translations ON tbl_translations (TRL_AVL_iID, TRL_cArea, TRL_cKey)");
-    Run("INSERT INTO tbl_translations VALUES (1, 'core', 'currency', '$'), (1, 'core', 'money_decimalseperator', "
-        "'.'),"
-        " (1, 'core', 'money_thousandsseperator', ',')");
+    Fill(TEXTS, shown, true);
 }
 
-// Fills the catalogue with the given number of texts.
-void Fill(int texts)
+void UseTranslator(int texts)
 {
-    static int present = 0;
-    if (texts == present)
-        return;
-    present = texts;
-    Run("DELETE FROM tbl_translations WHERE TRL_cArea = 'bench'");
-    Run("WITH RECURSIVE texts(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM texts WHERE i < " +
-        QByteArray::number(texts) +
-        " - 1) INSERT INTO tbl_translations SELECT 1, 'bench', 'text_' || i, 'the text ' || i FROM texts");
+    static std::unique_ptr<QTranslator> translator;
+    translator = LoadTranslator(ProvideTranslatorFile(English, texts));
+    QCoreApplication::installTranslator(translator.get());
+    FillEnglish(texts);
 }
 
-QString LookUpLiteral(const QString &key, const QString &area)
+void UseGettext(int texts)
 {
-    const auto sql = QStringLiteral("SELECT TRL_cTranslation FROM 'tbl_translations' WHERE TRL_cArea='%1' AND"
-                                    " TRL_cKey='%2' AND TRL_AVL_iID='1' LIMIT 1");
-    return Bench::RunLiteral(QSqlDatabase::database(Pathes::LanguageDB()), sql.arg(area, key))
-        .value(0)
-        .value(QStringLiteral("TRL_cTranslation"))
-        .toString();
-}
-
-QString LookUp(const QString &key, const QString &area)
-{
-    return CTranslation::GetInstance()->GetTranslatedString(key, area, -1);
+    BindGettext(texts);
+    FillEnglish(texts);
 }
 
 // Adds a side that looks up all keys one after the other.
-void AddTextSide(SRow<QStringList> &row, const char *side, QString (*find)(const QString &, const QString &))
+void AddTextSide(SRow<QStringList> row, const char *side, void (*setup)(int), QString (*find)(const SKey &))
 {
-    row.Side(side, [find](int texts) {
-        QStringList found;
-        for (int i = 0; i < KEYS; ++i)
-            found.append(find(QStringLiteral("text_%1").arg(qint64(i) * texts / KEYS), AREA));
+    row.Setup = setup;
+    row.Side(side, [find](int) { return FindAll(find); });
+}
+
+void AddTextRow()
+{
+    const SRow<QStringList> row{"text", {100, 1000, 10000, 100000}};
+    AddTextSide(row, "library", FillEnglish, LookUpKey);
+    AddTextSide(row, "floor", FillEnglish, LookUpLiteral);
+    AddTextSide(row, "QTranslator", UseTranslator, LookUpTranslator);
+    AddTextSide(row, "gettext", UseGettext, LookUpGettext);
+}
+
+void SelectLanguage(ELanguage language)
+{
+    CSettings::GetInstance()->SetSelectedLanguage(language);
+    Require(CTranslation::GetInstance()->GetLanguage().iID == language, "the switch of language");
+}
+
+// Changes a text that isn't shown, so that nothing that has been read from the file before may be used again.
+void ChangeFile()
+{
+    static int number = 0;
+    Run("UPDATE tbl_translations SET TRL_cTranslation = 'changed " + QByteArray::number(++number) +
+        "' WHERE TRL_AVL_iID = 2 AND TRL_cArea = 'bench' AND TRL_cKey = 'text_1'");
+}
+
+// Texts on screen, each of which is taken over when it announces its change. Both languages have been in effect.
+class CScreen
+{
+public:
+    CScreen()
+    {
+        for (const SKey &key : keys) {
+            const auto place = int(m_objects.size());
+            auto &object = m_objects.emplace_back(std::make_unique<CTranslationObject>());
+            object->SetTranslationKey(key.strKey, AREA);
+            m_shown.append(object->GetTranslatedText());
+            QObject::connect(object.get(), &CTranslationObject::signal_TextChanged, object.get(),
+                             [this, place, text = object.get()] { m_shown[place] = text->GetTranslatedText(); });
+        }
+        SelectLanguage(German);
+        SelectLanguage(English);
+    }
+    ~CScreen()
+    {
+        m_objects.clear();
+        SelectLanguage(English); // for the other rows
+    }
+    Q_DISABLE_COPY_MOVE(CScreen)
+
+    const QStringList &GetShown() const { return m_shown; }
+
+private:
+    std::vector<std::unique_ptr<CTranslationObject>> m_objects;
+    QStringList m_shown;
+};
+
+// The sides of a switch from English to German, whose result is the German texts. In a first switch, nothing of the
+// language has been read since the file changed; in a later one all may be remembered.
+void AddLibrarySwitch(SRow<QStringList> row, bool first)
+{
+    static std::optional<CScreen> screen;
+    row.Setup = [](int shown) {
+        FillBoth(shown);
+        screen.emplace();
+    };
+    row.Prepare = [first](int) {
+        SelectLanguage(English);
+        if (first)
+            ChangeFile();
+    };
+    const auto work = [](int) {
+        SelectLanguage(German);
+        return screen->GetShown();
+    };
+    row.Side("library", work, [](const QStringList &shown) {
+        screen.reset();
+        return shown;
+    });
+}
+
+// Selects each text with one statement, which is prepared anew.
+QStringList SelectThroughQt()
+{
+    QSqlQuery query(QSqlDatabase::database(Pathes::LanguageDB()));
+    query.setForwardOnly(true);
+    Require(query.prepare(QString::fromLatin1(SELECT_GERMAN)), SELECT_GERMAN);
+    return FindAll([&query](const SKey &key) {
+        query.bindValue(0, key.strKey.toLower());
+        Require(query.exec() && query.next(), "a text's row");
+        return query.value(0).toString();
+    });
+}
+
+QStringList SelectThroughSQLite()
+{
+    sqlite3_stmt *select = nullptr;
+    Require(sqlite3_prepare_v2(GetHandle(), SELECT_GERMAN, -1, &select, nullptr) == SQLITE_OK, SELECT_GERMAN);
+    const QStringList found = FindAll([select](const SKey &key) {
+        const QByteArray lowerKey = key.abKey.toLower();
+        sqlite3_reset(select);
+        sqlite3_bind_text(select, 1, lowerKey.constData(), lowerKey.size(), SQLITE_TRANSIENT);
+        Require(sqlite3_step(select) == SQLITE_ROW, "a text's row");
+        return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(select, 0)));
+    });
+    sqlite3_finalize(select);
+    return found;
+}
+
+// One transaction, so that the file is locked and looked at for changes only once.
+void AddSelectedSwitch(SRow<QStringList> row, const char *side, QStringList (*select)())
+{
+    row.Setup = FillBoth;
+    row.Prepare = [](int) { ChangeFile(); };
+    row.Side(side, [select](int) {
+        Run("BEGIN");
+        QStringList found = select();
+        Run("COMMIT");
         return found;
     });
+}
+
+void AddRememberedSwitch(SRow<QStringList> row)
+{
+    static QHash<QString, QString> remembered;
+    row.Setup = [](int shown) {
+        FillBoth(shown);
+        const CatalogueFiles::TTexts texts = MakeTexts(German, TEXTS);
+        for (auto text = texts.begin(); text != texts.end(); ++text)
+            remembered.insert(QString::fromUtf8(text.key()), *text);
+    };
+    row.Side("floor", [](int) { return FindAll([](const SKey &key) { return remembered.value(key.strKey); }); });
+}
+
+void AddTranslatorSwitch(SRow<QStringList> row, bool first)
+{
+    static std::unique_ptr<QTranslator> english;
+    static std::unique_ptr<QTranslator> german;
+    static QString path;
+    row.Setup = [](int shown) {
+        FillBoth(shown);
+        path = ProvideTranslatorFile(German, TEXTS);
+        german = LoadTranslator(path);
+        english = LoadTranslator(ProvideTranslatorFile(English, TEXTS));
+    };
+    row.Prepare = [first](int) {
+        QCoreApplication::removeTranslator(german.get());
+        if (first)
+            german.reset();
+        QCoreApplication::installTranslator(english.get());
+    };
+    const auto work = [](int) {
+        QCoreApplication::removeTranslator(english.get());
+        if (!german)
+            german = LoadTranslator(path);
+        QCoreApplication::installTranslator(german.get());
+        return FindAll(LookUpTranslator);
+    };
+    row.Side("QTranslator", work, [](const QStringList &found) {
+        german.reset();
+        english.reset();
+        return found;
+    });
+}
+
+void AddLanguageRows()
+{
+    const SRow<QStringList> first{"language_first", {SHOWN}};
+    AddLibrarySwitch(first, true);
+    AddSelectedSwitch(first, "floor", SelectThroughQt);
+    AddSelectedSwitch(first, "C API of SQLite", SelectThroughSQLite);
+    AddTranslatorSwitch(first, true);
+    const SRow<QStringList> again{"language_again", {SHOWN}};
+    AddLibrarySwitch(again, false);
+    AddRememberedSwitch(again);
+    AddTranslatorSwitch(again, false);
 }
 
 // Writes digits into a buffer, with given sign and separators; without any for chips.
@@ -116,9 +272,7 @@ QString AmountByHand(int)
 void CountStatements(int *number)
 {
     const auto count = [](unsigned int, void *sum, void *, void *) { return ++*static_cast<int *>(sum), 0; };
-    const QVariant handle = QSqlDatabase::database(Pathes::LanguageDB()).driver()->handle();
-    sqlite3_trace_v2(*static_cast<sqlite3 *const *>(handle.constData()), number ? SQLITE_TRACE_STMT : 0, count,
-                     number);
+    sqlite3_trace_v2(GetHandle(), number ? SQLITE_TRACE_STMT : 0, count, number);
 }
 
 unsigned int Spin(int)
@@ -158,11 +312,20 @@ QString AmountByLocale(int)
     return QLatin1Char('$') + locale.toString(AMOUNT / 100.0, 'f', 2);
 }
 
-void AddRows()
+#ifdef BENCH_ICU
+QString AmountByICU(int)
 {
-    SRow<QStringList> text{"text", {100, 1000, 10000, 100000}, Fill};
-    AddTextSide(text, "library", LookUp);
-    AddTextSide(text, "floor", LookUpLiteral);
+    UErrorCode status = U_ZERO_ERROR;
+    static const icu::number::LocalizedNumberFormatter formatter =
+        icu::number::NumberFormatter::withLocale(icu::Locale::getUS()).unit(icu::CurrencyUnit(u"USD", status));
+    const icu::UnicodeString text = formatter.formatDouble(AMOUNT / 100.0, status).toString(status);
+    Require(U_SUCCESS(status), "an amount by ICU");
+    return QString::fromUtf16(text.getBuffer(), text.length());
+}
+#endif
+
+void AddMoneyRows()
+{
     SRow<QString> chips{"money_chips", {1}};
     chips.Side("library", Chips);
     chips.Side("floor", ChipsByHand);
@@ -170,6 +333,9 @@ void AddRows()
     amount.Side("library", Amount);
     amount.Side("floor", AmountByHand);
     amount.Side("QLocale, which looks nothing up", AmountByLocale);
+#ifdef BENCH_ICU
+    amount.Side("ICU", AmountByICU);
+#endif
     SRow<unsigned int> spinner{"money_spinner", {1}};
     spinner.iIterations = 1;
     spinner.Side("library", Spin);
@@ -190,6 +356,9 @@ int main(int argc, char **argv)
     LookUp(QStringLiteral("CURRENCY"), CORE);
     CountStatements(nullptr);
     Require(statements > 0, "the count of statements");
-    AddRows();
+    SelectLanguage(English);
+    AddTextRow();
+    AddLanguageRows();
+    AddMoneyRows();
     return Bench::RunRows(argc, argv);
 }

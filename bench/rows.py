@@ -43,11 +43,15 @@ PROGRAMS = {
             peer="KConfig", peer_ratio=2),
     ],
     "bench_translation": [
-        Row("text", "text looked up", "the same SQL text on an indexed table", at_most_ns=1e3, per="text",
-            items=64, flat=True),
+        Row("text", "text looked up", "the same SQL text on an indexed table", at_most_ns=1e3, peer="QTranslator",
+            per="text", items=64, flat=True),
+        Row("language_first", "first switch of language, 620 texts shown", "a prepared select each, in one transaction",
+            at_most_ns=3e6, peer="QTranslator"),
+        Row("language_again", "switch back to a language, 620 texts shown", "QHash of the texts", at_most_ns=3e6,
+            peer="QTranslator"),
         Row("money_chips", "MoneyToString without look-ups", "digits in a buffer", extra_ns=400),
         Row("money_amount", "MoneyToString of $1,234,567.89", "its four look-ups, and digits in a buffer",
-            extra_ns=400, at_most_ns=5e3),
+            extra_ns=400, at_most_ns=5e3, peer="ICU"),
         Row("money_spinner", "money spinner's run", "", counters={"statements": 0}),
     ],
     "bench_players": [
