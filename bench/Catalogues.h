@@ -65,8 +65,8 @@ inline void MakeCatalogue()
 {
     Run("CREATE TABLE tbl_availablelanguages (AVL_iID INTEGER PRIMARY KEY, AVL_cShort TEXT, AVL_cLong TEXT)");
     Run("INSERT INTO tbl_availablelanguages VALUES (1, 'en', 'English'), (2, 'de', 'Deutsch')");
-    Run("CREATE TABLE tbl_translations (TRL_AVL_iID INTEGER, TRL_cArea TEXT, TRL_cKey TEXT, TRL_cTranslation TEXT)");
-    Run("CREATE UNIQUE INDEX idx_translations ON tbl_translations (TRL_AVL_iID, TRL_cArea, TRL_cKey)");
+    Run("CREATE TABLE tbl_translations (TRL_AVL_iID INTEGER, TRL_cArea TEXT, TRL_cKey TEXT, TRL_cTranslation TEXT,"
+        " PRIMARY KEY (TRL_AVL_iID, TRL_cArea, TRL_cKey)) WITHOUT ROWID");
     Run("INSERT INTO tbl_translations VALUES (1, 'core', 'currency', '$'), (1, 'core', 'money_decimalseperator', "
         "'.'),"
         " (1, 'core', 'money_thousandsseperator', ',')");

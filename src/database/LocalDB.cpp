@@ -159,7 +159,8 @@ bool CLocalDB::SelectOne(QHash<QString, QVariant> &row, QString table, QList<QSt
 bool CLocalDB::SelectAll(QList<QHash<QString, QVariant>> &rows, QString table, QList<QString> fields,
                          QHash<QString, QVariant> where, unsigned int limit)
 {
-    if (!IsOpen() || table.isEmpty())
+    CStatements *statements = CStatements::Get(GetConnection());
+    if (!statements || table.isEmpty())
         return false;
     const SPairs condition(where);
     const QString columns = fields.isEmpty() ? QStringLiteral("*") : QStringList(fields).join(QLatin1String(", "));
@@ -168,9 +169,8 @@ bool CLocalDB::SelectAll(QList<QHash<QString, QVariant>> &rows, QString table, Q
     if (limit > 0)
         sql += QLatin1String(" LIMIT ") + QString::number(limit);
     const bool done =
-        CStatements::Get(GetConnection())
-            .Select(sql, condition.values, !columns.contains(QLatin1Char('*')),
-                    [&rows](QSqlQuery &query, const QStringList &names) { AppendRows(rows, query, names); });
+        statements->Select(sql, condition.values, !columns.contains(QLatin1Char('*')),
+                           [&rows](QSqlQuery &query, const QStringList &names) { AppendRows(rows, query, names); });
     if (!done)
         return false;
     return !rows.isEmpty();
@@ -397,7 +397,8 @@ bool CLocalDB::InsertRow(QLatin1String verb, const QString &table, const QHash<Q
 
 bool CLocalDB::ExecBound(const QString &sql, const QVariantList &values)
 {
-    return IsOpen() && CStatements::Get(GetConnection()).Exec(sql, values);
+    CStatements *statements = CStatements::Get(GetConnection());
+    return statements && statements->Exec(sql, values);
 }
 
 CLocalDB::EOutcome CLocalDB::GetOutcome(const QSqlError &error)

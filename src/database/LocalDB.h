@@ -10,6 +10,7 @@
 #include <QString>
 #include <QVariant>
 
+class CStoredTexts;
 class CTransaction;
 
 /// An SQLite file. The class opens it, upgrades it to the schema version that the code knows, and builds common
@@ -102,6 +103,7 @@ protected:
     virtual bool CreateDBVersion(unsigned int version);
 
 private:
+    friend class CStoredTexts;
     friend class CTransaction;
 
     enum class EOutcome {

@@ -6,6 +6,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlRecord>
+#include <QSqlResult>
 
 namespace {
 
@@ -16,37 +17,40 @@ const QString MAIN_SCHEMA = QStringLiteral("PRAGMA main.schema_version");
 const QString TEMPORARY_SCHEMA = QStringLiteral("PRAGMA temp.schema_version");
 
 // Binds every value as text.
-bool ExecQuery(QSqlQuery &query, const QVariantList &values)
+void ExecQuery(QSqlQuery &query, const QVariantList &values)
 {
     for (int i = 0; i < values.size(); ++i)
         query.bindValue(i, BoundText::ToBind(values.at(i).toString()));
-    return query.exec();
+    query.exec();
 }
 
-// Returns whether the statement is gone because its connection was closed meanwhile. SQLite didn't see it then, and
-// gave no reason.
+// Returns whether SQLite doesn't know the statement: it couldn't be prepared, or its connection was closed since.
 bool IsGone(const QSqlQuery &query)
 {
-    return query.lastError().nativeErrorCode().isEmpty();
+    const QVariant handle = query.result()->handle();
+    return handle.isNull() || !*static_cast<void *const *>(handle.constData());
 }
 
 } // namespace
 
-CStatements::CStatements(QObject *driver)
+CStatements::CStatements(QObject *driver, const QString &path)
     : QObject(driver)
+    , m_strPath(path)
     , m_mainSchema(Prepare(MAIN_SCHEMA))
     , m_temporarySchema(Prepare(TEMPORARY_SCHEMA))
 {
 }
 
-CStatements &CStatements::Get(const QSqlDatabase &connection)
+CStatements *CStatements::Get(const QSqlDatabase &connection)
 {
+    if (!connection.isOpen())
+        return nullptr;
     QSqlDriver *driver = connection.driver();
     for (QObject *child : driver->children()) {
         if (auto *statements = dynamic_cast<CStatements *>(child))
-            return *statements;
+            return statements;
     }
-    return *new CStatements(driver);
+    return new CStatements(driver, connection.connectionName());
 }
 
 bool CStatements::Exec(const QString &sql, const QVariantList &values)
@@ -57,15 +61,35 @@ bool CStatements::Exec(const QString &sql, const QVariantList &values)
     return done;
 }
 
-// Keeps the tables as they are until m_mainSchema is finished: while it runs no other connection can change them.
-// SQLite itself prepares a statement anew after a change, but Qt takes it to have as many columns as before, and
-// would write beyond the end of the row.
+bool CStatements::Hold()
+{
+    if (IsGone(m_mainSchema))
+        ++m_iOpening;
+    return Fetch(m_mainSchema, MAIN_SCHEMA);
+}
+
+void CStatements::Release()
+{
+    m_mainSchema.finish();
+}
+
+int CStatements::GetOpening() const
+{
+    return IsGone(m_mainSchema) ? -1 : m_iOpening;
+}
+
+// Holds the file, and drops the statements if its tables have changed. SQLite itself would prepare them anew, but Qt
+// takes a statement to have as many columns as before, and would write beyond the end of the row.
 bool CStatements::HoldSchema()
 {
-    int main = 0;
-    int temporary = 0;
-    if (!Fetch(m_mainSchema, MAIN_SCHEMA, main) || !Fetch(m_temporarySchema, TEMPORARY_SCHEMA, temporary))
+    if (!Hold())
         return false;
+    if (!Fetch(m_temporarySchema, TEMPORARY_SCHEMA)) {
+        Release();
+        return false;
+    }
+    const int main = m_mainSchema.value(0).toInt();
+    const int temporary = m_temporarySchema.value(0).toInt();
     m_temporarySchema.finish();
     if (main != m_iMainSchema || temporary != m_iTemporarySchema)
         Forget();
@@ -74,18 +98,19 @@ bool CStatements::HoldSchema()
     return true;
 }
 
+void CStatements::Forget()
+{
+    m_queries.clear();
+    m_names.clear();
+}
+
 QSqlQuery CStatements::Begin(const QString &sql, const QVariantList &values)
 {
     const auto known = m_queries.constFind(sql);
-    if (known != m_queries.constEnd()) {
-        QSqlQuery query = *known;
-        if (ExecQuery(query, values) || !IsGone(query))
-            return query;
-    }
-    QSqlQuery query = Prepare(sql);
-    if (query.lastError().type() != QSqlError::NoError)
+    QSqlQuery query = known == m_queries.constEnd() || IsGone(*known) ? Prepare(sql) : *known;
+    if (IsGone(query))
         return query;
-    if (m_queries.size() >= MOST_STATEMENTS)
+    if (known == m_queries.constEnd() && m_queries.size() >= MOST_STATEMENTS)
         Forget();
     m_queries.insert(sql, query);
     ExecQuery(query, values);
@@ -100,10 +125,15 @@ QSqlQuery CStatements::Prepare(const QString &sql) const
     return query;
 }
 
-void CStatements::Forget()
+// Leaves the statement running at its only row.
+bool CStatements::Fetch(QSqlQuery &pragma, const QString &sql) const
 {
-    m_queries.clear();
-    m_names.clear();
+    if (IsGone(pragma))
+        pragma = Prepare(sql);
+    if (!IsGone(pragma) && pragma.exec() && pragma.next())
+        return true;
+    pragma.finish();
+    return false;
 }
 
 // The names stay the same as long as the schema does.
@@ -123,17 +153,4 @@ QStringList CStatements::GetNames(const QSqlQuery &query)
     for (int column = 0; column < record.count(); ++column)
         names.append(record.fieldName(column));
     return names;
-}
-
-// Leaves the statement running.
-bool CStatements::Fetch(QSqlQuery &pragma, const QString &sql, int &number) const
-{
-    if (!pragma.exec() && IsGone(pragma)) {
-        pragma = Prepare(sql);
-        pragma.exec();
-    }
-    const bool found = pragma.isActive() && pragma.next();
-    if (found)
-        number = pragma.value(0).toInt();
-    return found;
 }

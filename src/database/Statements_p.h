@@ -9,13 +9,16 @@
 
 class QSqlDatabase;
 
-/// The statements that CLocalDB has prepared on one connection, by their text. A text contains no values, so a
-/// program has few of them. The connection's driver owns the object.
+/// The statements that CLocalDB has prepared on a connection, by their text. A text contains no values, so a program
+/// has few of them. The connection's driver owns the object.
 class CStatements : public QObject
 {
 public:
-    /// Returns the statements of an open \a connection.
-    static CStatements &Get(const QSqlDatabase &connection);
+    /// Returns the statements of the connection; null if it isn't open.
+    static CStatements *Get(const QSqlDatabase &connection);
+
+    /// Returns the name of the connection, which is the path of the file.
+    const QString &GetPath() const { return m_strPath; }
 
     /// Executes the statement with its values bound as text. Returns false if SQLite refuses it.
     bool Exec(const QString &sql, const QVariantList &values);
@@ -35,25 +38,36 @@ public:
             read(query, fixedColumns ? GetNames(query) : GetKeptNames(sql, query));
         query.finish();
         if (!fixedColumns)
-            m_mainSchema.finish();
+            Release();
         return done;
     }
 
+    /// Keeps all other connections from changing the file until Release() is called. Returns false if SQLite refuses
+    /// it, because another connection has locked the file.
+    bool Hold();
+    void Release();
+
+    /// Returns a number that is another one whenever the connection has been opened again; -1 if that isn't known
+    /// before the next Hold().
+    int GetOpening() const;
+
 private:
-    explicit CStatements(QObject *driver);
+    CStatements(QObject *driver, const QString &path);
 
     bool HoldSchema();
     void Forget();
     QSqlQuery Begin(const QString &sql, const QVariantList &values);
     QSqlQuery Prepare(const QString &sql) const;
+    bool Fetch(QSqlQuery &pragma, const QString &sql) const;
     QStringList GetKeptNames(const QString &sql, const QSqlQuery &query);
     static QStringList GetNames(const QSqlQuery &query);
-    bool Fetch(QSqlQuery &pragma, const QString &sql, int &number) const;
 
+    const QString m_strPath;
     QHash<QString, QSqlQuery> m_queries;
     QHash<QString, QStringList> m_names;
-    QSqlQuery m_mainSchema;
+    QSqlQuery m_mainSchema; // is running while the file is held
     QSqlQuery m_temporarySchema;
-    int m_iMainSchema = -1; // the version at which the statements were prepared
+    int m_iMainSchema = -1; // the versions at which the statements were prepared
     int m_iTemporarySchema = -1;
+    int m_iOpening = 0;
 };

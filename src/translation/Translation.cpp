@@ -4,31 +4,17 @@
 #include <database/TranslationDB.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
+#include <translation/StoredTexts_p.h>
 
 #include <QLocale>
 #include <QMutex>
+#include <QPointer>
 
 PLUGININTERFACE_DEFINE_SINGLETON(CTranslation);
 
 namespace {
 
 constexpr int FALLBACK_LANGUAGE_ID = 2;
-
-const QString CORE_AREA = QStringLiteral("core");
-const QString COLUMN_AREA = QStringLiteral("TRL_cArea");
-const QString COLUMN_KEY = QStringLiteral("TRL_cKey");
-const QString COLUMN_LANGUAGE = QStringLiteral("TRL_AVL_iID");
-const QString COLUMN_TEXT = QStringLiteral("TRL_cTranslation");
-
-bool Select(QString &text, const QHash<QString, QVariant> &where)
-{
-    QHash<QString, QVariant> row;
-    if (!CTranslationDB::GetInstance()->SelectOne(row, CTranslationDB::strTableNameTranslations, {COLUMN_TEXT},
-                                                  where))
-        return false;
-    text = row.value(COLUMN_TEXT).toString();
-    return true;
-}
 
 } // namespace
 
@@ -49,20 +35,9 @@ QString CTranslation::GetTranslatedString(const QString &key, const QString &are
     const QMutexLocker locker(&mutex);
     if (key.isEmpty() || area.isEmpty())
         return QString();
-    const QString lowerArea = area.toLower();
-    const QString lowerKey = key.toLower();
-    QHash<QString, QVariant> where{{COLUMN_AREA, lowerArea},
-                                   {COLUMN_KEY, lowerKey},
-                                   {COLUMN_LANGUAGE, QString::number(languageID < 0 ? m_language.iID : languageID)}};
-    QString text;
-    if (Select(text, where))
-        return text;
-    if (lowerArea != CORE_AREA) {
-        where[COLUMN_AREA] = CORE_AREA;
-        if (Select(text, where))
-            return text;
-    }
-    return lowerArea + QLatin1Char('/') + lowerKey + QLatin1String("\nNOT IN TRANSLATION");
+    CStoredTexts *texts = CStoredTexts::Get(*CTranslationDB::GetInstance());
+    return texts ? texts->Find(languageID < 0 ? m_language.iID : languageID, {area, key})
+                 : CStoredTexts::GetNotFound({area, key});
 }
 
 const CTranslation::SLang &CTranslation::GetLanguage() const
@@ -86,7 +61,7 @@ void CTranslation::slot_SelectedLanguageChanged()
     if (m_language.iID >= 0 && settings->GetSelectedLanguage() != m_language.iID)
         settings->SetSelectedLanguage(m_language.iID, this, true);
     if (changed)
-        Q_EMIT signal_TranslationChanged();
+        Announce();
 }
 
 void CTranslation::LoadLanguages()
@@ -155,5 +130,18 @@ void CTranslation::UpdateCurrentLanguage()
     if (!TakeLanguage())
         return;
     CSettings::GetInstance()->SetSelectedLanguage(m_language.iID, this, true);
+    Announce();
+}
+
+// What is on the screen is looked up again, all at once. What isn't any more then no longer counts as used.
+void CTranslation::Announce()
+{
+    const QPointer<CStoredTexts> texts = CStoredTexts::Get(*CTranslationDB::GetInstance());
+    if (texts) {
+        texts->ReadAhead(m_language.iID);
+        texts->SetCountsAll(true);
+    }
     Q_EMIT signal_TranslationChanged();
+    if (texts)
+        texts->SetCountsAll(false);
 }

@@ -64,6 +64,7 @@ private:
     int FindLanguageIndex() const;
     bool TakeLanguage();
     void UpdateCurrentLanguage();
+    void Announce();
 
     SLang m_language;
     QList<SLang> m_languages;

@@ -23,7 +23,8 @@ struct SCounts
     int iObsolete = 0;
 };
 
-// The number column can be compared with the decimal text for which the library searches, and uses the index.
+// The number column can be compared with the decimal text for which the library searches, and uses the key. Texts lie
+// in the order of the key, so that finding one is one search.
 QStringList CreateStatements()
 {
     const QString languages = CTranslationDB::strTableNameAvailLanguages;
@@ -32,9 +33,8 @@ QStringList CreateStatements()
                 QLatin1String(" (AVL_iID INTEGER PRIMARY KEY, AVL_cShort TEXT NOT NULL, AVL_cLong TEXT NOT NULL)"),
             QLatin1String("CREATE TABLE ") + texts +
                 QLatin1String(" (TRL_AVL_iID INTEGER NOT NULL, TRL_cArea TEXT NOT NULL, TRL_cKey TEXT NOT NULL, "
-                              "TRL_cTranslation TEXT NOT NULL)"),
-            QLatin1String("CREATE UNIQUE INDEX idx_translations ON ") + texts +
-                QLatin1String(" (TRL_AVL_iID, TRL_cArea, TRL_cKey)")};
+                              "TRL_cTranslation TEXT NOT NULL,"
+                              " PRIMARY KEY (TRL_AVL_iID, TRL_cArea, TRL_cKey)) WITHOUT ROWID")};
 }
 
 QVector<QVariantList> LanguageRows(const QVector<SPoCatalogue> &catalogues)
