@@ -341,5 +341,5 @@ bool PlayerInfo::CInserter::Insert(const SPlayerInfoSyncElement &element)
     m_query.bindValue(3, element.ulTagID);
     m_query.bindValue(4, element.ulPlayerFlags);
     m_query.bindValue(5, element.ulTimestamp);
-    return IsOpen() && m_query.exec();
+    return IsOpen() && m_query.exec() && m_query.numRowsAffected() > 0;
 }

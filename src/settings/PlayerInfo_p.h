@@ -49,6 +49,7 @@ class CInserter
 public:
     explicit CInserter(ERows rows = All);
 
+    /// Returns false also if a stored row is newer, where only rows that aren't older are taken.
     bool Insert(const SPlayerInfoSyncElement &element);
 
 private:

@@ -4,6 +4,7 @@
 #include <database/BusyWait_p.h>
 #include <database/PlayerInfoDB.h>
 #include <database/Transaction_p.h>
+#include <models/PlayerModel.h>
 #include <models/PlayerSaves_p.h>
 #include <models/UserInfo.h>
 #include <network/Download.h>
@@ -311,6 +312,14 @@ void CSettingsSync::StampLaterChanges(quint64 known)
     CSettings::GetInstance()->StampAnew(m_changes->GetLaterSettings(user, known), m_ulServerSettingsTime);
 }
 
+// Returns whether the file already has a later change by the user. A change that still waits will be written over the
+// answer's row; until then the row is stored, or nothing would be left of it if the program were killed.
+bool CSettingsSync::IsStoredLater(const QString &user, const QString &nick, quint64 known) const
+{
+    return m_changes->IsPlayerLater(user, nick, known) &&
+           !(CPlayerModel::IsExisting(nick) && CPlayerSaves::Get()->IsWaiting(CPlayerModel::GetInstance(nick)));
+}
+
 // Stores all or none. What isn't stored now comes with the next exchange, because the newest local time stays the
 // same.
 void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known,
@@ -325,7 +334,7 @@ void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &
         for (const QJsonValue &element : infos) {
             const QJsonObject info = element.toObject();
             const QString nick = info.value(JSON_NICK).toVariant().toString();
-            if (nick.isEmpty() || m_changes->IsPlayerLater(nickname, nick, known))
+            if (nick.isEmpty() || IsStoredLater(nickname, nick, known))
                 continue;
             const bool written = inserter.Insert({nickname, nick, info.value(JSON_NOTE).toVariant().toString(),
                                                   static_cast<unsigned int>(ToInt(info.value(JSON_TAG))),

@@ -27,8 +27,8 @@ class CLocalChanges;
 ///
 /// - Each change by the user, of a setting or of a player's note, tag, buddy flag or block, has a number. A request
 ///   carries the number of the last change that its times include, and its answer doesn't affect later changes. So
-///   requests may overlap, fail, and be answered late. If the answer to a later request has arrived first, only rows
-///   that aren't older than the stored ones are taken.
+///   requests may overlap, fail, and be answered late. If the answer to a later request has arrived first, settings
+///   are taken only if they aren't older than the stored ones, and players only if none of them is older.
 /// - A change that waits to be written, 250 ms for settings and 3 s for players, isn't included in any time, so it
 ///   counts as later than any request. A request causes no writing.
 /// - What a login stores again, what was changed by loading, ratings and pictures are no changes by the user. A
@@ -105,6 +105,7 @@ private:
     void StampLaterChanges(quint64 known);
     static void TakeSettings(const QString &nickname, const QJsonArray &settings, quint64 known, bool overtaken);
     void TakePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known, bool overtaken) const;
+    bool IsStoredLater(const QString &user, const QString &nick, quint64 known) const;
     void StorePlayerInfos(const QString &nickname, const QJsonArray &infos, quint64 known, bool overtaken) const;
     QJsonArray GetSettingsToSend(const QString &nickname) const;
     QJsonArray GetPlayerInfosToSend(const QString &nickname) const;
