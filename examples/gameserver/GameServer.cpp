@@ -21,8 +21,6 @@ constexpr int TIME_PACKETS_MS = 1000;
 constexpr int WEB_LIMIT_MS = 10000;
 // Well below the number of descriptors of a process: once accepting has failed for lack of one, it stays off.
 constexpr int MAX_CLIENTS = 500;
-// In each second, players enter or leave one table in this many.
-constexpr quint32 TABLES_FOR_A_MOVE = 10;
 // In cents. At the limit somebody wins the jackpot, and it starts again.
 constexpr quint32 JACKPOT_BEGIN = 1234567;
 constexpr quint32 JACKPOT_LIMIT = 5000000;
@@ -253,11 +251,10 @@ bool CGameServer::MovePlayers(STable &table)
 {
     // The distributions of the standard library aren't used because they differ between implementations.
     const quint32 draw = static_cast<quint32>(m_random());
-    if (draw % TABLES_FOR_A_MOVE != 0)
+    if (draw % m_uiTablesForAMove != 0)
         return false;
-    const bool comes = (draw / TABLES_FOR_A_MOVE) % 2 == 0;
-    if (table.usPlayers == (comes ? table.usPlaces : 0))
-        return false;
+    const bool wantsToCome = (draw / m_uiTablesForAMove) % 2 == 0;
+    const bool comes = table.usPlayers == 0 || (wantsToCome && table.usPlayers < table.usPlaces);
     table.usPlayers = static_cast<quint16>(table.usPlayers + (comes ? 1 : -1));
     return true;
 }

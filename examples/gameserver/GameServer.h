@@ -26,6 +26,8 @@ public:
     CGameServer(const QVector<LobbyProtocol::STable> &tables, const CAccounts &accounts, quint32 seed,
                 int halfSentLimit);
 
+    /// Lets players enter or leave each table in each second, instead of one table in ten.
+    void MovePlayersEverywhere() { m_uiTablesForAMove = 1; }
     /// Sets the web server from which users get their web sessions, as "host:port"; without it they get none. \a key
     /// is the secret that the web server expects.
     void SetWebServer(const QString &address, const QString &key);
@@ -57,7 +59,8 @@ private:
     QVector<LobbyProtocol::STable> m_tables;
     CAccounts m_accounts;
     std::mt19937 m_random;
-    quint32 m_uiJackpot; // in cents
+    quint32 m_uiTablesForAMove = 10; // in each second, players enter or leave one table in this many
+    quint32 m_uiJackpot;             // in cents
     int m_iHalfSentLimit;
     QNetworkAccessManager m_network;
     QString m_strWebServer;

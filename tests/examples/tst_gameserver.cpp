@@ -112,6 +112,36 @@ private Q_SLOTS:
         QCOMPARE(client.ReadRecord(), none);
     }
 
+    // Those of the file are among them, and the numbers of players change at all of them.
+    void MadeTables()
+    {
+        constexpr int COUNT = 5000;
+        QProcess server;
+        CClient client(StartServer(
+            server, QStringLiteral(GAMESERVER_PATH),
+            {"--data"_s, QStringLiteral(TABLES_PATH), "--tables"_s, QString::number(COUNT), "--seed"_s, "7"_s}));
+        client.write(Payload::ToPackets(LobbyProtocol::GROUP, {GET_LIST}));
+        QHash<quint32, quint16> players;
+        STable table;
+        QByteArray record;
+        while (Payload::Decode(record = client.ReadRecord(), table)) {
+            QVERIFY(table.usPlayers <= table.usPlaces);
+            players.insert(table.uiID, table.usPlayers);
+        }
+        QCOMPARE(record, Payload::Encode(SListEnd{COUNT}));
+        QCOMPARE(players.size(), COUNT);
+        QVERIFY(players.contains(1002));
+        SPlayerCounts counts;
+        for (int changed = 0; changed < COUNT; changed += counts.counts.size()) {
+            counts.counts.clear();
+            QVERIFY(Payload::Decode(client.ReadRecord(), counts));
+            for (const SPlayerCount &count : qAsConst(counts.counts))
+                QVERIFY(players.take(count.uiTableID) != count.usPlayers);
+        }
+        QVERIFY(players.isEmpty());
+        server.close();
+    }
+
     // A row's name is the reason that the server tells.
     void Nonsense_data()
     {
