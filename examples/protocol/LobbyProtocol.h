@@ -7,6 +7,8 @@
 #include <QString>
 #include <QVector>
 
+#include <tuple>
+
 /// The records that the lobby and the game server exchange in packets of the group "LOBB".
 ///
 /// The client sends GET_LIST. The server answers with an STable for each table and an SListEnd, and from then on
@@ -42,6 +44,15 @@ struct STable
     {
         return Payload::List(uiID, Payload::SText{strName, MAX_NAME_LENGTH}, eType, eGame, eLimit, eMoney, mvLow,
                              mvHigh, usPlaces, usPlayers, uiStart);
+    }
+
+    friend bool operator==(const STable &left, const STable &right)
+    {
+        const auto values = [](const STable &table) {
+            return std::tie(table.uiID, table.strName, table.eType, table.eGame, table.eLimit, table.eMoney,
+                            table.mvLow, table.mvHigh, table.usPlaces, table.usPlayers, table.uiStart);
+        };
+        return values(left) == values(right);
     }
 };
 

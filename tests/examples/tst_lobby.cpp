@@ -5,8 +5,11 @@
 #include <support/Rows.h>
 #include <support/Singletons.h>
 
+#include <QAbstractItemModelTester>
 #include <QtTest>
 #include <QtWidgets>
+
+#include <random>
 
 using namespace LobbyProtocol;
 
@@ -30,6 +33,8 @@ private Q_SLOTS:
         m_pView.reset(m_pPlugin->CreateView(nullptr));
         m_pTable = m_pView->findChild<QTableView *>("lobbyTable"_s);
         QVERIFY(m_pTable);
+        // Whose fading could outlast the test.
+        m_pView->findChild<QLineEdit *>("lobbyFilter"_s)->setClearButtonEnabled(false);
     }
 
     void cleanupTestCase()
@@ -53,6 +58,94 @@ private Q_SLOTS:
         QCOMPARE(Column(COL_STAKES), "$0.50/$1,$42,949,672.95/$1,$9/$1"_s);
         m_pTable->sortByColumn(COL_STAKES, Qt::AscendingOrder);
         QCOMPARE(Column(COL_NAME), "Aare,Cork,Bann"_s);
+    }
+
+    void ChangesAreTold_data()
+    {
+        const QByteArray all = Payload::Encode(SListEnd{3});
+        const QVector<QByteArray> list{Table(1, "Aare", 9), Table(2, "Bann", 10, 4294967295u)};
+        AddRows<int, QVector<QByteArray>, QString>(
+            {"order", "records", "told"},
+            {{"one count", COL_NAME, EncodePlayerCounts({{2, 3}}), "changed 1-1"_s},
+             {"all counts", COL_NAME, EncodePlayerCounts({{1, 1}, {2, 2}, {3, 3}}), "changed 0-2"_s},
+             {"no new count", COL_NAME, EncodePlayerCounts({{1, 9}, {7, 1}}), QString()},
+             {"count and order", COL_PLAYERS, EncodePlayerCounts({{1, 1}}), "changed 1-1,moved"_s},
+             {"count, same order", COL_PLAYERS, EncodePlayerCounts({{1, 8}}), "changed 1-1"_s},
+             {"the same list", COL_NAME, list + QVector<QByteArray>{Table(3, "Cork", 2, 900), all}, QString()},
+             {"another name", COL_NAME, list + QVector<QByteArray>{Table(3, "Abo", 2, 900), all},
+              "moved,changed 1-1"_s},
+             {"more tables", COL_NAME,
+              list + QVector<QByteArray>{Table(3, "Cork", 2, 900), Table(4, "Bonn", 1), Table(5, "Brno", 1),
+                                         Payload::Encode(SListEnd{5})},
+              "inserted 2-3"_s},
+             {"fewer tables", COL_NAME, {Table(3, "Cork", 2, 900), Payload::Encode(SListEnd{1})}, "removed 0-1"_s}});
+    }
+    void ChangesAreTold()
+    {
+        QFETCH(int, order);
+        QFETCH(QVector<QByteArray>, records);
+        m_pTable->sortByColumn(order, Qt::AscendingOrder);
+        QStringList told;
+        const auto tell = [&](const char *what) {
+            return [&told, what](const QModelIndex &, int first, int last) {
+                told.append("%1 %2-%3"_s.arg(QLatin1String(what)).arg(first).arg(last));
+            };
+        };
+        const QObject context;
+        const QAbstractItemModel *model = m_pTable->model();
+        connect(model, &QAbstractItemModel::rowsInserted, &context, tell("inserted"));
+        connect(model, &QAbstractItemModel::rowsRemoved, &context, tell("removed"));
+        connect(model, &QAbstractItemModel::layoutChanged, &context, [&] { told.append("moved"_s); });
+        connect(model, &QAbstractItemModel::modelReset, &context, [&] { told.append("reset"_s); });
+        connect(
+            model, &QAbstractItemModel::dataChanged, &context,
+            [&](const QModelIndex &first, const QModelIndex &last) { tell("changed")({}, first.row(), last.row()); });
+        Deliver(records);
+        QTEST(told.join(QLatin1Char(',')), "told");
+    }
+
+    // Lists, counts and filters by chance, each compared with a plain sort, and with what a view knows that reads
+    // only what it is told to.
+    void RandomChanges_data()
+    {
+        AddRows<int, int>({"column", "order"}, {{"name", COL_NAME, Qt::AscendingOrder},
+                                                {"name, descending", COL_NAME, Qt::DescendingOrder},
+                                                {"stakes", COL_STAKES, Qt::AscendingOrder},
+                                                {"players", COL_PLAYERS, Qt::AscendingOrder},
+                                                {"players, descending", COL_PLAYERS, Qt::DescendingOrder},
+                                                {"start", COL_START, Qt::AscendingOrder}});
+    }
+    void RandomChanges()
+    {
+        QFETCH(int, column);
+        QFETCH(int, order);
+        Deliver({Payload::Encode(SListEnd{0})});
+        m_pTable->sortByColumn(column, Qt::SortOrder(order));
+        QAbstractItemModel *model = m_pTable->model();
+        const QAbstractItemModelTester tester(model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QStringList known;
+        const auto read = [&](int first, int last) {
+            for (int row = first; row <= last; ++row)
+                known[row] = ReadRow(row);
+        };
+        const QObject context;
+        connect(model, &QAbstractItemModel::rowsInserted, &context, [&](const QModelIndex &, int first, int last) {
+            for (int row = first; row <= last; ++row)
+                known.insert(row, ReadRow(row));
+        });
+        connect(model, &QAbstractItemModel::rowsRemoved, &context, [&](const QModelIndex &, int first, int last) {
+            known.erase(known.begin() + first, known.begin() + last + 1);
+        });
+        connect(model, &QAbstractItemModel::layoutChanged, &context, [&] { read(0, known.size() - 1); });
+        connect(model, &QAbstractItemModel::dataChanged, &context,
+                [&](const QModelIndex &first, const QModelIndex &last) { read(first.row(), last.row()); });
+        QMap<quint32, STable> tables;
+        std::mt19937 random(column + 1U);
+        for (int change = 0; change < 40; ++change) {
+            ChangeByChance(random, tables);
+            QCOMPARE(known, SortPlainly(tables.values(), column, order));
+        }
+        CSettings::GetInstance()->SetRinggameFilter(QByteArray());
     }
 
     void MalformedRecordsChangeNothing_data()
@@ -121,7 +214,7 @@ private Q_SLOTS:
     }
 
 private:
-    static QByteArray Table(quint32 id, const char *name, quint16 players, quint32 low = 50, quint32 start = 0)
+    static QByteArray Table(quint32 id, const QByteArray &name, quint16 players, quint32 low = 50, quint32 start = 0)
     {
         using TDefines = GlobalDefines;
         return Payload::Encode(STable{id, QString::fromUtf8(name), TDefines::TT_NORMAL, TDefines::GT_HOLDEM,
@@ -136,6 +229,69 @@ private:
             event.data = record;
             m_pPlugin->emit_ReceiveEvent(event);
         }
+        QCoreApplication::processEvents(); // in which the plugin shows it
+    }
+
+    // A list, counts of some tables, or a filter.
+    void ChangeByChance(std::mt19937 &random, QMap<quint32, STable> &tables)
+    {
+        const auto draw = [&](quint32 limit) { return quint32(random()) % limit; };
+        const quint32 kind = draw(6);
+        if (kind == 0) {
+            CSettings::GetInstance()->SetRinggameFilter(QByteArray::number(draw(10)).left(int(draw(3))));
+            return;
+        }
+        QVector<QByteArray> records;
+        QVector<SPlayerCount> counts;
+        if (kind == 1)
+            tables.clear();
+        for (quint32 id = 1; id <= 80; ++id) {
+            if (kind == 1 && draw(4) > 0) {
+                STable table;
+                Payload::Decode(Table(id, "Bay " + QByteArray::number(id * 37 % 1000), quint16(draw(9)), draw(50),
+                                      draw(2) * (2000000000 + draw(9))),
+                                table);
+                tables.insert(id, table);
+                records.append(Payload::Encode(table));
+            } else if (kind > 1 && tables.contains(id) && draw(1U << (2 * kind - 4)) == 0) {
+                tables[id].usPlayers = quint16(draw(9));
+                counts.append({id, tables[id].usPlayers});
+            }
+        }
+        if (kind == 1)
+            records.append(Payload::Encode(SListEnd{quint32(tables.size())}));
+        Deliver(records + EncodePlayerCounts(counts));
+    }
+
+    static QStringList SortPlainly(QList<STable> tables, int column, int order)
+    {
+        const auto value = [column](const STable &table) {
+            return column == COL_STAKES    ? table.mvLow
+                   : column == COL_PLAYERS ? table.usPlayers
+                   : column == COL_START   ? table.uiStart - 1 // 0 is last
+                                           : 0;
+        };
+        const auto byName = [](const STable &left, const STable &right) { return left.strName < right.strName; };
+        const bool turn = order == Qt::DescendingOrder;
+        std::sort(tables.begin(), tables.end(), byName);
+        if (column == COL_NAME && turn)
+            std::reverse(tables.begin(), tables.end());
+        std::stable_sort(tables.begin(), tables.end(), [&](const STable &left, const STable &right) {
+            return turn ? value(left) > value(right) : value(left) < value(right);
+        });
+        QStringList rows;
+        const QString filter = QString::fromUtf8(CSettings::GetInstance()->GetRinggameFilter());
+        for (const STable &table : qAsConst(tables)) {
+            if (table.strName.contains(filter))
+                rows.append("%1 %2/10"_s.arg(table.strName).arg(table.usPlayers));
+        }
+        return rows;
+    }
+
+    QString ReadRow(int row) const
+    {
+        const QModelIndex name = m_pTable->model()->index(row, COL_NAME);
+        return name.data().toString() + QLatin1Char(' ') + name.siblingAtColumn(COL_PLAYERS).data().toString();
     }
 
     QString Column(EColumn column) const

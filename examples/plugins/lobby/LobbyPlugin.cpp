@@ -14,6 +14,8 @@
 #include <ui/Action.h>
 #include <ui/MenuManager.h>
 
+#include <utility>
+
 namespace {
 
 const QString QUICK = QStringLiteral("qml"); // value of the setting pokerlobbytype
@@ -30,6 +32,8 @@ const QHash<int, const char *> SEAT_KEYS{{LobbyProtocol::SR_TAKEN, "SEAT_TAKEN"}
 CLobbyPlugin::CLobbyPlugin()
 {
     connect(m_pTables, &CLobbyTables::signal_SeatWanted, this, &CLobbyPlugin::RequestSeat);
+    m_show.setSingleShot(true);
+    connect(&m_show, &QTimer::timeout, this, &CLobbyPlugin::ShowReceived);
 }
 
 void CLobbyPlugin::ReceiveEvent(CEvent e)
@@ -76,9 +80,10 @@ void CLobbyPlugin::Start()
 
 void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
 {
-    m_pModel->SetStale();
+    ShowReceived();
+    m_pList->SetStale();
     m_pTables->SetSeatAnswer(CTranslationItem());
-    m_incoming.clear();
+    ClearIncoming();
     m_bWarned = false;
     if (state != EConnectionState::Connected)
         return;
@@ -116,26 +121,47 @@ void CLobbyPlugin::RequestSeat(quint32 tableID)
 
 bool CLobbyPlugin::OnTable(const LobbyProtocol::STable &table)
 {
-    if (m_incoming.contains(table.uiID) || m_incoming.size() >= LobbyProtocol::MAX_TABLES)
+    if (m_incomingIDs.contains(table.uiID) || m_incomingIDs.size() >= LobbyProtocol::MAX_TABLES)
         return false;
-    m_incoming.insert(table.uiID, table);
+    m_incomingIDs.insert(table.uiID);
+    m_incoming.emplace(m_collator.sortKey(table.strName), table);
     return true;
 }
 
 // A list without the malformed tables is better than none.
 bool CLobbyPlugin::OnListEnd(quint32 count)
 {
-    m_pModel->SetTables(m_incoming);
-    TellCounts();
     const bool isComplete = quint32(m_incoming.size()) == count;
-    m_incoming.clear();
+    m_list.emplace();
+    m_list->reserve(int(m_incoming.size()));
+    for (auto &table : m_incoming)
+        m_list->append(std::move(table.second));
+    ClearIncoming();
+    m_counts.clear();
+    m_show.start(0);
     return isComplete;
 }
 
 void CLobbyPlugin::OnPlayerCounts(const QVector<LobbyProtocol::SPlayerCount> &counts)
 {
-    for (const LobbyProtocol::SPlayerCount &count : counts)
-        m_pModel->SetPlayers(count);
+    m_counts += counts;
+    m_show.start(0);
+}
+
+void CLobbyPlugin::ClearIncoming()
+{
+    m_incoming.clear();
+    m_incomingIDs.clear();
+}
+
+void CLobbyPlugin::ShowReceived()
+{
+    m_show.stop();
+    if (!m_list && m_counts.isEmpty())
+        return;
+    if (m_list)
+        m_pList->SetTables(*std::exchange(m_list, std::nullopt));
+    m_pList->SetPlayers(std::exchange(m_counts, {}));
     TellCounts();
 }
 
@@ -143,15 +169,16 @@ void CLobbyPlugin::OnPlayerCounts(const QVector<LobbyProtocol::SPlayerCount> &co
 void CLobbyPlugin::TellCounts() const
 {
     uint players = 0;
-    for (int row = 0; row < m_pModel->rowCount(); ++row)
-        players += m_pModel->GetTable(row).usPlayers;
+    for (const LobbyProtocol::STable &table : m_pList->GetTables())
+        players += table.usPlayers;
     CCasinoInfo::GetInstance()->SetPokerPlayerCount(players);
-    CCasinoInfo::GetInstance()->SetPokerTableCount(static_cast<unsigned short>(m_pModel->rowCount()));
+    CCasinoInfo::GetInstance()->SetPokerTableCount(static_cast<unsigned short>(m_pList->GetTables().size()));
 }
 
 void CLobbyPlugin::OnSeatAnswer(const LobbyProtocol::SSeatAnswer &answer)
 {
-    const LobbyProtocol::STable *table = m_pModel->FindTable(answer.uiTableID);
+    ShowReceived();
+    const LobbyProtocol::STable *table = m_pList->FindTable(answer.uiTableID);
     m_pTables->SetSeatAnswer(Texts::MakeItem(SEAT_KEYS.value(answer.eResult, "SEAT_REFUSED"),
                                              {{"#nickname#", CUserInfo::GetInstance()->GetNickname()},
                                               {"#place#", uint(answer.usPlace)},

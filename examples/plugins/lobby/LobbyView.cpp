@@ -105,7 +105,7 @@ void CLobbyView::SetUpTable()
     QHeaderView *header = m_pTable->horizontalHeader();
     header->setHighlightSections(false);
     const auto showOrder = [this, header] {
-        header->setSortIndicator(m_pTables->sortColumn(), m_pTables->sortOrder());
+        header->setSortIndicator(m_pTables->GetOrderColumn(), m_pTables->GetOrder());
     };
     connect(m_pTables, &CLobbyTables::signal_OrderChanged, header, showOrder);
     showOrder(); // before sorting, which would change the order
@@ -114,7 +114,7 @@ void CLobbyView::SetUpTable()
     for (int column = 0; column < header->count(); ++column) { // Ctrl+1 and so on, like a click on the title
         const QKeySequence keys(QStringLiteral("Ctrl+%1").arg(column + 1));
         connect(new QShortcut(keys, this), &QShortcut::activated, m_pTables, [this, column] {
-            const bool turns = m_pTables->sortColumn() == column && m_pTables->sortOrder() == Qt::AscendingOrder;
+            const bool turns = m_pTables->GetOrderColumn() == column && m_pTables->GetOrder() == Qt::AscendingOrder;
             m_pTables->sort(column, turns ? Qt::DescendingOrder : Qt::AscendingOrder);
         });
     }
