@@ -1,8 +1,6 @@
 #include "Tour.h"
 #include "VisibleTexts.h"
 
-#include "WatchedApplication.h"
-
 #include <database/ConfigDB.h>
 #include <files/Pathes.h>
 
@@ -28,23 +26,22 @@ constexpr int MIN_TABLES = 200;
 // Three frames of a screen: whoever waits longer sees it.
 constexpr double LONGEST_EVENT_MS = 50;
 
-// How many times as long all may take: 1, but for a build that sanitizers slow down and that says so. The second
-// machine's client hears of it too.
+// Nobody is there: what goes to this machine itself has to go direct.
+const QString PROXY = QStringLiteral(R"({"host": "127.0.0.1", "port": 9, "type": "http", "user": "operator"})");
+
+} // namespace
+
 int Patience()
 {
     return std::max(1, qEnvironmentVariableIntValue("TOUR_PATIENCE"));
 }
 
-// Nobody is there: what goes to this machine itself has to go direct.
-const QString PROXY = QStringLiteral(R"({"host": "127.0.0.1", "port": 9, "type": "http", "user": "operator"})");
-
-QString DescribeLongestEvent()
+QString Describe(const CWatchedApplication::SEvent &event)
 {
-    const CWatchedApplication *application = CWatchedApplication::Get();
-    return "at most %1 ms, with %2"_s.arg(application->GetLongestMs(), 0, 'f', 1).arg(application->GetLongestName());
+    return "at most %1 ms, %2 ms of them busy, with %3"_s.arg(event.ms, 0, 'f', 1)
+        .arg(event.busyMs, 0, 'f', 1)
+        .arg(event.strName);
 }
-
-} // namespace
 
 QStringList QueryDatabase(const QString &file, const QString &sql)
 {
@@ -70,6 +67,18 @@ int CTour::Run()
     CWatchedApplication::Get()->Forget(); // the start is over
     if (m_options.bSecondMachine)
         return RunSecondMachine();
+    if (m_options.bBigLobbyOnly)
+        ShowBigLobby();
+    else
+        ShowAll();
+    See("Nothing has held up the client for longer than %1 ms"_s.arg(LONGEST_EVENT_MS * Patience()),
+        [] { return Describe(CWatchedApplication::Get()->GetLongest()); });
+    QTextStream(stdout) << (m_bFailed ? "The tour failed.\n"_s : "All %1 steps happened.\n"_s.arg(m_iSteps));
+    return m_bFailed ? 1 : 0;
+}
+
+void CTour::ShowAll()
+{
     ShowStart();
     ShowLobby();
     ShowConsole();
@@ -91,11 +100,8 @@ int CTour::Run()
     ShowLooks();
     ShowBareStart();
     ShowLostServer();
+    ShowBigLobby();
     ShowReturn();
-    See("Nothing has held up the client for longer than %1 ms"_s.arg(LONGEST_EVENT_MS * Patience()),
-        [] { return DescribeLongestEvent(); });
-    QTextStream(stdout) << (m_bFailed ? "The tour failed.\n"_s : "All %1 steps happened.\n"_s.arg(m_iSteps));
-    return m_bFailed ? 1 : 0;
 }
 
 void CTour::MakeInstallation(const QString &folder, quint16 webPort)
@@ -144,8 +150,9 @@ void CTour::Step(const QString &text, const TAction &action, const TLook &look)
     action();
     QString seen;
     m_bFailed = !QTest::qWaitFor([&] { return !(seen = look()).isEmpty(); }, STEP_LIMIT_MS * Patience());
-    if (CWatchedApplication::Get()->GetLongestMs() > LONGEST_EVENT_MS * Patience()) {
-        m_strFault = DescribeLongestEvent();
+    const CWatchedApplication::SEvent &longest = CWatchedApplication::Get()->GetLongest();
+    if (longest.ms > LONGEST_EVENT_MS * Patience()) {
+        m_strFault = Describe(longest);
         m_bFailed = true;
     }
     QTextStream(stdout) << (m_bFailed ? "FAILED " : "ok     ") << ++m_iSteps << ". " << text << ": "
@@ -221,12 +228,14 @@ void CTour::ShowReturn()
         [this] { return m_window.isVisible() ? QString() : "no window"_s; });
 }
 
-void CTour::StartGameServer()
+void CTour::StartGameServer(const QStringList &further)
 {
-    m_strServerLine = m_gameServer.Start(m_options.strGameServer,
-                                         {"--data"_s, m_options.strTables, "--accounts"_s, m_options.strAccounts,
-                                          "--port"_s, QString::number(m_options.usPort), "--web-server"_s,
-                                          "127.0.0.1:%1"_s.arg(m_options.usWebPort), "--web-key"_s, WEB_KEY});
+    const QStringList arguments{"--data"_s,       m_options.strTables,
+                                "--accounts"_s,   m_options.strAccounts,
+                                "--port"_s,       QString::number(m_options.usPort),
+                                "--web-server"_s, "127.0.0.1:%1"_s.arg(m_options.usWebPort),
+                                "--web-key"_s,    WEB_KEY};
+    m_strServerLine = m_gameServer.Start(m_options.strGameServer, arguments + further);
 }
 
 QString CTour::SeeState(EConnectionState::type state) const

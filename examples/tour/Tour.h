@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TourServers.h"
+#include "WatchedApplication.h"
 
 #include <client/Host.h>
 
@@ -37,11 +38,18 @@ struct STourOptions
     /// A client that another one's tour has started, in an installation of its own in \a strOutput, for the steps
     /// that its standard input names.
     bool bSecondMachine = false;
+    bool bBigLobbyOnly = false; ///< None of the other steps.
 };
 
 /// The rows that \a sql selects from the SQLite file, columns separated by "|". A program that has nothing to do with
 /// the client reads them, while the client may have the file open.
 QStringList QueryDatabase(const QString &file, const QString &sql);
+
+/// How many times as long all may take: 1, but for a build that sanitizers slow down and that says so. The second
+/// machine's client hears of it too.
+int Patience();
+
+QString Describe(const CWatchedApplication::SEvent &event);
 
 /// As a click does, from within the event loop, so that the time it takes is noted.
 void Trigger(QAction *entry);
@@ -77,10 +85,13 @@ private:
     void Step(const QString &text, const TAction &action, const TLook &look);
     // A step for which nothing is done.
     void See(const QString &text, const TLook &look);
+    // A step during which no turn of the event loop may be long. The action is taken again if one was.
+    void StepInTime(const QString &text, const TAction &action, const TLook &look);
     void TakePicture(QWidget &widget, const QString &name);
     // A step for each language, whose text has a place for its name.
     void ShowInLanguages(const QString &text, const std::function<QString(const QString &language)> &look);
 
+    void ShowAll();
     void ShowStart();
     void ShowLobby();
     void ShowConsole();
@@ -107,9 +118,11 @@ private:
     void ShowSecondMachine();
     void ShowLostWebServer();
     void ShowLostServer();
+    void ShowBigLobby();
+    void UseBigLobby(const QString &view);
     void ShowReturn();
 
-    void StartGameServer();
+    void StartGameServer(const QStringList &further = {});
     void StartWebServer();
     void MakeRules() const;
     QString GetFolder(const QString &name) const;

@@ -58,11 +58,14 @@ bool CWatchedApplication::notify(QObject *receiver, QEvent *event)
     const bool result = QApplication::notify(receiver, event);
     const double taken = NowMs(type) - start;
     --m_iDepth;
-    if (taken > m_longestMs) {
-        m_longestMs = taken;
-        m_strLongest = QStringLiteral("%1 to %2, %3 ms of them busy")
-                           .arg(QLatin1String(QMetaEnum::fromType<QEvent::Type>().valueToKey(type)), name)
-                           .arg(ReadClock(CLOCK_THREAD_CPUTIME_ID) - busy, 0, 'f', 1);
-    }
+    const double taking = ReadClock(CLOCK_THREAD_CPUTIME_ID) - busy;
+    if (taken <= m_longest.ms && taking <= m_busiest.busyMs)
+        return result;
+    const QLatin1String typeName(QMetaEnum::fromType<QEvent::Type>().valueToKey(type));
+    const SEvent seen{taken, taking, typeName + QLatin1String(" to ") + name};
+    if (taken > m_longest.ms)
+        m_longest = seen;
+    if (taking > m_busiest.busyMs)
+        m_busiest = seen;
     return result;
 }

@@ -22,14 +22,23 @@ public:
 
     bool notify(QObject *receiver, QEvent *event) override;
 
-    /// The longest event so far, in milliseconds, and who got it.
-    double GetLongestMs() const { return m_longestMs; }
-    QString GetLongestName() const { return m_strLongest; }
-    void Forget() { m_longestMs = 0; }
+    struct SEvent
+    {
+        double ms = 0;
+        double busyMs = 0; ///< How long of that the thread kept a processor busy.
+        QString strName;   ///< What it was and who got it.
+    };
+
+    /// The longest event so far.
+    const SEvent &GetLongest() const { return m_longest; }
+    /// The busiest event since the last call of StartLap().
+    const SEvent &GetBusiestOfLap() const { return m_busiest; }
+    void StartLap() { m_busiest = SEvent(); }
+    void Forget() { m_longest = SEvent(); }
 
 private:
-    double m_longestMs = 0;
-    QString m_strLongest;
+    SEvent m_longest;
+    SEvent m_busiest;
     QUrl m_page;      // opened last
     int m_iDepth = 0; // of events within events
 };

@@ -22,13 +22,15 @@ bool ReadOptions(const QApplication &application, STourOptions &options)
     const auto webServer = make("web-server", "Program to start as web server.", "program");
     const auto pictures = make("pictures", "Its avatars.", "folder");
     const auto port = make("second-machine", "Another tour's client: takes the steps that its input names.", "port");
+    const QCommandLineOption bigLobby(QStringLiteral("big-lobby"),
+                                      QStringLiteral("Only the steps with very many tables."));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Shows the example client by itself, prints what was seen, and leaves screenshots in a folder.\n"
         "The exit code is 1 if something doesn't happen."));
     parser.addHelpOption();
     parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("For screenshots and installations."));
-    parser.addOptions({gameServer, tables, accounts, webServer, pictures, port});
+    parser.addOptions({gameServer, tables, accounts, webServer, pictures, port, bigLobby});
     parser.process(application);
     const auto path = [&](const QCommandLineOption &option) { return QDir().absoluteFilePath(parser.value(option)); };
     const bool isSecond = parser.isSet(port);
@@ -40,7 +42,8 @@ bool ReadOptions(const QApplication &application, STourOptions &options)
                path(pictures),
                isSecond ? static_cast<quint16>(parser.value(port).toUInt()) : CTour::FindFreePort(),
                CTour::FindFreePort(),
-               isSecond};
+               isSecond,
+               parser.isSet(bigLobby)};
     return parser.positionalArguments().size() == 1;
 }
 
