@@ -10,9 +10,9 @@
 /// The catalogue of texts, which translates a key and an area into a text in the user's language.
 ///
 /// The texts are read from CTranslationDB, which must be initialised first, as must the databases of CSettings. A
-/// look-up returns what the file contains now, even if another process has just changed it. Code that shows a text keeps
-/// it, and looks it up again on signal_TranslationChanged(). An area inherits the texts of the area "CORE"; no language
-/// inherits from another.
+/// look-up returns what the file contains now, even if another process has just changed it. Code that shows a text
+/// keeps it, and looks it up again on signal_TranslationChanged(). An area inherits the texts of the area "CORE"; no
+/// language inherits from another.
 ///
 /// The language in effect follows the setting `selectedlanguage` at once. If the setting names no language of the
 /// file, the operator's default or else the system's language is used, and the setting is corrected. Lookups from
