@@ -16,6 +16,7 @@
 #include <QJsonObject>
 #include <QScopedValueRollback>
 #include <QSet>
+#include <QSqlQuery>
 
 #include <algorithm>
 #include <optional>
@@ -25,6 +26,7 @@ PLUGININTERFACE_DEFINE_SINGLETON(CSettings);
 namespace {
 
 constexpr int SAVE_DELAY_MS = 250;
+constexpr int USUAL_SETTINGS = 128; // stored ones of a user
 
 const QString COLUMN_USER = QStringLiteral("URS_cUser");
 const QString COLUMN_AREA = QStringLiteral("URS_cArea");
@@ -38,6 +40,23 @@ const QLatin1String JSON_PWD("pwd");
 const QLatin1String JSON_SETTINGS("settings");
 const QLatin1String JSON_KEY("key");
 const QLatin1String JSON_VALUE("value");
+
+// Returns the values of a user's rows, or of those of the installation, by key.
+QHash<QString, QVariant> ReadValues(const QString &user)
+{
+    QHash<QString, QVariant> values;
+    if (!CSettingsDB::GetInstance()->IsOpen())
+        return values;
+    QSqlQuery query = CSettingsDB::GetInstance()->GetQuery();
+    query.prepare(QLatin1String("SELECT URS_cKey, URS_cValue FROM ") + CSettingsDB::strTableName +
+                  QLatin1String(" WHERE URS_cUser = ?"));
+    query.addBindValue(BoundText::ToBind(user.toLower()));
+    values.reserve(USUAL_SETTINGS);
+    query.exec();
+    while (query.next())
+        values.insert(query.value(0).toString(), query.value(1));
+    return values;
+}
 
 // Returns the time of the user's stored row of that key, 0 if there is none.
 qint64 GetTimestamp(const CSettings::SSetting &setting)
@@ -78,7 +97,8 @@ void CSettings::Save(const QString &user, const QString &area, const QString &ke
     // A user's row of a setting of scope Global can only come from the server and applies to that user only.
     if (!user.isEmpty() && !IsGlobal(key))
         m_lstPending.append({QString(), area, key, value, time});
-    if (m_iPauseMs == 0)
+    // All settings of a load are one change.
+    if (m_iPauseMs == 0 && !(m_bLoading && m_SaveTimer.isActive()))
         m_SaveTimer.start(SAVE_DELAY_MS);
 }
 
@@ -164,6 +184,8 @@ void CSettings::slot_LoginStateChanged()
 {
     // Writes the rows while the user is still the one for whom they were queued.
     slot_SaveSettings(true);
+    if (m_lstPending.isEmpty())
+        m_SaveTimer.stop(); // the load starts it anew
     CUserInfo *user = CUserInfo::GetInstance();
     SetNickname(user->GetNickname());
     SetUsername(user->GetUsername());
@@ -270,10 +292,7 @@ void CSettings::StampAnew(const QStringList &keys, qint64 notOlder)
 // Returns what is stored, overridden by what a locked file or a full disk has kept from being stored.
 QHash<QString, QVariant> CSettings::GetValues(const QString &user) const
 {
-    QHash<QString, QVariant> values;
-    const QList<SSetting> stored = GetSettingList(user);
-    for (const SSetting &setting : stored)
-        values.insert(setting.strKey, setting.vValue);
+    QHash<QString, QVariant> values = ReadValues(user);
     for (const SSetting &setting : m_lstPending) {
         if (setting.strUser.toLower() == user.toLower())
             values.insert(setting.strKey.toLower(), setting.vValue.toString());

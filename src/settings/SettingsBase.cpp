@@ -137,6 +137,7 @@ QHash<QString, QVariant> CSettingsBase::GetSettings() const
 void CSettingsBase::SetSettings(QHash<QString, QVariant> globals, QHash<QString, QVariant> userValues, bool save)
 {
     QHash<QString, QVariant> merged;
+    merged.reserve(globals.size() + userValues.size());
     for (auto value = globals.cbegin(); value != globals.cend(); ++value)
         merged.insert(value.key().toLower(), value.value());
     for (auto value = userValues.cbegin(); value != userValues.cend(); ++value) {
