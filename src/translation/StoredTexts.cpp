@@ -102,16 +102,24 @@ QString CStoredTexts::Find(int language, const SName &name)
             Use(name);
         return *text;
     }
-    if (!Hold())
-        return GetNotFound(name);
     const QString area = name.strArea.toLower();
     const QString key = name.strKey.toLower();
     QString text;
-    const bool found = Read(text, language, area, key) || (area != CORE_AREA && Read(text, language, CORE_AREA, key));
-    m_statements.Release();
-    if (!found)
+    EAnswer answer = m_statements.GetOpening() < 0 ? Missing : Read(text, language, area, key);
+    const bool refused = answer == Refused || (answer == Missing && !Hold());
+    if (answer == Missing && !refused) {
+        // All that is asked while the file is held is about one version of it.
+        answer = Read(text, language, area, key);
+        if (answer == Missing && area != CORE_AREA)
+            answer = Read(text, language, CORE_AREA, key);
+        m_statements.Release();
+    } else if (answer == Refused && area != CORE_AREA) {
+        answer = Read(text, language, CORE_AREA, key); // as if the area hadn't the text, which isn't known
+    }
+    if (answer != Found)
         text = GetNotFound(name);
-    Remember(entry, text, found);
+    if (!refused && answer != Refused)
+        Remember(entry, text, answer == Found);
     Use(name);
     return text;
 }
@@ -156,18 +164,24 @@ const QString *CStoredTexts::FindRemembered(const SEntry &entry)
     return text ? text : m_missing.object(entry);
 }
 
-// Keeps the file as it is, and reads its version, so that it is that of what is read until it is released.
+// Keeps the file as it is, so that its version is that of what is read until it is released.
 bool CStoredTexts::Hold()
 {
     if (!m_statements.Hold())
         return false;
+    ReadVersion();
+    return true;
+}
+
+// Called while a statement of the connection runs, which keeps the file as it is.
+void CStoredTexts::ReadVersion()
+{
     CFileState::TVersion version;
     m_bKnown = IsSameFile() && m_state.Read(version);
     if (m_bKnown && version != m_version) {
         Forget();
         m_version = version;
     }
-    return true;
 }
 
 // Returns whether the state is that of the connection's file. If the file at the path was replaced before the
@@ -195,16 +209,17 @@ void CStoredTexts::ForgetFormerOpening()
     m_eMatch = CFileState::Unknown;
 }
 
-// Returns whether the area itself has the text. A text that can't be read counts as missing.
-bool CStoredTexts::Read(QString &text, int language, const QString &area, const QString &key)
+// Asks for the text of the area itself.
+CStoredTexts::EAnswer CStoredTexts::Read(QString &text, int language, const QString &area, const QString &key)
 {
-    bool found = false;
-    m_statements.Select(GetSelection(), {area, key, language}, true,
-                        [&text, &found](const QSqlQuery &query, const QStringList &) {
-                            text = query.value(0).toString();
-                            found = true;
-                        });
-    return found;
+    EAnswer answer = Missing;
+    const bool done = m_statements.Select(GetSelection(), {area, key, language}, true,
+                                          [this, &text, &answer](const QSqlQuery &query, const QStringList &) {
+                                              ReadVersion();
+                                              text = query.value(0).toString();
+                                              answer = Found;
+                                          });
+    return done ? answer : Refused;
 }
 
 // Remembers the texts that the area itself has, and returns the names of the others.

@@ -50,14 +50,21 @@ private:
     friend uint qHash(const SName &name, uint seed);
     friend uint qHash(const SEntry &entry, uint seed);
 
+    enum EAnswer {
+        Found,
+        Missing,
+        Refused, // by SQLite: the file is locked or has no such table
+    };
+
     explicit CStoredTexts(CStatements *statements);
 
     bool IsOf(const CLocalDB &database) const;
     const QString *FindRemembered(const SEntry &entry);
     bool Hold();
+    void ReadVersion();
     bool IsSameFile();
     void ForgetFormerOpening();
-    bool Read(QString &text, int language, const QString &area, const QString &key);
+    EAnswer Read(QString &text, int language, const QString &area, const QString &key);
     QVector<SName> ReadAll(int language, const QString &area, const QVector<SName> &names);
     void Use(const SName &name);
     QVector<SName> TakeUsed();
