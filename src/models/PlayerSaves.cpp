@@ -9,6 +9,7 @@
 #include <settings/PlayerInfo_p.h>
 
 #include <QPointer>
+#include <QSqlQuery>
 
 #include <optional>
 
@@ -197,9 +198,27 @@ bool CPlayerSaves::WriteKept(int most)
 void CPlayerSaves::WriteDue()
 {
     const CBusyWait wait(*CPlayerInfoDB::GetInstance(), CBusyWait::RETRY_MS);
-    bool good = WriteKept(ROWS_A_SLICE);
-    PlayerInfo::CSaver saver;
+    const bool good = WriteKept(ROWS_A_SLICE) && WriteSlice();
+    m_iPauseMs = good ? 0 : CBusyWait::GetNextPause(m_iPauseMs);
+    if (!m_waiting.empty() || !m_kept.isEmpty())
+        RunTimer();
+}
+
+// Returns false if a row can't be written. The rows of a slice share one transaction: alone, each would write its
+// whole page, and the write-ahead log would be synced every few hundred rows, which takes a frame. A savepoint,
+// because a host may have a transaction of its own open.
+bool CPlayerSaves::WriteSlice()
+{
     const qint64 begin = m_clock.elapsed();
+    if (m_waiting.empty() || m_waiting.front().iDue > begin)
+        return true;
+    const bool open = CPlayerInfoDB::GetInstance()->IsOpen(); // otherwise nothing is storable
+    QSqlQuery slice = CPlayerInfoDB::GetInstance()->GetQuery();
+    if (open)
+        slice.exec(QStringLiteral("SAVEPOINT slice"));
+    QList<SSave> written;
+    bool good = true;
+    PlayerInfo::CSaver saver;
     for (qint64 now = begin; good && !m_waiting.empty() && m_waiting.front().iDue <= now && now - begin < SLICE_MS;
          now = m_clock.elapsed()) {
         const SSave first = m_waiting.front();
@@ -207,14 +226,23 @@ void CPlayerSaves::WriteDue()
             Restart(first.pModel, first.strKey, first.bChange);
             continue;
         }
-        Forget(first.pModel); // a change during the write has to wait again
-        good = saver.SaveOf(first.strUser, first.strKey, *first.pModel) || !IsStorable(first);
-        if (!good)
+        Forget(first.pModel);
+        if (!IsStorable(first))
+            continue;
+        good = saver.SaveOf(first.strUser, first.strKey, *first.pModel);
+        if (good)
+            written.append(first);
+        else
             Restart(first.pModel, first.strKey, first.bChange);
     }
-    m_iPauseMs = good ? 0 : CBusyWait::GetNextPause(m_iPauseMs);
-    if (!m_waiting.empty() || !m_kept.isEmpty())
-        RunTimer();
+    if (!open || slice.exec(QStringLiteral("RELEASE slice")))
+        return good;
+    // The disk is full, or SQLite has ended the transaction with the row that it refused.
+    slice.exec(QStringLiteral("ROLLBACK TO slice"));
+    slice.exec(QStringLiteral("RELEASE slice"));
+    for (const SSave &save : qAsConst(written))
+        Restart(save.pModel, save.strKey, save.bChange);
+    return false;
 }
 
 // Returns false if any player isn't stored. Players that are being loaded are left out: their rows exist, while the

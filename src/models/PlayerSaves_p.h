@@ -89,6 +89,7 @@ private:
     static bool IsStorable(const SSave &save);
     bool WriteKept(int most);
     void WriteDue();
+    bool WriteSlice();
     bool Write(const QList<SSave> &saves);
     void RunTimer();
 

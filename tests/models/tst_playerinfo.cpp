@@ -204,6 +204,19 @@ private Q_SLOTS:
         QVERIFY(due.hasExpired());
     }
 
+    // A row that the file refuses, and its transaction with it, costs no other player's.
+    void RefusedRow()
+    {
+        CPlayerInfoDB *database = CPlayerInfoDB::GetInstance();
+        QVERIFY(database->Exec("CREATE TRIGGER no_bob BEFORE INSERT ON tbl_playerinfo WHEN NEW.PIN_cPlayer = 'Bob'"
+                               " BEGIN SELECT RAISE(ROLLBACK, 'refused'); END"_s));
+        for (const char *name : {"Abe", "Bob", "Carl"})
+            Player(QLatin1String(name))->SetTagID(2);
+        QTRY_COMPARE(Stored(), "/Carl=,2,0,0,0@100"_s);
+        QVERIFY(database->Exec("DROP TRIGGER no_bob"_s));
+        QTRY_COMPARE(Stored(), "/Abe=,2,0,0,0@100 /Bob=,2,0,0,0@100 /Carl=,2,0,0,0@100"_s);
+    }
+
     // Pictures are chosen one after the other; one that comes with the player begins with "=". Then the number of the
     // picture at once and in the end, how often it signals, and the requests.
     void Pictures_data()
