@@ -126,7 +126,7 @@ QByteArray ReadFromSocket(int port, int megabytes)
     });
     QObject::connect(&socket, &QTcpSocket::readyRead, &loop, [&] {
         received += qMax<qint64>(0, socket.read(body.data() + received, body.size() - received));
-        const int end = headed ? -1 : QByteArray::fromRawData(body.constData(), int(received)).indexOf("\r\n\r\n");
+        const auto end = headed ? -1 : QByteArray::fromRawData(body.constData(), int(received)).indexOf("\r\n\r\n");
         if (end >= 0) {
             headed = true;
             received -= end + 4;

@@ -77,7 +77,7 @@ void AddBuildRow(CFile &file)
 void TakeInByHand(CFile &file, const QByteArray &answer)
 {
     const QVariantMap map = QJsonDocument::fromJson(answer).object().toVariantMap();
-    const int notes = map.value(INFOS).toList().size();
+    const auto notes = map.value(INFOS).toList().size();
     file.Run("BEGIN");
     file.Write(notes, TIME_WRITTEN);
     file.Run("COMMIT");

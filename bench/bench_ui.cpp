@@ -43,15 +43,15 @@ QString WriteSheet(const CInstallationTree &tree, int kilobytes, bool broken)
 // Removes comments; returns false if one isn't closed.
 bool RemoveComments(const QString &text, QString &rest)
 {
-    int from = 0;
-    for (int begin = 0; (begin = text.indexOf(QLatin1String("/*"), from)) >= 0;) {
-        const int end = text.indexOf(QLatin1String("*/"), begin);
+    QString::size_type from = 0;
+    for (QString::size_type begin = 0; (begin = text.indexOf(QLatin1String("/*"), from)) >= 0;) {
+        const auto end = text.indexOf(QLatin1String("*/"), begin);
         if (end < 0)
             return false;
-        rest += text.midRef(from, begin - from);
+        rest.append(text.constData() + from, begin - from);
         from = end + 2;
     }
-    rest += text.midRef(from);
+    rest.append(text.constData() + from, text.size() - from);
     return true;
 }
 
@@ -63,20 +63,21 @@ bool ReadByHand(const QString &path, QString &contents)
     const QString text = QString::fromUtf8(file.readAll());
     const QString folder = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
     QString lines;
-    for (int from = 0, end = 0; (end = text.indexOf(QLatin1Char('\n'), from)) >= 0; from = end + 1) {
-        const QStringRef line = text.midRef(from, end - from).trimmed();
+    const auto add = [&lines](QStringView piece) { lines.append(piece.data(), static_cast<int>(piece.size())); };
+    for (QString::size_type from = 0, end = 0; (end = text.indexOf(QLatin1Char('\n'), from)) >= 0; from = end + 1) {
+        const QStringView line = QStringView(text).mid(from, end - from).trimmed();
         if (line.startsWith(QLatin1String("#include"))) {
-            const int quote = line.indexOf(QLatin1Char('"')) + 1;
-            const QStringRef name = line.mid(quote, line.indexOf(QLatin1Char('"'), quote) - quote);
-            if (!ReadByHand(folder + name, lines))
+            const auto quote = line.indexOf(QLatin1Char('"')) + 1;
+            const QStringView name = line.mid(quote, line.indexOf(QLatin1Char('"'), quote) - quote);
+            if (!ReadByHand(folder + name.toString(), lines))
                 return false;
         } else if (!line.isEmpty()) {
-            const int dots = line.indexOf(QLatin1String("./"));
+            const auto dots = line.indexOf(QLatin1String("./"));
             if (dots >= 0) {
-                lines += line.left(dots);
+                add(line.left(dots));
                 lines += folder;
             }
-            lines += line.mid(qMax(0, dots));
+            add(line.mid(qMax<qsizetype>(0, dots)));
             lines += QLatin1Char('\n');
         }
     }

@@ -81,7 +81,7 @@ CBusMonitor::CBusMonitor(CHost &host)
     connect(m_pRows, &QStandardItemModel::rowsAboutToBeRemoved, this,
             [this](const QModelIndex &, int first, int last) {
                 for (int row = first; row <= last; ++row)
-                    m_iBytes -= GetValues(row).at(0).toByteArray().size();
+                    m_iBytes -= int(GetValues(row).at(0).toByteArray().size());
             });
     // The number stays visible after the pause, to show the gap.
     connect(m_pPause, &QCheckBox::toggled, this, [this](bool paused) { ShowPassed(paused ? 0 : m_iPassed); });
@@ -106,7 +106,7 @@ void CBusMonitor::Record(const CEvent &event, const CPluginInterface *sender)
            {DirectionText(plugin), tags[0], tags[1], QString::number(event.moduleID), QString::number(event.targetID),
             QString::number(event.data.size())},
            tags[0] + u'\n' + tags[1], {payload, plugin});
-    m_iBytes += payload.size();
+    m_iBytes += int(payload.size());
     while (GetRowCount() > MAX_EVENTS || m_iBytes > MAX_BYTES)
         RemoveOldest(1 + GetRowCount() / 50); // several at once, as each removal costs the same
 }

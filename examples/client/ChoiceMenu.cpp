@@ -20,7 +20,7 @@ QMenu *CreateMenu(QWidget *parent, const char *name, const char *key, const QStr
     for (const QString &entry : entries)
         group->addAction(menu->addAction(entry))->setCheckable(true);
     QObject::connect(group, &QActionGroup::triggered, menu,
-                     [=](QAction *entry) { choose(group->actions().indexOf(entry)); });
+                     [=](QAction *entry) { choose(int(group->actions().indexOf(entry))); });
     return menu;
 }
 

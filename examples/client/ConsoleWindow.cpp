@@ -51,7 +51,7 @@ QWidget *CreateMessages()
             {NameOf(category, message.eCategory), NameOf(level, message.eLevel), message.strMessage, detail},
             message.strMessage + u'\n' + detail, {int(message.eCategory), int(message.eLevel)});
         // Rows that the console has dropped are removed here too.
-        table->RemoveOldest(table->GetRowCount() - CConsole::GetMessages().size());
+        table->RemoveOldest(table->GetRowCount() - int(CConsole::GetMessages().size()));
     };
     QObject::connect(table, &CLogTable::signal_Cleared, &CConsole::Clear);
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, table, add);

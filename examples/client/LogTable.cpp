@@ -15,7 +15,7 @@
 
 CLogTable::CLogTable(const QVector<const char *> &titleKeys, const QVector<int> &widths, const char *searchKey,
                      const TFields &fields, const TChoice &isChosen)
-    : m_pRows(new QStandardItemModel(0, titleKeys.size(), this))
+    : m_pRows(new QStandardItemModel(0, int(titleKeys.size()), this))
     , m_pView(CreateField<QTableView>(nullptr, "rows"))
 {
     m_shown.isChosen = isChosen;

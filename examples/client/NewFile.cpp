@@ -28,10 +28,10 @@ QString MakeVisible(const QString &name)
 
 QString MakeNumbered(const QString &name, int number)
 {
-    const int dot = name.lastIndexOf(QLatin1Char('.'));
+    const auto dot = name.lastIndexOf(QLatin1Char('.'));
     const QString ending = dot > 0 && name.size() - dot <= MAX_ENDING_LENGTH ? name.mid(dot) : QString();
     const QString mark = number == 0 ? QString() : QStringLiteral(" (%1)").arg(number);
-    const int room = qMin(name.size(), MAX_NAME_LENGTH - mark.size()) - ending.size(); // in front of both
+    const auto room = qMin(name.size(), MAX_NAME_LENGTH - mark.size()) - ending.size(); // in front of both
     return name.left(room) + mark + ending;
 }
 

@@ -69,7 +69,7 @@ void CPluginManager::Drop(CPluginInterface *plugin, const QString &reason)
     const QString name = plugin->GetName();
     Complain(QStringLiteral("Plugin \"%1\" is dropped: %2").arg(name, reason));
     // In the opposite order: a plugin may use those it depends on until it is destroyed.
-    for (int i = m_plugins.size() - 1; i >= 0; i = std::min(i, m_plugins.size()) - 1) {
+    for (auto i = m_plugins.size() - 1; i >= 0; i = std::min(i, m_plugins.size()) - 1) {
         if (m_plugins.at(i)->GetDependencies().contains(name))
             Drop(m_plugins.at(i), QStringLiteral("it needs \"%1\"").arg(name));
     }

@@ -85,7 +85,7 @@ void AddMadeTables(int count, quint32 seed, quint32 now, QVector<STable> &tables
     CDice dice(seed);
     quint32 id = 0;
     while (tables.size() < count) {
-        STable table = MakeTable(dice, tables.size() + 1, now);
+        STable table = MakeTable(dice, int(tables.size()) + 1, now);
         while (ids.contains(++id)) {
         }
         table.uiID = id;

@@ -26,7 +26,7 @@ void CPacketStream::Append(const QByteArray &bytes)
 
 bool CPacketStream::TakePacket(CPacketLayerWrapper &packet)
 {
-    const int available = m_buffer.size() - m_iConsumed;
+    const auto available = m_buffer.size() - m_iConsumed;
     if (m_bBroken || available < CPacketLayerWrapper::HEADER_SIZE)
         return false;
 

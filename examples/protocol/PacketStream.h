@@ -25,6 +25,6 @@ private:
     bool Break();
 
     QByteArray m_buffer;
-    int m_iConsumed = 0; // bytes of the buffer that have been taken
+    QByteArray::size_type m_iConsumed = 0; // bytes of the buffer that have been taken
     bool m_bBroken = false;
 };

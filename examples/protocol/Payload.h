@@ -110,7 +110,7 @@ private:
     }
 
     const QByteArray m_payload;
-    int m_iPosition = 0;
+    QByteArray::size_type m_iPosition = 0;
     bool m_bGood = true;
 };
 

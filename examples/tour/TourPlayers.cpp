@@ -100,7 +100,7 @@ void CTour::ChangePlayer(const QString &nickname, const QString &value) const
     auto *note = Find<QPlainTextEdit>("note");
     note->selectAll();
     QTest::keyClicks(note, parts.value(0));
-    const int tag = parts.value(1).rightRef(1).toInt();
+    const int tag = parts.value(1).right(1).toInt();
     auto *tags = Find<QComboBox>("tag");
     while (tags->currentIndex() != tag)
         QTest::keyClick(tags, tags->currentIndex() < tag ? Qt::Key_Down : Qt::Key_Up);

@@ -42,29 +42,30 @@ bool CSyncMerge::Run()
 
 bool CSyncMerge::ReadNewest()
 {
-    QSqlQuery query;
+    CSyncStore::TQuery query;
     if (!m_store.Run(query,
                      QStringLiteral("SELECT MAX(MAX(MAC_iBase), MAX(MAC_iOffered)),"
                                     " (SELECT MAX(ROW_iStamp) FROM tbl_row WHERE ROW_cList = ?)"
                                     " FROM tbl_machine WHERE MAC_cList = ?"),
                      {m_strID, m_strID}) ||
-        !query.next())
+        !query->next())
         return false;
-    m_iNewest = std::max(query.value(0).toLongLong(), query.value(1).toLongLong());
-    m_bEmpty = query.isNull(1);
+    m_iNewest = std::max(query->value(0).toLongLong(), query->value(1).toLongLong());
+    m_bEmpty = query->isNull(1);
     return true;
 }
 
 bool CSyncMerge::ReadSentRows()
 {
-    QSqlQuery query = m_store.Prepare(QStringLiteral("SELECT ROW_cContent, ROW_iChanged, ROW_iStamp FROM tbl_row"
-                                                     " WHERE ROW_cList = ? AND ROW_cKey = ?"));
+    CSyncStore::TQuery query =
+        m_store.Prepare(QStringLiteral("SELECT ROW_cContent, ROW_iChanged, ROW_iStamp FROM tbl_row"
+                                       " WHERE ROW_cList = ? AND ROW_cKey = ?"));
     bool good = true;
     for (auto sent = m_list.rows.cbegin(); good && sent != m_list.rows.cend(); ++sent) {
         good = CSyncStore::Execute(query, {m_strID, sent->strKey});
-        if (good && query.next())
+        if (good && query->next())
             m_rows.insert(sent->strKey,
-                          {query.value(0).toString(), query.value(1).toLongLong(), query.value(2).toLongLong()});
+                          {query->value(0).toString(), query->value(1).toLongLong(), query->value(2).toLongLong()});
     }
     return good;
 }
@@ -72,30 +73,31 @@ bool CSyncMerge::ReadSentRows()
 // Those whose stamps are beyond one time and not beyond the other.
 bool CSyncMerge::ReadOtherRows(qint64 after, qint64 last)
 {
-    QSqlQuery query;
+    CSyncStore::TQuery query;
     const bool good =
         m_store.Run(query,
                     QStringLiteral("SELECT ROW_cKey, ROW_cContent, ROW_iChanged, ROW_iStamp FROM tbl_row"
                                    " WHERE ROW_cList = ? AND ROW_iStamp > ? AND ROW_iStamp <= ?"),
                     {m_strID, after, last});
-    while (good && query.next()) {
-        const QString key = query.value(0).toString();
+    while (good && query->next()) {
+        const QString key = query->value(0).toString();
         if (!m_rows.contains(key))
-            m_rows.insert(key, {query.value(1).toString(), query.value(2).toLongLong(), query.value(3).toLongLong()});
+            m_rows.insert(key,
+                          {query->value(1).toString(), query->value(2).toLongLong(), query->value(3).toLongLong()});
     }
     return good;
 }
 
 bool CSyncMerge::ReadSentBefore()
 {
-    QSqlQuery query =
+    CSyncStore::TQuery query =
         m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_iSent FROM tbl_held WHERE HLD_cList = ?"
                                        " AND HLD_cMachine = ? AND HLD_cKey = ? AND HLD_iSent > 0"));
     bool good = true;
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
         good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
-        if (good && query.next())
-            m_sentBefore.insert(sent.strKey, {query.value(0).toString(), query.value(1).toLongLong()});
+        if (good && query->next())
+            m_sentBefore.insert(sent.strKey, {query->value(0).toString(), query->value(1).toLongLong()});
     }
     return good;
 }
@@ -121,14 +123,14 @@ bool CSyncMerge::ReadHeld()
     if (!m_place.bStampedAnew)
         return m_machine.bCaughtUp || ReadSentBefore();
     bool good = ReadSentBefore() && ReadArrival();
-    QSqlQuery query =
+    CSyncStore::TQuery query =
         m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_bEmpty FROM tbl_held WHERE HLD_cList = ?"
                                        " AND HLD_cMachine = ? AND HLD_cKey = ?"));
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
         good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
-        while (good && query.next()) {
-            m_held[sent.strKey].insert(query.value(0).toString());
-            if (query.value(1).toBool())
+        while (good && query->next()) {
+            m_held[sent.strKey].insert(query->value(0).toString());
+            if (query->value(1).toBool())
                 m_held[sent.strKey].insert(SyncJson::NO_NOTE);
         }
     }
@@ -141,13 +143,13 @@ bool CSyncMerge::ReadMissing()
 {
     if (m_machine.bCaughtUp || m_bArrived || m_machine.iBase == 0)
         return true;
-    QSqlQuery query;
+    CSyncStore::TQuery query;
     const bool good =
         m_store.Run(query, QStringLiteral("SELECT ROW_cKey FROM tbl_row WHERE ROW_cList = ? AND ROW_iStamp <= ?"),
                     {m_strID, m_machine.iOffered});
-    while (good && !m_bMissing && query.next())
-        m_bMissing = !m_rows.contains(query.value(0).toString());
-    query.finish();
+    while (good && !m_bMissing && query->next())
+        m_bMissing = !m_rows.contains(query->value(0).toString());
+    query->finish();
     return good;
 }
 
@@ -192,8 +194,8 @@ bool CSyncMerge::IsEcho(const SSyncRow &sent, const SRow &row)
     if (sent.strContent == row.strContent && (sent.iTime == row.iStamp || sent.iTime == row.iChanged))
         return true;
     const bool echo =
-        CSyncStore::Execute(m_findPast, {m_strID, sent.strKey, sent.strContent, sent.iTime}) && m_findPast.next();
-    m_findPast.finish();
+        CSyncStore::Execute(m_findPast, {m_strID, sent.strKey, sent.strContent, sent.iTime}) && m_findPast->next();
+    m_findPast->finish();
     return echo;
 }
 
@@ -251,7 +253,7 @@ bool CSyncMerge::SendAgain()
 // What rows have been is of no use once all machines have the rows that came in its place.
 bool CSyncMerge::Forget()
 {
-    QSqlQuery query;
+    CSyncStore::TQuery query;
     return m_store.Run(query,
                        QStringLiteral("DELETE FROM tbl_past WHERE PST_cList = ? AND PST_iUntil <= (SELECT MIN(CASE"
                                       " MAC_bMet WHEN 1 THEN MAC_iBase ELSE 0 END) FROM tbl_machine"

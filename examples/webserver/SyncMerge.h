@@ -57,11 +57,11 @@ private:
     const QString m_strID;
     SSyncList &m_list;
     SMachine &m_machine;
-    QSqlQuery m_write;
-    QSqlQuery m_remember;
-    QSqlQuery m_drop;
-    QSqlQuery m_hold;
-    QSqlQuery m_findPast;
+    CSyncStore::TQuery m_write;
+    CSyncStore::TQuery m_remember;
+    CSyncStore::TQuery m_drop;
+    CSyncStore::TQuery m_hold;
+    CSyncStore::TQuery m_findPast;
     QHash<QString, SRow> m_rows;          // of those that the machine sends or lacks, by key
     QHash<QString, QSet<QString>> m_held; // contents by key
     QHash<QString, SSent> m_sentBefore;   // what the machine has sent last, by key

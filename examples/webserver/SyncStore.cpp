@@ -81,7 +81,7 @@ bool CSyncStore::AddSession(const SOwner &owner, QString &session)
     for (int i = 0; i < WORDS; ++i)
         session += QStringLiteral("%1").arg(QRandomGenerator::system()->generate(), 8, 16, QLatin1Char('0'));
     const qint64 now = QDateTime::currentSecsSinceEpoch();
-    QSqlQuery query;
+    TQuery query;
     return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_iExpiry <= ?"), {now}) &&
            Run(query, QStringLiteral("INSERT INTO tbl_session VALUES (NULL, ?, ?, ?, ?, ?)"),
                {session.left(ID_LENGTH), session.mid(ID_LENGTH), owner.strUser, owner.strMachine,
@@ -90,16 +90,16 @@ bool CSyncStore::AddSession(const SOwner &owner, QString &session)
 
 bool CSyncStore::FindSession(const QString &session, SOwner &owner)
 {
-    QSqlQuery query;
+    TQuery query;
     const QString rest = session.mid(ID_LENGTH);
     if (!Run(query,
              QStringLiteral("SELECT SES_cUser, SES_cMachine, SES_cRest, SES_iNumber FROM tbl_session"
                             " WHERE SES_cID = ? AND SES_iExpiry > ?"),
              {session.left(ID_LENGTH), QDateTime::currentSecsSinceEpoch()}) ||
-        !query.next() || (!rest.isEmpty() && rest != query.value(2).toString()))
+        !query->next() || (!rest.isEmpty() && rest != query->value(2).toString()))
         return false;
-    owner = {query.value(0).toString(), query.value(1).toString(), query.value(3).toLongLong()};
-    query.finish();
+    owner = {query->value(0).toString(), query->value(1).toString(), query->value(3).toLongLong()};
+    query->finish();
     return true;
 }
 
@@ -134,13 +134,13 @@ bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, bool ask
         const qint64 session = std::max(owner.iSession, machine.iSession);
         if (back)
             machine = SMachine();
-        QSqlQuery query;
+        TQuery query;
         good = good && (machine.bKnown || ForgetHeld(place)) && work(place, machine, lists[i]) &&
                Run(query, QStringLiteral("INSERT OR REPLACE INTO tbl_machine VALUES (?, ?, ?, ?, ?, ?)"),
                    {id, owner.strMachine, machine.iBase, machine.iOffered, machine.bCaughtUp, session});
     }
-    for (QSqlQuery &query : m_queries)
-        query.finish(); // or it would go on reading beyond the transaction
+    for (const TQuery &query : qAsConst(m_queries))
+        query->finish(); // or it would go on reading beyond the transaction
     good = good && Exec(QStringLiteral("COMMIT"));
     if (!good)
         Exec(QStringLiteral("ROLLBACK"));
@@ -149,21 +149,21 @@ bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, bool ask
 
 bool CSyncStore::ReadMachine(const SOwner &owner, const SPlace &place, SMachine &machine)
 {
-    QSqlQuery query;
+    TQuery query;
     const bool good = Run(query,
                           QStringLiteral("SELECT MAC_iBase, MAC_iOffered, MAC_bMet, MAC_iSession FROM tbl_machine"
                                          " WHERE MAC_cList = ? AND MAC_cMachine = ?"),
                           {place.strList, owner.strMachine});
-    if (good && query.next())
-        machine = {query.value(0).toLongLong(), query.value(1).toLongLong(), query.value(2).toBool(), true,
-                   query.value(3).toLongLong()};
+    if (good && query->next())
+        machine = {query->value(0).toLongLong(), query->value(1).toLongLong(), query->value(2).toBool(), true,
+                   query->value(3).toLongLong()};
     return good;
 }
 
 // It has lost what it held.
 bool CSyncStore::ForgetHeld(const SPlace &place)
 {
-    QSqlQuery query;
+    TQuery query;
     return Run(query, QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"),
                {place.strList, place.strMachine});
 }
@@ -185,13 +185,13 @@ bool CSyncStore::FetchList(const SPlace &place, SMachine &machine, SSyncList &li
         list.iTime = machine.bCaughtUp ? std::max<qint64>(machine.iBase - 1, 0) : 0;
         return true;
     }
-    QSqlQuery query;
+    TQuery query;
     const bool good = Run(query,
                           QStringLiteral("SELECT ROW_cKey, ROW_cContent, ROW_iStamp FROM tbl_row"
                                          " WHERE ROW_cList = ? AND ROW_iStamp > ? ORDER BY ROW_iStamp"),
                           {place.strList, machine.bCaughtUp ? time : 0});
-    while (good && query.next())
-        list.rows.append({query.value(0).toString(), query.value(1).toString(), query.value(2).toLongLong()});
+    while (good && query->next())
+        list.rows.append({query->value(0).toString(), query->value(1).toString(), query->value(2).toLongLong()});
     if (!machine.bCaughtUp && list.rows.isEmpty()) {
         machine = {0, 0, true, true}; // there is nothing to catch up with; it sends all that it has
         list.iTime = 0;
@@ -214,7 +214,7 @@ bool CSyncStore::Offer(const SPlace &place, const SMachine &machine, const SSync
     if (!place.bStampedAnew || list.rows.isEmpty())
         return true;
     const qint64 oldest = list.rows.first().iTime; // all from there on are offered
-    QSqlQuery query;
+    TQuery query;
     return Run(query,
                QStringLiteral("INSERT INTO tbl_held SELECT ROW_cList, ?, ROW_cKey, ROW_cContent, ?, NOT EXISTS"
                               " (SELECT 1 FROM tbl_held WHERE HLD_cList = ROW_cList AND HLD_cMachine = ?"
@@ -232,7 +232,7 @@ bool CSyncStore::Confirm(const SPlace &place, qint64 offer)
         QStringLiteral(" AND (HLD_iOffer = ? OR EXISTS (SELECT 1 FROM tbl_held AS other"
                        " WHERE other.HLD_cList = tbl_held.HLD_cList AND other.HLD_cMachine = tbl_held.HLD_cMachine"
                        " AND other.HLD_cKey = tbl_held.HLD_cKey AND other.HLD_iOffer = ?))");
-    QSqlQuery query;
+    TQuery query;
     return !place.bStampedAnew ||
            (Run(query,
                 QStringLiteral("DELETE FROM tbl_held") + ofMachine + QStringLiteral(" AND HLD_iOffer < ?") + inOffer,
@@ -244,25 +244,25 @@ bool CSyncStore::Confirm(const SPlace &place, qint64 offer)
 }
 
 // Each statement once, for it takes longer to prepare than to run.
-QSqlQuery CSyncStore::Prepare(const QString &sql)
+CSyncStore::TQuery CSyncStore::Prepare(const QString &sql)
 {
-    auto query = m_queries.find(sql);
-    if (query == m_queries.end()) {
-        query = m_queries.insert(sql, GetQuery());
+    TQuery &query = m_queries[sql];
+    if (!query) {
+        query = TQuery::create(GetQuery());
         query->prepare(sql);
     }
-    return *query;
+    return query;
 }
 
-bool CSyncStore::Run(QSqlQuery &query, const QString &sql, const QVariantList &values)
+bool CSyncStore::Run(TQuery &query, const QString &sql, const QVariantList &values)
 {
     query = Prepare(sql);
     return Execute(query, values);
 }
 
-bool CSyncStore::Execute(QSqlQuery &query, const QVariantList &values)
+bool CSyncStore::Execute(const TQuery &query, const QVariantList &values)
 {
     for (int i = 0; i < values.size(); ++i)
-        query.bindValue(i, values.at(i));
-    return query.exec();
+        query->bindValue(i, values.at(i));
+    return query->exec();
 }

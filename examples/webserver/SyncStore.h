@@ -5,6 +5,7 @@
 #include <database/LocalDB.h>
 
 #include <QHash>
+#include <QSharedPointer>
 #include <QSqlQuery>
 
 #include <functional>
@@ -70,6 +71,7 @@ private:
         QString strMachine;
         bool bStampedAnew; // by clients, whenever they load the rows
     };
+    using TQuery = QSharedPointer<QSqlQuery>;
     using TOnList = std::function<bool(const SPlace &place, SMachine &machine, SSyncList &list)>;
 
     bool ForLists(const SOwner &owner, SyncJson::TLists &lists, bool asks, const TOnList &work);
@@ -78,9 +80,9 @@ private:
     bool FetchList(const SPlace &place, SMachine &machine, SSyncList &list);
     bool Offer(const SPlace &place, const SMachine &machine, const SSyncList &list);
     bool Confirm(const SPlace &place, qint64 offer);
-    QSqlQuery Prepare(const QString &sql);
-    bool Run(QSqlQuery &query, const QString &sql, const QVariantList &values);
-    static bool Execute(QSqlQuery &query, const QVariantList &values);
+    TQuery Prepare(const QString &sql);
+    bool Run(TQuery &query, const QString &sql, const QVariantList &values);
+    static bool Execute(const TQuery &query, const QVariantList &values);
 
-    QHash<QString, QSqlQuery> m_queries; ///< Prepared, by their SQL.
+    QHash<QString, TQuery> m_queries; ///< Prepared, by their SQL.
 };

@@ -144,7 +144,7 @@ int CWebServer::Fetch(const httplib::Request &request, std::string &json)
 int CWebServer::Merge(const httplib::Request &request, std::string &json)
 {
     const QByteArray body = QByteArray::fromStdString(request.body);
-    const int end = body.indexOf(JSON);
+    const int end = int(body.indexOf(JSON));
     const QString session = QString::fromUtf8(body.left(std::max(end, 0)).mid(SESSION.size()));
     SOwner owner;
     SyncJson::TLists lists;

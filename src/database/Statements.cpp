@@ -55,9 +55,9 @@ CStatements *CStatements::Get(const QSqlDatabase &connection)
 
 bool CStatements::Exec(const QString &sql, const QVariantList &values)
 {
-    QSqlQuery query = Begin(sql, values);
-    const bool done = query.isActive();
-    query.finish();
+    const TQuery query = Begin(sql, values);
+    const bool done = query->isActive();
+    query->finish();
     return done;
 }
 
@@ -104,16 +104,18 @@ void CStatements::Forget()
     m_names.clear();
 }
 
-QSqlQuery CStatements::Begin(const QString &sql, const QVariantList &values)
+CStatements::TQuery CStatements::Begin(const QString &sql, const QVariantList &values)
 {
-    const auto known = m_queries.constFind(sql);
-    QSqlQuery query = known == m_queries.constEnd() || IsGone(*known) ? Prepare(sql) : *known;
-    if (IsGone(query))
+    TQuery query = m_queries.value(sql);
+    const bool known = !query.isNull();
+    if (!known || IsGone(*query))
+        query = TQuery::create(Prepare(sql));
+    if (IsGone(*query))
         return query;
-    if (known == m_queries.constEnd() && m_queries.size() >= MOST_STATEMENTS)
+    if (!known && m_queries.size() >= MOST_STATEMENTS)
         Forget();
     m_queries.insert(sql, query);
-    ExecQuery(query, values);
+    ExecQuery(*query, values);
     return query;
 }
 

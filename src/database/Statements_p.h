@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QSharedPointer>
 #include <QSqlQuery>
 #include <QString>
 #include <QStringList>
@@ -32,11 +33,11 @@ public:
     {
         if (!fixedColumns && !HoldSchema())
             return false;
-        QSqlQuery query = Begin(sql, values);
-        const bool done = query.isActive();
-        if (done && query.next())
-            read(query, fixedColumns ? GetNames(query) : GetKeptNames(sql, query));
-        query.finish();
+        const TQuery query = Begin(sql, values);
+        const bool done = query->isActive();
+        if (done && query->next())
+            read(*query, fixedColumns ? GetNames(*query) : GetKeptNames(sql, *query));
+        query->finish();
         if (!fixedColumns)
             Release();
         return done;
@@ -52,18 +53,20 @@ public:
     int GetOpening() const;
 
 private:
+    using TQuery = QSharedPointer<QSqlQuery>;
+
     CStatements(QObject *driver, const QString &path);
 
     bool HoldSchema();
     void Forget();
-    QSqlQuery Begin(const QString &sql, const QVariantList &values);
+    TQuery Begin(const QString &sql, const QVariantList &values);
     QSqlQuery Prepare(const QString &sql) const;
     bool Fetch(QSqlQuery &pragma, const QString &sql) const;
     QStringList GetKeptNames(const QString &sql, const QSqlQuery &query);
     static QStringList GetNames(const QSqlQuery &query);
 
     const QString m_strPath;
-    QHash<QString, QSqlQuery> m_queries;
+    QHash<QString, TQuery> m_queries;
     QHash<QString, QStringList> m_names;
     QSqlQuery m_mainSchema; // is running while the file is held
     QSqlQuery m_temporarySchema;

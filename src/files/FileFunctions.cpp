@@ -109,10 +109,10 @@ bool Retry(const TStep &step)
 QString ToCanonicalPath(const QString &path)
 {
     const QString absolute = QDir::cleanPath(QDir().absoluteFilePath(path));
-    for (int end = absolute.size(); end > 0; end = absolute.lastIndexOf(QLatin1Char('/'), end - 1)) {
+    for (auto end = absolute.size(); end > 0; end = absolute.lastIndexOf(QLatin1Char('/'), end - 1)) {
         const QString existing = QFileInfo(absolute.left(end)).canonicalFilePath();
         if (!existing.isEmpty())
-            return QDir::cleanPath(existing + absolute.midRef(end));
+            return QDir::cleanPath(existing + absolute.mid(end));
     }
     return absolute;
 }

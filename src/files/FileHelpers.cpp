@@ -17,7 +17,7 @@ bool Globals::GetContents(const QString &path, QByteArray &contents)
 
 bool Globals::WriteToFile(const QString &path, const QByteArray &data, int position, int length)
 {
-    const int directoryLength = path.lastIndexOf(QLatin1Char('/'));
+    const auto directoryLength = path.lastIndexOf(QLatin1Char('/'));
     if (directoryLength > 0 && !QDir().mkpath(path.left(directoryLength)))
         return false;
 
@@ -56,15 +56,15 @@ QString Globals::GetFileMD5(const QString &path)
 bool Globals::GetBetween(const QByteArray &data, int from, QByteArray begin, QByteArray end, QByteArray &result,
                          int &next)
 {
-    const int beginAt = data.indexOf(begin, std::max(from, 0));
+    const auto beginAt = data.indexOf(begin, std::max(from, 0));
     if (beginAt < 1)
         return false;
-    const int resultAt = beginAt + begin.size();
-    const int endAt = data.indexOf(end, resultAt);
+    const auto resultAt = beginAt + begin.size();
+    const auto endAt = data.indexOf(end, resultAt);
     if (endAt < 0)
         return false;
     result = data.mid(resultAt, endAt - resultAt);
-    next = endAt + end.size();
+    next = static_cast<int>(endAt + end.size());
     return true;
 }
 

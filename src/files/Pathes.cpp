@@ -6,6 +6,8 @@
 
 #if defined(Q_OS_WIN)
 #include <qt_windows.h>
+
+#include <objbase.h>
 #include <shlobj.h>
 #else
 #include <QStandardPaths>

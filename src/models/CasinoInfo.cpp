@@ -198,9 +198,9 @@ CCasinoInfo::TRatingTable CCasinoInfo::ReadRatingTable(const TRatingTable &built
         bool good = false;
         const unsigned int row = QString(pieces.at(0)).remove(QLatin1Char(',')).toUInt(&good);
         const QString &values = pieces.at(1);
-        const int comma = values.indexOf(QLatin1Char(','));
-        const int first = values.leftRef(comma).toInt();
-        const int second = values.midRef(comma + 1).toInt();
+        const auto comma = values.indexOf(QLatin1Char(','));
+        const int first = values.left(comma).toInt();
+        const int second = values.mid(comma + 1).toInt();
         const auto fits = [](int value) { return value >= 0 && value <= 255; };
         if (good && row < RATINGS && comma >= 0 && fits(first) && fits(second))
             table[row] = {static_cast<unsigned char>(first), static_cast<unsigned char>(second)};

@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QSqlQuery>
 
+#include <limits>
 #include <optional>
 
 namespace {
@@ -176,7 +177,7 @@ bool CPlayerSaves::WriteKept(int most)
     CTransaction transaction(*CPlayerInfoDB::GetInstance());
     if (!transaction.IsBegun())
         return false;
-    const int count = qMin(most, m_kept.size());
+    const int count = static_cast<int>(qMin<qint64>(most, m_kept.size()));
     {
         PlayerInfo::CSaver changes(PlayerInfo::NotOlder);
         PlayerInfo::CSaver others(PlayerInfo::OwnFields);
@@ -253,7 +254,7 @@ bool CPlayerSaves::Write(const QList<SSave> &saves)
     std::optional<CBusyWait> wait;
     if (saves.isEmpty()) // nothing can be lost, because the timer tries again
         wait.emplace(*database, CBusyWait::RETRY_MS);
-    bool good = WriteKept(m_kept.size()); // older rows first
+    bool good = WriteKept(std::numeric_limits<int>::max()); // older rows first
     for (const SSave &save : saves)
         Forget(save.pModel);
     if (saves.isEmpty())

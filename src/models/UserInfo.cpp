@@ -99,9 +99,9 @@ void CUserInfo::ConvertAvatarDisplayMode(QList<CUserInfo::EAvatarDisplayMode> &l
         list = {ADM_CartoonAvatars, ADM_CustomAvatars, ADM_NoAvatars};
         return;
     }
-    for (int position = 0; position < text.size();) {
-        const QStringRef rest = text.midRef(position);
-        int step = 1;
+    for (QString::size_type position = 0; position < text.size();) {
+        const QStringView rest = QStringView(text).mid(position);
+        QString::size_type step = 1;
         for (const auto &[word, mode] : words) {
             if (!rest.startsWith(word, Qt::CaseInsensitive))
                 continue;

@@ -93,7 +93,7 @@ void CMoneySpinner::UpdateDisplay()
     const unsigned int value = m_uiValue;
     const QString digits = QString::number(value);
     SetShowComma(digits.size() <= MAX_DIGITS_WITH_COMMA);
-    int position = digits.size();
+    auto position = digits.size();
     for (const TSetPlace setPlace : PLACES) {
         // A connected slot may have set another amount, which is displayed already.
         if (m_uiValue != value)

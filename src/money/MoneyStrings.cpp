@@ -48,16 +48,16 @@ unsigned int Whole(GlobalDefines::MoneyType type, unsigned int value)
 void SplitAtSeparator(const QString &number, QString &integer, QString &fraction)
 {
     const QLatin1Char point('.');
-    int last = number.indexOf(point);
+    auto last = number.indexOf(point);
     if (last < 0) {
         integer = number;
         return;
     }
     integer = number.left(last);
     const bool groupsClosed = last == 0 || last > GROUP_DIGITS;
-    for (int next = number.indexOf(point, last + 1); !groupsClosed && next == last + GROUP_DIGITS + 1;
+    for (auto next = number.indexOf(point, last + 1); !groupsClosed && next == last + GROUP_DIGITS + 1;
          next = number.indexOf(point, last + 1)) {
-        integer += number.midRef(last + 1, GROUP_DIGITS);
+        integer += number.mid(last + 1, GROUP_DIGITS);
         last = next;
     }
     fraction = number.mid(last + 1);

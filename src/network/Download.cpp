@@ -150,7 +150,7 @@ void CDownload::slot_DownloadReadyRead()
     if (!m_pReply)
         return;
     const qint64 available = m_pReply->bytesAvailable();
-    const int size = m_data.size();
+    const auto size = m_data.size();
     if (available > qint64(MaxBytes) - size) {
         if (!UpdateDownload())
             return;

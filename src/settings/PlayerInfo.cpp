@@ -118,8 +118,8 @@ void OverrideByUnwritten(QVector<SLoaded> &rows, const QString &user)
     const QList<CPlayerSaves::SKept> kept = saves ? saves->GetKept(user) : QList<CPlayerSaves::SKept>();
     if (kept.isEmpty())
         return;
-    QHash<QString, int> places;
-    for (int place = 0; place < rows.size(); ++place)
+    QHash<QString, QVector<SLoaded>::size_type> places;
+    for (QVector<SLoaded>::size_type place = 0; place < rows.size(); ++place)
         places.insert(rows.at(place).strPlayer, place);
     for (const CPlayerSaves::SKept &entry : kept) {
         const SLoaded row = ToLoaded(entry.row);
@@ -320,7 +320,8 @@ bool PlayerInfo::CSaver::Write(const QVariantList &row)
 {
     for (int column = 0; column < row.size(); ++column) {
         const QVariant &value = row.at(column);
-        m_query.bindValue(column, value.type() == QVariant::String ? BoundText::ToBind(value.toString()) : value);
+        m_query.bindValue(column,
+                          value.userType() == QMetaType::QString ? BoundText::ToBind(value.toString()) : value);
     }
     const bool written = IsOpen() && m_query.exec();
     CSettingsSync::GetInstance()->StartSyncTimer();

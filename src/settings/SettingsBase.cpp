@@ -35,7 +35,7 @@ void InsertEntries(QHash<QString, QVariant> &settings, const QString &key, const
 // Returns the part of a stored key by which its entry is found, and splits off the sub-key of a keyed setting.
 QString SplitKey(const QString &storedKey, QString &subKey)
 {
-    const int bracket = storedKey.indexOf(QLatin1Char('['));
+    const auto bracket = storedKey.indexOf(QLatin1Char('['));
     if (bracket < 0)
         return storedKey;
     subKey = storedKey.mid(bracket + 1);

@@ -61,7 +61,7 @@ QString GetUser()
 
 bool IsSingleValue(const QVariant &value)
 {
-    return value.type() != QVariant::List && value.type() != QVariant::Map;
+    return value.userType() != QMetaType::QVariantList && value.userType() != QMetaType::QVariantMap;
 }
 
 // Converts a number, or a text of digits.

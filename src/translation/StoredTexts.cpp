@@ -53,14 +53,14 @@ bool IsPlain(const QString &key)
 
 } // namespace
 
-uint qHash(const CStoredTexts::SName &name, uint seed)
+CStoredTexts::THash qHash(const CStoredTexts::SName &name, CStoredTexts::THash seed)
 {
     return qHash(name.strKey, seed) ^ (31 * qHash(name.strArea, seed));
 }
 
-uint qHash(const CStoredTexts::SEntry &entry, uint seed)
+CStoredTexts::THash qHash(const CStoredTexts::SEntry &entry, CStoredTexts::THash seed)
 {
-    return qHash(entry.name, seed) ^ uint(entry.iLanguage);
+    return qHash(entry.name, seed) ^ CStoredTexts::THash(entry.iLanguage);
 }
 
 CStoredTexts::CStoredTexts(CStatements *statements)

@@ -47,8 +47,9 @@ private:
         bool operator==(const SEntry &other) const { return iLanguage == other.iLanguage && name == other.name; }
     };
 
-    friend uint qHash(const SName &name, uint seed);
-    friend uint qHash(const SEntry &entry, uint seed);
+    using THash = decltype(qHash(QString())); // as wide as Qt's version has it
+    friend THash qHash(const SName &name, THash seed);
+    friend THash qHash(const SEntry &entry, THash seed);
 
     enum EAnswer {
         Found,

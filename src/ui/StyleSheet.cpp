@@ -20,11 +20,11 @@ constexpr int PAIR_SIZE = 2;
 
 // Returns where two characters stand next to each other, -1 if nowhere. Qt searches for a single character at many
 // places at once, but for a text at one place after the other.
-int FindPair(const QString &text, const char (&pair)[PAIR_SIZE + 1], int from = 0)
+QString::size_type FindPair(const QString &text, const char (&pair)[PAIR_SIZE + 1], QString::size_type from = 0)
 {
     const QLatin1Char first(pair[0]);
     const QLatin1Char second(pair[1]);
-    int at = text.indexOf(first, from);
+    auto at = text.indexOf(first, from);
     while (at >= 0 && (at + 1 == text.size() || text.at(at + 1) != second))
         at = text.indexOf(first, at + 1);
     return at;
@@ -41,15 +41,15 @@ QString ToFileName(QString include)
 bool RemoveComments(QString &text)
 {
     QString rest;
-    int kept = 0;
-    for (int begin = 0; (begin = FindPair(text, COMMENT_BEGIN, kept)) >= 0;) {
-        const int end = FindPair(text, COMMENT_END, begin + PAIR_SIZE);
+    QString::size_type kept = 0;
+    for (QString::size_type begin = 0; (begin = FindPair(text, COMMENT_BEGIN, kept)) >= 0;) {
+        const auto end = FindPair(text, COMMENT_END, begin + PAIR_SIZE);
         if (end < 0)
             return false;
-        rest += text.midRef(kept, begin - kept);
+        rest.append(text.constData() + kept, begin - kept);
         kept = end + PAIR_SIZE;
     }
-    rest += text.midRef(kept);
+    rest.append(text.constData() + kept, text.size() - kept);
     text = rest;
     return FindPair(text, COMMENT_BEGIN) < 0 && FindPair(text, COMMENT_END) < 0;
 }
@@ -64,11 +64,11 @@ bool AreBlocksSound(const QString &text)
 {
     int depth = 0;
     bool hasSelector = false;
-    int start = 0; // start of a possible selector
-    for (int i = 0; i < text.size(); ++i) {
+    QString::size_type start = 0; // start of a possible selector
+    for (QString::size_type i = 0; i < text.size(); ++i) {
         if (text.at(i) == QLatin1Char('{')) {
             if (depth == 0) {
-                hasSelector = !text.midRef(start, i - start).trimmed().isEmpty();
+                hasSelector = !QStringView(text).mid(start, i - start).trimmed().isEmpty();
                 start = i + 1;
             }
             ++depth;
@@ -88,31 +88,31 @@ bool AreBlocksSound(const QString &text)
 }
 
 // Appends a line with its relative paths replaced. Returns false if the text would exceed \a maxLength.
-bool AppendLine(QString &text, const QString &line, const QString &directory, int maxLength)
+bool AppendLine(QString &text, const QString &line, const QString &directory, QString::size_type maxLength)
 {
-    int copied = 0;
-    for (int i = FindPair(line, HERE); i >= 0; i = FindPair(line, HERE, i)) {
+    QString::size_type copied = 0;
+    for (auto i = FindPair(line, HERE); i >= 0; i = FindPair(line, HERE, i)) {
         const bool isParent = i > 0 && line.at(i - 1) == QLatin1Char('.'); // "../"
-        const int begin = isParent ? i - 1 : i;
+        const auto begin = isParent ? i - 1 : i;
         if (begin - copied > maxLength - text.size() - directory.size())
             return false;
-        text += line.midRef(copied, begin - copied);
+        text.append(line.constData() + copied, begin - copied);
         text += directory;
         copied = begin;
-        const int end = line.indexOf(QLatin1Char(';'), i);
+        const auto end = line.indexOf(QLatin1Char(';'), i);
         i = end < 0 ? line.size() : end;
     }
     if (line.size() - copied > maxLength - text.size())
         return false;
-    text += line.midRef(copied);
+    text.append(line.constData() + copied, line.size() - copied);
     return true;
 }
 
 struct SProgress
 {
-    QStringList beingRead;  // the chain of includes, outermost first
-    int iFiles = 0;         // number of files read so far
-    int iRoom = MAX_LENGTH; // characters left, besides those of the files being read
+    QStringList beingRead;                 // the chain of includes, outermost first
+    int iFiles = 0;                        // number of files read so far
+    QString::size_type iRoom = MAX_LENGTH; // characters left, besides those of the files being read
 };
 
 bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents);
@@ -140,7 +140,9 @@ bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents)
     progress.beingRead.append(canonicalPath);
     const QString directory = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
     QTextStream stream(&file);
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0) // whose default it isn't
     stream.setCodec("UTF-8");
+#endif
     QString text;
     QString line;
     while (stream.readLineInto(&line, MAX_LENGTH + 1)) {

@@ -76,7 +76,7 @@ QList<double> AdjustNeighbour(double surplus, const QList<double> &sizes, int co
 // the last such column.
 void EnforceMinimum(double width, const QList<double> &sizes, int first, QList<double> &widths)
 {
-    const int count = widths.size();
+    const int count = static_cast<int>(widths.size());
     const double minimum = qMin(MINIMUM_WIDTH, std::floor(width / count));
     int stop = first;
     int i = first;

@@ -178,7 +178,7 @@ public:
     }
 
 private:
-    QString Of(const QStringList &from) { return from.at(Below(from.size())); }
+    QString Of(const QStringList &from) { return from.at(Below(int(from.size()))); }
 
     QString Text()
     {
@@ -272,7 +272,7 @@ class tst_literalsql : public QObject
     // Prepared statements have to follow.
     bool ChangeTable(CDrawn &drawn)
     {
-        const int table = drawn.Below(TABLES.size());
+        const int table = drawn.Below(int(TABLES.size()));
         switch (drawn.Below(5)) {
         case 0:
             return Change("DROP TABLE "_s + TABLES.at(table)) && Change(MADE.at(table));

@@ -245,7 +245,7 @@ private Q_SLOTS:
         const QStringList ids = pictures.split(QLatin1Char(' '));
         for (const QString &id : ids) {
             const bool comes = id.startsWith(QLatin1Char('='));
-            comes ? model->SetCustomAvatar(id.midRef(1).toUInt()) : model->SetNewCustomAvatar(id.toUInt());
+            comes ? model->SetCustomAvatar(id.mid(1).toUInt()) : model->SetNewCustomAvatar(id.toUInt());
             QTRY_VERIFY(id != "9"_s || !m_requests.isEmpty());
         }
         QTEST(model->GetCustomAvatar(), "now");

@@ -97,7 +97,7 @@ void CheckStream(const QByteArray &expectedBytes)
         QDataStream stream(expectedBytes.left(length));
         stream >> target;
         QCOMPARE(stream.status(), length == expectedBytes.size() ? QDataStream::Ok : QDataStream::ReadPastEnd);
-        QCOMPARE(std::pair(target.m_iLoads, first.size()), std::pair(1, 0)); // that is the only word of it
+        QCOMPARE(std::pair(target.m_iLoads, int(first.size())), std::pair(1, 0)); // that is the only word of it
         const QStringList values = Values(target, type);
         known += known < others.size() && values.at(known) == others.at(known);
         QCOMPARE(values, others.mid(0, known) + defaults.mid(known));

@@ -211,7 +211,7 @@ private Q_SLOTS:
         download.Start();
         QVERIFY(finished.wait(120000));
         QCOMPARE(finished.at(0).at(0).toBool(), false);
-        const int size = finished.at(0).at(1).toByteArray().size();
+        const auto size = finished.at(0).at(1).toByteArray().size();
         QVERIFY2(size > 0 && size <= int(CDownload::MaxBytes), QByteArray::number(size));
         QVERIFY(!finished.wait(100)); // once
     }

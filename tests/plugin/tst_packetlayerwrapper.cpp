@@ -13,7 +13,7 @@ using TRecords = QList<QByteArray>;
 
 constexpr int HEADER_SIZE = 11;
 
-QByteArray Number(int number)
+QByteArray Number(QByteArray::size_type number)
 {
     return QByteArray(1, char(number & 0xff)) + char(number >> 8);
 }

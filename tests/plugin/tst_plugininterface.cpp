@@ -70,7 +70,7 @@ class tst_plugininterface : public QObject
     std::unique_ptr<CRecordingPlugin> m_plugin;
     std::unique_ptr<CRecordingPlugin> m_other;
 
-    int CountWaiting() const // events
+    auto CountWaiting() const // events
     {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         return m_plugin->children().size() + m_other->children().size();
@@ -109,7 +109,7 @@ private Q_SLOTS:
         m_plugin->SendToServer("ABCD", 7, 0x01020304, bytes, 6, false);
         m_plugin->SendToWebServer("ABCD", 7, 0x01020304, bytes, 6, false);
         m_plugin->SendToServer("AB", 0, 0, nullptr, 0, false);
-        m_plugin->SendToServer("AB", 0, 0, tooLong.constData(), tooLong.size(), false);
+        m_plugin->SendToServer("AB", 0, 0, tooLong.constData(), int(tooLong.size()), false);
         m_plugin->OpenWebPage(WebLinks::Cashier, false);
         m_plugin->RequestCashierInformation(); // the login dialog at once, the event itself not
         m_plugin->OpenWebPage(EURO, false);

@@ -92,7 +92,7 @@ public:
                 return request;
             data += socket->readAll();
             header = data.indexOf("\r\n\r\n");
-            const int length = data.indexOf("Content-Length: ");
+            const auto length = data.indexOf("Content-Length: ");
             size = length < 0 ? 0 : std::atoi(data.constData() + length + std::strlen("Content-Length: "));
         } while (header < 0 || data.size() < header + 4 + size);
         return {socket, data.split(' ').at(1), data.mid(header + 4)};

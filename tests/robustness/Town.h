@@ -393,7 +393,7 @@ private:
         request.bAtOnce = false;
         request.lists = {};
         const SHttp &http = request.http;
-        const int json = http.body.indexOf("&json=");
+        const auto json = http.body.indexOf("&json=");
         SyncJson::TLists &lists = request.lists;
         bool good = true;
         if (json < 0) {

@@ -101,7 +101,8 @@ private Q_SLOTS:
             QVERIFY(property.write(&settings, OtherValue(property)));
         QCOMPARE(spy.size(), 1);
         const QStringList saved = settings.Take();
-        QCOMPARE(saved.size(), QByteArray(property.typeName()).startsWith('T') ? 0 : 2);
+        const QByteArray type = property.typeName(); // of a hash its alias in Qt 5, and itself in Qt 6
+        QCOMPARE(saved.size(), type.startsWith('T') || type.startsWith("QHash") ? 0 : 2);
         QCOMPARE(saved.filter("/%1="_s.arg(QLatin1String(property.name()))), saved);
     }
 

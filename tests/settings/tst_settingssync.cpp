@@ -263,7 +263,7 @@ private Q_SLOTS:
     void Texts()
     {
         QString text = "\"&json=%SESSION%\r\n\t\\ '+%41"_s;
-        for (uint character = 0xabcd; character < 0x110000; character += 0x10000)
+        for (char32_t character = 0xabcd; character < 0x110000; character += 0x10000)
             text += QString::fromUcs4(&character, 1);
         Add("playertags"_s, text, 7, text, text);
         GoToNewMachine();

@@ -60,5 +60,5 @@ QVector<JsonLines::SMember> JsonLines::FindMembers(const QByteArray &json)
 
 int JsonLines::LineAt(const QByteArray &text, int offset)
 {
-    return 1 + text.left(offset).count('\n');
+    return 1 + static_cast<int>(text.left(offset).count('\n'));
 }

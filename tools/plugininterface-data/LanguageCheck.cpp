@@ -63,7 +63,7 @@ public:
                 CheckText(catalogue, text);
             CheckMissing(catalogue);
         }
-        return m_owners.size();
+        return static_cast<int>(m_owners.size());
     }
 
 private:

@@ -55,7 +55,7 @@ QVector<QVariantList> TextRows(const SPoCatalogue &catalogue, SCounts &counts)
         else
             ++(text.bFuzzy ? counts.iFuzzy : counts.iUntranslated);
     }
-    counts.iTexts += texts.size();
+    counts.iTexts += static_cast<int>(texts.size());
     counts.iObsolete += catalogue.iObsolete;
 
     QVector<QVariantList> rows;

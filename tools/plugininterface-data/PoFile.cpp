@@ -133,7 +133,7 @@ private:
         if (m_text.mid(m_iPosition, 2) == "#~" && m_text.mid(m_iPosition, 3) != "#~|") {
             m_iPosition += 2;
         } else {
-            const int end = m_text.indexOf('\n', m_iPosition);
+            const auto end = m_text.indexOf('\n', m_iPosition);
             m_iPosition = end < 0 ? m_text.size() : end;
         }
     }
@@ -148,21 +148,21 @@ private:
 
     void TakeWord()
     {
-        const int begin = m_iPosition;
+        const auto begin = m_iPosition;
         while (m_iPosition < m_text.size() && IsLetter(m_iPosition))
             ++m_iPosition;
         if (m_text.mid(begin, m_iPosition - begin) == "msgid")
             m_lines.append(m_iLine);
     }
 
-    bool IsLetter(int position) const
+    bool IsLetter(QByteArray::size_type position) const
     {
         const char c = m_text.at(position);
         return (c >= 'a' && c <= 'z') || c == '_';
     }
 
     const QByteArray m_text;
-    int m_iPosition = 0;
+    QByteArray::size_type m_iPosition = 0;
     int m_iLine = 1;
     QVector<int> m_lines;
 };
@@ -247,10 +247,10 @@ bool PoFile::Read(const QString &path, SPoFile &po, CReport &report)
         return false;
     }
     const QByteArray text = source.readAll();
-    const int zero = text.indexOf('\0');
+    const auto zero = text.indexOf('\0');
     if (zero >= 0) {
         // The library would treat it as the end of a text and drop the rest.
-        report.Error(path, 1 + text.left(zero).count('\n'), QStringLiteral("a zero byte"));
+        report.Error(path, 1 + static_cast<int>(text.left(zero).count('\n')), QStringLiteral("a zero byte"));
         return false;
     }
     SSink sink{report, path, false, {}};

@@ -59,7 +59,7 @@ void CLobbyPlugin::ReceiveEvent(CEvent e)
     CConsole::AddMessage(QStringLiteral("Lobby: the game server sent something malformed or unknown, which was "
                                         "ignored. Further cases on this connection are not reported."),
                          CConsole::MC_Network, CConsole::ML_Warning, QString::fromLatin1(e.tag2, sizeof e.tag2),
-                         e.data.size());
+                         int(e.data.size()));
 }
 
 void CLobbyPlugin::RegisterForEvents()
@@ -116,7 +116,7 @@ void CLobbyPlugin::RequestSeat(quint32 tableID)
 {
     m_pTables->SetSeatAnswer(CTranslationItem());
     const QByteArray request = Payload::Encode(LobbyProtocol::SSeatRequest{tableID});
-    SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), request.size(), true);
+    SendToServer(LobbyProtocol::GROUP, 0, 0, request.constData(), int(request.size()), true);
 }
 
 bool CLobbyPlugin::OnTable(const LobbyProtocol::STable &table)

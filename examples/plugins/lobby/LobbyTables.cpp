@@ -136,7 +136,7 @@ CLobbyTables::CLobbyTables(CTableList *list, QObject *parent)
 
 QString CLobbyTables::GetStatus() const
 {
-    const int all = m_pList->GetTables().size();
+    const int all = int(m_pList->GetTables().size());
     const int shown = rowCount();
     QString status =
         Texts::Get(shown == all ? "LOBBY_TABLES" : "LOBBY_SOME_TABLES", {{"#n#", shown}, {"#all#", all}});
@@ -197,7 +197,7 @@ void CLobbyTables::AskForSeat()
 
 int CLobbyTables::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : m_shown.size();
+    return parent.isValid() ? 0 : int(m_shown.size());
 }
 
 int CLobbyTables::columnCount(const QModelIndex &parent) const
@@ -248,7 +248,7 @@ void CLobbyTables::OnTextsChanged()
 {
     Q_EMIT headerDataChanged(Qt::Horizontal, 0, COL_COUNT - 1);
     if (!m_shown.isEmpty())
-        Q_EMIT dataChanged(index(0, 0), index(m_shown.size() - 1, COL_COUNT - 1), {Qt::DisplayRole});
+        Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, COL_COUNT - 1), {Qt::DisplayRole});
     Filter();
     m_seatAnswer.ReTranslate();
     Q_EMIT signal_TextsChanged();
@@ -351,10 +351,10 @@ void CLobbyTables::Show(const TIDs &ids)
     TIDs added;
     std::copy_if(ids.begin(), ids.end(), std::back_inserter(added), [&](quint32 id) { return !shown.contains(id); });
     if (!added.isEmpty()) {
-        const int first = ids.indexOf(added.constFirst());
+        const int first = int(ids.indexOf(added.constFirst()));
         const bool isTogether = ids.at(first + added.size() - 1) == added.constLast();
-        const int row = isTogether ? first : m_shown.size();
-        beginInsertRows(QModelIndex(), row, row + added.size() - 1);
+        const int row = isTogether ? first : rowCount();
+        beginInsertRows(QModelIndex(), row, row + int(added.size()) - 1);
         m_shown = m_shown.mid(0, row) + added + m_shown.mid(row);
         endInsertRows();
     }
@@ -370,10 +370,10 @@ void CLobbyTables::HideAllBut(const TIDs &ids)
     const int count = int(order.end() - end);
     if (count == 0)
         return;
-    int first = m_shown.indexOf(*end);
+    int first = int(m_shown.indexOf(*end));
     if (m_shown.at(first + count - 1) != order.constLast()) {
         Move(order);
-        first = order.size() - count;
+        first = int(order.size()) - count;
     }
     beginRemoveRows(QModelIndex(), first, first + count - 1);
     m_shown.remove(first, count);
@@ -389,7 +389,7 @@ void CLobbyTables::Move(const TIDs &ids)
     const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
     for (const QModelIndex &cell : before)
-        after.append(index(ids.indexOf(m_shown.at(cell.row())), cell.column()));
+        after.append(index(int(ids.indexOf(m_shown.at(cell.row()))), cell.column()));
     m_shown = ids;
     changePersistentIndexList(before, after);
     Q_EMIT layoutChanged({}, VerticalSortHint);

@@ -132,7 +132,7 @@ void CLobbyView::MeasureColumns()
     int sum = m_pTable->verticalScrollBar()->sizeHint().width() + margins;
     m_neededWidths.clear();
     for (const qreal width : m_pTables->GetTextWidths()) {
-        const int title = header->sectionSizeHint(m_neededWidths.size()) + mark;
+        const int title = header->sectionSizeHint(int(m_neededWidths.size())) + mark;
         m_neededWidths.append(qMax(qCeil(width) + margins, title));
         sum += qRound(m_neededWidths.constLast());
     }

@@ -7,7 +7,7 @@
 namespace {
 
 // Returns the longest smiley with which the text begins; empty if there is none.
-QString FindSmiley(const QHash<QString, CChatModel::SSmiley> &smileys, const QStringRef &text)
+QString FindSmiley(const QHash<QString, CChatModel::SSmiley> &smileys, QStringView text)
 {
     QString longest;
     for (auto smiley = smileys.begin(); smiley != smileys.end(); ++smiley) {
@@ -23,8 +23,8 @@ QString ToHtml(const QString &text)
 {
     const auto smileys = CChatModel::GetInstance()->GetSmileyMappings();
     QString html;
-    for (int i = 0; i < text.size();) {
-        const QString smiley = FindSmiley(smileys, text.midRef(i));
+    for (QString::size_type i = 0; i < text.size();) {
+        const QString smiley = FindSmiley(smileys, QStringView(text).mid(i));
         if (smiley.isEmpty()) {
             html += QString(text.at(i++)).toHtmlEscaped();
             continue;

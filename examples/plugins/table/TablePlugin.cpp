@@ -68,7 +68,7 @@ void CTablePlugin::ReceiveEvent(CEvent e)
             ShowLine(line);
         else
             CConsole::AddMessage(QStringLiteral("Table: the game server sent a malformed line, which was ignored"),
-                                 CConsole::MC_Network, CConsole::ML_Warning, QString(), e.data.size());
+                                 CConsole::MC_Network, CConsole::ML_Warning, QString(), int(e.data.size()));
     }
 }
 
@@ -143,7 +143,7 @@ void CTablePlugin::ShowLine(const TableProtocol::SLine &line)
 
 void CTablePlugin::Send(const QByteArray &payload)
 {
-    SendToServer(TableProtocol::GROUP, 0, 0, payload.constData(), payload.size(), false);
+    SendToServer(TableProtocol::GROUP, 0, 0, payload.constData(), int(payload.size()), false);
 }
 
 // The server takes back the seat of a user who logs out or disconnects.
