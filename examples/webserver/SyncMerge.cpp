@@ -110,14 +110,14 @@ bool CSyncMerge::ReadArrival()
     m_bArrived = std::any_of(m_list.rows.cbegin(), m_list.rows.cend(), [this](const SSyncRow &sent) {
         const SRow row = m_rows.value(sent.strKey);
         return sent.iTime == m_machine.iOffered && sent.iTime == row.iStamp && sent.strContent == row.strContent &&
-               sent.iTime != m_sentBefore.value(sent.strKey).iStamp;
+               sent.iTime != m_sentBefore.value(sent.strKey).iTime;
     });
     if (m_bArrived)
         m_machine.iBase = std::max(m_machine.iBase, m_machine.iOffered);
     return !m_bArrived || m_store.Confirm(m_place, m_machine.iOffered);
 }
 
-// What the machine may hold.
+// What the machine may hold. If it shows a note, it can't be without one any more, whatever has arrived.
 bool CSyncMerge::ReadHeld()
 {
     if (!m_place.bStampedAnew)
@@ -126,13 +126,21 @@ bool CSyncMerge::ReadHeld()
     CSyncStore::TQuery query =
         m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_bEmpty FROM tbl_held WHERE HLD_cList = ?"
                                        " AND HLD_cMachine = ? AND HLD_cKey = ?"));
+    const CSyncStore::TQuery fill =
+        m_store.Prepare(QStringLiteral("UPDATE tbl_held SET HLD_bEmpty = 0 WHERE HLD_cList = ? AND HLD_cMachine = ?"
+                                       " AND HLD_cKey = ?"));
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
-        good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
+        const QVariantList place{m_strID, m_place.strMachine, sent.strKey};
+        bool empty = false;
+        good = good && CSyncStore::Execute(query, place);
         while (good && query->next()) {
             m_held[sent.strKey].insert(query->value(0).toString());
-            if (query->value(1).toBool())
-                m_held[sent.strKey].insert(SyncJson::NO_NOTE);
+            empty |= query->value(1).toBool();
         }
+        if (empty && sent.strContent == SyncJson::NO_NOTE)
+            m_held[sent.strKey].insert(SyncJson::NO_NOTE);
+        else if (empty)
+            good = good && CSyncStore::Execute(fill, place);
     }
     return good;
 }
@@ -169,7 +177,8 @@ bool CSyncMerge::Hold(const SSyncRow &sent, qint64 stamp)
     const QString &machine = m_place.strMachine;
     return (!m_place.bStampedAnew && !m_bAddsOnly) ||
            ((!m_held.contains(sent.strKey) || CSyncStore::Execute(m_drop, {m_strID, machine, sent.strKey})) &&
-            CSyncStore::Execute(m_hold, {m_strID, machine, sent.strKey, sent.strContent, stamp, stamp}));
+            CSyncStore::Execute(
+                m_hold, {m_strID, machine, sent.strKey, sent.strContent, stamp, std::max<qint64>(sent.iTime, 1)}));
 }
 
 // Whether what is here is what the machine itself has sent, so that it knew of it when it changed the row.

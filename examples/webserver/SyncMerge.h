@@ -31,7 +31,7 @@ private:
     struct SSent
     {
         QString strContent;
-        qint64 iStamp = 0;
+        qint64 iTime = 0; // at least 1
     };
 
     bool ReadNewest();

@@ -45,7 +45,7 @@ const QLatin1String FLAG_SCHEMA[] = {
                   "  FROM tbl_heldbefore AS held WHERE HLD_iOffer > 0"),
     QLatin1String("DROP TABLE tbl_heldbefore")};
 
-// From version 4 on the sessions are numbered, and what a machine has sent itself has its stamp there.
+// From version 4 on the sessions are numbered, and what a machine has sent itself has the time with which it did.
 const QLatin1String SESSION_SCHEMA[] = {
     QLatin1String("ALTER TABLE tbl_held ADD COLUMN HLD_iSent INTEGER DEFAULT 0"),
     QLatin1String("ALTER TABLE tbl_session RENAME TO tbl_sessionbefore"),
@@ -171,12 +171,12 @@ bool CSyncStore::ForgetHeld(const SPlace &place)
 bool CSyncStore::FetchList(const SPlace &place, SMachine &machine, SSyncList &list)
 {
     const qint64 time = list.iTime;
-    if (machine.bKnown && time == machine.iOffered && time > machine.iBase && !Confirm(place, time))
-        return false;
     if (!machine.bKnown)
         machine.iBase = time;
-    else if (time == machine.iOffered && (machine.bCaughtUp || machine.iBase == 0)) {
-        machine.iBase = time; // what was offered has arrived
+    else if (!place.bStampedAnew && time == machine.iOffered && (machine.bCaughtUp || machine.iBase == 0)) {
+        // What was offered has arrived. Of notes the time alone doesn't tell, for a user may have changed one in that
+        // second; the machine sends the newest of them back.
+        machine.iBase = time;
         machine.bCaughtUp = true;
     }
     if (time != machine.iBase) {

@@ -3,6 +3,7 @@
 #include <database/LocalDB.h>
 
 #include <support/Literal.h>
+#include <support/Rows.h>
 
 #include <QtTest>
 
@@ -92,21 +93,38 @@ private Q_SLOTS:
         QVERIFY(database.Init());
         QVERIFY(database.Exec("UPDATE tbl_session SET SES_iExpiry = 1"_s));
         QCOMPARE(Fetch(session, 0), "403"_s);
-        QCOMPARE(Send(session, "x"_s, "1"_s, 100), 403);
+        QCOMPARE(Send(session, "x 1 100"_s), 403);
     }
 
-    // What a new machine has got is sent again neither to it nor to the others, or each new one would cost all of
-    // them the whole list.
-    void NewMachineCostsNothing()
+    // What machines send ("machine player note time ...", with ~ for no note), and what they get ("machine
+    // time|notes").
+    void Arrivals_data()
     {
-        const QByteArray first = AskForSession("Rigel"_s, "first"_s);
-        const QByteArray second = AskForSession("Rigel"_s, "second"_s);
-        QCOMPARE(Send(first, "x"_s, "1"_s, 100), 200);
-        QCOMPARE(Send(first, "y"_s, "2"_s, 101), 200);
-        QCOMPARE(Fetch(second, 0), "x=1 y=2"_s);
-        QCOMPARE(Send(second, "y"_s, "2"_s, 101), 200); // the newest, as it is asked to
-        QCOMPARE(Fetch(first, 101), QString());
-        QCOMPARE(Fetch(second, 101), QString());
+        AddRows<QString>({"steps"},
+                         {// or each new one would cost all of them the whole list
+                          {"what a new machine has got isn't sent again",
+                           "a x 1 100;a y 2 101;b 0|x=1 y=2;b y 2 101;a 101|;b 101|"_s},
+                          {"its own note's stamp tells that the others have come",
+                           "b 0|;a x 1 101;b y 1 100;b 100|x=1 y=1;b y 1 102;b x ~ 110;new 0|y=1 x="_s},
+                          {"its own second doesn't tell that an answer has come",
+                           "b 0|;a x 1 100;b 0|x=1;b 100|;b y 1 100;b 100|y=1 x=1"_s},
+                          {"who has shown a note can take it off",
+                           "a x 1 100;b y 1 110;b 110|x=1 y=1;b x 1 100 y 1 110;b x ~ 120;new 0|y=1 x="_s}});
+    }
+
+    void Arrivals()
+    {
+        QFETCH(QString, steps);
+        const QString user = QString::fromLatin1(QTest::currentDataTag());
+        for (const QStringList &step : ToRows(steps)) {
+            const QStringList words = step.at(0).split(u' ');
+            const QByteArray session = AskForSession(user, words.at(0));
+            const int time = words.constLast().toInt();
+            if (words.size() == 2)
+                QCOMPARE(Fetch(session, time), step.at(1));
+            else
+                QCOMPARE(Send(session, step.at(0).section(u' ', 1)), 200);
+        }
     }
 
     // A request that comes late says nothing of what the machine holds by then, so its echo is known as one.
@@ -115,12 +133,12 @@ private Q_SLOTS:
         const QByteArray late = AskForSession("Spica"_s, "desk"_s);
         const QByteArray desk = AskForSession("Spica"_s, "desk"_s);
         const QByteArray other = AskForSession("Spica"_s, "other"_s);
-        QCOMPARE(Send(desk, "x"_s, "1"_s, 100), 200);
+        QCOMPARE(Send(desk, "x 1 100"_s), 200);
         QCOMPARE(Fetch(other, 0), "x=1"_s);
-        QCOMPARE(Send(other, "x"_s, "1"_s, 100), 200);
-        QCOMPARE(Send(other, "x"_s, "2"_s, 110), 200);
+        QCOMPARE(Send(other, "x 1 100"_s), 200);
+        QCOMPARE(Send(other, "x 2 110"_s), 200);
         QCOMPARE(Fetch(late, 0), QString());
-        QCOMPARE(Send(desk, "x"_s, "1"_s, 120), 200);
+        QCOMPARE(Send(desk, "x 1 120"_s), 200);
         QCOMPARE(Fetch(AskForSession("Spica"_s, "new"_s), 0), "x=2"_s);
     }
 
@@ -131,17 +149,17 @@ private Q_SLOTS:
         const QByteArray first = AskForSession("Lyra"_s, "first"_s);
         const QByteArray holding = AskForSession("Lyra"_s, "holding"_s);
         const QByteArray offered = AskForSession("Lyra"_s, "offered"_s);
-        QCOMPARE(Send(first, "x"_s, "1"_s, 100), 200);
+        QCOMPARE(Send(first, "x 1 100"_s), 200);
         QCOMPARE(Fetch(holding, 0), "x=1"_s);
-        QCOMPARE(Send(holding, "x"_s, "1"_s, 100), 200);
-        QCOMPARE(Send(first, "x"_s, "2"_s, 110), 200);
+        QCOMPARE(Send(holding, "x 1 100"_s), 200);
+        QCOMPARE(Send(first, "x 2 110"_s), 200);
         QCOMPARE(Fetch(offered, 0), "x=2"_s);
         m_server.kill();
         QVERIFY(m_server.waitForFinished());
         MakeVersion2();
         Start();
-        QCOMPARE(Send(holding, "x"_s, "1"_s, 120), 200);
-        QCOMPARE(Send(offered, "x"_s, ""_s, 130), 200);
+        QCOMPARE(Send(holding, "x 1 120"_s), 200);
+        QCOMPARE(Send(offered, "x ~ 130"_s), 200);
         QCOMPARE(Fetch(AskForSession("Lyra"_s, "new"_s), 0), "x=2"_s);
     }
 
@@ -169,17 +187,21 @@ private:
         return notes.join(u' ');
     }
 
-    // Sends a note of a player, which is the newest that the machine has; answers the status.
-    int Send(const QByteArray &session, const QString &player, const QString &note, int time) const
+    // Sends notes, "player note time ...", the newest of the machine last; answers the status.
+    int Send(const QByteArray &session, const QString &notes) const
     {
-        const QJsonObject row{{"nick"_s, player},
-                              {"note"_s, note},
-                              {"tag"_s, note.isEmpty() ? "0"_s : "1"_s},
-                              {"flags"_s, "0"_s},
-                              {"time"_s, QString::number(time)}};
-        const QJsonObject root{{"usersettingstime"_s, "0"_s},
-                               {"playerinfostime"_s, QString::number(time)},
-                               {"playerinfos"_s, QJsonArray{row}}};
+        const QStringList words = notes.split(u' ');
+        QJsonArray rows;
+        for (int word = 0; word < words.size(); word += 3) {
+            const QString note = QString(words.at(word + 1)).remove(u'~');
+            rows.append(QJsonObject{{"nick"_s, words.at(word)},
+                                    {"note"_s, note},
+                                    {"tag"_s, note.isEmpty() ? "0"_s : "1"_s},
+                                    {"flags"_s, "0"_s},
+                                    {"time"_s, words.at(word + 2)}});
+        }
+        const QJsonObject root{
+            {"usersettingstime"_s, "0"_s}, {"playerinfostime"_s, words.constLast()}, {"playerinfos"_s, rows}};
         const QByteArray body = "session=" + session + "&json=" + QJsonDocument(root).toJson();
         const auto answer = m_pWeb->Post("/sync", body.toStdString(), FORM);
         return answer ? answer->status : 0;
