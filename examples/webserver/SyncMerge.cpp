@@ -174,11 +174,12 @@ bool CSyncMerge::IsHeld(const SSyncRow &sent) const
 // what a new machine has sent.
 bool CSyncMerge::Hold(const SSyncRow &sent, qint64 stamp)
 {
-    const QString &machine = m_place.strMachine;
-    return (!m_place.bStampedAnew && !m_bAddsOnly) ||
-           ((!m_held.contains(sent.strKey) || CSyncStore::Execute(m_drop, {m_strID, machine, sent.strKey})) &&
-            CSyncStore::Execute(
-                m_hold, {m_strID, machine, sent.strKey, sent.strContent, stamp, std::max<qint64>(sent.iTime, 1)}));
+    const QVariantList place{m_strID, m_place.strMachine, sent.strKey};
+    if (!m_place.bStampedAnew && !m_bAddsOnly)
+        return true;
+    const bool drops = !m_place.bStampedAnew || m_held.contains(sent.strKey);
+    return (!drops || CSyncStore::Execute(m_drop, place)) &&
+           CSyncStore::Execute(m_hold, place + QVariantList{sent.strContent, stamp, std::max<qint64>(sent.iTime, 1)});
 }
 
 // Whether what is here is what the machine itself has sent, so that it knew of it when it changed the row.

@@ -184,7 +184,8 @@ void CSettingsSync::TakeAnswer(const QByteArray &data, quint64 known, bool overt
         TakePlayerInfos(nickname, infos->toArray(), known, overtaken);
     if ((settings != answer.constEnd() || infos != answer.constEnd()) && GetUser() == nickname)
         CUserInfo::GetInstance()->SetLoggedIn(nickname);
-    if (GetUser() == nickname)
+    // If it was overtaken, the later answer has led to that, and what was stored before that one's request was sent.
+    if (!overtaken && GetUser() == nickname)
         StampLaterChanges(known);
 }
 
