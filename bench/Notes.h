@@ -136,7 +136,7 @@ public:
 private:
     static void BindText(sqlite3_stmt *statement, int column, const QString &text)
     {
-        sqlite3_bind_text16(statement, column, text.utf16(), text.size() * int(sizeof(QChar)), SQLITE_TRANSIENT);
+        sqlite3_bind_text16(statement, column, text.utf16(), int(text.size()) * int(sizeof(QChar)), SQLITE_TRANSIENT);
     }
 
     sqlite3 *m_pFile = nullptr;
@@ -159,7 +159,7 @@ inline int LoadByHand(TPlayers<CPlayerDataModel> &players)
         player->SetCustomAvatar(query.value(5).toUInt());
         players.insert(player->GetNickname(), player);
     }
-    return players.size();
+    return int(players.size());
 }
 
 // Loads all notes into new players with the C API, but only the columns that this benchmark fills.
@@ -175,7 +175,7 @@ inline int LoadBySQLite(CFile &file, TPlayers<CPlayerDataModel> &players)
         players.insert(player->GetNickname(), player);
     }
     sqlite3_finalize(select);
-    return players.size();
+    return int(players.size());
 }
 
 } // namespace Notes

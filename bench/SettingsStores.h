@@ -183,9 +183,9 @@ struct SIniFile : QSettings
     }
     QVariant Read(const SEntry &entry)
     {
-        QVariant read = value(entry.strArea + QLatin1Char('/') + entry.strKey);
-        read.convert(entry.vDefault.userType());
-        return read;
+        const QVariant read = value(entry.strArea + QLatin1Char('/') + entry.strKey);
+        const int type = entry.vDefault.userType();
+        return type == QMetaType::Bool ? read.toBool() : type == QMetaType::Int ? read.toInt() : read;
     }
     void Write(const SEntry &entry, const QVariant &written)
     {

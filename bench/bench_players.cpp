@@ -105,7 +105,7 @@ int MakeBarePlayers(TPlayers<CBarePlayer> &bare, int players)
         player->m_strNickname = Nickname(i);
         bare.insert(player->m_strNickname, player);
     }
-    return bare.size();
+    return int(bare.size());
 }
 
 int MakeLivePlayers(int players)

@@ -23,7 +23,7 @@ const char PAYLOAD[PAYLOAD_BYTES + 1] = "TBLEa record of a table.";
 class CCountingPlugin : public CStubPlugin
 {
 public:
-    void ReceiveEvent(CEvent e) override { iBytes = e.data.size(); }
+    void ReceiveEvent(CEvent e) override { iBytes = int(e.data.size()); }
     int iBytes = 0;
 };
 
@@ -33,7 +33,7 @@ class CBarePlugin : public QObject
     Q_OBJECT
 
 public:
-    virtual void ReceiveEvent(CEvent e) { iBytes = e.data.size(); }
+    virtual void ReceiveEvent(CEvent e) { iBytes = int(e.data.size()); }
     int iBytes = 0;
 
 Q_SIGNALS:

@@ -142,7 +142,7 @@ void CountOpens(const QString &side)
     }
     Require(data.size() >= 6, "the trace of the files");
     Bench::Count("files_opened", opens);
-    Bench::Count("data_files_opened_again", data.size() - QSet<QString>(data.cbegin(), data.cend()).size());
+    Bench::Count("data_files_opened_again", double(data.size() - QSet<QString>(data.cbegin(), data.cend()).size()));
 }
 
 void AddSide(Bench::SRow<QString> row, const char *name)

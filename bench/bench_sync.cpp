@@ -77,7 +77,7 @@ void AddBuildRow(CFile &file)
 void TakeInByHand(CFile &file, const QByteArray &answer)
 {
     const QVariantMap map = QJsonDocument::fromJson(answer).object().toVariantMap();
-    const auto notes = map.value(INFOS).toList().size();
+    const int notes = int(map.value(INFOS).toList().size());
     file.Run("BEGIN");
     file.Write(notes, TIME_WRITTEN);
     file.Run("COMMIT");

@@ -163,7 +163,7 @@ QStringList SelectThroughSQLite()
     const QStringList found = FindAll([select](const SKey &key) {
         const QByteArray lowerKey = key.abKey.toLower();
         sqlite3_reset(select);
-        sqlite3_bind_text(select, 1, lowerKey.constData(), lowerKey.size(), SQLITE_TRANSIENT);
+        sqlite3_bind_text(select, 1, lowerKey.constData(), int(lowerKey.size()), SQLITE_TRANSIENT);
         Require(sqlite3_step(select) == SQLITE_ROW, "a text's row");
         return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(select, 0)));
     });

@@ -1,7 +1,7 @@
 # Four Debian packages, made by `cpack` in the build folder: the library, its development files, the tool for
 # operators, and the example. Each is a component of the installation.
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME plugininterface)
+set(CPACK_PACKAGE_NAME ${PLUGININTERFACE_NAME})
 set(CPACK_PACKAGE_CONTACT "Maintainers of plugininterface <maintainers@users.noreply.c-seed-65f3c664.example>")
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -19,8 +19,12 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/src") # w
 
 # The dependency of packages that link the library, and the update of the linker's cache.
 set(soname_version ${PROJECT_VERSION_MAJOR})
+set(library_package lib${PLUGININTERFACE_NAME}${soname_version})
+if(PLUGININTERFACE_NAME MATCHES "[0-9]$")
+    set(library_package lib${PLUGININTERFACE_NAME}-${soname_version})
+endif()
 file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/packages/shlibs"
-    CONTENT "libplugininterface ${soname_version} libplugininterface${soname_version} (>= ${PROJECT_VERSION})\n")
+    CONTENT "lib${PLUGININTERFACE_NAME} ${soname_version} ${library_package} (>= ${PROJECT_VERSION})\n")
 file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/packages/triggers" CONTENT "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
     "${PROJECT_BINARY_DIR}/packages/shlibs" "${PROJECT_BINARY_DIR}/packages/triggers")
@@ -47,28 +51,41 @@ macro(debian_package component)
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${DEB_NAME}" COMPONENT ${component} EXCLUDE_FROM_ALL)
 endmacro()
 
-set(same_library "libplugininterface${soname_version} (= ${PROJECT_VERSION})")
-debian_package(library NAME libplugininterface${soname_version} SECTION libs
+# What Qt loads by itself.
+if(QT_VERSION_MAJOR EQUAL 5)
+    set(qt_plugins libqt5sql5-sqlite libqt5multimedia5-plugins)
+    set(qt_headers "qtbase5-dev (>= ${PLUGININTERFACE_QT_MINIMUM})")
+    set(qml_modules qml-module-qtquick-controls2 qml-module-qtquick-layouts qml-module-qtquick-window2
+        qml-module-qtquick2)
+else()
+    set(qt_plugins libqt6sql6-sqlite) # those of QtMultimedia come with it
+    set(qt_headers "qt6-base-dev (>= ${PLUGININTERFACE_QT_MINIMUM})")
+    set(qml_modules qml6-module-qtqml-models qml6-module-qtqml-workerscript qml6-module-qtquick
+        qml6-module-qtquick-controls qml6-module-qtquick-layouts qml6-module-qtquick-templates
+        qml6-module-qtquick-window)
+endif()
+
+set(same_library "${library_package} (= ${PROJECT_VERSION})")
+debian_package(library NAME ${library_package} SECTION libs
     SUMMARY "Shared core library of an online poker client"
     DESCRIPTION "A host program and its plugins load this one library together. It carries their"
                 "traffic, keeps settings and local data, and holds the models and texts that"
                 "the views show."
-    DEPENDS libqt5sql5-sqlite libqt5multimedia5-plugins)
-debian_package(development NAME libplugininterface-dev SECTION libdevel
+    DEPENDS ${qt_plugins})
+debian_package(development NAME lib${PLUGININTERFACE_NAME}-dev SECTION libdevel
     SUMMARY "Development files of an online poker client's core library"
     DESCRIPTION "Headers, the CMake package, the pkg-config file and the description of the"
                 "QML types, for those who write hosts and plugins."
-    DEPENDS "${same_library}" "qtbase5-dev (>= 5.15)")
-debian_package(tools NAME plugininterface-tools SECTION utils
+    DEPENDS "${same_library}" "${qt_headers}")
+debian_package(tools NAME ${PLUGININTERFACE_NAME}-tools SECTION utils
     SUMMARY "Makes the data files of an online poker client's installation"
     DESCRIPTION "For operators and translators: builds, checks and dumps the configuration and"
                 "the catalogue of texts that a client reads."
     DEPENDS "${same_library}")
-debian_package(example NAME plugininterface-example SECTION misc
+debian_package(example NAME ${PLUGININTERFACE_NAME}-example SECTION misc
     SUMMARY "Example of an online poker client with its plugins and servers"
     DESCRIPTION "A host with a lobby, tables and notes, a game server and a web server, to try"
                 "out and to start a client from."
-    DEPENDS "${same_library}" gstreamer1.0-plugins-good qml-module-qtquick-controls2 qml-module-qtquick-layouts
-            qml-module-qtquick-window2 qml-module-qtquick2)
+    DEPENDS "${same_library}" gstreamer1.0-plugins-good ${qml_modules})
 
 include(CPack)

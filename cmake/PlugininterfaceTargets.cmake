@@ -7,7 +7,7 @@ include(GNUInstallDirs)
 # The installation tree that the build creates for the example client, in the layout that Pathes describes.
 set(PLUGININTERFACE_INSTALLATION_DIR "${PROJECT_BINARY_DIR}/installation/Contents")
 # The folder into which it is installed, together with the servers.
-set(PLUGININTERFACE_EXAMPLE_DIR "${CMAKE_INSTALL_LIBDIR}/plugininterface-example")
+set(PLUGININTERFACE_EXAMPLE_DIR "${CMAKE_INSTALL_LIBDIR}/plugininterface-example${PLUGININTERFACE_SUFFIX}")
 
 macro(_plugininterface_parse function options single multi)
     cmake_parse_arguments(ARG "${options}" "${single}" "${multi}" ${ARGN})
@@ -146,7 +146,7 @@ function(plugininterface_test name)
     target_compile_options(${name} PRIVATE
         $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-gnu-zero-variadic-macro-arguments>)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
-    target_link_libraries(${name} PRIVATE plugininterface::plugininterface Qt5::Test ${ARG_LIBRARIES})
+    target_link_libraries(${name} PRIVATE plugininterface::plugininterface Qt${QT_VERSION_MAJOR}::Test ${ARG_LIBRARIES})
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"

@@ -2,10 +2,12 @@
 
 say() { printf '\n== %s\n' "$*"; }
 
-# Installs the missing ones of the Debian packages in cmake/packages.txt.
+# install_packages [LIST...]: installs the missing ones of the Debian packages in cmake/packages.txt, and in
+# cmake/packages-LIST.txt.
 install_packages() {
-    local missing=() package as_root=()
-    for package in $(grep -v '^#' cmake/packages.txt); do
+    local missing=() package list lists=(cmake/packages.txt) as_root=()
+    for list in "$@"; do lists+=("cmake/packages-$list.txt"); done
+    for package in $(grep -hv '^#' "${lists[@]}"); do
         dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return

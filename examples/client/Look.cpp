@@ -59,3 +59,10 @@ void Look::Follow(QObject *owner)
     QObject::connect(CSettings::GetInstance(), &CSettings::signal_ThemeGeneralChanged, owner, &Apply);
     Apply();
 }
+
+void Look::FollowScreens()
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+#endif
+}

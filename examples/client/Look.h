@@ -11,4 +11,8 @@ enum EColours { CO_LIGHT, CO_DARK };
 /// setting changes while \a owner exists.
 void Follow(QObject *owner);
 
+/// Makes windows as large on a screen of a higher density, which Qt 6 does by itself. Call it before the application
+/// is constructed.
+void FollowScreens();
+
 } // namespace Look

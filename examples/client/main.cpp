@@ -1,4 +1,5 @@
 #include "Client.h"
+#include "Look.h"
 
 #include <plugin/GlobalDefines.h>
 
@@ -9,7 +10,7 @@
 
 int main(int argc, char *argv[])
 {
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    Look::FollowScreens();
     const QApplication application(argc, argv);
     const QCommandLineOption server(QStringLiteral("server"), QStringLiteral("Address of the game server."),
                                     QStringLiteral("host:port"), QStringLiteral("127.0.0.1:17171"));

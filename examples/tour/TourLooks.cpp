@@ -26,7 +26,7 @@ constexpr int MANY_WIDGETS = 200;    // more than the window has
 QChar GetMnemonic(const QString &text)
 {
     const QKeySequence keys = QKeySequence::mnemonic(text);
-    return keys.isEmpty() ? QChar() : QChar(ushort(keys[0] & 0xff)).toLower();
+    return keys.isEmpty() ? QChar() : keys.toString().back().toLower(); // Alt+X
 }
 
 // The first entry of the bar or a menu that no key leads to, or that shares its letter with another one.

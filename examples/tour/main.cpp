@@ -2,6 +2,7 @@
 #include "WatchedApplication.h"
 
 #include <client/Client.h>
+#include <client/Look.h>
 #include <plugin/GlobalDefines.h>
 
 #include <QCommandLineParser>
@@ -51,7 +52,7 @@ bool ReadOptions(const QApplication &application, STourOptions &options)
 
 int main(int argc, char *argv[])
 {
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    Look::FollowScreens();
     CWatchedApplication application(argc, argv);
     STourOptions options;
     if (!ReadOptions(application, options)) {

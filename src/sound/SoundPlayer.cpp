@@ -2,10 +2,10 @@
 
 #include <Singleton_p.h>
 #include <settings/Settings.h>
+#include <sound/SoundQueue_p.h>
 
 #include <QFileInfo>
 #include <QMediaPlayer>
-#include <QMediaPlaylist>
 #include <QUrl>
 
 #include <algorithm>
@@ -14,16 +14,15 @@ QHash<QString, QSharedPointer<CSoundPlayer>> CSoundPlayer::m_Instances;
 
 CSoundPlayer::CSoundPlayer(const QString &name)
     : m_pPlayer(new QMediaPlayer(this))
-    , m_pPlaylist(new QMediaPlaylist)
+    , m_pQueue(new CSoundQueue(m_pPlayer))
     , m_strName(name)
 {
     SetVolume(static_cast<unsigned char>(CSettings::GetInstance()->GetVolume()));
-    m_pPlayer->setPlaylist(m_pPlaylist);
 }
 
 CSoundPlayer::~CSoundPlayer()
 {
-    m_pPlaylist->deleteLater();
+    delete m_pQueue;
 }
 
 CSoundPlayer *CSoundPlayer::GetInstance(QString name)
@@ -73,7 +72,7 @@ void CSoundPlayer::SetVolumeForAllChannels(unsigned char volume)
 
 void CSoundPlayer::SetVolume(unsigned char volume)
 {
-    m_pPlayer->setVolume(volume);
+    m_pQueue->SetVolume(volume);
 }
 
 void CSoundPlayer::PlaySoundInstant(const QString &file)
@@ -85,17 +84,14 @@ void CSoundPlayer::PlaySoundInstant(const QString &file)
 void CSoundPlayer::PlaySoundQueued(const QString &file)
 {
     // Otherwise the sounds of a queue that has ended would be played again.
-    if (m_pPlayer->state() != QMediaPlayer::PlayingState)
+    if (!m_pQueue->IsPlaying())
         StopPlaying();
     if (file.isEmpty() || file.startsWith(QLatin1Char(':')) || !QFileInfo::exists(file))
         return;
-    m_pPlaylist->addMedia(QUrl::fromLocalFile(QFileInfo(file).absoluteFilePath()));
-    if (m_pPlayer->state() != QMediaPlayer::PlayingState)
-        m_pPlayer->play();
+    m_pQueue->Add(QUrl::fromLocalFile(QFileInfo(file).absoluteFilePath()));
 }
 
 void CSoundPlayer::StopPlaying()
 {
-    m_pPlayer->stop();
-    m_pPlaylist->clear();
+    m_pQueue->Stop();
 }

@@ -7,8 +7,8 @@
 #include <QSharedPointer>
 #include <QString>
 
+class CSoundQueue;
 class QMediaPlayer;
-class QMediaPlaylist;
 
 /// A channel that plays one sound at a time and queues the others. Channels play independently of each other.
 ///
@@ -51,8 +51,8 @@ public:
     void StopPlaying();
 
 private:
-    QMediaPlayer *m_pPlayer;     // child
-    QMediaPlaylist *m_pPlaylist; // without a parent, owned
+    QMediaPlayer *m_pPlayer; // child
+    CSoundQueue *m_pQueue;   // without a parent, owned
     QString m_strName;
 
     static QHash<QString, QSharedPointer<CSoundPlayer>> m_Instances;

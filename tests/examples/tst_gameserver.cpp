@@ -132,7 +132,7 @@ private Q_SLOTS:
         QCOMPARE(players.size(), COUNT);
         QVERIFY(players.contains(1002));
         SPlayerCounts counts;
-        for (int changed = 0; changed < COUNT; changed += counts.counts.size()) {
+        for (int changed = 0; changed < COUNT; changed += int(counts.counts.size())) {
             counts.counts.clear();
             QVERIFY(Payload::Decode(client.ReadRecord(), counts));
             for (const SPlayerCount &count : qAsConst(counts.counts))

@@ -136,7 +136,7 @@ private Q_SLOTS:
         connect(model, &QAbstractItemModel::rowsRemoved, &context, [&](const QModelIndex &, int first, int last) {
             known.erase(known.begin() + first, known.begin() + last + 1);
         });
-        connect(model, &QAbstractItemModel::layoutChanged, &context, [&] { read(0, known.size() - 1); });
+        connect(model, &QAbstractItemModel::layoutChanged, &context, [&] { read(0, int(known.size()) - 1); });
         connect(model, &QAbstractItemModel::dataChanged, &context,
                 [&](const QModelIndex &first, const QModelIndex &last) { read(first.row(), last.row()); });
         QMap<quint32, STable> tables;

@@ -7,6 +7,8 @@ endfunction()
 function(configure_consumer dir)
     run("${CMAKE_COMMAND}" -S "${CONSUMER_DIR}" -B "${dir}" -G "${GENERATOR}"
         -D "CMAKE_BUILD_TYPE=${BUILD_TYPE}"
+        -D "CONSUMER_PACKAGE=${NAME}"
+        -D "PLUGININTERFACE_QT=${QT_MAJOR}"
         -D "CMAKE_CXX_COMPILER=${CXX_COMPILER}"
         -D "CMAKE_CXX_COMPILER_LAUNCHER=${CXX_COMPILER_LAUNCHER}"
         -D "CMAKE_CXX_FLAGS=${CXX_FLAGS}"

@@ -251,7 +251,7 @@ private Q_SLOTS:
         QTEST(model->GetCustomAvatar(), "now");
         QTRY_VERIFY(!model->findChild<CDownload *>());
         QCOMPARE(model->GetCustomAvatar(), end);
-        QTEST(changed.size(), "signals");
+        QTEST(int(changed.size()), "signals");
         m_requests.removeDuplicates(); // a change of the own setting comes back and asks too
         QTEST(m_requests.join(QLatin1Char(' ')), "requests");
         QCOMPARE(ReadFile(Pathes::CustomAvatar(12345)) == PICTURE, end == 12345);

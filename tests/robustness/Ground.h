@@ -85,7 +85,7 @@ public:
             return request;
         const std::shared_ptr<QTcpSocket> socket(m_server.nextPendingConnection());
         QByteArray data;
-        int header = 0;
+        QByteArray::size_type header = 0;
         int size = 0;
         do {
             if (!socket->waitForReadyRead(ARRIVAL_MS))

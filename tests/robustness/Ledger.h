@@ -39,7 +39,7 @@ public:
         SRow &to = m_rows[row];
         to.heard[machine] |= 1;
         to.choices.append({machine, time, after, to.heard[machine]});
-        to.heard[machine] |= Bit(to.choices.size());
+        to.heard[machine] |= Bit(int(to.choices.size()));
     }
 
     /// A machine has stored it for a user who hasn't chosen anything there. It counts as a choice that makes no other
@@ -50,7 +50,7 @@ public:
         if (to.choices.size() >= MOST_CHOICES)
             return;
         to.choices.append({machine, time, content, 0, true});
-        to.heard[machine] |= Bit(to.choices.size());
+        to.heard[machine] |= Bit(int(to.choices.size()));
     }
 
     /// A machine's file holds it.

@@ -23,7 +23,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QLibraryInfo>
 #include <QSocketNotifier>
 #include <QTimer>
 
@@ -138,7 +137,7 @@ QString GetUser()
 
 int CountListed(CPlayerModel *player)
 {
-    return CPlayerLists::GetInstance()->GetBuddyList()->count(player);
+    return int(CPlayerLists::GetInstance()->GetBuddyList()->count(player));
 }
 
 // Who is listed twice has a flag that nobody sets.
@@ -433,8 +432,9 @@ int main(int count, char **arguments)
         return 1;
     isMainThread = true;
     setenv("QT_NO_GLIB", "1", 1); // whose loop has a clock of its own
-    const QString driver = QLibraryInfo::location(QLibraryInfo::PluginsPath) + "/sqldrivers/libqsqlite.so"_s;
-    dlopen(QFile::encodeName(driver).constData(), RTLD_NOW); // once, if it is there
+    const QStringList plugins = QCoreApplication::libraryPaths();
+    for (const QString &folder : plugins) // once, if it is there
+        dlopen(QFile::encodeName(folder + "/sqldrivers/libqsqlite.so"_s).constData(), RTLD_NOW);
     std::signal(SIGCHLD, SIG_IGN);
     std::string folder, name;
     while (std::cin >> folder >> name) {
