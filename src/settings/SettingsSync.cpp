@@ -313,12 +313,14 @@ void CSettingsSync::StampLaterChanges(quint64 known)
     CSettings::GetInstance()->StampAnew(m_changes->GetLaterSettings(user, known), m_ulServerSettingsTime);
 }
 
-// Returns whether the file already has a later change by the user. A change that still waits will be written over the
-// answer's row; until then the row is stored, or nothing would be left of it if the program were killed.
+// Returns whether the file already has a later change by the user. A change that still waits, or is kept from an
+// earlier login, will be written over the answer's row; until then the row is stored, or nothing would be left of it
+// if the program were killed.
 bool CSettingsSync::IsStoredLater(const QString &user, const QString &nick, quint64 known) const
 {
-    return m_changes->IsPlayerLater(user, nick, known) &&
-           !(CPlayerModel::IsExisting(nick) && CPlayerSaves::Get()->IsWaiting(CPlayerModel::GetInstance(nick)));
+    const CPlayerSaves *saves = CPlayerSaves::Get();
+    return m_changes->IsPlayerLater(user, nick, known) && !saves->IsKept(user, nick) &&
+           !(CPlayerModel::IsExisting(nick) && saves->IsWaiting(CPlayerModel::GetInstance(nick)));
 }
 
 // Stores all or none. What isn't stored now comes with the next exchange, because the newest local time stays the
