@@ -233,14 +233,13 @@ bool CSyncStore::Confirm(const SPlace &place, qint64 offer)
                        " WHERE other.HLD_cList = tbl_held.HLD_cList AND other.HLD_cMachine = tbl_held.HLD_cMachine"
                        " AND other.HLD_cKey = tbl_held.HLD_cKey AND other.HLD_iOffer = ?))");
     TQuery query;
-    return !place.bStampedAnew ||
-           (Run(query,
-                QStringLiteral("DELETE FROM tbl_held") + ofMachine + QStringLiteral(" AND HLD_iOffer < ?") + inOffer,
-                {place.strList, place.strMachine, offer, offer, offer}) &&
-            Run(query,
-                QStringLiteral("UPDATE tbl_held SET HLD_bEmpty = 0") + ofMachine + QStringLiteral(" AND HLD_bEmpty") +
-                    inOffer,
-                {place.strList, place.strMachine, offer, offer}));
+    return Run(query,
+               QStringLiteral("DELETE FROM tbl_held") + ofMachine + QStringLiteral(" AND HLD_iOffer < ?") + inOffer,
+               {place.strList, place.strMachine, offer, offer, offer}) &&
+           Run(query,
+               QStringLiteral("UPDATE tbl_held SET HLD_bEmpty = 0") + ofMachine + QStringLiteral(" AND HLD_bEmpty") +
+                   inOffer,
+               {place.strList, place.strMachine, offer, offer});
 }
 
 // Each statement once, for it takes longer to prepare than to run.

@@ -11,7 +11,6 @@
 #include <QPointer>
 #include <QSqlQuery>
 
-#include <algorithm>
 #include <limits>
 #include <optional>
 
@@ -168,13 +167,6 @@ QList<CPlayerSaves::SKept> CPlayerSaves::GetKept(const QString &user) const
             rows.append(entry);
     }
     return rows;
-}
-
-bool CPlayerSaves::IsKept(const QString &user, const QString &nickname) const
-{
-    return std::any_of(m_kept.cbegin(), m_kept.cend(), [&](const SKept &entry) {
-        return entry.row.at(1) == nickname && entry.row.constFirst() == user;
-    });
 }
 
 // Returns false if the rows can't be written.

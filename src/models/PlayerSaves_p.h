@@ -73,8 +73,6 @@ public:
     };
     /// Returns the kept rows of the user, oldest first.
     QList<SKept> GetKept(const QString &user) const;
-    /// Returns whether a row of the player \a nickname is kept for the user.
-    bool IsKept(const QString &user, const QString &nickname) const;
 
 private:
     struct SSave

@@ -14,6 +14,7 @@
 #include <settings/Settings.h>
 
 #include <QJsonDocument>
+#include <QSet>
 #include <QVariantMap>
 
 #include <limits>
@@ -313,14 +314,12 @@ void CSettingsSync::StampLaterChanges(quint64 known)
     CSettings::GetInstance()->StampAnew(m_changes->GetLaterSettings(user, known), m_ulServerSettingsTime);
 }
 
-// Returns whether the file already has a later change by the user. A change that still waits, or is kept from an
-// earlier login, will be written over the answer's row; until then the row is stored, or nothing would be left of it
-// if the program were killed.
+// Returns whether the file already has a later change by the user. A change that still waits will be written over the
+// answer's row; until then the row is stored, or nothing would be left of it if the program were killed.
 bool CSettingsSync::IsStoredLater(const QString &user, const QString &nick, quint64 known) const
 {
-    const CPlayerSaves *saves = CPlayerSaves::Get();
-    return m_changes->IsPlayerLater(user, nick, known) && !saves->IsKept(user, nick) &&
-           !(CPlayerModel::IsExisting(nick) && saves->IsWaiting(CPlayerModel::GetInstance(nick)));
+    return m_changes->IsPlayerLater(user, nick, known) &&
+           !(CPlayerModel::IsExisting(nick) && CPlayerSaves::Get()->IsWaiting(CPlayerModel::GetInstance(nick)));
 }
 
 // Stores all or none. What isn't stored now comes with the next exchange, because the newest local time stays the
@@ -332,12 +331,16 @@ void CSettingsSync::StorePlayerInfos(const QString &nickname, const QJsonArray &
     CTransaction transaction(*CPlayerInfoDB::GetInstance());
     if (!transaction.IsBegun())
         return;
+    QSet<QString> kept; // what an earlier login couldn't write; like a change that waits, it will be
+    const QList<CPlayerSaves::SKept> entries = CPlayerSaves::Get()->GetKept(nickname);
+    for (const CPlayerSaves::SKept &entry : entries)
+        kept.insert(entry.row.at(1).toString());
     {
         PlayerInfo::CInserter inserter(overtaken ? PlayerInfo::NotOlder : PlayerInfo::All);
         for (const QJsonValue &element : infos) {
             const QJsonObject info = element.toObject();
             const QString nick = info.value(JSON_NICK).toVariant().toString();
-            if (nick.isEmpty() || IsStoredLater(nickname, nick, known))
+            if (nick.isEmpty() || (!kept.contains(nick) && IsStoredLater(nickname, nick, known)))
                 continue;
             const bool written = inserter.Insert({nickname, nick, info.value(JSON_NOTE).toVariant().toString(),
                                                   static_cast<unsigned int>(ToInt(info.value(JSON_TAG))),
