@@ -86,7 +86,7 @@ QStringList FindProblems()
     const char *forgetful = "Qt's SQLite driver isn't installed: texts are shown by their names, and what you do now "
                             "will be forgotten.";
     QStringList problems;
-    if (!HasQtPlugins(QStringLiteral("mediaservice")))
+    if (!HasQtPlugins(QStringLiteral("mediaservice")) && !HasQtPlugins(QStringLiteral("multimedia"))) // 5, and 6
         problems.append(GetText("PROBLEM_SOUND", silent));
     if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QSQLITE")))
         return problems << QString::fromLatin1(forgetful);

@@ -49,7 +49,6 @@ bool CSoundQueue::IsPlaying() const
 CSoundQueue::CSoundQueue(QMediaPlayer *player)
     : m_pPlayer(player)
 {
-    m_pPlayer->setAudioOutput(new QAudioOutput(m_pPlayer));
     const auto follow = [this](QMediaPlayer::MediaStatus status) {
         if (status == QMediaPlayer::EndOfMedia || status == QMediaPlayer::InvalidMedia)
             PlayNext();
@@ -62,11 +61,18 @@ CSoundQueue::~CSoundQueue() = default;
 
 void CSoundQueue::SetVolume(int volume)
 {
-    m_pPlayer->audioOutput()->setVolume(static_cast<float>(qMin(volume, 100)) / 100);
+    m_fVolume = static_cast<float>(qMin(volume, 100)) / 100;
+    if (QAudioOutput *output = m_pPlayer->audioOutput())
+        output->setVolume(m_fVolume);
 }
 
 void CSoundQueue::Add(const QUrl &file)
 {
+    if (!m_pPlayer->audioOutput()) {
+        auto *output = new QAudioOutput(m_pPlayer);
+        output->setVolume(m_fVolume);
+        m_pPlayer->setAudioOutput(output);
+    }
     m_waiting.append(file);
     if (!IsPlaying())
         PlayNext();

@@ -37,5 +37,6 @@ private:
     void PlayNext();
 
     QList<QUrl> m_waiting; // the current one is the player's
+    float m_fVolume = 1;   // until there is an output, which looks for a sound server: not before the first sound
 #endif
 };

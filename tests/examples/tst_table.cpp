@@ -32,6 +32,7 @@ private Q_SLOTS:
         QWidget lobby;
         CUserInfo::GetInstance()->SetLoggedIn("Magnolia"_s);
         CSettings::GetInstance()->SetDisableTablePopup(true); // the test has no front to bring a window to
+        CSettings::GetInstance()->SetSoundsEnabled(false);    // and no sound server
         QTest::ignoreMessage(QtWarningMsg, "This plugin does not support propagateSizeHints()");
         for (QWidget *widget : {static_cast<QWidget *>(nullptr), &lobby, &lobby}) // null as of a game server
             deliver("SEATGIVN", Payload::Encode(LobbyProtocol::STable{7, "Aare"_s}), widget);
