@@ -10,9 +10,11 @@
 #include <settings/Settings.h>
 
 #include <QEvent>
+#include <QMetaEnum>
 #include <QQmlComponent>
 #include <QQmlContext>
 #include <QQmlError>
+#include <QQmlProperty>
 #include <QQuickItem>
 #include <QQuickStyle>
 #include <QQuickWidget>
@@ -26,9 +28,16 @@ namespace {
 
 const QString BACKEND = QStringLiteral("software"); // needs no OpenGL, which lists don't need
 const QString STYLE = QStringLiteral("Fusion");     // uses the palette
-const QByteArray IMPORTS("import QtQuick 2.15; import QtQuick.Layouts 1.15; import QtQuick.Controls 2.15; ");
-// The types that the QML files consist of and that take long to load.
-constexpr const char *PIECES[] = {"Item {}", "Pane {}", "TextField {}", "ComboBox {}", "ScrollBar {}"};
+// The modules and types that the QML files consist of and that take long to load.
+constexpr const char *PIECES[] = {
+    "import QtQuick 2.15; Item {}",
+    "import QtQuick 2.15; import QtQuick.Layouts 1.15; Item {}",
+    "import QtQuick.Templates 2.15; Pane {}",
+    "import QtQuick.Controls 2.15; Pane {}",
+    "import QtQuick.Controls 2.15; TextField {}",
+    "import QtQuick.Controls 2.15; ComboBox {}",
+    "import QtQuick.Controls 2.15; ScrollBar {}",
+};
 
 } // namespace
 
@@ -68,7 +77,14 @@ private:
     void TakePalette()
     {
         setClearColor(palette().color(QPalette::Window));
-        rootObject()->setProperty("palette", palette());
+        // Each by its name, because the palette is a value in Qt 5, and an object in Qt 6.
+        const auto roles = QMetaEnum::fromType<QPalette::ColorRole>();
+        for (int i = 0; i < roles.keyCount(); ++i) {
+            QString name = QString::fromLatin1(roles.key(i));
+            name[0] = name.at(0).toLower();
+            QQmlProperty(rootObject(), QStringLiteral("palette.") + name)
+                .write(palette().color(static_cast<QPalette::ColorRole>(roles.value(i))));
+        }
     }
 };
 
@@ -130,7 +146,7 @@ void CQuickView::OnLobbyTypeChanged()
 void CQuickView::Read(int piece)
 {
     if (piece < int(std::size(PIECES))) {
-        QQmlComponent(m_pQuick->engine()).setData(IMPORTS + PIECES[piece], QUrl());
+        QQmlComponent(m_pQuick->engine()).setData(PIECES[piece], QUrl());
         QTimer::singleShot(0, m_pQuick, [this, piece] { Read(piece + 1); });
         return;
     }

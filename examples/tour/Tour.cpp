@@ -193,6 +193,7 @@ void CTour::ShowStart()
             m_host.GetPluginManager().GetPlugins().constFirst()->OpenWebPage(WebLinks::Faq, false);
         },
         [] { return CWatchedApplication::Get()->GetPage().toString(); });
+    QDesktopServices::unsetUrlHandler("https"_s);
     ChooseLanguage("English"_s, {});
     See("Without a game server the client waits"_s, [this] { return SeeState(EConnectionState::Reconnecting); });
 }

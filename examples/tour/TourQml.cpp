@@ -35,6 +35,10 @@ void CTour::ShowQml()
     Step("An option shows the same tables in QML"_s, switchLobby,
          [&] { return findView() && findView()->isVisible() ? seeTables() : QString(); });
     See("And the account's line"_s, [&] { return read("quickMoney", "text"); });
+    See("In the colours of the widgets"_s, [&] {
+        const auto colour = findView()->rootObject()->property("highlight").value<QColor>();
+        return colour == findView()->palette().color(QPalette::Highlight) ? colour.name() : QString();
+    });
     Step(
         "In the user's language at once"_s, [this] { ChooseEntry("languages", "Deutsch"_s); },
         [&] {

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QMetaEnum>
+#include <QThread>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -47,7 +48,7 @@ double NowMs(QEvent::Type type)
 
 bool CWatchedApplication::notify(QObject *receiver, QEvent *event)
 {
-    if (m_iDepth > 0)
+    if (QThread::currentThread() != thread() || m_iDepth > 0)
         return QApplication::notify(receiver, event);
     const QEvent::Type type = event->type(); // neither may be there afterwards
     const QString name =

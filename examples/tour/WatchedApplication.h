@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <QUrl>
 
-/// An application that measures how long it keeps the event loop from going on: the longest that any one event has
+/// An application that measures how long it keeps its event loop from going on: the longest that any one event has
 /// taken, with all that happened on its way. It doesn't count for how long the thread was ready to run and the
 /// machine had no processor for it, nor for how long what is painted waited for the display server.
 class CWatchedApplication : public QApplication

@@ -9,6 +9,13 @@ Pane {
     readonly property real rowHeight: Math.ceil(metrics.height * 1.4)
     readonly property var neededWidths: tables.textWidths.map(width => Math.ceil(width + 1.25 * metrics.height))
     readonly property real neededWidth: neededWidths.reduce((sum, width) => sum + width, 0)
+    // What each cell needs, looked up once.
+    readonly property real cellPadding: metrics.height / 4
+    readonly property color base: palette.base
+    readonly property color alternateBase: palette.alternateBase
+    readonly property color text: palette.text
+    readonly property color highlight: palette.highlight
+    readonly property color highlightedText: palette.highlightedText
     // Spare width is shared out equally.
     readonly property var widths: neededWidths.map(
         width => width + Math.max(0, Math.floor((list.width - neededWidth) / neededWidths.length)))
@@ -89,12 +96,27 @@ Pane {
             Layout.minimumWidth: root.neededWidth + 2 * border.width
             Layout.minimumHeight: 8 * root.rowHeight
 
+            // Rows appear a few at a time, because the texts of all of them would take longer than a frame.
+            Timer {
+                interval: 1
+                repeat: true
+                running: list.height < list.room && list.begunRows < list.rows + list.rowsAtOnce
+                onTriggered: list.begunRows += list.rowsAtOnce
+            }
+
             TableView {
                 id: list
                 objectName: "quickTables"
-                anchors.fill: parent
+                readonly property real room: frame.height - 2 * frame.border.width
+                readonly property int rowsAtOnce: 8
+                property int begunRows: 0
+                onRowsChanged: begunRows = Math.min(begunRows, rows + rowsAtOnce)
+                height: Math.min(room, begunRows * root.rowHeight)
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.top: parent.top
                 anchors.margins: frame.border.width
-                model: tables
+                model: tableRows
                 clip: true
                 opacity: tables.stale ? 0.5 : 1
                 boundsBehavior: Flickable.StopAtBounds
@@ -102,7 +124,7 @@ Pane {
                 columnWidthProvider: column => root.widths[column]
                 rowHeightProvider: () => root.rowHeight
                 ScrollBar.vertical: ScrollBar {}
-                Keys.onPressed: {
+                Keys.onPressed: event => {
                     const page = Math.floor(height / root.rowHeight)
                     const steps = {
                         [Qt.Key_Up]: -1, [Qt.Key_Down]: 1, [Qt.Key_PageUp]: -page, [Qt.Key_PageDown]: page,
@@ -117,22 +139,21 @@ Pane {
                     function rowAt(point) {
                         return Math.floor(list.contentItem.mapFromItem(null, 0, point.scenePosition.y).y / root.rowHeight)
                     }
-                    onTapped: { list.forceActiveFocus(); root.choose(rowAt(eventPoint)) }
-                    onDoubleTapped: if (rowAt(eventPoint) === tables.chosenRow) tables.AskForSeat()
+                    onTapped: eventPoint => { list.forceActiveFocus(); root.choose(rowAt(eventPoint)) }
+                    onDoubleTapped: eventPoint => { if (rowAt(eventPoint) === tables.chosenRow) tables.AskForSeat() }
                 }
                 delegate: Rectangle { // kept small, because there are many
                     readonly property bool isChosen: row === tables.chosenRow
-                    color: isChosen ? root.palette.highlight
-                                    : row % 2 ? root.palette.alternateBase : root.palette.base
+                    color: isChosen ? root.highlight : row % 2 ? root.alternateBase : root.base
                     Text {
-                        anchors.fill: parent
-                        anchors.leftMargin: metrics.height / 4
-                        anchors.rightMargin: anchors.leftMargin
+                        x: root.cellPadding
+                        width: parent.width - 2 * x
+                        height: parent.height
                         text: display
                         textFormat: Text.PlainText
                         elide: Text.ElideRight
                         font: root.font
-                        color: isChosen ? root.palette.highlightedText : root.palette.text
+                        color: parent.isChosen ? root.highlightedText : root.text
                         verticalAlignment: Text.AlignVCenter
                         horizontalAlignment: column < 3 ? Text.AlignLeft : Text.AlignRight
                     }

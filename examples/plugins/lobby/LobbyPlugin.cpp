@@ -1,6 +1,7 @@
 #include "LobbyPlugin.h"
 
 #include "LobbyView.h"
+#include "SteadyRows.h"
 
 #include <common/QuickView.h>
 #include <common/SeatEvent.h>
@@ -92,8 +93,11 @@ void CLobbyPlugin::ConnectionStateChanged(EConnectionState::type state)
 
 QWidget *CLobbyPlugin::CreateView(QWidget *parent)
 {
-    m_pView = new CQuickView(new CLobbyView(m_pTables), QUrl(QStringLiteral("qrc:/lobby/Lobby.qml")),
-                             {{QStringLiteral("tables"), QVariant::fromValue<QObject *>(m_pTables)}}, parent);
+    m_pView = new CQuickView(
+        new CLobbyView(m_pTables), QUrl(QStringLiteral("qrc:/lobby/Lobby.qml")),
+        {{QStringLiteral("tables"), QVariant::fromValue<QObject *>(m_pTables)},
+         {QStringLiteral("tableRows"), QVariant::fromValue<QObject *>(new CSteadyRows(m_pTables, m_pTables))}},
+        parent);
     Texts::Bind(m_pView.data(), &QWidget::setWindowTitle, "LOBBY_TITLE");
     AddMenu();
     return m_pView;
