@@ -1,6 +1,18 @@
 # Sourced by ./demo and ./test: installs missing packages and builds a preset. Both run in the project's folder.
 
-say() { printf '\n== %s\n' "$*"; }
+# say PART: tells what begins, and remembers how long the part before it took.
+times=()
+say() {
+    [ -z "${said-}" ] || times+=("$(printf '%5d s  %s' $((SECONDS - since)) "$said")")
+    said=$*
+    since=$SECONDS
+    printf '\n== %s\n' "$said"
+}
+
+say_times() {
+    say "All of it took $SECONDS s"
+    printf '%s\n' "${times[@]}"
+}
 
 # install_packages [LIST...]: installs the missing ones of the Debian packages in cmake/packages.txt, and in
 # cmake/packages-LIST.txt.

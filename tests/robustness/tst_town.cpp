@@ -13,6 +13,8 @@ namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int USUAL_TOWNS = 20;
+#elif QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+constexpr int USUAL_TOWNS = 50; // what matters is the same with Qt 5
 #else
 constexpr int USUAL_TOWNS = 500;
 #endif
