@@ -114,13 +114,16 @@ void CTour::ShowKeyboard()
     Step(
         "The Tab key leads through the window"_s,
         [&] {
+            m_window.activateWindow(); // the table's may be active
+            if (!QTest::qWaitForWindowActive(&m_window))
+                return;
             QTest::keyClick(&m_window, Qt::Key_F, Qt::ControlModifier);
             order = PressTabs(m_window);
         },
         [&] {
             m_strFault = order.join(QLatin1String(", "));
             const bool isSeen =
-                order.last() == QLatin1String("lobbyFilter") && order.contains(QLatin1String("lobbyType")) &&
+                order.endsWith("lobbyFilter"_s) && order.contains("lobbyType"_s) &&
                 order.indexOf(QLatin1String("lobbyType")) < order.indexOf(QLatin1String("lobbyTable"));
             return isSeen ? m_strFault : QString();
         });
