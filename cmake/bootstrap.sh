@@ -14,7 +14,7 @@ say_times() {
     printf '%s\n' "${times[@]}"
 }
 
-# install_packages [LIST...]: installs the missing ones of the Debian packages in cmake/packages.txt, and in
+# install_packages LIST...: installs the missing ones of the Debian packages in cmake/packages.txt, and in each
 # cmake/packages-LIST.txt.
 install_packages() {
     local missing=() package list lists=(cmake/packages.txt) as_root=()
@@ -30,11 +30,11 @@ install_packages() {
         >/dev/null
 }
 
-# build_preset NAME: configures and builds a preset.
+# build_preset NAME [TARGET]: configures and builds a preset, or a target of it.
 build_preset() {
     say "Building $1"
     cmake --preset "$1" >/dev/null
-    cmake --build --preset "$1"
+    cmake --build --preset "$1" ${2:+--target "$2"}
 }
 
 # take_tour PRESET: drives the example client, and saves screenshots in build/PRESET/tour.
