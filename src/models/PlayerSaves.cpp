@@ -16,23 +16,23 @@
 
 namespace {
 
-constexpr qint64 SAVE_DELAY_MS = 3000;
+constexpr qint64 PLAYER_SAVE_DELAY_MS = 3000;
 // How long one pass of the event loop may spend writing: well below a frame.
 constexpr qint64 SLICE_MS = 4;
 constexpr int ROWS_A_SLICE = 200;
 
-QPointer<CPlayerSaves> current;
+QPointer<CPlayerSaves> currentSaves;
 
 } // namespace
 
 CPlayerSaves *CPlayerSaves::Get()
 {
     CUserInfo *owner = CUserInfo::IsExisting() ? CUserInfo::GetInstance() : nullptr;
-    if (current && owner && current->parent() != owner)
-        delete current; // its CUserInfo is about to be deleted; the new one takes the later changes
-    if (!current && owner)
-        current = new CPlayerSaves(owner);
-    return current;
+    if (currentSaves && owner && currentSaves->parent() != owner)
+        delete currentSaves; // its CUserInfo is about to be deleted; the new one takes the later changes
+    if (!currentSaves && owner)
+        currentSaves = new CPlayerSaves(owner);
+    return currentSaves;
 }
 
 CPlayerSaves::CPlayerSaves(QObject *owner)
@@ -76,7 +76,7 @@ bool CPlayerSaves::IsStorable(const SSave &save)
 
 void CPlayerSaves::Restart(CPlayerModel *model, const QString &key, bool change)
 {
-    const qint64 due = m_clock.elapsed() + SAVE_DELAY_MS;
+    const qint64 due = m_clock.elapsed() + PLAYER_SAVE_DELAY_MS;
     const auto place = m_places.constFind(model);
     if (place != m_places.cend()) {
         m_waiting.splice(m_waiting.end(), m_waiting, *place);

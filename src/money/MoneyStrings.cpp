@@ -14,7 +14,7 @@ constexpr double RATE_UNIT = 10000.0;
 constexpr int MAX_BACK_STEPS = 10000;
 constexpr double MAX_MONEY = std::numeric_limits<unsigned int>::max();
 
-const QString CORE_AREA = QStringLiteral("CORE");
+const QString MONEY_TEXTS_AREA = QStringLiteral("CORE");
 
 bool IsChips(GlobalDefines::MoneyType type)
 {
@@ -23,7 +23,7 @@ bool IsChips(GlobalDefines::MoneyType type)
 
 QString Translated(const QString &key)
 {
-    return CTranslation::GetInstance()->GetTranslatedString(key, CORE_AREA, -1);
+    return CTranslation::GetInstance()->GetTranslatedString(key, MONEY_TEXTS_AREA, -1);
 }
 
 // Returns the number in decimal, padded with zeros to at least \a digits digits.
@@ -164,7 +164,7 @@ bool Globals::MoneyFromString(GlobalDefines::MoneyType type, QString &text, unsi
     if (errorKey)
         *errorKey = QStringLiteral("INTEGRAL_NUMBER");
     if (errorArea)
-        *errorArea = CORE_AREA;
+        *errorArea = MONEY_TEXTS_AREA;
     return false;
 }
 

@@ -2,24 +2,24 @@
 
 namespace {
 
-CLocalChanges *current = nullptr;
+CLocalChanges *currentChanges = nullptr;
 
 } // namespace
 
 CLocalChanges::CLocalChanges()
 {
-    current = this;
+    currentChanges = this;
 }
 
 CLocalChanges::~CLocalChanges()
 {
-    if (current == this)
-        current = nullptr;
+    if (currentChanges == this)
+        currentChanges = nullptr;
 }
 
 CLocalChanges *CLocalChanges::Get()
 {
-    return current;
+    return currentChanges;
 }
 
 void CLocalChanges::AddSetting(const QString &user, const QString &key)

@@ -18,14 +18,16 @@
 
 namespace {
 
-const QString COLUMN_USER = QStringLiteral("PIN_cUser");
-const QString COLUMN_PLAYER = QStringLiteral("PIN_cPlayer");
-const QString COLUMN_NOTE = QStringLiteral("PIN_cNote");
-const QString COLUMN_TAG = QStringLiteral("PIN_iTagID");
-const QString COLUMN_FLAGS = QStringLiteral("PIN_iPlayerFlags");
-const QString COLUMN_RATING = QStringLiteral("PIN_iRating");
-const QString COLUMN_AVATAR = QStringLiteral("PIN_iCustomAvatar");
-const QString COLUMN_TIMESTAMP = QStringLiteral("PIN_iTimestamp");
+using PlayerInfo::GetUser;
+
+const QString PIN_USER = QStringLiteral("PIN_cUser");
+const QString PIN_PLAYER = QStringLiteral("PIN_cPlayer");
+const QString PIN_NOTE = QStringLiteral("PIN_cNote");
+const QString PIN_TAG = QStringLiteral("PIN_iTagID");
+const QString PIN_FLAGS = QStringLiteral("PIN_iPlayerFlags");
+const QString PIN_RATING = QStringLiteral("PIN_iRating");
+const QString PIN_AVATAR = QStringLiteral("PIN_iCustomAvatar");
+const QString PIN_TIMESTAMP = QStringLiteral("PIN_iTimestamp");
 
 constexpr unsigned int FLAG_BUDDY = 1;
 constexpr unsigned int FLAG_BUDDY_BLOCKED = 4;
@@ -43,13 +45,8 @@ struct SLoaded
 };
 
 // The columns that are written, in the order of CSaver::GetRow(): user and player first, the time last.
-const QStringList SAVED_COLUMNS{COLUMN_USER,  COLUMN_PLAYER, COLUMN_NOTE,   COLUMN_TAG,
-                                COLUMN_FLAGS, COLUMN_RATING, COLUMN_AVATAR, COLUMN_TIMESTAMP};
-
-QString GetUser()
-{
-    return CUserInfo::GetInstance()->GetNickname();
-}
+const QStringList SAVED_COLUMNS{PIN_USER,  PIN_PLAYER, PIN_NOTE,   PIN_TAG,
+                                PIN_FLAGS, PIN_RATING, PIN_AVATAR, PIN_TIMESTAMP};
 
 unsigned int ToNumber(const QVariant &stored)
 {
@@ -87,14 +84,14 @@ QSqlQuery PrepareUpsert(const QStringList &columns, PlayerInfo::ERows rows = Pla
         values.append(QStringLiteral("?"));
     QStringList updates;
     const bool own = rows == PlayerInfo::OwnFields;
-    for (const QString &column : own ? QStringList{COLUMN_RATING, COLUMN_AVATAR} : columns.mid(2))
+    for (const QString &column : own ? QStringList{PIN_RATING, PIN_AVATAR} : columns.mid(2))
         updates.append(column + QLatin1String(" = excluded.") + column);
     QString sql = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3) ON CONFLICT (%4, %5) DO UPDATE SET %6")
                       .arg(CPlayerInfoDB::strTableNameInfo, columns.join(QLatin1Char(',')),
-                           values.join(QLatin1Char(',')), COLUMN_USER, COLUMN_PLAYER, updates.join(QLatin1Char(',')));
+                           values.join(QLatin1Char(',')), PIN_USER, PIN_PLAYER, updates.join(QLatin1Char(',')));
     if (rows == PlayerInfo::NotOlder)
         sql += QStringLiteral(" WHERE excluded.%1 = 0 OR excluded.%1 >= ifnull(%2.%1, 0)")
-                   .arg(COLUMN_TIMESTAMP, CPlayerInfoDB::strTableNameInfo);
+                   .arg(PIN_TIMESTAMP, CPlayerInfoDB::strTableNameInfo);
     QSqlQuery query = CPlayerInfoDB::GetInstance()->GetQuery();
     query.prepare(sql);
     return query;
@@ -252,18 +249,18 @@ bool PlayerInfo::UpdateInfo(const QString &nickname)
 bool PlayerInfo::UpdateRow(const QString &player, const CPlayerModel &model)
 {
     return CPlayerInfoDB::GetInstance()->Update(CPlayerInfoDB::strTableNameInfo,
-                                                {{COLUMN_NOTE, model.GetNotes()},
-                                                 {COLUMN_FLAGS, GetFlags(model, GetBuddies())},
-                                                 {COLUMN_RATING, model.GetRating()},
-                                                 {COLUMN_AVATAR, model.GetCustomAvatar()}},
-                                                {{COLUMN_USER, GetUser()}, {COLUMN_PLAYER, player}});
+                                                {{PIN_NOTE, model.GetNotes()},
+                                                 {PIN_FLAGS, GetFlags(model, GetBuddies())},
+                                                 {PIN_RATING, model.GetRating()},
+                                                 {PIN_AVATAR, model.GetCustomAvatar()}},
+                                                {{PIN_USER, GetUser()}, {PIN_PLAYER, player}});
 }
 
 unsigned int PlayerInfo::GetLastTimestamp(const QString &user)
 {
     const QString newest = QStringLiteral("MAX(PIN_iTimestamp)");
     QHash<QString, QVariant> row;
-    CPlayerInfoDB::GetInstance()->SelectOne(row, CPlayerInfoDB::strTableNameInfo, {newest}, {{COLUMN_USER, user}});
+    CPlayerInfoDB::GetInstance()->SelectOne(row, CPlayerInfoDB::strTableNameInfo, {newest}, {{PIN_USER, user}});
     return ToNumber(row.value(newest));
 }
 
@@ -329,8 +326,7 @@ bool PlayerInfo::CSaver::Write(const QVariantList &row)
 }
 
 PlayerInfo::CInserter::CInserter(ERows rows)
-    : m_query(
-          PrepareUpsert({COLUMN_USER, COLUMN_PLAYER, COLUMN_NOTE, COLUMN_TAG, COLUMN_FLAGS, COLUMN_TIMESTAMP}, rows))
+    : m_query(PrepareUpsert({PIN_USER, PIN_PLAYER, PIN_NOTE, PIN_TAG, PIN_FLAGS, PIN_TIMESTAMP}, rows))
 {
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <models/UserInfo.h>
 #include <settings/PlayerInfo.h>
 
 #include <QSet>
@@ -9,6 +10,12 @@
 class CPlayerModel;
 
 namespace PlayerInfo {
+
+/// Returns the nickname of the user who is logged in, an empty text if nobody is.
+inline QString GetUser()
+{
+    return CUserInfo::GetInstance()->GetNickname();
+}
 
 /// Loads the rows like LoadInfo(), after an answer of the server. Keeps what the user has changed after the change
 /// \a known, and ratings and pictures that wait to be stored. Makes the buddy list match the rows.

@@ -28,18 +28,18 @@ namespace {
 constexpr int SAVE_DELAY_MS = 250;
 constexpr int USUAL_SETTINGS = 128; // stored ones of a user
 
-const QString COLUMN_USER = QStringLiteral("URS_cUser");
-const QString COLUMN_AREA = QStringLiteral("URS_cArea");
-const QString COLUMN_KEY = QStringLiteral("URS_cKey");
-const QString COLUMN_VALUE = QStringLiteral("URS_cValue");
-const QString COLUMN_TIMESTAMP = QStringLiteral("URS_iTimestamp");
+const QString URS_USER = QStringLiteral("URS_cUser");
+const QString URS_AREA = QStringLiteral("URS_cArea");
+const QString URS_KEY = QStringLiteral("URS_cKey");
+const QString URS_VALUE = QStringLiteral("URS_cValue");
+const QString URS_TIMESTAMP = QStringLiteral("URS_iTimestamp");
 
-const QLatin1String JSON_NICKNAME("nickname");
-const QLatin1String JSON_USERNAME("username");
-const QLatin1String JSON_PWD("pwd");
-const QLatin1String JSON_SETTINGS("settings");
-const QLatin1String JSON_KEY("key");
-const QLatin1String JSON_VALUE("value");
+const QLatin1String FILE_NICKNAME("nickname");
+const QLatin1String FILE_USERNAME("username");
+const QLatin1String FILE_PWD("pwd");
+const QLatin1String FILE_SETTINGS("settings");
+const QLatin1String FILE_KEY("key");
+const QLatin1String FILE_VALUE("value");
 
 // Returns the values of a user's rows, or of those of the installation, by key.
 QHash<QString, QVariant> ReadValues(const QString &user)
@@ -63,9 +63,9 @@ qint64 GetTimestamp(const CSettings::SSetting &setting)
 {
     QHash<QString, QVariant> row;
     CSettingsDB::GetInstance()->SelectOne(
-        row, CSettingsDB::strTableName, {COLUMN_TIMESTAMP},
-        {{COLUMN_USER, setting.strUser.toLower()}, {COLUMN_KEY, setting.strKey.toLower()}});
-    return row.value(COLUMN_TIMESTAMP).toLongLong();
+        row, CSettingsDB::strTableName, {URS_TIMESTAMP},
+        {{URS_USER, setting.strUser.toLower()}, {URS_KEY, setting.strKey.toLower()}});
+    return row.value(URS_TIMESTAMP).toLongLong();
 }
 
 } // namespace
@@ -106,19 +106,18 @@ unsigned int CSettings::GetLastTimestamp(const QString &user)
 {
     const QString newest = QStringLiteral("MAX(URS_iTimestamp)");
     QHash<QString, QVariant> row;
-    CSettingsDB::GetInstance()->SelectOne(row, CSettingsDB::strTableName, {newest}, {{COLUMN_USER, user.toLower()}});
+    CSettingsDB::GetInstance()->SelectOne(row, CSettingsDB::strTableName, {newest}, {{URS_USER, user.toLower()}});
     return static_cast<unsigned int>(row.value(newest).toInt());
 }
 
 QList<CSettings::SSetting> CSettings::GetSettingList(const QString &user)
 {
     QList<QHash<QString, QVariant>> rows;
-    CSettingsDB::GetInstance()->SelectAll(rows, CSettingsDB::strTableName, {}, {{COLUMN_USER, user.toLower()}}, 0);
+    CSettingsDB::GetInstance()->SelectAll(rows, CSettingsDB::strTableName, {}, {{URS_USER, user.toLower()}}, 0);
     QList<SSetting> settings;
     for (const auto &row : qAsConst(rows)) {
-        settings.append({row.value(COLUMN_USER).toString(), row.value(COLUMN_AREA).toString(),
-                         row.value(COLUMN_KEY).toString(), row.value(COLUMN_VALUE),
-                         row.value(COLUMN_TIMESTAMP).toInt()});
+        settings.append({row.value(URS_USER).toString(), row.value(URS_AREA).toString(),
+                         row.value(URS_KEY).toString(), row.value(URS_VALUE), row.value(URS_TIMESTAMP).toInt()});
     }
     return settings;
 }
@@ -128,11 +127,11 @@ QByteArray CSettings::GetOptionJSON() const
     QJsonArray entries;
     const QHash<QString, QVariant> settings = GetSettings();
     for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
-        entries.append(QJsonObject{{JSON_KEY, setting.key()}, {JSON_VALUE, setting.value().toString()}});
-    const QJsonObject options{{JSON_NICKNAME, GetNickname()},
-                              {JSON_USERNAME, GetUsername()},
-                              {JSON_PWD, GetPwd()},
-                              {JSON_SETTINGS, entries}};
+        entries.append(QJsonObject{{FILE_KEY, setting.key()}, {FILE_VALUE, setting.value().toString()}});
+    const QJsonObject options{{FILE_NICKNAME, GetNickname()},
+                              {FILE_USERNAME, GetUsername()},
+                              {FILE_PWD, GetPwd()},
+                              {FILE_SETTINGS, entries}};
     return QJsonDocument(options).toJson();
 }
 
@@ -143,10 +142,10 @@ void CSettings::SetOptionJSON(const QByteArray &json)
     if (error.error != QJsonParseError::NoError)
         return;
     QHash<QString, QVariant> values;
-    const QVariantList entries = document.object().toVariantMap().value(JSON_SETTINGS).toList();
+    const QVariantList entries = document.object().toVariantMap().value(FILE_SETTINGS).toList();
     for (const QVariant &entry : entries) {
         const QVariantMap setting = entry.toMap();
-        values.insert(setting.value(JSON_KEY).toString(), setting.value(JSON_VALUE));
+        values.insert(setting.value(FILE_KEY).toString(), setting.value(FILE_VALUE));
     }
     SetSettings({}, values, true);
 }
@@ -222,10 +221,9 @@ bool CSettings::IsStored(const QString &user, const QString &area, const QString
     CSettingsDB *database = CSettingsDB::GetInstance();
     const CBusyWait wait(*database, CBusyWait::RETRY_MS);
     QHash<QString, QVariant> row;
-    return !database->SelectOne(
-               row, CSettingsDB::strTableName, {COLUMN_VALUE},
-               {{COLUMN_USER, user.toLower()}, {COLUMN_AREA, area.toLower()}, {COLUMN_KEY, key.toLower()}}) ||
-           row.value(COLUMN_VALUE).toString() == BoundText::Stored(value.toString());
+    return !database->SelectOne(row, CSettingsDB::strTableName, {URS_VALUE},
+                                {{URS_USER, user.toLower()}, {URS_AREA, area.toLower()}, {URS_KEY, key.toLower()}}) ||
+           row.value(URS_VALUE).toString() == BoundText::Stored(value.toString());
 }
 
 bool CSettings::HasUnwrittenChange(const QString &key) const

@@ -6,11 +6,6 @@
 
 namespace {
 
-enum EScope {
-    User,
-    Global,
-};
-
 template <typename Type>
 Type FromStored(const QVariant &value)
 {
@@ -68,7 +63,10 @@ void RegisterKeyedType(const char *name)
 
 struct CSettingsBase::SEntry
 {
-    EScope eScope;
+    enum EScope {
+        User,
+        Global,
+    } eScope;
     void (*Apply)(CSettingsBase &settings, const QString &subKey, const QVariant &value, bool save);
 };
 
@@ -123,10 +121,10 @@ QHash<QString, QVariant> CSettingsBase::GetSettings() const
 {
     QHash<QString, QVariant> settings;
 #define SETTINGS_GET(Type, Name, key, area, scope, defaultValue) \
-    if constexpr (scope == User)                                 \
+    if constexpr (SEntry::scope == SEntry::User)                 \
         settings.insert(QStringLiteral(#key), QVariant(m_##Name));
 #define SETTINGS_KEYED_GET(Type, Name, key, area, scope, defaultValue) \
-    if constexpr (scope == User)                                       \
+    if constexpr (SEntry::scope == SEntry::User)                       \
         InsertEntries(settings, QStringLiteral(#key), m_##Name);
     SETTINGS_TABLE(SETTINGS_GET, SETTINGS_KEYED_GET)
 #undef SETTINGS_GET
@@ -162,7 +160,7 @@ bool CSettingsBase::IsGlobal(const QString &key)
 {
     QString subKey;
     const SEntry *entry = FindEntry(SplitKey(key.toLower(), subKey));
-    return entry && entry->eScope == Global;
+    return entry && entry->eScope == SEntry::Global;
 }
 
 void CSettingsBase::Reset()
@@ -176,14 +174,15 @@ void CSettingsBase::Reset()
 const CSettingsBase::SEntry *CSettingsBase::FindEntry(const QString &key)
 {
     static const QHash<QString, SEntry> entries{
-#define SETTINGS_ENTRY(Type, Name, key, area, scope, defaultValue)                                                  \
-    {QStringLiteral(#key), {scope, [](CSettingsBase &settings, const QString &, const QVariant &value, bool save) { \
-                                settings.Set##Name(FromStored<Type>(value), nullptr, save);                         \
-                            }}},
-#define SETTINGS_KEYED_ENTRY(Type, Name, key, area, scope, defaultValue)                            \
-    {QStringLiteral(#key "["),                                                                      \
-     {scope, [](CSettingsBase &settings, const QString &subKey, const QVariant &value, bool save) { \
-          settings.Set##Name##ByKey(subKey, FromStored<Type::mapped_type>(value), nullptr, save);   \
+#define SETTINGS_ENTRY(Type, Name, key, area, scope, defaultValue)                                    \
+    {QStringLiteral(#key),                                                                            \
+     {SEntry::scope, [](CSettingsBase &settings, const QString &, const QVariant &value, bool save) { \
+          settings.Set##Name(FromStored<Type>(value), nullptr, save);                                 \
+      }}},
+#define SETTINGS_KEYED_ENTRY(Type, Name, key, area, scope, defaultValue)                                    \
+    {QStringLiteral(#key "["),                                                                              \
+     {SEntry::scope, [](CSettingsBase &settings, const QString &subKey, const QVariant &value, bool save) { \
+          settings.Set##Name##ByKey(subKey, FromStored<Type::mapped_type>(value), nullptr, save);           \
       }}},
         SETTINGS_TABLE(SETTINGS_ENTRY, SETTINGS_KEYED_ENTRY)
 #undef SETTINGS_ENTRY
@@ -208,7 +207,7 @@ bool CSettingsBase::Assign(Type &member, const Type &value, const QObject *sende
     return differs && user == m_strNickname;
 }
 
-#define SETTINGS_USER(scope) (scope == Global ? QString() : m_strNickname)
+#define SETTINGS_USER(scope) (SEntry::scope == SEntry::Global ? QString() : m_strNickname)
 #define SETTINGS_SETTER(Type, Name, key, area, scope, defaultValue)                                          \
     void CSettingsBase::Set##Name(TValue<Type> value, const QObject *sender, bool save)                      \
     {                                                                                                        \

@@ -23,6 +23,8 @@ PLUGININTERFACE_DEFINE_SINGLETON(CSettingsSync);
 
 namespace {
 
+using PlayerInfo::GetUser;
+
 constexpr int SESSION_LENGTH_IN_ADDRESS = 32;
 // Properties of a request: the user who was logged in when it was sent, and the last change that its times include.
 const char USER_PROPERTY[] = "user";
@@ -54,11 +56,6 @@ const QString JSON_TAG = QStringLiteral("tag");
 const QString JSON_FLAGS = QStringLiteral("flags");
 
 const QString STRING_TYPE = QStringLiteral("3"); // DBValue::DBT_String, used for every setting
-
-QString GetUser()
-{
-    return CUserInfo::GetInstance()->GetNickname();
-}
 
 bool IsSingleValue(const QVariant &value)
 {

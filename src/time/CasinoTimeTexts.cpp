@@ -11,7 +11,7 @@
 
 namespace {
 
-const QString CORE_AREA = QStringLiteral("CORE");
+const QString TIME_TEXTS_AREA = QStringLiteral("CORE");
 const QString MARKER_DAYS = QStringLiteral("#d#");
 const QString MARKER_HOURS = QStringLiteral("#h#");
 
@@ -69,7 +69,8 @@ QStringList CCasinoTime::GetTimezoneList() const
     QStringList names;
     for (int tz = iTimezoneMin; tz <= iTimezoneMax; ++tz)
         names.append(Globals::GetTimezoneString(static_cast<short>(tz)));
-    names.append(CTranslation::GetInstance()->GetTranslatedString(QStringLiteral("AUTOTIMEZONE"), CORE_AREA, -1));
+    names.append(
+        CTranslation::GetInstance()->GetTranslatedString(QStringLiteral("AUTOTIMEZONE"), TIME_TEXTS_AREA, -1));
     return names;
 }
 
@@ -140,7 +141,8 @@ CTranslationItem CCasinoTime::WithMonthName(unsigned int t, const QString &forma
 {
     const QString month = ToLocalText(t, QStringLiteral("M"));
     CTranslationItem item;
-    item.SetPlaceholder(QLatin1Char('#') + month + QLatin1Char('#'), Globals::GetMonthKey(month.toInt()), CORE_AREA);
+    item.SetPlaceholder(QLatin1Char('#') + month + QLatin1Char('#'), Globals::GetMonthKey(month.toInt()),
+                        TIME_TEXTS_AREA);
     item.SetText(ToLocalText(t, format));
     return item;
 }
@@ -159,7 +161,7 @@ CTranslationItem CCasinoTime::TimeToString(unsigned int t) const
     const QString key = days >= 1          ? QStringLiteral("TIMEDIFF_DHM")
                         : time.hour() >= 1 ? QStringLiteral("TIMEDIFF_HM")
                                            : QStringLiteral("TIMEDIFF_M");
-    item.SetTranslationKey(key, CORE_AREA);
+    item.SetTranslationKey(key, TIME_TEXTS_AREA);
     item.SetPlaceholder(MARKER_DAYS, static_cast<int>(days));
     item.SetPlaceholder(MARKER_HOURS, time.hour());
     item.SetPlaceholder(QStringLiteral("#min#"), time.minute());
@@ -184,8 +186,8 @@ CTranslationItem CCasinoTime::TimeSinceString(unsigned int t) const
         return QString::fromLatin1(number == 1 ? one : many);
     };
     if (days > 0)
-        item.SetPlaceholder(MARKER_DAYS, unit(days, "DAY", "DAYS"), CORE_AREA);
-    item.SetPlaceholder(MARKER_HOURS, unit(time.hour(), "HOUR", "HOURS"), CORE_AREA);
-    item.SetPlaceholder(minutesMarker, unit(time.minute(), "MINUTE", "MINUTES"), CORE_AREA);
+        item.SetPlaceholder(MARKER_DAYS, unit(days, "DAY", "DAYS"), TIME_TEXTS_AREA);
+    item.SetPlaceholder(MARKER_HOURS, unit(time.hour(), "HOUR", "HOURS"), TIME_TEXTS_AREA);
+    item.SetPlaceholder(minutesMarker, unit(time.minute(), "MINUTE", "MINUTES"), TIME_TEXTS_AREA);
     return item;
 }

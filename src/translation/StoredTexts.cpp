@@ -22,7 +22,7 @@ constexpr int ENTRY = 100; // of a text of no length
 // More than a screen shows, and few enough for a moment.
 constexpr int MOST_AHEAD = 1000;
 
-const QString CORE_AREA = QStringLiteral("core");
+const QString FALLBACK_AREA = QStringLiteral("core");
 
 // The connection's driver may go at any time, and its texts with it.
 QPointer<CStoredTexts> latest;
@@ -110,11 +110,11 @@ QString CStoredTexts::Find(int language, const SName &name)
     if (answer == Missing && !refused) {
         // All that is asked while the file is held is about one version of it.
         answer = Read(text, language, area, key);
-        if (answer == Missing && area != CORE_AREA)
-            answer = Read(text, language, CORE_AREA, key);
+        if (answer == Missing && area != FALLBACK_AREA)
+            answer = Read(text, language, FALLBACK_AREA, key);
         m_statements.Release();
-    } else if (answer == Refused && area != CORE_AREA) {
-        answer = Read(text, language, CORE_AREA, key); // as if the area hadn't the text, which isn't known
+    } else if (answer == Refused && area != FALLBACK_AREA) {
+        answer = Read(text, language, FALLBACK_AREA, key); // as if the area hadn't the text, which isn't known
     }
     if (answer != Found)
         text = GetNotFound(name);
@@ -142,7 +142,7 @@ void CStoredTexts::ReadAhead(int language)
     QVector<SName> inherited;
     for (auto area = areas.cbegin(); area != areas.cend(); ++area)
         inherited += ReadAll(language, area.key(), *area);
-    ReadAll(language, CORE_AREA, inherited);
+    ReadAll(language, FALLBACK_AREA, inherited);
     m_statements.Release();
 }
 

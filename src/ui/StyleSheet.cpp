@@ -10,7 +10,7 @@ namespace {
 // Without limits, a few files that each include the next one twice would use up all memory and time.
 constexpr int MAX_LENGTH = 16 << 20;
 constexpr int MAX_FILES = 1000;
-constexpr int MAX_DEPTH = 64; // each level scans everything that it includes once more
+constexpr int MAX_INCLUDE_DEPTH = 64; // each level scans everything that it includes once more
 
 const QLatin1String INCLUDE("#include");
 constexpr char COMMENT_BEGIN[] = "/*";
@@ -135,7 +135,7 @@ bool ReadStyleSheet(const QString &path, SProgress &progress, QString &contents)
     QFile file(path);
     const QString canonicalPath = QFileInfo(path).canonicalFilePath();
     if (progress.beingRead.contains(canonicalPath) || ++progress.iFiles > MAX_FILES ||
-        progress.beingRead.size() >= MAX_DEPTH || !file.open(QIODevice::ReadOnly))
+        progress.beingRead.size() >= MAX_INCLUDE_DEPTH || !file.open(QIODevice::ReadOnly))
         return false;
     progress.beingRead.append(canonicalPath);
     const QString directory = path.left(path.lastIndexOf(QLatin1Char('/')) + 1);
