@@ -46,20 +46,38 @@ function(plugininterface_strict target)
     target_link_options(${target} PRIVATE $<$<PLATFORM_ID:Linux>:LINKER:--as-needed>)
 endfunction()
 
-# Lets a target on top of the library use headers of Qt that are compiled once for all of them.
-function(plugininterface_use_precompiled_headers target)
+# Lets a target on top of the library use headers of Qt that are compiled once for all targets of its kind, which are
+# programs and tests: plugininterface_use_precompiled_headers(<kind> <target>)
+function(plugininterface_use_precompiled_headers kind target)
     if(NOT PLUGININTERFACE_PRECOMPILED_HEADERS)
         return()
     endif()
-    if(NOT TARGET plugininterface_precompiled)
+    set(compiled plugininterface_precompiled_${kind})
+    if(NOT TARGET ${compiled})
         file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/precompiled/empty.cpp" CONTENT "")
-        add_library(plugininterface_precompiled OBJECT EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/precompiled/empty.cpp")
-        plugininterface_strict(plugininterface_precompiled)
-        set_target_properties(plugininterface_precompiled PROPERTIES AUTOMOC OFF POSITION_INDEPENDENT_CODE ON)
-        target_link_libraries(plugininterface_precompiled PRIVATE plugininterface::plugininterface)
-        target_precompile_headers(plugininterface_precompiled PRIVATE <QtCore> <QtNetwork> <QtSql> <QtWidgets>)
+        add_library(${compiled} OBJECT EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/precompiled/empty.cpp")
+        plugininterface_strict(${compiled})
+        set_target_properties(${compiled} PROPERTIES AUTOMOC OFF POSITION_INDEPENDENT_CODE ON UNITY_BUILD OFF)
+        target_link_libraries(${compiled} PRIVATE plugininterface::plugininterface)
+        if(kind STREQUAL "tests")
+            plugininterface_compile_quickly(${compiled})
+        endif()
+        # Without QtTest, whose headers name the folder of each test in Qt 6.
+        target_precompile_headers(${compiled} PRIVATE <QtCore> <QtNetwork> <QtSql> <QtWidgets>)
     endif()
-    target_precompile_headers(${target} REUSE_FROM plugininterface_precompiled)
+    target_precompile_headers(${target} REUSE_FROM ${compiled})
+endfunction()
+
+# A test's own code runs once, and takes longer to optimise than to run.
+function(plugininterface_compile_quickly target)
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-O0>)
+endfunction()
+
+# For a target whose classes with Q_OBJECT are all in sources, which include what moc makes of them: the file for those
+# of its headers is empty, and is compiled sooner than precompiled headers are loaded.
+function(plugininterface_no_moc_in_headers target)
+    set_source_files_properties("${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp"
+        PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
 # A folder of the library:
@@ -73,8 +91,12 @@ function(plugininterface_library_folder)
     set_property(TARGET plugininterface APPEND PROPERTY PLUGININTERFACE_PUBLIC_HEADERS ${ARG_HEADERS})
 endfunction()
 
-# Compiles one translation unit for each public header, which contains only its #include.
+# With PLUGININTERFACE_CHECK_HEADERS, compiles one translation unit for each public header, which contains only its
+# #include.
 function(plugininterface_check_headers_alone)
+    if(NOT PLUGININTERFACE_CHECK_HEADERS)
+        return()
+    endif()
     get_target_property(headers plugininterface PLUGININTERFACE_PUBLIC_HEADERS)
     set(units)
     foreach(header IN LISTS headers)
@@ -84,10 +106,7 @@ function(plugininterface_check_headers_alone)
     endforeach()
     add_library(plugininterface_headers_alone OBJECT ${units})
     plugininterface_strict(plugininterface_headers_alone)
-    set_target_properties(plugininterface_headers_alone PROPERTIES AUTOMOC OFF)
-    if(NOT PROJECT_IS_TOP_LEVEL) # a check of this project, not of projects that include it
-        set_target_properties(plugininterface_headers_alone PROPERTIES EXCLUDE_FROM_ALL ON)
-    endif()
+    set_target_properties(plugininterface_headers_alone PROPERTIES AUTOMOC OFF UNITY_BUILD OFF)
     target_link_libraries(plugininterface_headers_alone PRIVATE plugininterface::plugininterface)
 endfunction()
 
@@ -96,7 +115,7 @@ function(plugininterface_tool name)
     _plugininterface_parse(plugininterface_tool "" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     plugininterface_strict(${name})
-    plugininterface_use_precompiled_headers(${name})
+    plugininterface_use_precompiled_headers(programs ${name})
     target_link_libraries(${name} PRIVATE plugininterface::plugininterface ${ARG_LIBRARIES})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 endfunction()
@@ -107,7 +126,7 @@ function(plugininterface_example_library name)
     _plugininterface_parse(plugininterface_example_library "" "" "SOURCES;LIBRARIES" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
     plugininterface_strict(${name})
-    plugininterface_use_precompiled_headers(${name})
+    plugininterface_use_precompiled_headers(programs ${name})
     # Plugins are shared objects and may link it.
     set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/examples")
@@ -145,25 +164,35 @@ function(plugininterface_plugin name)
     endif()
     add_library(${name} MODULE ${ARG_SOURCES})
     plugininterface_strict(${name})
-    plugininterface_use_precompiled_headers(${name})
+    plugininterface_use_precompiled_headers(programs ${name})
     target_link_libraries(${name} PRIVATE plugininterface::plugininterface ${ARG_LIBRARIES})
     set_target_properties(${name} PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY "${ARG_DIRECTORY}")
 endfunction()
 
-# A Qt Test program: plugininterface_test(<name> SOURCES ... [LIBRARIES ...] [DEFINITIONS ...] [SERIAL])
-# A warning in its log that the test did not announce with QTest::ignoreMessage() fails it. SERIAL is for tests that
-# can't run at the same time as another one; say why beside it.
-function(plugininterface_test name)
-    _plugininterface_parse(plugininterface_test "SERIAL" "" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
+# A program that tests start: plugininterface_test_program(<name> SOURCES ... [LIBRARIES ...] [DEFINITIONS ...])
+function(plugininterface_test_program name)
+    _plugininterface_parse(plugininterface_test_program "" "" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     plugininterface_strict(${name})
-    plugininterface_use_precompiled_headers(${name})
+    plugininterface_compile_quickly(${name})
+    plugininterface_use_precompiled_headers(tests ${name})
+    plugininterface_no_moc_in_headers(${name})
+    set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
     target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
     # QSKIP() has a variadic macro argument, of which C++ before C++20 requires at least one.
     target_compile_options(${name} PRIVATE
         $<$<CXX_COMPILER_ID:Clang,AppleClang>:-Wno-gnu-zero-variadic-macro-arguments>)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
     target_link_libraries(${name} PRIVATE plugininterface::plugininterface Qt${QT_VERSION_MAJOR}::Test ${ARG_LIBRARIES})
+endfunction()
+
+# A Qt Test program that is a test: plugininterface_test(<name> SOURCES ... [LIBRARIES ...] [DEFINITIONS ...] [SERIAL])
+# A warning in its log that the test did not announce with QTest::ignoreMessage() fails it. SERIAL is for tests that
+# can't run at the same time as another one; say why beside it.
+function(plugininterface_test name)
+    _plugininterface_parse(plugininterface_test "SERIAL" "" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
+    plugininterface_test_program(${name}
+        SOURCES ${ARG_SOURCES} LIBRARIES ${ARG_LIBRARIES} DEFINITIONS ${ARG_DEFINITIONS})
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
@@ -175,4 +204,5 @@ endfunction()
 function(plugininterface_benchmark name)
     _plugininterface_parse(plugininterface_benchmark "" "" "SOURCES;LIBRARIES" ${ARGN})
     plugininterface_tool(${name} SOURCES ${ARG_SOURCES} LIBRARIES benchmark::benchmark testsupport ${ARG_LIBRARIES})
+    plugininterface_no_moc_in_headers(${name})
 endfunction()
