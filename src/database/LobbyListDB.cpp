@@ -3,6 +3,19 @@
 #include <Singleton_p.h>
 #include <files/Pathes.h>
 
+namespace {
+
+// The versions of the file, each of which has a table more than the one before.
+enum EVersion : unsigned int {
+    VERSION_NONE,
+    VERSION_TABLES,
+    VERSION_SNGS,
+    VERSION_TOURNS,
+    VERSION_END // new versions go above this line
+};
+
+} // namespace
+
 PLUGININTERFACE_DEFINE_SINGLETON(CLobbyListDB);
 
 const QString CLobbyListDB::strTableNameTable = QStringLiteral("tbl_tablemaininfo");
@@ -17,17 +30,17 @@ CLobbyListDB::CLobbyListDB()
 
 unsigned int CLobbyListDB::GetMaxVersion()
 {
-    return 3;
+    return VERSION_END - 1;
 }
 
 bool CLobbyListDB::CreateDBVersion(unsigned int version)
 {
     switch (version) {
-    case 1:
+    case VERSION_TABLES:
         return CreateTableTable();
-    case 2:
+    case VERSION_SNGS:
         return CreateTableSNG();
-    case 3:
+    case VERSION_TOURNS:
         return CreateTableTourn();
     default:
         return false;

@@ -214,5 +214,6 @@
     ROW(QString, WebbrowserSettings13, webbrowser_settings13, QString(), webbrowsersettings13, "") \
     ROW(QString, WebbrowserSettings14, webbrowser_settings14, QString(), webbrowsersettings14, "") \
     ROW(QString, WebbrowserSettings15, webbrowser_settings15, QString(), webbrowsersettings15, "") \
-    ROW(QString, ProxySettings, proxysettings, QString(), proxysettings, "SetApplicationProxy")
+    ROW(QString, ProxySettings, proxysettings, QString(), proxysettings, "SetApplicationProxy") \
+    /* New rows go above this line. */
 // clang-format on

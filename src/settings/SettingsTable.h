@@ -115,5 +115,6 @@
     PLAIN(int, ThemeDealer, themedealer, themesettings, User, 0) \
     PLAIN(int, ThemeCardFaces, themecardfaces, themesettings, User, 0) \
     PLAIN(int, ThemeCardBack, themecardback, themesettings, User, 0) \
-    PLAIN(int, ThemeChips, themechips, themesettings, User, 0)
+    PLAIN(int, ThemeChips, themechips, themesettings, User, 0) \
+    /* New rows go above this line. */
 // clang-format on

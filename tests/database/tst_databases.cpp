@@ -64,7 +64,8 @@ private Q_SLOTS:
         QVERIFY(database->SelectOne(row, "sqlite_master"_s, {"group_concat(sql, char(10)) AS list"_s}, {}));
         const QString statements = row.value("list"_s).toString();
         QFETCH(QString, digest);
-        QVERIFY2(Globals::GetMD5(statements.toUtf8()) == digest, qPrintable(statements));
+        const QString found = Globals::GetMD5(statements.toUtf8());
+        QVERIFY2(found == digest, qPrintable(found + " is the digest of\n"_s + statements));
     }
 };
 

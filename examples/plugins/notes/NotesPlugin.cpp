@@ -26,7 +26,10 @@ public:
     bool CanClose() override { return true; }
     void Shutdown() override {}
 
-    void RegisterForEvents() override { RegisterForEvent(QStringLiteral("TABL"), QStringLiteral("SAID")); }
+    void RegisterForEvents() override
+    {
+        RegisterForEvent(QStringLiteral("TABL"), QStringLiteral("SAID")); // said where the user has a seat
+    }
     void ReceiveEvent(CEvent e) override
     {
         TableProtocol::SLine line;
