@@ -1,5 +1,7 @@
 #include <plugin/PluginInterface.h>
 
+#include <QtEndian>
+
 class CHelloPlugin : public CPluginInterface
 {
     Q_OBJECT
@@ -10,13 +12,18 @@ public:
     QString GetVersion() const override { return QStringLiteral("1.0"); }
     QStringList GetDependencies() const override { return {}; }
     bool Initialize() override { return true; }
-    void Start() override { SendToServer("HELO", 0, 0, "GRET", 4, false); }
+    void Start() override {}
     bool CanClose() override { return true; }
     void Shutdown() override {}
     QWidget *CreateView(QWidget *) override { return nullptr; }
 
-    void RegisterForEvents() override { RegisterForEvent(QStringLiteral("HELO"), QString()); }
-    void ReceiveEvent(CEvent e) override { qInfo("answer: %s", e.data.constData()); }
+    void RegisterForEvents() override { RegisterForEvent(QStringLiteral("LOBB"), QStringLiteral("LEND")); }
+    void ConnectionEstablished(unsigned short) override { SendToServer("LOBB", 0, 0, "GLST", 4, false); }
+    void ReceiveEvent(CEvent e) override
+    {
+        if (e.HasTags("LOBB", "LEND") && e.data.size() >= 8) // the end of the list of tables, and their number
+            qInfo("the game server has %u tables", qFromLittleEndian<quint32>(e.data.constData() + 4));
+    }
 };
 
 #include "plugin.moc"
