@@ -39,6 +39,10 @@ private Q_SLOTS:
         QCOMPARE(see(), " (off)"_s);
 
         CUserInfo::GetInstance()->SetLoggedIn("Magnolia"_s);
+        CEvent cutOff = said; // without the flag at the end and a part of the speaker, or with less
+        for (cutOff.data.chop(2); !cutOff.data.isEmpty(); cutOff.data.chop(1))
+            plugin->SendInternEvent(cutOff, false);
+        QCOMPARE(see(), "Magnolia"_s);
         plugin->SendInternEvent(said, false);
         QTest::keyClicks(view->findChild<QLineEdit *>(), "Tom"_s);
         QTest::keyClick(view->findChild<QLineEdit *>(), Qt::Key_Return);

@@ -1,17 +1,79 @@
-#include <common/FormField.h>
+//! [includes]
 #include <files/Pathes.h>
 #include <models/PlayerLists.h>
 #include <models/PlayerTaggingModel.h>
 #include <models/UserInfo.h>
 #include <plugin/PluginInterface.h>
-#include <protocol/AccountProtocol.h>
-#include <protocol/TableProtocol.h>
 #include <settings/PlayerInfo.h>
+#include <translation/Translation.h>
 
-#include <QtWidgets> //! [plugin]
+#include <QtWidgets>
 
-/// Shows notes on players: those about whom the user has noted something, and those who have spoken at the user's
-/// table.
+#include <algorithm>
+
+namespace {
+
+//! [includes] [texts]
+// Calls a function now and each time that the user chooses another language, while the object exists.
+template <typename Function>
+void FollowLanguage(QObject *object, const Function &function)
+{
+    QObject::connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, object, function);
+    function();
+}
+
+// Passes a text of the catalogue to a setter of the widget, in the user's language.
+template <typename Widget, typename Setter>
+void BindText(Widget *widget, Setter setter, const char *key)
+{
+    FollowLanguage(widget, [=] {
+        const QString area = QStringLiteral("EXAMPLE");
+        (widget->*setter)(CTranslation::GetInstance()->GetTranslatedString(QLatin1String(key), area, -1));
+    });
+}
+
+// Adds a field to a form, with a label, and with an object name, by which tests find it.
+template <typename Field>
+Field *AddField(QFormLayout *form, const char *key, const char *name)
+{
+    auto *field = new Field;
+    field->setObjectName(QLatin1String(name));
+    auto *label = new QLabel;
+    label->setBuddy(field);
+    BindText(label, &QLabel::setText, key);
+    form->addRow(label, field);
+    return field;
+}
+
+//! [texts] [payload]
+// Returns the speaker of a line that somebody has said, or an empty text if the payload isn't such a line. It has a
+// tag, the table's number in 32 bits, the line and the speaker, and more. A text has its number of bytes in 16 bits.
+QString GetSpeaker(const QByteArray &payload)
+{
+    QDataStream stream(payload);
+    stream.setByteOrder(QDataStream::LittleEndian);
+    quint16 length = 0;
+    stream.skipRawData(8);
+    stream >> length;
+    stream.skipRawData(length);
+    stream >> length;
+    QByteArray nickname(length, '\0');
+    stream.readRawData(nickname.data(), length);
+    return stream.status() == QDataStream::Ok ? QString::fromUtf8(nickname) : QString();
+}
+
+// Returns whether a text can be a nickname: 1 to 32 printable characters, without a space at either end.
+bool IsNickname(const QString &text)
+{
+    return !text.isEmpty() && text.size() <= 32 && text == text.trimmed() &&
+           std::all_of(text.begin(), text.end(), [](QChar character) { return character.isPrint(); });
+}
+
+} // namespace
+
+//! [payload] [plugin]
+// Shows notes on players: those about whom the user has noted something, and those who have spoken at the user's
+// table.
 class CNotesPlugin : public CPluginInterface
 {
     Q_OBJECT
@@ -32,20 +94,21 @@ public:
     }
     void ReceiveEvent(CEvent e) override
     {
-        TableProtocol::SLine line;
-        if (m_pPlayers && Payload::Decode(e.data, line, TableProtocol::SAID))
-            Add(line.strNickname);
+        if (m_pPlayers && e.HasTags("TABL", "SAID"))
+            Add(GetSpeaker(e.data));
     }
 
     //! [plugin] [view]
     QWidget *CreateView(QWidget *parent) override
     {
         auto *view = new QWidget(parent);
-        Texts::Bind(view, &QWidget::setWindowTitle, "PLAYERS_TITLE");
-        m_pPlayers = CreateField<QListWidget>(view, "players");
+        BindText(view, &QWidget::setWindowTitle, "PLAYERS_TITLE");
+        m_pPlayers = new QListWidget;
+        m_pPlayers->setObjectName(QStringLiteral("players"));
         m_pPlayers->setSortingEnabled(true);
-        auto *nickname = CreateField<QLineEdit>(view, "newPlayer");
-        Texts::Bind(nickname, &QLineEdit::setPlaceholderText, "PLAYERS_NICKNAME");
+        auto *nickname = new QLineEdit;
+        nickname->setObjectName(QStringLiteral("newPlayer"));
+        BindText(nickname, &QLineEdit::setPlaceholderText, "PLAYERS_NICKNAME");
         auto *layout = new QGridLayout(view);
         layout->addWidget(m_pPlayers, 0, 0);
         layout->addWidget(nickname, 1, 0);
@@ -56,7 +119,7 @@ public:
                 FillForm(new QFormLayout(m_pForm), CPlayerModel::GetInstance(chosen->text()));
         };
         connect(m_pPlayers, &QListWidget::currentItemChanged, view, showChosen);
-        Texts::Follow(view, showChosen);
+        FollowLanguage(view, showChosen);
         connect(nickname, &QLineEdit::returnPressed, view,
                 [this, nickname] { m_pPlayers->setCurrentItem(Add(nickname->text())); });
         connect(nickname, &QLineEdit::returnPressed, nickname, &QLineEdit::clear);
@@ -66,7 +129,8 @@ public:
         return view;
     }
 
-private: //! [view] [list]
+    //! [view] [list]
+private:
     void ListPlayers()
     {
         const CUserInfo *user = CUserInfo::GetInstance();
@@ -83,7 +147,7 @@ private: //! [view] [list]
 
     QListWidgetItem *Add(const QString &nickname)
     {
-        if (!m_items.contains(nickname) && m_pPlayers->isEnabled() && AccountProtocol::IsNickname(nickname))
+        if (!m_items.contains(nickname) && m_pPlayers->isEnabled() && IsNickname(nickname))
             m_items.insert(nickname, new QListWidgetItem(nickname, m_pPlayers));
         return m_items.value(nickname, m_pPlayers->currentItem());
     }
@@ -91,20 +155,19 @@ private: //! [view] [list]
     //! [list] [form]
     static void FillForm(QFormLayout *form, CPlayerModel *player)
     {
-        auto *note = AddFormField<QPlainTextEdit>(form, "PLAYERS_NOTE", "note");
+        auto *note = AddField<QPlainTextEdit>(form, "PLAYERS_NOTE", "note");
         note->setTabChangesFocus(true);
-        auto *tag = AddFormField<QComboBox>(form, "PLAYERS_TAG", "tag");
+        auto *tag = AddField<QComboBox>(form, "PLAYERS_TAG", "tag");
         CPlayerTaggingModel *tags = CPlayerTaggingModel::GetInstance();
         for (unsigned int id = 0; id < CPlayerTaggingModel::ulMaxPlayerTags; ++id)
             tag->addItem(tags->GetIcon(id), tags->GetText(id));
-        auto *buddy = AddFormField<QCheckBox>(form, "PLAYERS_BUDDY", "buddy");
-        auto *rating = AddFormField<QSpinBox>(form, "PLAYERS_RATING", "rating");
+        auto *buddy = AddField<QCheckBox>(form, "PLAYERS_BUDDY", "buddy");
+        auto *rating = AddField<QSpinBox>(form, "PLAYERS_RATING", "rating");
         rating->setMaximum(5);
-        auto *avatar = AddFormField<QSpinBox>(form, "PLAYERS_AVATAR", "avatar");
+        auto *avatar = AddField<QSpinBox>(form, "PLAYERS_AVATAR", "avatar");
         avatar->setMaximum(999999);
         avatar->setKeyboardTracking(false); // each value is one picture to download
-        auto *picture = AddFormField<QLabel>(form, "PLAYERS_PICTURE", "picture");
-
+        auto *picture = AddField<QLabel>(form, "PLAYERS_PICTURE", "picture");
         //! [form] [bindings]
         CPlayerLists *lists = CPlayerLists::GetInstance();
         const auto show = [=] {
@@ -139,7 +202,7 @@ private: //! [view] [list]
     QPointer<QWidget> m_pForm;                 // a child of the view
     QHash<QString, QListWidgetItem *> m_items; // of the list, by nickname
     QTimer m_look;                             // finds players from another machine, whom no signal announces
-    //! [bindings]
 };
 
 #include "NotesPlugin.moc"
+//! [bindings]
