@@ -94,12 +94,12 @@ private Q_SLOTS:
         QFETCH(QByteArray, dumped);
         const CInstallationTree tree;
         const QString path = tree.WriteFile("Resources/config.json"_s, json);
-        const QString out = tree.WriteFile("Resources/config.sqlite"_s, "old");
+        const QString out = tree.WriteFile("Resources/config.sqlite"_s, {});
         const SResult built = Run("config build"_s, {path, out});
         QTEST(built.GetFindings(path), "findings");
         QCOMPARE(built.iExitCode, dumped.isEmpty() ? 1 : 0);
         QCOMPARE(Files(tree.GetPath("Resources"_s)), "config.json config.sqlite"_s);
-        QCOMPARE(ReadFile(out) == "old", dumped.isEmpty());
+        QCOMPARE(ReadFile(out).isEmpty(), dumped.isEmpty());
         const QByteArray dump = Run("config dump"_s, {out}).strOut.toUtf8();
         QCOMPARE(QJsonDocument::fromJson(dump).toJson(QJsonDocument::Compact), dumped);
     }
@@ -122,19 +122,47 @@ private Q_SLOTS:
 
     void OutputRefused_data()
     {
-        AddRows<QString>({"output"},
-                         {{"a folder", "Tmp"_s}, {"another program writes to it", "Resources/busy.sqlite"_s}});
+        AddRows<QString, QString, QString, QString>(
+            {"command", "source", "output", "finding"},
+            {{"no folder", "config"_s, "config.json"_s, "none/config.sqlite"_s,
+              " can't write in its folder: No such file or directory"_s},
+             {"languages, no folder",
+              "language"_s,
+              {},
+              "none/language.sqlite"_s,
+              " can't write in its folder: No such file or directory"_s},
+             {"a folder", "config"_s, "config.json"_s, {}, " is there already, and isn't a file"_s},
+             {"another program writes to it", "config"_s, "config.json"_s, "busy.sqlite"_s,
+              " in use, or left half-written, by another program: "_s},
+             {"another file", "config"_s, "config.json"_s, "a.po"_s,
+              " is there already, and isn't an SQLite file; it was left unchanged"_s},
+             {"a link to the source", "config"_s, "config.json"_s, "link.sqlite"_s,
+              " is the source itself; name another file to make"_s},
+             {"one of the sources",
+              "language"_s,
+              {},
+              "../Resources/a.po"_s,
+              " is one of the sources; name another file to make"_s}});
     }
     void OutputRefused()
     {
+        QFETCH(QString, command);
+        QFETCH(QString, source);
         QFETCH(QString, output);
+        QFETCH(QString, finding);
         const CInstallationTree tree;
+        const QString folder = tree.GetPath("Resources/"_s);
+        const QByteArray po = Po(1, Entry("DAY", "day"));
+        tree.WriteFile("Resources/a.po"_s, po);
         tree.WriteFile("Resources/busy.sqlite-journal"_s);
-        const SResult result = Run("config build"_s, {EXAMPLE_CONFIG, tree.GetPath(output)});
+        tree.WriteFile("Resources/config.json"_s, "{}");
+        QVERIFY(QFile::link("config.json"_s, folder + "link.sqlite"_s));
+        const SResult result = Run(command + " build"_s, {folder + source, folder + output});
         QCOMPARE(result.iExitCode, 1);
-        QVERIFY2(!result.GetFindings(tree.GetPath(output)).isEmpty(), qPrintable(result.strError));
-        QCOMPARE(Files(tree.GetPath(QString())), "Client Resources Tmp"_s);
-        QCOMPARE(Files(tree.GetPath("Resources"_s)), "busy.sqlite-journal"_s);
+        QCOMPARE(result.GetFindings(folder + output).left(finding.size()), finding);
+        QCOMPARE(Files(folder), "a.po busy.sqlite-journal config.json link.sqlite"_s);
+        QCOMPARE(ReadFile(folder + "a.po"_s), po);
+        QCOMPARE(ReadFile(folder + "config.json"_s), "{}");
     }
 
     void DumpOfOthersFiles_data()
@@ -209,7 +237,7 @@ private Q_SLOTS:
         const CInstallationTree tree;
         tree.WriteFile("po/a.po"_s, Po(1, Entry("DAY", "day") + Entry("LEFT", "#h# h of #d# d")));
         const QString path = tree.WriteFile("po/b.po"_s, german);
-        const QString out = tree.WriteFile("Resources/language.sqlite"_s, "old");
+        const QString out = tree.WriteFile("Resources/language.sqlite"_s, {});
 
         const SResult check = Run("language check"_s, {tree.GetPath("po"_s)});
         QCOMPARE(check.iExitCode, finding.isEmpty() ? 0 : 1);
@@ -218,7 +246,7 @@ private Q_SLOTS:
         const SResult build = Run("language build"_s, {tree.GetPath("po"_s), out});
         QCOMPARE(build.iExitCode, built.isEmpty() ? 1 : 0);
         QVERIFY2(build.strOut.contains(built), qPrintable(build.strOut));
-        QCOMPARE(ReadFile(out) == "old", built.isEmpty());
+        QCOMPARE(ReadFile(out).isEmpty(), built.isEmpty());
         QCOMPARE(Files(tree.GetPath("Resources"_s)), "language.sqlite"_s);
     }
 

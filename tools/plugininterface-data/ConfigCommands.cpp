@@ -220,6 +220,10 @@ int ConfigCommands::Build(const QString &json, const QString &out)
         report.Error(json, 0, source.errorString());
         return report.GetExitCode();
     }
+    if (CReplacementFile::IsSame(json, out)) {
+        report.Error(out, 0, QStringLiteral("is the source itself; name another file to make"));
+        return report.GetExitCode();
+    }
     const TConfig config = CConfigReader(json, report).Read(source.readAll());
     if (report.HasErrors())
         return report.GetExitCode();
@@ -259,6 +263,7 @@ int ConfigCommands::Dump(const QString &path)
 
 int ConfigCommands::Keys(bool json)
 {
-    CReport().Print(json ? JsonKeys() : MarkdownKeys());
-    return 0;
+    CReport report;
+    report.Print(json ? JsonKeys() : MarkdownKeys());
+    return report.GetExitCode();
 }

@@ -16,11 +16,28 @@ QString Text(const QSqlError &error)
     return text.isEmpty() ? error.text() : text;
 }
 
+// Returns why an SQLite file may not take the place of what is there; nothing if it may. An empty file is an empty
+// database.
+QString FindObstacle(const QString &path)
+{
+    static const QByteArray signature("SQLite format 3", 16); // with the zero byte at its end
+    if (!QFileInfo::exists(path))
+        return {};
+    if (!QFileInfo(path).isFile())
+        return QStringLiteral("is there already, and isn't a file");
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return file.errorString();
+    const QByteArray begin = file.read(signature.size());
+    return begin.isEmpty() || begin == signature
+               ? QString()
+               : QStringLiteral("is there already, and isn't an SQLite file; it was left unchanged");
+}
+
 } // namespace
 
 CDataFile::CDataFile(const QString &path)
-    : m_strPath(path)
-    , m_file(path)
+    : m_file(path)
 {
 }
 
@@ -34,16 +51,19 @@ bool CDataFile::Open()
     // SQLite would apply such a file of an interrupted program to the new database when it is opened next, and spoil
     // it.
     for (const char *suffix : {"-journal", "-wal"}) {
-        const QString rest = m_strPath + QLatin1String(suffix);
-        if (!Check(!QFile::exists(rest), QLatin1String("in use, or left half-written, by another program: ") + rest))
-            return false;
+        const QString rest = m_file.GetPath() + QLatin1String(suffix);
+        if (QFile::exists(rest))
+            return Fail(QLatin1String("in use, or left half-written, by another program: ") + rest);
     }
-    if (!Check(m_file.Open(), m_file.GetError()))
-        return false;
+    const QString obstacle = FindObstacle(m_file.GetPath());
+    if (!obstacle.isEmpty())
+        return Fail(obstacle);
+    if (!m_file.Open())
+        return Fail(m_file.GetError());
     QSqlDatabase connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), WRITER);
     connection.setDatabaseName(m_file.GetTemporaryPath());
-    if (!Check(connection.open(), Text(connection.lastError())))
-        return false;
+    if (!connection.open())
+        return Fail(Text(connection.lastError()));
     // If the program is interrupted, the incomplete file is discarded, so its journal can be in memory.
     return Exec(QStringLiteral("PRAGMA journal_mode = MEMORY")) && Exec(QStringLiteral("BEGIN"));
 }
@@ -53,8 +73,7 @@ bool CDataFile::Exec(const QString &sql)
     if (!m_strError.isEmpty())
         return false;
     QSqlQuery query(QSqlDatabase::database(WRITER));
-    const bool done = query.exec(sql);
-    return Check(done, Text(query.lastError()));
+    return query.exec(sql) || Fail(Text(query.lastError()));
 }
 
 bool CDataFile::Insert(const QString &sql, const QVector<QVariantList> &rows)
@@ -68,7 +87,7 @@ bool CDataFile::Insert(const QString &sql, const QVector<QVariantList> &rows)
             query.bindValue(column, row->at(column));
         done = query.exec();
     }
-    return Check(done, Text(query.lastError()));
+    return done || Fail(Text(query.lastError()));
 }
 
 bool CDataFile::Commit()
@@ -76,14 +95,14 @@ bool CDataFile::Commit()
     if (!Exec(QStringLiteral("COMMIT")))
         return false;
     Close();
-    return Check(m_file.Commit(), m_file.GetError());
+    return m_file.Commit() || Fail(m_file.GetError());
 }
 
-bool CDataFile::Check(bool done, const QString &error)
+bool CDataFile::Fail(const QString &error)
 {
-    if (!done && m_strError.isEmpty())
-        m_strError = error;
-    return done;
+    if (m_strError.isEmpty())
+        m_strError = error.isEmpty() ? QStringLiteral("can't be written") : error;
+    return false;
 }
 
 void CDataFile::Close()

@@ -8,8 +8,8 @@
 
 /// Writes an SQLite file in one transaction, and replaces an older one only on success; see CReplacementFile.
 ///
-/// After a failure every further operation fails too, and GetError() returns the first error. The same operations
-/// write the same bytes.
+/// It replaces nothing but an SQLite file or an empty one. After a failure every further operation fails too, and
+/// GetError() returns the first error. The same operations write the same bytes.
 class CDataFile
 {
 public:
@@ -26,10 +26,10 @@ public:
     QString GetError() const { return m_strError; }
 
 private:
-    bool Check(bool done, const QString &error);
+    /// Keeps the first error and returns false.
+    bool Fail(const QString &error);
     void Close();
 
-    QString m_strPath;
     CReplacementFile m_file;
     QString m_strError;
 };

@@ -11,6 +11,8 @@
 #include <QSet>
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace {
 
@@ -66,7 +68,8 @@ QVector<QVariantList> TextRows(const SPoCatalogue &catalogue, SCounts &counts)
 
 bool Write(CDataFile &file, const QVector<SPoCatalogue> &catalogues, SCounts &counts)
 {
-    file.Open();
+    if (!file.Open())
+        return false;
     const QStringList statements = CreateStatements();
     for (const QString &sql : statements)
         file.Exec(sql);
@@ -166,17 +169,32 @@ void NameFiles(QMap<int, SPoCatalogue> &catalogues, const QString &folder)
     }
 }
 
-bool CanWrite(const QMap<int, SPoCatalogue> &catalogues, const QString &folder, bool force, CReport &report)
+bool MakeFolder(const QString &folder, CReport &report)
 {
-    bool can = QDir().mkpath(folder);
-    if (!can)
-        report.Error(folder, 0, QStringLiteral("can't be made"));
+    std::error_code error;
+    std::filesystem::create_directories(folder.toStdWString(), error);
+    if (error)
+        report.Error(folder, 0, QLatin1String("can't be made: ") + QString::fromStdString(error.message()));
+    return !error;
+}
+
+// Returns whether all files may be written; reports those that may not. The language file is \a source.
+bool CanWrite(const QMap<int, SPoCatalogue> &catalogues, const QString &source, bool force, CReport &report)
+{
+    bool can = true;
+    QStringList taken{source};
     for (const SPoCatalogue &catalogue : catalogues) {
+        const QString &path = catalogue.strFile;
+        const auto same = std::find_if(taken.cbegin(), taken.cend(),
+                                       [&](const QString &other) { return CReplacementFile::IsSame(path, other); });
         // Only the existing files contain the translators' comments and unfinished texts.
-        if (force || !QFile::exists(catalogue.strFile))
-            continue;
-        report.Error(catalogue.strFile, 0, QStringLiteral("is there already; --force replaces it"));
-        can = false;
+        const bool refused = QFile::exists(path) && !force;
+        if (same != taken.cend())
+            report.Error(path, 0, QLatin1String("is the same file as ") + *same);
+        else if (refused)
+            report.Error(path, 0, QStringLiteral("is there already; --force replaces it"));
+        can = can && same == taken.cend() && !refused;
+        taken.append(path);
     }
     return can;
 }
@@ -196,6 +214,13 @@ int LanguageCommands::Build(const QString &folder, const QString &out)
     const auto catalogues = PoCatalogues::ReadFolder(folder, report);
     if (report.HasErrors())
         return report.GetExitCode();
+    const auto isOut = [&](const SPoCatalogue &catalogue) {
+        return CReplacementFile::IsSame(catalogue.strFile, out);
+    };
+    if (std::any_of(catalogues.begin(), catalogues.end(), isOut)) {
+        report.Error(out, 0, QStringLiteral("is one of the sources; name another file to make"));
+        return report.GetExitCode();
+    }
     CDataFile file(out);
     SCounts counts;
     if (!Write(file, catalogues, counts))
@@ -216,7 +241,7 @@ int LanguageCommands::Export(const QString &path, const QString &folder, bool fo
         return report.GetExitCode();
     QMap<int, SPoCatalogue> catalogues = exporter.GetCatalogues();
     NameFiles(catalogues, folder);
-    if (!CanWrite(catalogues, folder, force, report))
+    if (!CanWrite(catalogues, path, force, report) || !MakeFolder(folder, report))
         return report.GetExitCode();
     for (const SPoCatalogue &catalogue : qAsConst(catalogues))
         WriteCatalogue(catalogue, report);

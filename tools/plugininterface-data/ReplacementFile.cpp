@@ -10,7 +10,9 @@ namespace {
 QString Target(const QString &path)
 {
     const QFileInfo info(path);
-    return info.isSymLink() ? info.symLinkTarget() : path;
+    if (!info.isSymLink())
+        return path;
+    return info.exists() ? info.canonicalFilePath() : info.symLinkTarget();
 }
 
 // Returns the permissions of an existing file; a new one is readable for everybody, as the data of an installation
@@ -22,6 +24,12 @@ QFile::Permissions Permissions(const QString &path)
 }
 
 } // namespace
+
+bool CReplacementFile::IsSame(const QString &left, const QString &right)
+{
+    std::error_code error; // of a file that doesn't exist, which is none of the others
+    return std::filesystem::equivalent(left.toStdWString(), right.toStdWString(), error);
+}
 
 CReplacementFile::CReplacementFile(const QString &path)
     : m_strPath(Target(path))

@@ -10,11 +10,16 @@
 class CReplacementFile
 {
 public:
+    /// Returns whether two paths lead to the same existing file, also through links.
+    static bool IsSame(const QString &left, const QString &right);
+
     /// Constructs a replacement for \a path, or for the target if \a path is a symbolic link.
     explicit CReplacementFile(const QString &path);
 
     /// Creates the new file, empty and closed. Returns false, with the reason in GetError(), on failure.
     bool Open();
+    /// Returns the path of the file that is replaced.
+    QString GetPath() const { return m_strPath; }
     /// Returns the path of the new file.
     QString GetTemporaryPath() const { return m_strTemporaryPath; }
     bool Commit();

@@ -1,13 +1,17 @@
 #include "Report.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <system_error>
 
 namespace {
 
-void WriteLine(std::FILE *stream, const QString &line)
+// Returns false, with the reason in errno, on failure.
+bool WriteLine(std::FILE *stream, const QString &line)
 {
     const QByteArray bytes = line.toUtf8() + '\n';
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+    const auto size = static_cast<std::size_t>(bytes.size());
+    return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
 }
 
 QString Place(const QString &file, int line)
@@ -30,5 +34,6 @@ void CReport::Note(const QString &file, int line, const QString &text)
 
 void CReport::Print(const QString &text)
 {
-    WriteLine(stdout, text);
+    if (!WriteLine(stdout, text))
+        Error(QStringLiteral("standard output"), 0, QString::fromStdString(std::generic_category().message(errno)));
 }

@@ -11,6 +11,7 @@ public:
     void Error(const QString &file, int line, const QString &text);
     /// Prints a finding that doesn't make the data wrong.
     void Note(const QString &file, int line, const QString &text);
+    /// Prints a result; it is an error if that fails.
     void Print(const QString &text);
 
     bool HasErrors() const { return m_iErrors > 0; }
