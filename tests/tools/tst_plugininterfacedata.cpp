@@ -74,8 +74,9 @@ private Q_SLOTS:
               "2: note: \"casinoid\" is left out of the file, since this is its built-in value"_s,
               R"({"link_cashier":"'ö'","mybesthand":false,"subskin":-2})"},
              {"unknown and double keys",
-              "{\"casinoid\": 2,\n\"subskin\": 2, \"link_cahsier\": \"x\",\n\"casinoi\\u0064\": 2,\n\"SUBSKIN\": 3}",
-              "2: unknown key \"link_cahsier\", the nearest is \"link_cashier\"\n"
+              "{\"casinoid\": 2,\n\"subskin\": 2, \"link_cahsier\": \"x\", \"xyzzy\": 1,\n\"casinoi\\u0064\": "
+              "2,\n\"SUBSKIN\": 3}",
+              "2: unknown key \"link_cahsier\", did you mean \"link_cashier\"?\n2: unknown key \"xyzzy\"\n"
               "3: \"casinoid\" is in line 1 already\n4: \"SUBSKIN\" is in line 2 already"_s,
               {}},
              {"values of another type",
@@ -85,6 +86,40 @@ private Q_SLOTS:
               "3: \"casinoid\" wants a whole number from -2147483648 to 2147483647\n"
               "3: \"moneytype\" wants a whole number from -2147483648 to 2147483647\n"
               "4: \"mybesthand\" wants true or false"_s,
+              {}},
+             {"objects and their texts",
+              "{\"playertags\": {\"10\": {\"c\": \"red\", \"n\": \"ö\"}},\n\"avatardisplaymode\": \"Custom, "
+              "noavatar\",\n\"proxysettings\": \"{\\\"host\\\": \\\"h\\\", \\\"port\\\": 1}\"}",
+              {},
+              R"({"avatardisplaymode":"Custom, noavatar","playertags":{"10":{"c":"red","n":"ö"}},)"
+              R"("proxysettings":{"host":"h","port":1}})"},
+             {"proxy",
+              R"({"proxysettings": {"host": "", "prt": 1, "type": "sock5"}})",
+              "1: \"proxysettings\" has an unknown member \"prt\", did you mean \"port\"?\n"
+              "1: \"proxysettings\" has an empty \"host\"\n1: \"proxysettings\" wants a \"type\" of default, "
+              "socks5, http, httpcaching, ftpcaching\n"
+              "1: note: \"proxysettings\" is ignored unless the client brings a \"port\" along"_s,
+              {}},
+             {"proxy's port",
+              R"({"proxysettings": {"host": "h", "port": 65536}})",
+              "1: \"proxysettings\" wants a whole number from 1 to 65535 for \"port\""_s,
+              {}},
+             {"tags",
+              R"({"playertags": {"1": 2, "2": {"c": "grenn", "n": 1}, "11": {}}})",
+              "1: \"playertags\" wants an object with \"c\" and \"n\" for tag \"1\"\n"
+              "1: \"playertags\" has a tag \"11\", but the tags are \"1\" to \"10\"\n"
+              "1: \"playertags\" wants a colour such as \"#c0c0c0\" for \"c\" of tag \"2\"\n"
+              "1: \"playertags\" wants a text for \"n\" of tag \"2\""_s,
+              {}},
+             {"ratings and avatars",
+              "{\"tablerating\": \"0,(0,256),0,(0,5),6,(1,1)\",\n\"tablerating_warning\": \"0,(0)\",\n"
+              "\"avatardisplaymode\": \"cartooncustom\"}",
+              "1: \"tablerating\" has a number 256, but the largest is 255\n"
+              "1: \"tablerating\" has more than one rating 0\n"
+              "1: \"tablerating\" has a rating 6, but ratings are 0 to 5\n"
+              "2: \"tablerating_warning\" wants ratings with two numbers each, such as \"0,(0,5),1,(1,4)\"\n"
+              "3: \"avatardisplaymode\" has an unknown word \"cartooncustom\", but wants cartoon, custom, noavatar, "
+              "with a comma between them"_s,
               {}},
              {"no JSON", "{\"casinoid\": 2,\n\"subskin\" 2}", "2: missing name separator"_s, {}}});
     }
@@ -169,7 +204,8 @@ private Q_SLOTS:
     {
         AddRows<QString>({"findings"}, {{"empty", " has no table tbl_config"_s},
                                         {"rows", " \"pokerpoints\" is \"1\", but wants true or false\n"
-                                                 " unknown key \"no\"\n has more than one \"pokerpoints\""_s}});
+                                                 " unknown key \"no\"\n has more than one \"pokerpoints\"\n"
+                                                 " \"playertags\" has to be a JSON object"_s}});
     }
     void DumpOfOthersFiles()
     {
@@ -177,8 +213,9 @@ private Q_SLOTS:
         CLocalDB(tree.GetPath("Tmp/empty"_s), false, false).Init();
         CLocalDB rows(tree.GetPath("Tmp/rows"_s), false, true);
         QVERIFY(rows.Init());
-        QVERIFY(rows.Exec("CREATE TABLE tbl_config AS SELECT 'pokerpoints' AS COV_cKey, 1 AS COV_cValue UNION "
-                          "ALL SELECT 'no', 1 UNION ALL SELECT 'PokerPoints', 'true'"_s));
+        QVERIFY(rows.Exec(
+            "CREATE TABLE tbl_config AS SELECT 'pokerpoints' AS COV_cKey, 1 AS COV_cValue UNION "
+            "ALL SELECT 'no', 1 UNION ALL SELECT 'PokerPoints', 'true' UNION ALL SELECT 'playertags', '[]'"_s));
         const QString path = tree.GetPath("Tmp/"_s + QString::fromLatin1(QTest::currentDataTag()));
         const SResult result = Run("config dump"_s, {path});
         QTEST(result.GetFindings(path), "findings");

@@ -1,8 +1,10 @@
 #include "ConfigCommands.h"
 
+#include "ConfigForms.h"
 #include "ConfigKeys.h"
 #include "DataFile.h"
 #include "JsonLines.h"
+#include "Nearest.h"
 #include "Report.h"
 
 #include <database/ConfigDB.h>
@@ -58,9 +60,22 @@ std::optional<QString> BoolText(const QJsonValue &value)
     return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
 }
 
+// Returns an object, which the value may be or be the text of, as its compact text, so that the same object makes the
+// same file. Returns another text unchanged.
+std::optional<QString> ObjectText(const QJsonValue &value)
+{
+    const QJsonObject object =
+        value.isObject() ? value.toObject() : QJsonDocument::fromJson(value.toString().toUtf8()).object();
+    if (value.isObject() || !object.isEmpty())
+        return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    return value.isString() ? std::make_optional(value.toString()) : std::nullopt;
+}
+
 // Returns the value as it is stored; nothing if its type isn't the key's.
 std::optional<QString> StoredText(const SConfigKey &key, const QJsonValue &value)
 {
+    if (ConfigForms::IsObject(key.strKey))
+        return ObjectText(value);
     switch (key.vDefault.userType()) {
     case QMetaType::Int:
         return IntText(value);
@@ -79,8 +94,19 @@ QString Wanted(const SConfigKey &key)
     case QMetaType::Bool:
         return QStringLiteral("true or false");
     default:
-        return QStringLiteral("a text in double quotes");
+        return ConfigForms::IsObject(key.strKey) ? QStringLiteral("an object in braces, or its text in double quotes")
+                                                 : QStringLiteral("a text in double quotes");
     }
+}
+
+// Reports what is wrong with the form of a text.
+void CheckForm(const SConfigKey &key, const QString &text, const QString &path, int line, CReport &report)
+{
+    const ConfigForms::SFindings findings = ConfigForms::Check(key.strKey, text);
+    for (const QString &finding : findings.errors)
+        report.Error(path, line, Quoted(key.strKey) + QLatin1Char(' ') + finding);
+    for (const QString &finding : findings.notes)
+        report.Note(path, line, Quoted(key.strKey) + QLatin1Char(' ') + finding);
 }
 
 class CConfigReader
@@ -109,8 +135,8 @@ private:
         const QString name = Quoted(member.strName);
         const SConfigKey *key = ConfigKeys::Find(member.strName);
         if (!key) {
-            Error(member, QLatin1String("unknown key ") + name + QLatin1String(", the nearest is ") +
-                              Quoted(ConfigKeys::FindNearest(member.strName).strKey));
+            Error(member,
+                  QLatin1String("unknown key ") + name + Nearest::Suggest(member.strName, ConfigKeys::GetNames()));
         } else if (const int first = m_lines.value(key->strKey)) {
             Error(member, name + QLatin1String(" is in line ") + QString::number(first) + QLatin1String(" already"));
         } else {
@@ -129,6 +155,7 @@ private:
                           Quoted(member.strName) + QLatin1String(" is left out of the file, since this is its "
                                                                  "built-in value"));
         } else {
+            CheckForm(key, *text, m_strPath, member.iLine, m_report);
             m_config.insert(key.strKey, *text);
         }
     }
@@ -173,6 +200,10 @@ QJsonValue ReadValue(const SConfigKey &key, const QVariant &value, const QString
         report.Error(path, 0,
                      Quoted(key.strKey) + QLatin1String(" is ") + Quoted(text) + QLatin1String(", but wants ") +
                          Wanted(key));
+    const QJsonDocument document = QJsonDocument::fromJson(text.toUtf8());
+    if (ConfigForms::IsObject(key.strKey) && document.isObject())
+        result = document.object();
+    CheckForm(key, text, path, 0, report);
     return result;
 }
 

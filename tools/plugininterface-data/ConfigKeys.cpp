@@ -4,30 +4,6 @@
 
 #include <QHash>
 
-#include <algorithm>
-#include <numeric>
-
-namespace {
-
-// Returns the number of letters to add, remove or change, computed by rows of the usual matrix.
-int EditDistance(const QString &from, const QString &to)
-{
-    QVector<int> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (int i = 0; i < from.size(); ++i) {
-        int diagonal = row[0];
-        row[0] = i + 1;
-        for (int j = 0; j < to.size(); ++j) {
-            const int changed = diagonal + (from.at(i) == to.at(j) ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({changed, row[j] + 1, row[j + 1] + 1});
-        }
-    }
-    return row.last();
-}
-
-} // namespace
-
 QString SConfigKey::GetTypeName() const
 {
     switch (vDefault.userType()) {
@@ -62,11 +38,10 @@ const SConfigKey *ConfigKeys::Find(const QString &key)
     return index.value(key.toLower());
 }
 
-const SConfigKey &ConfigKeys::FindNearest(const QString &key)
+QStringList ConfigKeys::GetNames()
 {
-    const QString lower = key.toLower();
-    const auto &keys = GetAll();
-    return *std::min_element(keys.begin(), keys.end(), [&](const SConfigKey &left, const SConfigKey &right) {
-        return EditDistance(lower, left.strKey) < EditDistance(lower, right.strKey);
-    });
+    QStringList names;
+    for (const SConfigKey &key : GetAll())
+        names.append(key.strKey);
+    return names;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QVector>
 
@@ -22,7 +22,7 @@ namespace ConfigKeys {
 const QVector<SConfigKey> &GetAll();
 /// Returns a key in any case; null if it doesn't exist.
 const SConfigKey *Find(const QString &key);
-/// Returns the key that takes the fewest letters to add, remove or change.
-const SConfigKey &FindNearest(const QString &key);
+/// Returns the names of all keys.
+QStringList GetNames();
 
 } // namespace ConfigKeys
