@@ -50,7 +50,8 @@ QString Files(const QString &folder)
 QByteArray Po(int id, const QByteArray &entries)
 {
     return "msgid \"\"\nmsgstr \"\"\n\"Content-Type: text/plain; charset=UTF-8\\n\"\n\"X-Language-Id: " +
-           QByteArray::number(id) + "\\n\"\n\"X-Language-Name: Language\\n\"\n\n" + entries;
+           QByteArray::number(id) + "\\n\"\n\"X-Language-Name: Language " + QByteArray::number(id) + "\\n\"\n\n" +
+           entries;
 }
 
 QByteArray Entry(const char *key, const char *text)
@@ -263,7 +264,21 @@ private Q_SLOTS:
               "3 texts; left out: 1"_s},
              {"empty on purpose", Po(2, left + "# empty on purpose\n" + Entry("DAY", "")), {}, whole},
              {"there already", Po(2, day + left + Entry("day", "T")), "14: CORE/day is in line 8 already"_s, {}},
-             {"other encoding", Po(2, day).replace("UTF-8", "ASCII"), "1: its header has to say "_s, {}},
+             {"other encoding", Po(2, day).replace("UTF-8", "ASCII"), "3: its header has to say "_s, {}},
+             {"byte order mark", "\xEF\xBB\xBF" + Po(2, day + left), {}, whole},
+             {"obsolete twin",
+              Po(2, day + left) + "# empty on purpose\n#~ " + Entry("DAY", "").replace("\nm", "\n#~ m"),
+              {},
+              "4 texts; left out: 0 fuzzy, 0 untranslated, 1 obsolete"_s},
+             {"blank in a key", Po(2, Entry("DAY ", "Tag") + left), "8: \"CORE/DAY \" has a blank at an end "_s, {}},
+             {"no header", day + left, "1: has no header, "_s, {}},
+             {"odd id", Po(2, day).replace("Id: 2", "Id: 2x"), "4: X-Language-Id is \"2x\", but has to be a "_s, {}},
+             {"two ids", Po(2, day).replace("Name:", "Id:"), "4: its header has more than one X-Language-Id"_s, {}},
+             {"id of the other", Po(1, day).replace("Language 1", "L"), "4: X-Language-Id 1 is that of "_s, {}},
+             {"name of the other",
+              Po(2, day).replace("Language 2", "language 1"),
+              "5: X-Language-Name Language 1 is that of "_s,
+              {}},
              {"no PO file", Po(2, day + "msgstr oops\n"), "10: "_s, {}}});
     }
     void Languages()

@@ -138,7 +138,7 @@ private:
             text.strText = row.at(3).toString();
             text.bEmptyOnPurpose = text.strText.isEmpty();
             const auto catalogue = m_catalogues.find(row.at(0).toInt());
-            if (text.strArea.isEmpty() || text.strKey.isEmpty())
+            if (text.strArea.isEmpty() || text.strKey.isEmpty() || text.HasBlankEnd())
                 m_report.Error(m_strPath, 0,
                                QLatin1String("left out, since nobody can ask for it: ") + text.GetName());
             else if (catalogue == m_catalogues.end())

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QHash>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -12,6 +13,7 @@ namespace {
 const QLatin1String FIELD_SHORT("Language");
 const QLatin1String FIELD_ID("X-Language-Id");
 const QLatin1String FIELD_LONG("X-Language-Name");
+const QLatin1String ID_WANTED(", a whole number from 0 to 2147483647");
 const QLatin1String EMPTY_ON_PURPOSE("empty on purpose");
 
 bool SaysEmptyOnPurpose(const QString &comments)
@@ -36,54 +38,77 @@ public:
         if (!PoFile::Read(m_catalogue.strFile, po, m_report))
             return m_catalogue;
         ReadHeader(po);
-        for (const SPoFile::SEntry &entry : qAsConst(po.entries)) {
-            if (entry.bObsolete)
-                ++m_catalogue.iObsolete;
-            else
-                AddEntry(entry);
-        }
+        for (const SPoFile::SEntry &entry : qAsConst(po.entries))
+            AddEntry(entry);
+        m_catalogue.iObsolete = po.iObsolete;
         return m_catalogue;
     }
 
 private:
     void ReadHeader(const SPoFile &po)
     {
+        for (const QLatin1String &name : {FIELD_SHORT, FIELD_ID, FIELD_LONG}) {
+            if (po.CountFields(name) > 1)
+                Error(po.GetFieldLine(name), QLatin1String("its header has more than one ") + name);
+        }
+        ReadNames(po);
+        ReadID(po);
+    }
+
+    void ReadNames(const SPoFile &po)
+    {
+        m_catalogue.iShortLine = po.GetFieldLine(FIELD_SHORT);
         m_catalogue.strShort = po.GetField(FIELD_SHORT);
         if (m_catalogue.strShort.isEmpty())
             m_catalogue.strShort = QFileInfo(m_catalogue.strFile).completeBaseName();
         if (m_catalogue.strShort.contains(QLatin1Char('_')))
-            m_report.Note(m_catalogue.strFile, po.iHeaderLine,
+            m_report.Note(m_catalogue.strFile, m_catalogue.iShortLine,
                           m_catalogue.strShort + QLatin1String(" is no system's language: clients compare the part "
                                                                "before the underscore of the system's locale"));
+        m_catalogue.iLongLine = po.GetFieldLine(FIELD_LONG);
         m_catalogue.strLong = po.GetField(FIELD_LONG);
         if (m_catalogue.strLong.isEmpty())
-            Error(po.iHeaderLine, QLatin1String("its header lacks ") + FIELD_LONG + QLatin1String(", its own name"));
+            Error(m_catalogue.iLongLine,
+                  QLatin1String("its header lacks ") + FIELD_LONG + QLatin1String(", its own name"));
+    }
+
+    void ReadID(const SPoFile &po)
+    {
+        static const QRegularExpression digits(QStringLiteral("^[0-9]+$"));
+        const QString text = po.GetField(FIELD_ID);
         bool number = false;
-        m_catalogue.iID = po.GetField(FIELD_ID).toInt(&number);
-        if (!number || m_catalogue.iID < 0)
-            Error(po.iHeaderLine, QLatin1String("its header lacks ") + FIELD_ID +
-                                      QLatin1String(", a whole number "
-                                                    "from 0 on"));
+        const int id = text.toInt(&number);
+        m_catalogue.iIDLine = po.GetFieldLine(FIELD_ID);
+        if (number && digits.match(text).hasMatch())
+            m_catalogue.iID = id;
+        else if (po.CountFields(FIELD_ID) == 0)
+            Error(m_catalogue.iIDLine, QLatin1String("its header lacks ") + FIELD_ID + ID_WANTED);
+        else
+            Error(m_catalogue.iIDLine,
+                  FIELD_ID + QLatin1String(" is \"") + text + QLatin1String("\", but has to be") + ID_WANTED.mid(1));
     }
 
     void AddEntry(const SPoFile::SEntry &entry)
     {
         const SPoCatalogue::SText text{
-            entry.strContext, entry.strID,  entry.strText,
-            entry.iLine,      entry.bFuzzy, entry.strText.isEmpty() && SaysEmptyOnPurpose(entry.strComments)};
+            entry.strContext,  entry.strID,  entry.strText,
+            entry.place.iLine, entry.bFuzzy, entry.strText.isEmpty() && SaysEmptyOnPurpose(entry.strComments)};
         const int first = m_lines.value(text.GetLookupKey());
         if (text.strArea.isEmpty())
-            Error(entry.iLine, entry.strID + QLatin1String(" has no msgctxt, which is its area"));
+            Error(entry.place.iLine, entry.strID + QLatin1String(" has no msgctxt, which is its area"));
         else if (text.strKey.isEmpty())
-            Error(entry.iLine, QStringLiteral("has an empty msgid, which is the key"));
+            Error(entry.place.iLine, QStringLiteral("has an empty msgid, which is the key"));
+        else if (text.HasBlankEnd())
+            Error(entry.place.iLine, QLatin1Char('"') + text.GetName() +
+                                         QLatin1String("\" has a blank at an end of its msgctxt or msgid"));
         else if (entry.bPlural)
-            Error(entry.iLine, text.GetName() + QLatin1String(" has plural forms, which clients don't know"));
+            Error(entry.place.iLine, text.GetName() + QLatin1String(" has plural forms, which clients don't know"));
         else if (first > 0)
-            Error(entry.iLine, text.GetName() + QLatin1String(" is in line ") + QString::number(first) +
-                                   QLatin1String(" already"));
+            Error(entry.place.iLine, text.GetName() + QLatin1String(" is in line ") + QString::number(first) +
+                                         QLatin1String(" already"));
         else
             m_catalogue.texts.append(text);
-        m_lines.insert(text.GetLookupKey(), entry.iLine);
+        m_lines.insert(text.GetLookupKey(), entry.place.iLine);
     }
 
     void Error(int line, const QString &text) { m_report.Error(m_catalogue.strFile, line, text); }
@@ -93,13 +118,29 @@ private:
     QHash<QPair<QString, QString>, int> m_lines;
 };
 
-void CheckIDs(const QVector<SPoCatalogue> &sorted, CReport &report)
+void CheckUnique(const QVector<SPoCatalogue> &sorted, CReport &report)
 {
-    for (int i = 1; i < sorted.size(); ++i) {
-        if (sorted.at(i).iID >= 0 && sorted.at(i).iID == sorted.at(i - 1).iID)
-            report.Error(sorted.at(i).strFile, 0,
-                         FIELD_ID + QLatin1Char(' ') + QString::number(sorted.at(i).iID) +
-                             QLatin1String(" is that of ") + sorted.at(i - 1).strFile);
+    for (auto catalogue = sorted.begin(); catalogue != sorted.end(); ++catalogue) {
+        const auto find = [&](const auto &isLike) { return std::find_if(sorted.begin(), catalogue, isLike); };
+        const auto id = find([&](const SPoCatalogue &other) { return other.iID == catalogue->iID; });
+        if (id != catalogue && id->iID >= 0)
+            report.Error(catalogue->strFile, catalogue->iIDLine,
+                         FIELD_ID + QLatin1Char(' ') + QString::number(id->iID) + QLatin1String(" is that of ") +
+                             id->strFile);
+        const auto name = find([&](const SPoCatalogue &other) {
+            return other.strLong.compare(catalogue->strLong, Qt::CaseInsensitive) == 0;
+        });
+        if (name != catalogue && !name->strLong.isEmpty())
+            report.Error(catalogue->strFile, catalogue->iLongLine,
+                         FIELD_LONG + QLatin1Char(' ') + name->strLong + QLatin1String(" is that of ") +
+                             name->strFile);
+        const auto shortForm = find([&](const SPoCatalogue &other) {
+            return other.strShort.compare(catalogue->strShort, Qt::CaseInsensitive) == 0;
+        });
+        if (shortForm != catalogue && !shortForm->strShort.isEmpty())
+            report.Note(catalogue->strFile, catalogue->iShortLine,
+                        FIELD_SHORT + QLatin1Char(' ') + shortForm->strShort + QLatin1String(" is that of ") +
+                            shortForm->strFile + QLatin1String(", which users get whose system has this language"));
     }
 }
 
@@ -115,7 +156,7 @@ QVector<SPoCatalogue> PoCatalogues::ReadFolder(const QString &folder, CReport &r
         catalogues.append(CCatalogueReader(QDir(folder).filePath(name), report).Read());
     std::stable_sort(catalogues.begin(), catalogues.end(),
                      [](const SPoCatalogue &left, const SPoCatalogue &right) { return left.iID < right.iID; });
-    CheckIDs(catalogues, report);
+    CheckUnique(catalogues, report);
     return catalogues;
 }
 

@@ -19,6 +19,8 @@ struct SPoCatalogue
         bool bEmptyOnPurpose = false;
 
         bool IsTranslated() const { return !bFuzzy && (!strText.isEmpty() || bEmptyOnPurpose); }
+        /// Returns whether area or key has white space at an end, which no program's key has.
+        bool HasBlankEnd() const { return strArea != strArea.trimmed() || strKey != strKey.trimmed(); }
         /// Returns area and key in lower case, as the library looks them up.
         QPair<QString, QString> GetLookupKey() const { return {strArea.toLower(), strKey.toLower()}; }
         /// Returns area and key for messages.
@@ -27,8 +29,11 @@ struct SPoCatalogue
 
     QString strFile;
     int iID = -1;
+    int iIDLine = 0; ///< from 1; 0 if it is unknown
     QString strShort;
+    int iShortLine = 0;
     QString strLong;
+    int iLongLine = 0;
     QVector<SText> texts; ///< without obsolete ones
     int iObsolete = 0;
 };
@@ -36,7 +41,7 @@ struct SPoCatalogue
 namespace PoCatalogues {
 
 /// Reads all PO files of a folder, in the order of the languages' ids. If the report has no errors, each of them is
-/// well-formed, each id occurs once, and so does each key of a language.
+/// well-formed, each id and name occurs once, and so does each key of a language.
 QVector<SPoCatalogue> ReadFolder(const QString &folder, CReport &report);
 
 /// Writes a catalogue to \a path; the report names the catalogue's file.
