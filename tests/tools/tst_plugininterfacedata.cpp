@@ -302,6 +302,43 @@ private Q_SLOTS:
         QCOMPARE(Files(tree.GetPath("Resources"_s)), "language.sqlite"_s);
     }
 
+    // The German texts are DAY and TWO, in this order.
+    void ExportLike_data()
+    {
+        const QByteArray day = Entry("DAY", "Tag");
+        const QByteArray two =
+            "# Mine.\n#. Yours.\n#: file:1\n" + Entry("TWO", "").replace("\"\"", "\"\"\n\"a\\n\"\n\"b\"");
+        const QByteArray open = "# Which?\n#, fuzzy\n" + Entry("OPEN", "?") + '\n' + Entry("NEW", "");
+        const QByteArray obsolete = "\n# Why?\n#~ " + Entry("DAY", "Dag").replace("\nm", "\n#~ m");
+        AddRows<QByteArray, QByteArray>(
+            {"pattern", "expected"},
+            {{"same", "# Head.\n" + Po(2, two + "\n\n" + day), "# Head.\n" + Po(2, two + "\n\n" + day)},
+             {"line ends", Po(2, two + day).replace('\n', "\r\n"), Po(2, two + day).replace('\n', "\r\n")},
+             {"other text", Po(2, "# A.\n#, fuzzy, c-format\n#| msgid \"D\"\n" + Entry("day", "Dag") + two),
+              Po(2, "# A.\n#, c-format\n" + Entry("day", "Tag") + two)},
+             {"missing and unknown texts", Po(2, Entry("GONE", "x") + "\n" + day + obsolete),
+              Po(2, day + "\n" + two.mid(two.indexOf("msgctxt")) + obsolete)},
+             {"unfinished and obsolete", Po(2, day + two + open + obsolete), Po(2, day + two + open + obsolete)},
+             {"other language", Po(1, day + "\n" + open + obsolete + "\n" + two),
+              Po(2, day + "\n" + two).replace("e 2\\n\"\n", "e 2\\n\"\n\"Language: b\\n\"\n")}});
+    }
+    void ExportLike()
+    {
+        QFETCH(QByteArray, pattern);
+        const CInstallationTree tree;
+        tree.WriteFile("po/b.po"_s, Po(2, Entry("DAY", "Tag") + Entry("TWO", "a\\nb")));
+        const QString built = tree.GetPath("Tmp/built.sqlite"_s);
+        QCOMPARE(Run("language build"_s, {tree.GetPath("po"_s), built}).iExitCode, 0);
+        const QString folder = tree.GetPath("Tmp/po"_s);
+        const SResult result =
+            Run("language export --like"_s, {tree.WriteFile("Tmp/b.po"_s, pattern), built, folder});
+        QVERIFY2(result.iExitCode == 0, qPrintable(result.strError));
+        QTEST(ReadFile(folder + "/b.po"_s), "expected");
+        const QString again = tree.GetPath("Tmp/again.sqlite"_s);
+        QCOMPARE(Run("language build"_s, {folder, again}).iExitCode, 0);
+        QCOMPARE(ReadFile(again), ReadFile(built));
+    }
+
     void Keys()
     {
         const QString row = "\n| `activitytimertimeout` | int | `600000` | `activitytimertimeout` | CUserInfo |\n"_s;

@@ -1,7 +1,7 @@
 #include "LanguageCommands.h"
 
 #include "DataFile.h"
-#include "PoCatalogue.h"
+#include "PoLike.h"
 
 #include <database/TranslationDB.h>
 
@@ -199,10 +199,44 @@ bool CanWrite(const QMap<int, SPoCatalogue> &catalogues, const QString &source, 
     return can;
 }
 
-void WriteCatalogue(const SPoCatalogue &catalogue, CReport &report)
+// Reads the files whose order and comments the new ones are to have.
+QVector<SPoPattern> ReadPatterns(const QStringList &paths, CReport &report)
+{
+    QVector<SPoPattern> patterns;
+    for (const QString &path : paths) {
+        SPoPattern pattern;
+        PoLike::Read(path, pattern, report);
+        patterns.append(pattern);
+    }
+    return patterns;
+}
+
+bool WriteLike(const QString &path, const SPoCatalogue &catalogue, const QVector<SPoPattern> &patterns,
+               CReport &report)
+{
+    const auto sameLanguage = std::find_if(patterns.begin(), patterns.end(), [&](const SPoPattern &pattern) {
+        return pattern.catalogue.iID == catalogue.iID;
+    });
+    const QByteArray bytes =
+        PoLike::Render(sameLanguage == patterns.end() ? patterns.first() : *sameLanguage, catalogue);
+    QFile file(path);
+    const bool done = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+    if (!done)
+        report.Error(catalogue.strFile, 0, file.errorString());
+    return done;
+}
+
+void WriteCatalogue(const SPoCatalogue &catalogue, const QVector<SPoPattern> &patterns, CReport &report)
 {
     CReplacementFile file(catalogue.strFile);
-    if (!file.Open() || (PoCatalogues::Write(file.GetTemporaryPath(), catalogue, report) && !file.Commit()))
+    if (!file.Open()) {
+        report.Error(catalogue.strFile, 0, file.GetError());
+        return;
+    }
+    const QString path = file.GetTemporaryPath();
+    const bool written = patterns.isEmpty() ? PoCatalogues::Write(path, catalogue, report)
+                                            : WriteLike(path, catalogue, patterns, report);
+    if (written && !file.Commit())
         report.Error(catalogue.strFile, 0, file.GetError());
 }
 
@@ -233,18 +267,21 @@ int LanguageCommands::Build(const QString &folder, const QString &out)
     return report.GetExitCode();
 }
 
-int LanguageCommands::Export(const QString &path, const QString &folder, bool force)
+int LanguageCommands::Export(const QString &path, const QString &folder, const SExportOptions &options)
 {
     CReport report;
+    const QVector<SPoPattern> patterns = ReadPatterns(options.patterns, report);
+    if (report.HasErrors())
+        return report.GetExitCode();
     CExporter exporter(path, report);
     if (!exporter.Read())
         return report.GetExitCode();
     QMap<int, SPoCatalogue> catalogues = exporter.GetCatalogues();
     NameFiles(catalogues, folder);
-    if (!CanWrite(catalogues, path, force, report) || !MakeFolder(folder, report))
+    if (!CanWrite(catalogues, path, options.bForce, report) || !MakeFolder(folder, report))
         return report.GetExitCode();
     for (const SPoCatalogue &catalogue : qAsConst(catalogues))
-        WriteCatalogue(catalogue, report);
+        WriteCatalogue(catalogue, patterns, report);
     report.Print(QStringLiteral("%1: %2 languages").arg(folder).arg(catalogues.size()));
     return report.GetExitCode();
 }

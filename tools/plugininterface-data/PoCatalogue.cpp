@@ -1,7 +1,5 @@
 #include "PoCatalogue.h"
 
-#include "PoFile.h"
-
 #include <QDir>
 #include <QHash>
 #include <QRegularExpression>
@@ -14,14 +12,6 @@ const QLatin1String FIELD_SHORT("Language");
 const QLatin1String FIELD_ID("X-Language-Id");
 const QLatin1String FIELD_LONG("X-Language-Name");
 const QLatin1String ID_WANTED(", a whole number from 0 to 2147483647");
-const QLatin1String EMPTY_ON_PURPOSE("empty on purpose");
-
-bool SaysEmptyOnPurpose(const QString &comments)
-{
-    const QStringList lines = comments.split(QLatin1Char('\n'));
-    return std::any_of(lines.begin(), lines.end(),
-                       [](const QString &line) { return line.trimmed() == EMPTY_ON_PURPOSE; });
-}
 
 class CCatalogueReader
 {
@@ -32,9 +22,8 @@ public:
         m_catalogue.strFile = path;
     }
 
-    SPoCatalogue Read()
+    SPoCatalogue Read(SPoFile &po)
     {
-        SPoFile po;
         if (!PoFile::Read(m_catalogue.strFile, po, m_report))
             return m_catalogue;
         ReadHeader(po);
@@ -90,25 +79,29 @@ private:
 
     void AddEntry(const SPoFile::SEntry &entry)
     {
-        const SPoCatalogue::SText text{
-            entry.strContext,  entry.strID,  entry.strText,
-            entry.place.iLine, entry.bFuzzy, entry.strText.isEmpty() && SaysEmptyOnPurpose(entry.strComments)};
+        SPoCatalogue::SText text;
+        text.strArea = entry.strContext;
+        text.strKey = entry.strID;
+        text.strText = entry.strText;
+        text.iLine = entry.place.iLine;
+        text.bFuzzy = entry.bFuzzy;
+        text.bEmptyOnPurpose = text.strText.isEmpty() && PoCatalogues::SaysEmptyOnPurpose(entry.strComments);
         const int first = m_lines.value(text.GetLookupKey());
         if (text.strArea.isEmpty())
-            Error(entry.place.iLine, entry.strID + QLatin1String(" has no msgctxt, which is its area"));
+            Error(text.iLine, text.strKey + QLatin1String(" has no msgctxt, which is its area"));
         else if (text.strKey.isEmpty())
-            Error(entry.place.iLine, QStringLiteral("has an empty msgid, which is the key"));
+            Error(text.iLine, QStringLiteral("has an empty msgid, which is the key"));
         else if (text.HasBlankEnd())
-            Error(entry.place.iLine, QLatin1Char('"') + text.GetName() +
-                                         QLatin1String("\" has a blank at an end of its msgctxt or msgid"));
+            Error(text.iLine, QLatin1Char('"') + text.GetName() +
+                                  QLatin1String("\" has a blank at an end of its msgctxt or msgid"));
         else if (entry.bPlural)
-            Error(entry.place.iLine, text.GetName() + QLatin1String(" has plural forms, which clients don't know"));
+            Error(text.iLine, text.GetName() + QLatin1String(" has plural forms, which clients don't know"));
         else if (first > 0)
-            Error(entry.place.iLine, text.GetName() + QLatin1String(" is in line ") + QString::number(first) +
-                                         QLatin1String(" already"));
+            Error(text.iLine, text.GetName() + QLatin1String(" is in line ") + QString::number(first) +
+                                  QLatin1String(" already"));
         else
             m_catalogue.texts.append(text);
-        m_lines.insert(text.GetLookupKey(), entry.place.iLine);
+        m_lines.insert(text.GetLookupKey(), text.iLine);
     }
 
     void Error(int line, const QString &text) { m_report.Error(m_catalogue.strFile, line, text); }
@@ -146,18 +139,39 @@ void CheckUnique(const QVector<SPoCatalogue> &sorted, CReport &report)
 
 } // namespace
 
+bool PoCatalogues::SaysEmptyOnPurpose(const QString &comments)
+{
+    const QStringList lines = comments.split(QLatin1Char('\n'));
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const QString &line) { return line.trimmed() == EMPTY_ON_PURPOSE; });
+}
+
+SPoCatalogue PoCatalogues::ReadFile(const QString &path, SPoFile &file, CReport &report)
+{
+    return CCatalogueReader(path, report).Read(file);
+}
+
 QVector<SPoCatalogue> PoCatalogues::ReadFolder(const QString &folder, CReport &report)
 {
     QVector<SPoCatalogue> catalogues;
     const QStringList names = QDir(folder).entryList({QStringLiteral("*.po")}, QDir::Files, QDir::Name);
     if (names.isEmpty())
         report.Error(folder, 0, QStringLiteral("is no folder with PO files"));
-    for (const QString &name : names)
-        catalogues.append(CCatalogueReader(QDir(folder).filePath(name), report).Read());
+    for (const QString &name : names) {
+        SPoFile file;
+        catalogues.append(ReadFile(QDir(folder).filePath(name), file, report));
+    }
     std::stable_sort(catalogues.begin(), catalogues.end(),
                      [](const SPoCatalogue &left, const SPoCatalogue &right) { return left.iID < right.iID; });
     CheckUnique(catalogues, report);
     return catalogues;
+}
+
+void PoCatalogues::SetLanguage(SPoFile &file, const SPoCatalogue &catalogue)
+{
+    file.SetField(FIELD_SHORT, catalogue.strShort);
+    file.SetField(FIELD_ID, QString::number(catalogue.iID));
+    file.SetField(FIELD_LONG, catalogue.strLong);
 }
 
 bool PoCatalogues::Write(const QString &path, const SPoCatalogue &catalogue, CReport &report)
@@ -167,8 +181,7 @@ bool PoCatalogues::Write(const QString &path, const SPoCatalogue &catalogue, CRe
     po.SetField(QStringLiteral("MIME-Version"), QStringLiteral("1.0"));
     po.SetField(QStringLiteral("Content-Type"), QStringLiteral("text/plain; charset=UTF-8"));
     po.SetField(QStringLiteral("Content-Transfer-Encoding"), QStringLiteral("8bit"));
-    po.SetField(FIELD_ID, QString::number(catalogue.iID));
-    po.SetField(FIELD_LONG, catalogue.strLong);
+    SetLanguage(po, catalogue);
     for (const SPoCatalogue::SText &text : catalogue.texts) {
         SPoFile::SEntry entry;
         entry.strContext = text.strArea;

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "PoFile.h"
 #include "Report.h"
 
-#include <QString>
+#include <QStringList>
 #include <QVector>
 
 /// The texts of one language from its PO file: the context of an entry is the text's area, its msgid the key.
@@ -40,9 +41,21 @@ struct SPoCatalogue
 
 namespace PoCatalogues {
 
+/// The comment of a text that is empty on purpose.
+inline const QLatin1String EMPTY_ON_PURPOSE("empty on purpose");
+
+/// Returns whether comments, each a line, say that a text is empty on purpose.
+bool SaysEmptyOnPurpose(const QString &comments);
+
+/// Reads a PO file; \a file is its contents as they are.
+SPoCatalogue ReadFile(const QString &path, SPoFile &file, CReport &report);
+
 /// Reads all PO files of a folder, in the order of the languages' ids. If the report has no errors, each of them is
 /// well-formed, each id and name occurs once, and so does each key of a language.
 QVector<SPoCatalogue> ReadFolder(const QString &folder, CReport &report);
+
+/// Sets the fields of a header that name the language.
+void SetLanguage(SPoFile &file, const SPoCatalogue &catalogue);
 
 /// Writes a catalogue to \a path; the report names the catalogue's file.
 bool Write(const QString &path, const SPoCatalogue &catalogue, CReport &report);

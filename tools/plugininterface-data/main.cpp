@@ -81,11 +81,20 @@ QVector<SCommand> LanguageCommandTable()
              return LanguageCommands::Build(arguments.at(0), arguments.at(1));
          }},
         {L("language export"),
-         L("Writes the PO files, one a language, from which \"language build\" makes the same texts."),
+         L("Writes the PO files, one a language, from which \"language build\" makes the same texts. With --like "
+           "each "
+           "keeps the order and the comments of another file, so that they differ little; texts that it lacks come "
+           "at "
+           "the end. Of the file's own language, unfinished and obsolete entries are kept as well."),
          {{L("FILE.sqlite"), L("The language file, which is only read.")}, {L("DIR"), L("The folder to write to.")}},
-         {{L("force"), L("Replace PO files that are there already.")}},
+         {{L("force"), L("Replace PO files that are there already.")},
+          {L("like"),
+           L("A file whose order and comments the new ones have. If it is given several times, the one of the same "
+             "language counts, else the first."),
+           L("FILE.po")}},
          [](const auto &arguments, const auto &parser) {
-             return LanguageCommands::Export(arguments.at(0), arguments.at(1), parser.isSet(L("force")));
+             return LanguageCommands::Export(arguments.at(0), arguments.at(1),
+                                             {parser.isSet(L("force")), parser.values(L("like"))});
          }},
         {L("language check"),
          L("Compares the PO files of a folder: keys that a language lacks, #markers# that a translation has lost or "
