@@ -254,6 +254,7 @@ private Q_SLOTS:
     {
         const QByteArray day = Entry("DAY", "Tag");
         const QByteArray left = Entry("LEFT", "#d# T. #h# Std.");
+        const QByteArray menu = "#. An entry of the menu MENU.\n";
         const QString whole = "4 texts; left out: 0 fuzzy, 0 untranslated, 0 obsolete"_s;
         const QString three = "3 texts; left out: 0 fuzzy, 0 untranslated"_s;
         AddRows<QByteArray, QString, QString>(
@@ -265,6 +266,9 @@ private Q_SLOTS:
              {"empty on purpose", Po(2, left + "# empty on purpose\n" + Entry("DAY", "")), {}, whole},
              {"there already", Po(2, day + left + Entry("day", "T")), "14: CORE/day is in line 8 already"_s, {}},
              {"other encoding", Po(2, day).replace("UTF-8", "ASCII"), "3: its header has to say "_s, {}},
+             {"letter of another entry",
+              Po(2, menu + Entry("DAY", "&Tag") + menu + Entry("LEFT", "#d# & #h# &&&tage")),
+              "13: CORE/LEFT has the letter &t of CORE/DAY in line 9, which is in the menu MENU"_s, whole},
              {"byte order mark", "\xEF\xBB\xBF" + Po(2, day + left), {}, whole},
              {"obsolete twin",
               Po(2, day + left) + "# empty on purpose\n#~ " + Entry("DAY", "").replace("\nm", "\n#~ m"),

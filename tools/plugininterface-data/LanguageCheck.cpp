@@ -2,6 +2,8 @@
 
 #include "PoCatalogue.h"
 
+#include <ui/MenuManager.h>
+
 #include <QMap>
 #include <QRegularExpression>
 #include <QSet>
@@ -9,6 +11,8 @@
 #include <algorithm>
 
 namespace {
+
+const QString MENU_BAR = QStringLiteral("MENU_BAR");
 
 using TTexts = QMap<QPair<QString, QString>, SPoCatalogue::SText>;
 
@@ -35,6 +39,23 @@ QString Place(const SPoCatalogue &catalogue, const SPoCatalogue::SText &text)
     return catalogue.strFile + QLatin1Char(':') + QString::number(text.iLine);
 }
 
+// Returns the letter after "&", which is the shortcut of a menu's entry, in lower case; null if there is none. "&&"
+// is a plain "&", as is one in front of a space.
+QChar Shortcut(const QString &text)
+{
+    static const QRegularExpression letter(QStringLiteral("^(?:[^&]|&&|&\\s)*+&(\\S)"));
+    const QString found = letter.match(text).captured(1);
+    return found.isEmpty() ? QChar() : found.at(0).toCaseFolded();
+}
+
+// Returns whether a text is the title of one of the library's own menus, which are in the menu bar.
+bool IsInMenuBar(const SPoCatalogue::SText &text)
+{
+    return text.strArea.compare(QLatin1String("CORE"), Qt::CaseInsensitive) == 0 &&
+           QStringList{CMenuManager::strMyAccount, CMenuManager::strOptions, CMenuManager::strGameRules}.contains(
+               text.strKey, Qt::CaseInsensitive);
+}
+
 TTexts ByKey(const SPoCatalogue &catalogue)
 {
     TTexts texts;
@@ -58,10 +79,12 @@ public:
     int Check()
     {
         FindOwners();
+        FindMenus();
         for (const SPoCatalogue &catalogue : m_catalogues) {
             for (const SPoCatalogue::SText &text : catalogue.texts)
                 CheckText(catalogue, text);
             CheckMissing(catalogue);
+            CheckShortcuts(catalogue);
         }
         return static_cast<int>(m_owners.size());
     }
@@ -121,10 +144,47 @@ private:
         }
     }
 
+    // A comment in one language tells the menu of the text in all of them.
+    void FindMenus()
+    {
+        for (const SPoCatalogue &catalogue : m_catalogues) {
+            for (const SPoCatalogue::SText &text : catalogue.texts) {
+                QStringList &menus = m_menus[text.GetLookupKey()];
+                menus += text.menus;
+                if (IsInMenuBar(text))
+                    menus.append(MENU_BAR);
+                menus.removeDuplicates();
+            }
+        }
+    }
+
+    void CheckShortcuts(const SPoCatalogue &catalogue)
+    {
+        QHash<QPair<QString, QChar>, const SPoCatalogue::SText *> owners; // by menu and letter
+        for (const SPoCatalogue::SText &text : catalogue.texts) {
+            const QChar letter = Shortcut(text.strText);
+            if (letter.isNull() || !text.IsTranslated())
+                continue;
+            const QStringList menus = m_menus.value(text.GetLookupKey());
+            for (const QString &menu : menus) {
+                const SPoCatalogue::SText *&owner = owners[{menu, letter}];
+                if (owner)
+                    m_report.Error(catalogue.strFile, text.iLine,
+                                   text.GetName() + QLatin1String(" has the letter &") + letter +
+                                       QLatin1String(" of ") + owner->GetName() + QLatin1String(" in line ") +
+                                       QString::number(owner->iLine) + QLatin1String(", which is in the menu ") +
+                                       menu);
+                else
+                    owner = &text;
+            }
+        }
+    }
+
     const QVector<SPoCatalogue> &m_catalogues;
     const SPoCatalogue &m_reference;
     TTexts m_referenceTexts;
     QMap<QPair<QString, QString>, QString> m_owners;
+    QMap<QPair<QString, QString>, QStringList> m_menus; // by the key of the entry
     CReport &m_report;
 };
 

@@ -13,6 +13,17 @@ const QLatin1String FIELD_ID("X-Language-Id");
 const QLatin1String FIELD_LONG("X-Language-Name");
 const QLatin1String ID_WANTED(", a whole number from 0 to 2147483647");
 
+// Returns the menus of an entry. The developer's comment names each: "An entry of the menu MENU_OPTIONS."
+QStringList FindMenus(const QString &comments)
+{
+    static const QRegularExpression name(QStringLiteral("\\bof\\s+the\\s+menu\\s+([A-Z][A-Z0-9_]*)\\b"));
+    QStringList menus;
+    auto match = name.globalMatch(comments);
+    while (match.hasNext())
+        menus.append(match.next().captured(1));
+    return menus;
+}
+
 class CCatalogueReader
 {
 public:
@@ -86,6 +97,7 @@ private:
         text.iLine = entry.place.iLine;
         text.bFuzzy = entry.bFuzzy;
         text.bEmptyOnPurpose = text.strText.isEmpty() && PoCatalogues::SaysEmptyOnPurpose(entry.strComments);
+        text.menus = FindMenus(entry.strExtracted);
         const int first = m_lines.value(text.GetLookupKey());
         if (text.strArea.isEmpty())
             Error(text.iLine, text.strKey + QLatin1String(" has no msgctxt, which is its area"));

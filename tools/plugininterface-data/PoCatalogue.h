@@ -19,6 +19,8 @@ struct SPoCatalogue
         /// An empty text counts as untranslated unless its comment says that it is empty on purpose.
         bool bEmptyOnPurpose = false;
 
+        QStringList menus; ///< the menus that it is an entry of
+
         bool IsTranslated() const { return !bFuzzy && (!strText.isEmpty() || bEmptyOnPurpose); }
         /// Returns whether area or key has white space at an end, which no program's key has.
         bool HasBlankEnd() const { return strArea != strArea.trimmed() || strKey != strKey.trimmed(); }

@@ -98,11 +98,12 @@ QVector<SCommand> LanguageCommandTable()
          }},
         {L("language check"),
          L("Compares the PO files of a folder: keys that a language lacks, #markers# that a translation has lost or "
-           "invented, fuzzy and empty texts, and what is wrong in the files themselves."),
+           "invented, fuzzy and empty texts, entries of one menu with the same letter after &, and what is wrong in "
+           "the files themselves. A developer's comment names the menu of an entry, as in \"#. An entry of the menu "
+           "MENU_OPTIONS.\"; the titles of the library's own menus are entries of MENU_BAR."),
          {{L("DIR"), L("The folder of the PO files.")}},
          {{L("reference"),
-           L("The language whose markers count, by its short form; without it the one with the lowest "
-             "id."),
+           L("The language whose markers count, by its short form; without it the one with the lowest id."),
            L("SHORT")}},
          [](const auto &arguments, const auto &parser) {
              return LanguageCheck::Run(arguments.at(0), parser.value(L("reference")));
