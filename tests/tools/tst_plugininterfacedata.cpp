@@ -30,10 +30,12 @@ struct SResult
     }
 };
 
-// A command in words, then file names as they are.
-SResult Run(const QString &command, const QStringList &files = {})
+// A command in words, then file names as they are; \a output is a file for what it prints.
+SResult Run(const QString &command, const QStringList &files = {}, const QString &output = {})
 {
     QProcess tool;
+    if (!output.isEmpty())
+        tool.setStandardOutputFile(output);
     tool.start(QStringLiteral(TOOL_PATH), command.split(" "_s, Qt::SkipEmptyParts) + files);
     const bool ended = tool.waitForFinished(30000) && tool.exitStatus() == QProcess::NormalExit;
     return {ended ? tool.exitCode() : -1, QString::fromUtf8(tool.readAllStandardOutput()),
@@ -350,11 +352,62 @@ private Q_SLOTS:
         QVERIFY(Run("config keys --json"_s).strOut.contains("\"default\": 600000"_s));
     }
 
+    void Usage_data()
+    {
+        AddRows<QString, int, QString>(
+            {"command", "exitCode", "text"},
+            {{"nothing", {}, 2, "a command is missing"_s},
+             {"unknown", "config bulid a b"_s, 2, "unknown command config bulid, did you mean \"config build\"?"_s},
+             {"nothing near", "frob"_s, 2, "unknown command frob (see"_s},
+             {"group", "config"_s, 2, "config wants one of: build, dump, keys"_s},
+             {"help", "help"_s, 0, "language export FILE.sqlite DIR [--force] [--like FILE.po]"_s},
+             {"help on a command", "help config build"_s, 0, "FILE.json   The configuration."_s},
+             {"help behind a group", "language --help"_s, 0, "language check DIR"_s},
+             {"version", "--version"_s, 0, " " TOOL_VERSION "\n"_s}});
+    }
     void Usage()
     {
-        const SResult unknown = Run("config bulid a b"_s);
-        QCOMPARE(unknown.iExitCode, 2);
-        QVERIFY2(unknown.strError.contains("unknown command config bulid"_s), qPrintable(unknown.strError));
+        QFETCH(QString, command);
+        QFETCH(QString, text);
+        const SResult result = Run(command);
+        QTEST(result.iExitCode, "exitCode");
+        QVERIFY2(result.strError.contains(text) || result.strOut.contains(text), qPrintable(result.strError));
+    }
+
+    void ResultNotPrinted()
+    {
+        const SResult result = Run("config keys"_s, {}, "/dev/full"_s);
+        QCOMPARE(result.iExitCode, 1);
+        QCOMPARE(result.strError, "standard output: No space left on device\n"_s);
+    }
+
+    void Completion_data()
+    {
+        AddRows<QString, QString>({"words", "replies"},
+                                  {{"group", "lang"_s, "language"_s},
+                                   {"command", "config "_s, "build dump keys --help"_s},
+                                   {"file", "config build "_s, "folder a.json"_s},
+                                   {"second file", "config build a.json "_s, "folder b.sqlite"_s},
+                                   {"folder", "language export --force b.sqlite "_s, "folder"_s},
+                                   {"option", "language export --"_s, "--force --like --help"_s},
+                                   {"file of an option", "language export --like "_s, "folder c.po"_s},
+                                   {"after an option's value", "language check --reference de "_s, "folder"_s}});
+    }
+    void Completion()
+    {
+        QFETCH(QString, words);
+        const CInstallationTree tree; // its client folder is the current one
+        for (const QString &file : {"a.json"_s, "b.sqlite"_s, "c.po"_s, "folder/d"_s})
+            tree.WriteFile("Client/"_s + file);
+        const QString script = "source <(\"$0\" completion bash)\n"
+                               "COMP_WORDS=(\"$0\" \"$@\") COMP_CWORD=$#\n"
+                               "\"_$(basename \"$0\" | tr -c '[:alnum:]\\n' _)\" \"$0\" \"${@: -1}\" "
+                               "\"${COMP_WORDS[$# - 1]}\"\n"
+                               "echo \"${COMPREPLY[*]}\""_s;
+        QProcess bash;
+        bash.start("bash"_s, QStringList{"-c"_s, script, QStringLiteral(TOOL_PATH)} + words.split(" "_s));
+        QVERIFY(bash.waitForFinished());
+        QTEST(QString::fromUtf8(bash.readAllStandardOutput()).trimmed(), "replies");
     }
 };
 

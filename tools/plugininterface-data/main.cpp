@@ -1,41 +1,13 @@
+#include "CommandLine.h"
+#include "Completion.h"
 #include "ConfigCommands.h"
 #include "LanguageCheck.h"
 #include "LanguageCommands.h"
 #include "Report.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QRegularExpression>
-
-#include <algorithm>
-#include <functional>
 
 namespace {
-
-constexpr int WRONG_USAGE = 2;
-
-const QLatin1String PROGRAM("plugininterface-data");
-const QLatin1String DESCRIPTION("Makes the two data files of an installation: config.sqlite, the operator's\n"
-                                "configuration, from JSON, and language.sqlite, the texts of all languages, from\n"
-                                "PO files. A file that exists is replaced in one step, and only when all is well.\n");
-const QLatin1String
-    EXIT_CODES("\nFindings go to stderr as FILE:LINE: text. Exit codes: 0 all is well, 1 something is "
-               "wrong\nin the data, 2 wrong usage.");
-
-struct SArgument
-{
-    QString strName;
-    QString strDescription;
-};
-
-struct SCommand
-{
-    QString strName; // two words
-    QString strDescription;
-    QVector<SArgument> arguments;
-    QList<QCommandLineOption> options;
-    std::function<int(const QStringList &arguments, const QCommandLineParser &parser)> run;
-};
 
 QString L(const char *text)
 {
@@ -47,15 +19,14 @@ QVector<SCommand> ConfigCommandTable()
     return {
         {L("config build"),
          L("Makes a configuration file. The JSON is one object of keys and values. Every key has to be one that "
-           "clients know, in any case, with a value of its type; values that equal the built-in ones are left out. "
-           "All that is wrong is told at once."),
+           "clients know, in any case, with a value of its type and form, where a value that is JSON itself may be "
+           "an object; values that equal the built-in ones are left out. All that is wrong is told at once."),
          {{L("FILE.json"), L("The configuration.")}, {L("OUT.sqlite"), L("The file to make.")}},
          {},
          [](const auto &arguments, const auto &) { return ConfigCommands::Build(arguments.at(0), arguments.at(1)); }},
         {L("config dump"),
          L("Prints a configuration file as the JSON that \"config build\" takes. Keys that no client knows and "
-           "values "
-           "of a wrong type are told."),
+           "values of a wrong type or form are told."),
          {{L("FILE.sqlite"), L("The configuration file, which is only read.")}},
          {},
          [](const auto &arguments, const auto &) { return ConfigCommands::Dump(arguments.at(0)); }},
@@ -82,10 +53,8 @@ QVector<SCommand> LanguageCommandTable()
          }},
         {L("language export"),
          L("Writes the PO files, one a language, from which \"language build\" makes the same texts. With --like "
-           "each "
-           "keeps the order and the comments of another file, so that they differ little; texts that it lacks come "
-           "at "
-           "the end. Of the file's own language, unfinished and obsolete entries are kept as well."),
+           "each keeps the order and the comments of another file, so that they differ little; texts that it lacks "
+           "come at the end. Of the file's own language, unfinished and obsolete entries are kept as well."),
          {{L("FILE.sqlite"), L("The language file, which is only read.")}, {L("DIR"), L("The folder to write to.")}},
          {{L("force"), L("Replace PO files that are there already.")},
           {L("like"),
@@ -111,54 +80,20 @@ QVector<SCommand> LanguageCommandTable()
     };
 }
 
-QString Synopsis(const SCommand &command)
+QVector<SCommand> AllCommands()
 {
-    QString text = command.strName;
-    for (const SArgument &argument : command.arguments)
-        text += QLatin1Char(' ') + argument.strName;
-    for (const QCommandLineOption &option : command.options) {
-        const QStringList words{QLatin1String("--") + option.names().constFirst(), option.valueName()};
-        text += QLatin1String(" [") + words.join(QLatin1Char(' ')).trimmed() + QLatin1Char(']');
-    }
-    return text;
-}
-
-QString Help(const QVector<SCommand> &commands)
-{
-    QString text = QLatin1String("Usage: ") + PROGRAM + QLatin1String(" COMMAND ...\n") + DESCRIPTION +
-                   QLatin1String("\nCommands, each with a --help of its own:\n");
-    for (const SCommand &command : commands)
-        text += QLatin1String("  ") + Synopsis(command) + QLatin1Char('\n');
-    return text + EXIT_CODES;
-}
-
-int RefuseUsage(const QString &text, const QString &help)
-{
-    CReport().Error(PROGRAM, 0, text + QLatin1String(" (see ") + help + QLatin1String(" --help)"));
-    return WRONG_USAGE;
-}
-
-int RunCommand(const SCommand &command, const QStringList &words)
-{
-    const QString name = PROGRAM + QLatin1Char(' ') + command.strName;
-    const QCommandLineOption help({L("h"), L("help")}, L("Show this help."));
-    QCommandLineParser parser;
-    parser.setApplicationDescription(command.strDescription + QLatin1Char('\n') + EXIT_CODES);
-    parser.addOption(help);
-    parser.addOptions(command.options);
-    for (const SArgument &argument : command.arguments)
-        parser.addPositionalArgument(argument.strName, argument.strDescription);
-    const bool parsed = parser.parse(QStringList(name) + words);
-    if (parsed && parser.isSet(help)) {
-        QString text = parser.helpText();
-        CReport().Print(text.replace(QCoreApplication::arguments().constFirst(), name).trimmed());
-        return 0;
-    }
-    if (!parsed)
-        return RefuseUsage(parser.errorText().remove(QRegularExpression(L("\\.$"))), name);
-    if (parser.positionalArguments().size() != command.arguments.size())
-        return RefuseUsage(QLatin1String("wants: ") + Synopsis(command), name);
-    return command.run(parser.positionalArguments(), parser);
+    const SCommand completion{L("completion bash"),
+                              L("Prints the script that teaches bash to complete commands, options and files. Where "
+                                "it isn't installed, add this to ~/.bashrc: source <(%1 completion bash)")
+                                  .arg(CommandLine::GetProgram()),
+                              {},
+                              {},
+                              [](const auto &, const auto &) {
+                                  CReport report;
+                                  report.Print(Completion::MakeBashScript(AllCommands()));
+                                  return report.GetExitCode();
+                              }};
+    return ConfigCommandTable() + LanguageCommandTable() + QVector<SCommand>{completion};
 }
 
 } // namespace
@@ -166,16 +101,6 @@ int RunCommand(const SCommand &command, const QStringList &words)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    const QVector<SCommand> commands = ConfigCommandTable() + LanguageCommandTable();
-    const QStringList words = QCoreApplication::arguments().mid(1);
-    if (words.value(0) == QLatin1String("--help") || words.value(0) == QLatin1String("-h")) {
-        CReport().Print(Help(commands));
-        return 0;
-    }
-    const QString name = QStringList(words.mid(0, 2)).join(QLatin1Char(' '));
-    const auto command = std::find_if(commands.begin(), commands.end(),
-                                      [&](const SCommand &candidate) { return candidate.strName == name; });
-    if (command == commands.end())
-        return RefuseUsage(name.isEmpty() ? L("a command is missing") : L("unknown command ") + name, PROGRAM);
-    return RunCommand(*command, words.mid(2));
+    QCoreApplication::setApplicationVersion(L(TOOL_VERSION));
+    return CommandLine::Run(AllCommands(), QCoreApplication::arguments().mid(1));
 }
