@@ -1,5 +1,7 @@
 #include "Completion.h"
 
+#include "Quoting.h"
+
 #include <QRegularExpression>
 
 namespace {
@@ -41,11 +43,6 @@ const char *const SCRIPT = R"(# Completion of %1 for bash, made by "%1 completio
     [[ -z $kind ]] || compopt -o filenames 2>/dev/null
 }
 complete -F %2 %1)";
-
-QString L(const char *text)
-{
-    return QString::fromLatin1(text);
-}
 
 // Returns the kind of a file from the name of its argument.
 QString Kind(const QString &argument)

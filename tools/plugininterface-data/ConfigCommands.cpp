@@ -5,6 +5,7 @@
 #include "DataFile.h"
 #include "JsonLines.h"
 #include "Nearest.h"
+#include "Quoting.h"
 #include "Report.h"
 
 #include <database/ConfigDB.h>
@@ -23,11 +24,6 @@ namespace {
 
 // Values as the library reads them, by key in lower case.
 using TConfig = QMap<QString, QString>;
-
-QString Quoted(const QString &text)
-{
-    return QLatin1Char('"') + text + QLatin1Char('"');
-}
 
 std::optional<QJsonObject> ReadObject(const QByteArray &json, const QString &path, CReport &report)
 {

@@ -1,6 +1,7 @@
 #include "ConfigForms.h"
 
 #include "Nearest.h"
+#include "Quoting.h"
 
 #include <QColor>
 #include <QHash>
@@ -12,16 +13,6 @@
 namespace {
 
 using ConfigForms::SFindings;
-
-QString L(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
-QString Quoted(const QString &text)
-{
-    return QLatin1Char('"') + text + QLatin1Char('"');
-}
 
 bool IsColor(const QString &name)
 {

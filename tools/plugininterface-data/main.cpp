@@ -3,16 +3,12 @@
 #include "ConfigCommands.h"
 #include "LanguageCheck.h"
 #include "LanguageCommands.h"
+#include "Quoting.h"
 #include "Report.h"
 
 #include <QCoreApplication>
 
 namespace {
-
-QString L(const char *text)
-{
-    return QString::fromLatin1(text);
-}
 
 QVector<SCommand> ConfigCommandTable()
 {
