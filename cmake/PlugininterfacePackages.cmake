@@ -1,18 +1,20 @@
-# Four Debian packages, made by `cpack` in the build folder: the library, its development files, the tool for
-# operators, and the example. Each is a component of the installation.
+# The Debian packages, made by `cpack` in the build folder: the library, its development files, the tool for
+# operators, and the example. Each is a component of the installation; what isn't built has none.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME ${PLUGININTERFACE_NAME})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # would be the first line of each description
 set(CPACK_PACKAGE_CONTACT "Maintainers of plugininterface <maintainers@users.noreply.c-seed-65f3c664.example>")
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/packages/remove_runpath.cmake")
+set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/packages/clean_binaries.cmake")
+set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/packages/finish.cmake")
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL library development tools example)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SOURCE plugininterface)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/src") # where the other packages find the library
@@ -37,18 +39,30 @@ add_custom_command(OUTPUT "${changelog}"
     VERBATIM)
 add_custom_target(plugininterface_packages_changelog ALL DEPENDS "${changelog}")
 
-# debian_package(<component> NAME <name> SECTION <section> SUMMARY <line> DESCRIPTION <line>... DEPENDS <package>...)
-# The packages of linked libraries are detected; DEPENDS lists dependencies that the linker doesn't see.
+# debian_package(<component> NAME <name> SECTION <section> SYNOPSIS <line> DESCRIPTION <line>...
+#     [MULTIARCH <value>] [ARCHITECTURE <architecture>] [DEPENDS <package>...] [SUGGESTS <package>...])
+# The packages of linked libraries are detected; DEPENDS lists dependencies that the linker doesn't see. A full stop
+# on a line of its own separates paragraphs of the description. The component's file in packages/overrides says which
+# findings of lintian don't count, and why.
+set(CPACK_COMPONENTS_ALL)
 macro(debian_package component)
-    cmake_parse_arguments(DEB "" "NAME;SECTION;SUMMARY" "DESCRIPTION;DEPENDS" ${ARGN})
+    cmake_parse_arguments(DEB "" "NAME;SECTION;SYNOPSIS;MULTIARCH;ARCHITECTURE" "DESCRIPTION;DEPENDS;SUGGESTS" ${ARGN})
+    list(APPEND CPACK_COMPONENTS_ALL ${component})
     string(TOUPPER "${component}" upper)
     list(JOIN DEB_DESCRIPTION "\n" description)
     list(JOIN DEB_DEPENDS ", " CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS)
+    list(JOIN DEB_SUGGESTS ", " CPACK_DEBIAN_${upper}_PACKAGE_SUGGESTS)
     set(CPACK_DEBIAN_${upper}_PACKAGE_NAME "${DEB_NAME}")
     set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION "${DEB_SECTION}")
-    set(CPACK_COMPONENT_${upper}_DESCRIPTION "${DEB_SUMMARY}\n${description}")
+    set(CPACK_DEBIAN_${upper}_PACKAGE_MULTIARCH "${DEB_MULTIARCH}")
+    set(CPACK_DEBIAN_${upper}_PACKAGE_ARCHITECTURE "${DEB_ARCHITECTURE}")
+    set(CPACK_COMPONENT_${upper}_DESCRIPTION "${DEB_SYNOPSIS}\n${description}")
     install(FILES "${PROJECT_SOURCE_DIR}/cmake/packages/copyright" "${changelog}"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${DEB_NAME}" COMPONENT ${component} EXCLUDE_FROM_ALL)
+    if(EXISTS "${PROJECT_SOURCE_DIR}/cmake/packages/overrides/${component}")
+        install(FILES "${PROJECT_SOURCE_DIR}/cmake/packages/overrides/${component}" RENAME "${DEB_NAME}"
+            DESTINATION "${CMAKE_INSTALL_DATADIR}/lintian/overrides" COMPONENT ${component} EXCLUDE_FROM_ALL)
+    endif()
 endmacro()
 
 # What Qt loads by itself.
@@ -66,26 +80,37 @@ else()
 endif()
 
 set(same_library "${library_package} (= ${PROJECT_VERSION})")
-debian_package(library NAME ${library_package} SECTION libs
-    SUMMARY "Shared core library of an online poker client"
-    DESCRIPTION "A host program and its plugins load this one library together. It carries their"
-                "traffic, keeps settings and local data, and holds the models and texts that"
-                "the views show."
+set(about
+    "Host programs and their plugins load this library together. It carries their"
+    "traffic, keeps settings and local data, and holds the models and texts that"
+    "the views show."
+    ".")
+debian_package(library NAME ${library_package} SECTION libs MULTIARCH same
+    SYNOPSIS "core library of an online poker client and its plugins"
+    DESCRIPTION ${about}
+                "This package contains the shared library, built with Qt ${QT_VERSION_MAJOR}."
     DEPENDS ${qt_plugins})
-debian_package(development NAME lib${PLUGININTERFACE_NAME}-dev SECTION libdevel
-    SUMMARY "Development files of an online poker client's core library"
-    DESCRIPTION "Headers, the CMake package, the pkg-config file and the description of the"
-                "QML types, for those who write hosts and plugins."
+debian_package(development NAME lib${PLUGININTERFACE_NAME}-dev SECTION libdevel MULTIARCH same
+    SYNOPSIS "core library of an online poker client (development files)"
+    DESCRIPTION ${about}
+                "This package contains the headers, the CMake package, the pkg-config file and"
+                "the description of the QML types, for those who write hosts and plugins with"
+                "Qt ${QT_VERSION_MAJOR}."
     DEPENDS "${same_library}" "${qt_headers}")
-debian_package(tools NAME ${PLUGININTERFACE_NAME}-tools SECTION utils
-    SUMMARY "Makes the data files of an online poker client's installation"
-    DESCRIPTION "For operators and translators: builds, checks and dumps the configuration and"
-                "the catalogue of texts that a client reads."
-    DEPENDS "${same_library}")
-debian_package(example NAME ${PLUGININTERFACE_NAME}-example SECTION misc
-    SUMMARY "Example of an online poker client with its plugins and servers"
-    DESCRIPTION "A host with a lobby, tables and notes, a game server and a web server, to try"
-                "out and to start a client from."
-    DEPENDS "${same_library}" gstreamer1.0-plugins-good ${qml_modules})
+if(TARGET plugininterface-data)
+    debian_package(tools NAME ${PLUGININTERFACE_NAME}-tools SECTION utils MULTIARCH foreign
+        SYNOPSIS "maker of the data files of an online poker client"
+        DESCRIPTION "For operators and translators: builds, checks and dumps the configuration and"
+                    "the catalogue of texts that a client reads. The program, which uses Qt ${QT_VERSION_MAJOR}, is"
+                    "plugininterface-data${PLUGININTERFACE_SUFFIX}."
+        DEPENDS "${same_library}")
+endif()
+if(PLUGININTERFACE_BUILD_EXAMPLES)
+    debian_package(example NAME ${PLUGININTERFACE_NAME}-example SECTION misc
+        SYNOPSIS "example of an online poker client with its plugins and servers"
+        DESCRIPTION "A host with a lobby, tables and notes, a game server and a web server, built"
+                    "with Qt ${QT_VERSION_MAJOR}, to try out and to start a client from. Nothing is played for money."
+        DEPENDS "${same_library}" gstreamer1.0-plugins-good ${qml_modules})
+endif()
 
 include(CPack)

@@ -2,6 +2,12 @@
 # strictness of Qt, output folders), so that the CMakeLists.txt of a folder only lists sources. Unknown arguments are
 # fatal.
 
+# On Debian, the folder of libraries is that of their architecture below every prefix, not only below /usr: what is
+# installed has the layout of the packages. Not in the cache, in which a variable is what the user has chosen.
+if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_INSTALL_LIBDIR AND CMAKE_LIBRARY_ARCHITECTURE
+   AND EXISTS /etc/debian_version)
+    set(CMAKE_INSTALL_LIBDIR "lib/${CMAKE_LIBRARY_ARCHITECTURE}")
+endif()
 include(GNUInstallDirs)
 
 # The installation tree that the build creates for the example client, in the layout that Pathes describes.
@@ -42,8 +48,9 @@ function(plugininterface_strict target)
     if(PLUGININTERFACE_WERROR)
         set_target_properties(${target} PROPERTIES COMPILE_WARNING_AS_ERROR ON)
     endif()
-    # Libraries that a target links but doesn't use don't become its dependencies.
-    target_link_options(${target} PRIVATE $<$<PLATFORM_ID:Linux>:LINKER:--as-needed>)
+    # Libraries that a target links but doesn't use don't become its dependencies. All functions are bound at the start,
+    # after which nobody can redirect them.
+    target_link_options(${target} PRIVATE $<$<PLATFORM_ID:Linux>:LINKER:--as-needed,-z,now>)
 endfunction()
 
 # Lets a target on top of the library use headers of Qt that are compiled once for all targets of its kind, which are

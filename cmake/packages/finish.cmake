@@ -1,0 +1,21 @@
+# Completes the packages with what cpack can't do: the field Multi-Arch, and no scripts that call ldconfig, which the
+# library's trigger does.
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+    string(TOUPPER "${component}" component)
+    set(multi_arch_${CPACK_DEBIAN_${component}_PACKAGE_NAME} "${CPACK_DEBIAN_${component}_PACKAGE_MULTIARCH}")
+endforeach()
+foreach(deb IN LISTS CPACK_PACKAGE_FILES)
+    set(tree "${deb}.tree")
+    execute_process(COMMAND dpkg-deb --raw-extract "${deb}" "${tree}" COMMAND_ERROR_IS_FATAL ANY)
+    file(REMOVE "${tree}/DEBIAN/postinst" "${tree}/DEBIAN/postrm")
+    file(READ "${tree}/DEBIAN/control" control)
+    string(REGEX MATCH "Package: ([^\n]+)\n" line "${control}")
+    set(value "${multi_arch_${CMAKE_MATCH_1}}")
+    if(value AND NOT control MATCHES "\nMulti-Arch:")
+        string(REPLACE "${line}" "${line}Multi-Arch: ${value}\n" control "${control}")
+        file(WRITE "${tree}/DEBIAN/control" "${control}")
+    endif()
+    execute_process(COMMAND dpkg-deb --root-owner-group --build "${tree}" "${deb}" COMMAND_ERROR_IS_FATAL ANY
+        OUTPUT_QUIET)
+    file(REMOVE_RECURSE "${tree}")
+endforeach()
