@@ -127,6 +127,29 @@ function(plugininterface_tool name)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 endfunction()
 
+# The manual page of a program that is installed, made from the template <name>.1.in:
+# plugininterface_manual(<name> COMPONENT <component> [HELP_OF <target>])
+# With HELP_OF, the page contains what the target prints with --help.
+function(plugininterface_manual name)
+    _plugininterface_parse(plugininterface_manual "" "COMPONENT;HELP_OF" "" ${ARGN})
+    set(template "${CMAKE_CURRENT_SOURCE_DIR}/${name}.1.in")
+    set(page "${CMAKE_CURRENT_BINARY_DIR}/${name}${PLUGININTERFACE_SUFFIX}.1")
+    set(script "${PROJECT_SOURCE_DIR}/cmake/manual.cmake")
+    set(tool)
+    if(ARG_HELP_OF)
+        set(tool -D "TOOL=$<TARGET_FILE:${ARG_HELP_OF}>")
+    endif()
+    add_custom_command(OUTPUT "${page}.gz"
+        COMMAND "${CMAKE_COMMAND}"
+                -D "NAME=${name}" -D "SUFFIX=${PLUGININTERFACE_SUFFIX}" -D "VERSION=${PROJECT_VERSION}"
+                -D "IN=${template}" -D "OUT=${page}" ${tool} -P "${script}"
+        COMMAND gzip -9nc "${page}" > "${page}.gz"
+        DEPENDS "${template}" "${script}" ${ARG_HELP_OF}
+        VERBATIM)
+    add_custom_target(${name}_manual ALL DEPENDS "${page}.gz")
+    install(FILES "${page}.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${ARG_COMPONENT})
+endfunction()
+
 # A library of the example that its programs and their tests share:
 # plugininterface_example_library(<name> SOURCES ... [LIBRARIES ...])
 function(plugininterface_example_library name)

@@ -21,7 +21,7 @@ set(wanted lib${NAME}-dev ${library_package} ${NAME}-example ${NAME}-tools)
 list(SORT wanted)
 
 file(GLOB debs "${packages}/*.deb")
-run(lintian --fail-on error ${debs})
+run(lintian --fail-on error,warning ${debs})
 set(names)
 set(synopses)
 foreach(deb IN LISTS debs)
@@ -74,6 +74,14 @@ function(start_example name)
 endfunction()
 
 set(ENV{QT_QPA_PLATFORM} offscreen)
+# The manual page tells of each option.
+execute_process(COMMAND "${root}/usr/bin/plugininterface-example${SUFFIX}" --help OUTPUT_VARIABLE help
+    COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND man "${root}/usr/share/man/man1/plugininterface-example${SUFFIX}.1.gz"
+    OUTPUT_FILE "${WORK_DIR}/manual.txt" COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "--[a-z-]+" options "${help}")
+expect_texts("${WORK_DIR}/manual.txt" --tables ${options})
+
 start_example(complete)
 file(READ "${WORK_DIR}/complete.log" log)
 if(log MATCHES "aren't installed|isn't installed|is missing|can't be used")
