@@ -55,6 +55,9 @@ if(files)
     message(FATAL_ERROR "files whose names don't tell the Qt: ${files}")
 endif()
 
+run(appstreamcli validate-tree --no-net --strict "${root}/usr")
+run(desktop-file-validate "${root}/usr/share/applications/plugininterface-example${SUFFIX}.desktop")
+
 configure_consumer("${WORK_DIR}/build" -D "CMAKE_PREFIX_PATH=${root}/usr")
 run("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
 run("${WORK_DIR}/build/consumer")
