@@ -1,5 +1,5 @@
-# The Debian packages, made by `cpack` in the build folder: the library, its development files, the tool for
-# operators, and the example. Each is a component of the installation; what isn't built has none.
+# The Debian packages, made by `cpack` in the build folder: the library, its development files, its documentation, the
+# tool for operators, and the example. Each is a component of the installation; what isn't built has none.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME ${PLUGININTERFACE_NAME})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # would be the first line of each description
@@ -79,6 +79,9 @@ else()
         qml6-module-qtquick-window)
 endif()
 
+if(PLUGININTERFACE_BUILD_DOCS)
+    set(documentation_package lib${PLUGININTERFACE_NAME}-doc)
+endif()
 set(same_library "${library_package} (= ${PROJECT_VERSION})")
 set(about
     "Host programs and their plugins load this library together. It carries their"
@@ -96,7 +99,28 @@ debian_package(development NAME lib${PLUGININTERFACE_NAME}-dev SECTION libdevel 
                 "This package contains the headers, the CMake package, the pkg-config file and"
                 "the description of the QML types, for those who write hosts and plugins with"
                 "Qt ${QT_VERSION_MAJOR}."
-    DEPENDS "${same_library}" "${qt_headers}")
+    DEPENDS "${same_library}" "${qt_headers}"
+    SUGGESTS ${documentation_package})
+if(PLUGININTERFACE_BUILD_DOCS)
+    debian_package(documentation NAME ${documentation_package} SECTION doc ARCHITECTURE all MULTIARCH foreign
+        SYNOPSIS "core library of an online poker client (documentation)"
+        DESCRIPTION ${about}
+                    "This package contains the reference of the classes, settings, events and"
+                    "databases, guides for those who write hosts and plugins, run a client or"
+                    "translate it, and the sources of the smallest host and plugin.")
+    set(doc_dir "${CMAKE_INSTALL_DATADIR}/doc/${documentation_package}")
+    set(html_dir "${doc_dir}/html")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/packages/doc-base.in" "${PROJECT_BINARY_DIR}/packages/doc-base" @ONLY)
+    install(CODE "if(NOT EXISTS \"${PROJECT_BINARY_DIR}/docs/html/index.html\")
+        message(FATAL_ERROR \"The documentation isn't built: build the target docs before the packages.\")
+    endif()" COMPONENT documentation EXCLUDE_FROM_ALL)
+    install(DIRECTORY "${PROJECT_BINARY_DIR}/docs/html" DESTINATION "${doc_dir}"
+        COMPONENT documentation EXCLUDE_FROM_ALL)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/minimal" DESTINATION "${doc_dir}/examples"
+        COMPONENT documentation EXCLUDE_FROM_ALL)
+    install(FILES "${PROJECT_BINARY_DIR}/packages/doc-base" RENAME ${documentation_package}
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/doc-base" COMPONENT documentation EXCLUDE_FROM_ALL)
+endif()
 if(TARGET plugininterface-data)
     debian_package(tools NAME ${PLUGININTERFACE_NAME}-tools SECTION utils MULTIARCH foreign
         SYNOPSIS "maker of the data files of an online poker client"
