@@ -337,8 +337,8 @@ private:
         const auto last = m_changed.value(row, {at.number, 0});
         if (last.first != at.number && m_iNow - last.second < APART_MS)
             Advance(APART_MS);
-        if (what != "rate"_s)
-            at.chosen.insert(row, m_iNow);
+        if (what != "rate"_s || m_iNow - at.chosen.value(row, -UNWRITTEN_MS) < UNWRITTEN_MS)
+            at.chosen.insert(row, m_iNow); // a rating puts off the writing of what isn't written yet
         m_changed.insert(row, {at.number, m_iNow});
         Tell(at, what + u' ' + step.strName + u' ' + step.strValue, row);
     }
