@@ -52,7 +52,7 @@ for piece in $(sed -n 's|^@snippet plugins/notes/NotesPlugin.cpp ||p' "$sources/
     awk "/\/\/! .*\[$piece\]/ {on = !on; next} on && !/\/\/! \[/" "$sources/examples/plugins/notes/NotesPlugin.cpp"
 done >NotesPlugin.cpp
 follow docs/tutorial.md 'cmake --build build'
-cp "$HOME/minimal/build/hello.so" "$prefix"/lib*/plugininterface-example"$suffix"/Contents/Client/Plugins
+cp "$HOME/minimal/build/hello.so" "$(find "$prefix/lib" -path "*/plugininterface-example$suffix/Contents/Client/Plugins")"
 follow docs/tutorial.md --folder
 for client in cardroom second; do
     await ~/$client.log 'Plugin "notes" 1.0 started'

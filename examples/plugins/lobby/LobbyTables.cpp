@@ -383,7 +383,7 @@ void CLobbyTables::HideAllBut(const TIDs &ids)
 // Shows the same tables in another order.
 void CLobbyTables::Move(const TIDs &ids)
 {
-    if (ids == m_shown)
+    if (ids.size() < 2 || ids == m_shown)
         return;
     Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
     const QModelIndexList before = persistentIndexList();
