@@ -127,22 +127,25 @@ void CheckUnique(const QVector<SPoCatalogue> &sorted, CReport &report)
 {
     for (auto catalogue = sorted.begin(); catalogue != sorted.end(); ++catalogue) {
         const auto find = [&](const auto &isLike) { return std::find_if(sorted.begin(), catalogue, isLike); };
-        const auto id = find([&](const SPoCatalogue &other) { return other.iID == catalogue->iID; });
-        if (id != catalogue && id->iID >= 0)
+        const auto findText = [&](QString SPoCatalogue::*text) {
+            return find([&](const SPoCatalogue &other) {
+                return !(other.*text).isEmpty() &&
+                       (other.*text).compare((*catalogue).*text, Qt::CaseInsensitive) == 0;
+            });
+        };
+        const auto id =
+            find([&](const SPoCatalogue &other) { return other.iID >= 0 && other.iID == catalogue->iID; });
+        if (id != catalogue)
             report.Error(catalogue->strFile, catalogue->iIDLine,
                          FIELD_ID + QLatin1Char(' ') + QString::number(id->iID) + QLatin1String(" is that of ") +
                              id->strFile);
-        const auto name = find([&](const SPoCatalogue &other) {
-            return other.strLong.compare(catalogue->strLong, Qt::CaseInsensitive) == 0;
-        });
-        if (name != catalogue && !name->strLong.isEmpty())
+        const auto name = findText(&SPoCatalogue::strLong);
+        if (name != catalogue)
             report.Error(catalogue->strFile, catalogue->iLongLine,
                          FIELD_LONG + QLatin1Char(' ') + name->strLong + QLatin1String(" is that of ") +
                              name->strFile);
-        const auto shortForm = find([&](const SPoCatalogue &other) {
-            return other.strShort.compare(catalogue->strShort, Qt::CaseInsensitive) == 0;
-        });
-        if (shortForm != catalogue && !shortForm->strShort.isEmpty())
+        const auto shortForm = findText(&SPoCatalogue::strShort);
+        if (shortForm != catalogue)
             report.Note(catalogue->strFile, catalogue->iShortLine,
                         FIELD_SHORT + QLatin1Char(' ') + shortForm->strShort + QLatin1String(" is that of ") +
                             shortForm->strFile + QLatin1String(", which users get whose system has this language"));
