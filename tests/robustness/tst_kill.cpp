@@ -126,12 +126,11 @@ private Q_SLOTS:
         qInfo("%d kills, %d stored", KILLS, last - FIRST + 1);
     }
 
+#ifdef WEBSERVER_PATH // where the example is built
     // What the server has acknowledged it has, whenever it is killed.
     void WebServer()
     {
         const QString program = QStringLiteral(WEBSERVER_PATH);
-        if (program.isEmpty())
-            QSKIP("the example isn't built");
         const CInstallationTree tree;
         const QString file = tree.GetPath("web.sqlite"_s);
         QRandomGenerator random(9);
@@ -168,6 +167,7 @@ private Q_SLOTS:
         }
         qInfo("%d kills, %d acknowledged", KILLS, last);
     }
+#endif
 
 private:
     void Check(const QString &work, int last)
