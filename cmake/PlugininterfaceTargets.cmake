@@ -89,7 +89,7 @@ endfunction()
 
 # A folder of the library:
 # plugininterface_library_folder(HEADERS <public headers> SOURCES <sources and private headers>)
-# Public headers are installed in a folder of that name, and the build compiles each of them alone.
+# Public headers are installed in a folder of that name, and PLUGININTERFACE_CHECK_HEADERS applies to them.
 function(plugininterface_library_folder)
     _plugininterface_parse(plugininterface_library_folder "" "" "HEADERS;SOURCES" ${ARGN})
     target_sources(plugininterface PRIVATE ${ARG_SOURCES} ${ARG_HEADERS})
