@@ -34,10 +34,10 @@ await() {
     done
 }
 
-# Prints the port of the game server, which writes into a temporary file of the script that starts it, before the client.
+# Prints the port of the game server, which writes it into a file of its own before the client starts.
 port() {
     await ~/cardroom.log started >/dev/null
-    sed -n 's/^listening on //p' "$TMPDIR"/tmp.*
+    sed -n 's/^listening on //p' "$TMPDIR"/tmp.*/gameserver
 }
 
 cd "$HOME/minimal"
