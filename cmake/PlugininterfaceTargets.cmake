@@ -75,9 +75,16 @@ function(plugininterface_use_precompiled_headers kind target)
     target_precompile_headers(${target} REUSE_FROM ${compiled})
 endfunction()
 
-# A test's own code runs once, and takes longer to optimise than to run.
+# A test's own code runs once, and takes longer to optimise than to run. The address sanitizer watches the library that it
+# tests; where threads meet, both have to be watched. SANITIZED is for tests that do less where all is slower.
 function(plugininterface_compile_quickly target)
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-O0>)
+    if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+        target_compile_definitions(${target} PRIVATE SANITIZED)
+    endif()
+    if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=address")
+        target_compile_options(${target} PRIVATE -fno-sanitize=all)
+    endif()
 endfunction()
 
 # For a target whose classes with Q_OBJECT are all in sources, which include what moc makes of them: the file for those
@@ -113,16 +120,23 @@ function(plugininterface_check_headers_alone)
     endforeach()
     add_library(plugininterface_headers_alone OBJECT ${units})
     plugininterface_strict(plugininterface_headers_alone)
+    plugininterface_compile_quickly(plugininterface_headers_alone)
     set_target_properties(plugininterface_headers_alone PROPERTIES AUTOMOC OFF UNITY_BUILD OFF)
     target_link_libraries(plugininterface_headers_alone PRIVATE plugininterface::plugininterface)
 endfunction()
 
-# A command-line tool: plugininterface_tool(<name> SOURCES ... [LIBRARIES ...])
+# A command-line tool: plugininterface_tool(<name> SOURCES ... [LIBRARIES ...] [UNOPTIMIZED])
+# UNOPTIMIZED is for programs of the build itself.
 function(plugininterface_tool name)
-    _plugininterface_parse(plugininterface_tool "" "" "SOURCES;LIBRARIES" ${ARGN})
+    _plugininterface_parse(plugininterface_tool "UNOPTIMIZED" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     plugininterface_strict(${name})
-    plugininterface_use_precompiled_headers(programs ${name})
+    set(kind programs)
+    if(ARG_UNOPTIMIZED)
+        plugininterface_compile_quickly(${name})
+        set(kind tests)
+    endif()
+    plugininterface_use_precompiled_headers(${kind} ${name})
     target_link_libraries(${name} PRIVATE plugininterface::plugininterface ${ARG_LIBRARIES})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 endfunction()
@@ -163,11 +177,16 @@ function(plugininterface_example_library name)
     target_link_libraries(${name} PUBLIC plugininterface::plugininterface ${ARG_LIBRARIES})
 endfunction()
 
-# A program of the example: plugininterface_example(<name> SOURCES ... [LIBRARIES ...] [INSTALLATION_NAME <file>])
+# A program of the example:
+# plugininterface_example(<name> SOURCES ... [LIBRARIES ...] [INSTALLATION_NAME <file>] [UNOPTIMIZED])
 # With INSTALLATION_NAME it is built under that name in the client folder of the installation tree, otherwise in bin.
 function(plugininterface_example name)
-    _plugininterface_parse(plugininterface_example "" "INSTALLATION_NAME" "SOURCES;LIBRARIES" ${ARGN})
-    plugininterface_tool(${name} SOURCES ${ARG_SOURCES} LIBRARIES ${ARG_LIBRARIES})
+    _plugininterface_parse(plugininterface_example "UNOPTIMIZED" "INSTALLATION_NAME" "SOURCES;LIBRARIES" ${ARGN})
+    set(how)
+    if(ARG_UNOPTIMIZED)
+        set(how UNOPTIMIZED)
+    endif()
+    plugininterface_tool(${name} SOURCES ${ARG_SOURCES} LIBRARIES ${ARG_LIBRARIES} ${how})
     if(ARG_INSTALLATION_NAME)
         set_target_properties(${name} PROPERTIES
             OUTPUT_NAME "${ARG_INSTALLATION_NAME}"
@@ -216,18 +235,25 @@ function(plugininterface_test_program name)
     target_link_libraries(${name} PRIVATE plugininterface::plugininterface Qt${QT_VERSION_MAJOR}::Test ${ARG_LIBRARIES})
 endfunction()
 
-# A Qt Test program that is a test: plugininterface_test(<name> SOURCES ... [LIBRARIES ...] [DEFINITIONS ...] [SERIAL])
+# A Qt Test program that is a test:
+# plugininterface_test(<name> SOURCES ... [LIBRARIES ...] [DEFINITIONS ...] [SERIAL | WAITS])
 # A warning in its log that the test did not announce with QTest::ignoreMessage() fails it. SERIAL is for tests that
-# can't run at the same time as another one; say why beside it.
+# can't run at the same time as another one; say why beside it. A test counts as two of "ctest --parallel", and as one if
+# it mostly WAITS.
 function(plugininterface_test name)
-    _plugininterface_parse(plugininterface_test "SERIAL" "" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
+    _plugininterface_parse(plugininterface_test "SERIAL;WAITS" "" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
     plugininterface_test_program(${name}
         SOURCES ${ARG_SOURCES} LIBRARIES ${ARG_LIBRARIES} DEFINITIONS ${ARG_DEFINITIONS})
+    set(processors 2)
+    if(ARG_WAITS)
+        set(processors 1)
+    endif()
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
         FAIL_REGULAR_EXPRESSION "QWARN  :|QCRITICAL:|QSYSTEM:"
-        RUN_SERIAL ${ARG_SERIAL})
+        RUN_SERIAL ${ARG_SERIAL}
+        PROCESSORS ${processors})
 endfunction()
 
 # A Google Benchmark program: plugininterface_benchmark(<name> SOURCES ... [LIBRARIES ...])

@@ -17,7 +17,7 @@ using TRows = QList<TRow>;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef SANITIZED
 constexpr int USUAL_OPERATIONS = 1000;
 #else
 constexpr int USUAL_OPERATIONS = 4000;

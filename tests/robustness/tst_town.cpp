@@ -11,7 +11,7 @@
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef SANITIZED
 constexpr int USUAL_TOWNS = 20;
 #elif QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
 constexpr int USUAL_TOWNS = 50; // what matters is the same with Qt 5

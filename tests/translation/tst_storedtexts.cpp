@@ -11,7 +11,7 @@
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef SANITIZED
 constexpr int USUAL_LOOKUPS = 3000;
 #else
 constexpr int USUAL_LOOKUPS = 10000;
