@@ -14,18 +14,23 @@ Pane {
     topPadding: 0
     bottomPadding: metrics.averageCharacterWidth
 
+    component ReadLabel: Label { // which screen readers read
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
+    }
+
     FontMetrics { id: metrics; font: root.font }
 
     contentItem: Row {
         spacing: 2 * metrics.averageCharacterWidth
 
-        Label {
+        ReadLabel {
             objectName: "quickUser"
             text: CUserInfo.pPlayerModel ? CUserInfo.pPlayerModel.strNickname : texts.current.Get("USER_NONE")
             textFormat: Text.PlainText
             font.bold: true
         }
-        Label {
+        ReadLabel {
             objectName: "quickMoney"
             visible: CUserInfo.bLoginState
             text: texts.current.Get("CASHIER", {
@@ -33,7 +38,7 @@ Pane {
                 "#play#": texts.current.Money(GlobalDefines.MONEYTYPE_PLAY, CUserInfo.mvPlayMoney)
             })
         }
-        Label {
+        ReadLabel {
             objectName: "quickCounts"
             visible: CCasinoInfo.showPlayerAndTableCounts && CCasinoInfo.currentTables > 0
             text: texts.current.Get("ACCOUNT_COUNTS", {
@@ -42,7 +47,7 @@ Pane {
         }
         Row {
             visible: CConfig.displaybadbeatjackpot && CCasinoInfo.jackpotValue > 0
-            Label { text: texts.current.Get("JACKPOT"); rightPadding: metrics.averageCharacterWidth }
+            ReadLabel { text: texts.current.Get("JACKPOT"); rightPadding: metrics.averageCharacterWidth }
             Repeater {
                 model: root.places
                 Label { text: root.spinner["str" + modelData]; font.bold: true }

@@ -68,6 +68,7 @@ CBusMonitor::CBusMonitor(CHost &host)
     , m_pPause(findChild<QCheckBox *>())
 {
     auto *hex = CreateField<QPlainTextEdit>(this, "hex");
+    Texts::Bind(hex, &QWidget::setAccessibleName, "BUS_BYTES");
     hex->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     hex->setReadOnly(true); // so that Tab leaves it
     layout()->addWidget(hex);

@@ -1,6 +1,7 @@
 #include "Client.h"
 
 #include "Look.h"
+#include "WebPages.h"
 
 #include <common/Note.h>
 #include <common/Texts.h>
@@ -29,7 +30,6 @@
 #include <ui/OptionsDialogManager.h>
 
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QDir>
 #include <QSqlDatabase>
 #include <QTextStream>
@@ -42,12 +42,6 @@ namespace {
 void PrintMessage(const CConsole::SConsoleMessage &message)
 {
     QTextStream(stderr) << message.dtTimestamp.toString(Qt::ISODateWithMs) << ' ' << message.strMessage << '\n';
-}
-
-void OpenPage(const QUrl &page)
-{
-    if (!QDesktopServices::openUrl(page))
-        Note(QStringLiteral("The desktop has no program for %1").arg(page.toString()), CConsole::MC_General);
 }
 
 // Returns each database with its file and the message for the case that it can't be opened: the key of a text, and
@@ -149,7 +143,7 @@ CClient::CClient(const QString &server, quint16 port)
     : m_host(server, port)
     , m_window(m_host)
 {
-    QObject::connect(&m_host, &CHost::signal_PageRequested, &OpenPage);
+    QObject::connect(&m_host, &CHost::signal_PageRequested, &WebPages::Open);
     Look::Follow(&m_window);
     m_host.StartPlugins(Pathes::Plugins());
     m_window.CreateViews();

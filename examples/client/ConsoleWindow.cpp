@@ -7,6 +7,7 @@
 #include <files/Console.h>
 
 #include <QComboBox>
+#include <QTableView>
 
 namespace {
 
@@ -72,11 +73,15 @@ CConsoleWindow::CConsoleWindow(CHost &host, QWidget *parent)
     setObjectName(QStringLiteral("console"));
     setWindowFlags(Qt::Window);
     resize(1040, 600);
+    CloseByKeys(this);
     addTab(CreateMessages(), QString());
     addTab(CreateBusMonitor(host), QString());
     Texts::Follow(this, [this] {
         setWindowTitle(Texts::Get("CONSOLE_TITLE"));
-        setTabText(0, Texts::Get("CONSOLE_MESSAGES"));
-        setTabText(1, Texts::Get("BUS_TITLE"));
+        const QString titles[] = {Texts::Get("CONSOLE_MESSAGES"), Texts::Get("BUS_TITLE")};
+        for (int page = 0; page < count(); ++page) {
+            setTabText(page, titles[page]);
+            widget(page)->findChild<QTableView *>()->setAccessibleName(titles[page]);
+        }
     });
 }

@@ -8,6 +8,7 @@
 
 #include <QDialogButtonBox>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 
 namespace {
@@ -21,6 +22,7 @@ CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     : QDialog(parent)
     , m_host(host)
     , m_pMessage(CreateField<QLabel>(this, "loginMessage"))
+    , m_pBusy(CreateField<QProgressBar>(this, "loginBusy"))
 {
     auto *form = new QFormLayout(this);
     m_pNickname = AddFormField<QLineEdit>(form, "LOGIN_NICKNAME", "loginNickname");
@@ -31,12 +33,21 @@ CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     m_pMessage->setWordWrap(true);
     m_pMessage->setMinimumHeight(fontMetrics().lineSpacing() * MESSAGE_LINES);
     form->addRow(m_pMessage);
+    m_pBusy->setRange(0, 0); // nobody knows how long it takes
+    m_pBusy->setTextVisible(false);
+    QSizePolicy room = m_pBusy->sizePolicy();
+    room.setRetainSizeWhenHidden(true);
+    m_pBusy->setSizePolicy(room);
+    Texts::Bind(m_pBusy, &QWidget::setAccessibleName, "LOGIN_ASKING");
+    form->addRow(m_pBusy);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     form->addRow(buttons);
-    Texts::Bind(buttons->button(QDialogButtonBox::Ok), &QPushButton::setText, "LOGIN_TITLE");
+    m_pLogIn = buttons->button(QDialogButtonBox::Ok);
+    Texts::Bind(m_pLogIn, &QPushButton::setText, "LOGIN_TITLE");
     Texts::Bind(buttons->button(QDialogButtonBox::Cancel), &QPushButton::setText, "LOGIN_CANCEL");
     connect(buttons, &QDialogButtonBox::accepted, this, &CLoginDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &CLoginDialog::reject);
+    SetAsking(false);
     (m_pNickname->text().isEmpty() ? m_pNickname : m_pPassword)->setFocus();
     Texts::Bind(this, &QWidget::setWindowTitle, "LOGIN_TITLE");
     Texts::Follow(this, [this] { ShowMessage(m_strMessageKey); });
@@ -58,16 +69,23 @@ void CLoginDialog::accept()
     if (!AccountProtocol::IsNickname(m_pNickname->text()))
         return ShowRefusal(QStringLiteral("LOGIN_BAD_NICKNAME"));
     ShowMessage(QStringLiteral("LOGIN_ASKING"));
-    setEnabled(false);
+    SetAsking(true);
     m_host.GetSession().LogIn(m_pNickname->text(), AccountProtocol::HashPassword(m_pPassword->text()));
 }
 
 void CLoginDialog::reject()
 {
-    if (!isEnabled())
-        return;
+    m_host.GetSession().CancelLogin();
     QDialog::reject();
     CUserInfo::GetInstance()->EmitLoginCanceled();
+}
+
+void CLoginDialog::SetAsking(bool isAsking)
+{
+    for (QWidget *field :
+         {static_cast<QWidget *>(m_pNickname), static_cast<QWidget *>(m_pPassword), static_cast<QWidget *>(m_pLogIn)})
+        field->setEnabled(!isAsking);
+    m_pBusy->setVisible(isAsking);
 }
 
 void CLoginDialog::ShowMessage(const QString &key)
@@ -78,7 +96,7 @@ void CLoginDialog::ShowMessage(const QString &key)
 
 void CLoginDialog::ShowRefusal(const QString &key)
 {
-    setEnabled(true);
+    SetAsking(false);
     ShowMessage(key);
     m_pPassword->selectAll();
     m_pPassword->setFocus();

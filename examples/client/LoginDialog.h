@@ -5,9 +5,11 @@
 class CHost;
 class QLabel;
 class QLineEdit;
+class QProgressBar;
+class QPushButton;
 
 /// Asks for nickname and password and logs in. The dialog stays open, with its fields disabled, until the server has
-/// answered, and shows the reason of a refusal. Closing it cancels the login.
+/// answered, and shows the reason of a refusal. Closing it cancels the login, also one that waits for its answer.
 class CLoginDialog : public QDialog
 {
     Q_OBJECT
@@ -20,6 +22,7 @@ public:
     void reject() override;
 
 private:
+    void SetAsking(bool isAsking);
     void ShowMessage(const QString &key);
     void ShowRefusal(const QString &key);
 
@@ -27,5 +30,7 @@ private:
     QLineEdit *m_pNickname; // this and the next ones are children
     QLineEdit *m_pPassword;
     QLabel *m_pMessage;
+    QProgressBar *m_pBusy;
+    QPushButton *m_pLogIn;
     QString m_strMessageKey; // empty if there is none
 };

@@ -2,11 +2,13 @@
 
 #include "ChoiceMenu.h"
 #include "ConsoleWindow.h"
+#include "HelpMenu.h"
 #include "LoginDialog.h"
 #include "NewFile.h"
 #include "OptionsDialog.h"
 #include "OptionsPages.h"
 #include "StatusBar.h"
+#include "WebPages.h"
 
 #include <common/FormField.h>
 #include <models/UserInfo.h>
@@ -19,15 +21,19 @@
 
 #include <QCloseEvent>
 #include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTabWidget>
+#include <QToolButton>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace {
 
 constexpr int MESSAGE_MS = 5000;
+constexpr int FILE_MESSAGE_MS = 20000; // with a button to reach
 // When the window has not moved for this time, its position is stored.
 constexpr int GEOMETRY_REST_MS = 500;
 const QString GEOMETRY_KEY = QStringLiteral("client");
@@ -51,6 +57,7 @@ CMainWindow::CMainWindow(CHost &host)
     : m_host(host)
     , m_pViews(new QTabWidget(this))
     , m_pProblems(CreateField<QLabel>(this, "problems"))
+    , m_pOpenFile(CreateField<QToolButton>(this, "openFile"))
 {
     setWindowTitle(CConfig::GetInstance()->GetProductname());
     resize(1000, 680);
@@ -73,6 +80,12 @@ CMainWindow::CMainWindow(CHost &host)
     CreateAccountMenu();
     CreateOptionsMenu();
     CreateRulesMenu();
+    m_pOpenFile->hide();
+    Texts::Bind(m_pOpenFile, &QToolButton::setText, "RULES_OPEN");
+    connect(m_pOpenFile, &QToolButton::clicked, this, [this] { WebPages::Open(QUrl::fromLocalFile(m_strFile)); });
+    connect(statusBar(), &QStatusBar::messageChanged, m_pOpenFile,
+            [this](const QString &text) { m_pOpenFile->setVisible(!text.isEmpty() && !m_strFile.isEmpty()); });
+    statusBar()->addPermanentWidget(m_pOpenFile);
     m_pViews->setCornerWidget(CreateStatus(this, host));
     connect(&host, &CHost::signal_LoginRequested, this, &CMainWindow::OpenLogin);
     connect(&host, &CHost::signal_ShutDownRequested, this, &CMainWindow::close, Qt::QueuedConnection);
@@ -83,7 +96,7 @@ CMainWindow::CMainWindow(CHost &host)
     connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this, [this] {
         m_message.ReTranslate();
         if (!statusBar()->currentMessage().isEmpty())
-            statusBar()->showMessage(m_message.GetTranslatedText(), MESSAGE_MS);
+            statusBar()->showMessage(m_message.GetTranslatedText(), m_iMessageMs);
     });
 }
 
@@ -112,7 +125,7 @@ void CMainWindow::CreateAccountMenu()
         logOut->setEnabled(user->IsLoggedIn());
     };
     Texts::Follow(this, enable, user, &CUserInfo::signal_LoginStateChanged);
-    AddEntry(id, "ACTION_QUIT", "quit", QKeySequence::Quit, [this](QAction *) { close(); });
+    AddEntry(id, "ACTION_QUIT", "quit", QStringLiteral("Ctrl+Q"), [this](QAction *) { close(); });
 }
 
 void CMainWindow::CreateOptionsMenu()
@@ -156,8 +169,8 @@ void CMainWindow::DownloadRules(QAction *entry)
                 const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
                 const QString file = status ? WriteNewFile(folder, download->GetName(), rules) : QString();
                 ShowMessage(Texts::MakeItem(file.isEmpty() ? "RULES_FAILED" : "RULES_SAVED",
-                                            {{"#file#", QDir::toNativeSeparators(file)}}),
-                            0);
+                                            {{"#file#", QFileInfo(file).fileName()}}),
+                            FILE_MESSAGE_MS, file);
                 entry->setEnabled(true);
                 download->deleteLater();
             });
@@ -181,6 +194,9 @@ void CMainWindow::CreateViews()
                     [this, view](const QString &text) { m_pViews->setTabText(m_pViews->indexOf(view), text); });
         }
     }
+    CreateHelpMenu(this, m_host); // after the menus of the views
+    if (QWidget *first = m_pViews->currentWidget())
+        first->setFocus(); // its own choice, not the tabs
 }
 
 void CMainWindow::closeEvent(QCloseEvent *event)
@@ -209,8 +225,11 @@ void CMainWindow::OpenLogin()
     OpenDialog(m_pLoginDialog, Qt::WindowModal, m_host, this);
 }
 
-void CMainWindow::ShowMessage(const CTranslationItem &message, int milliseconds)
+void CMainWindow::ShowMessage(const CTranslationItem &message, int milliseconds, const QString &file)
 {
     m_message = message;
+    m_iMessageMs = milliseconds;
+    m_strFile = file;
+    m_pOpenFile->setToolTip(QDir::toNativeSeparators(file));
     statusBar()->showMessage(m_message.GetTranslatedText(), milliseconds);
 }

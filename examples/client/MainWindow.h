@@ -16,6 +16,7 @@ class COptionsDialog;
 class QAction;
 class QLabel;
 class QTabWidget;
+class QToolButton;
 
 /// The client's window: a tab for each plugin that has a view, above it the user's money, and below it the state of
 /// the connection, the jackpot, the user and the clock; in QML one line shows money, jackpot and user. It opens where
@@ -45,13 +46,16 @@ private:
     void CreateRulesMenu();
     void DownloadRules(QAction *entry);
     void OpenLogin();
-    void ShowMessage(const CTranslationItem &message, int milliseconds);
+    void ShowMessage(const CTranslationItem &message, int milliseconds, const QString &file = QString());
     void RememberGeometry();
 
     CHost &m_host;
     QTabWidget *m_pViews; // this and the next one are children
     QLabel *m_pProblems;
+    QToolButton *m_pOpenFile;
+    QString m_strFile;                     // which the message tells of; empty if it tells of none
     CTranslationItem m_message;            // the status bar's current or last message
+    int m_iMessageMs = 0;                  // how long it stays
     QPointer<CLoginDialog> m_pLoginDialog; // this and the next ones delete themselves
     QPointer<COptionsDialog> m_pOptionsDialog;
     QPointer<CConsoleWindow> m_pConsole;

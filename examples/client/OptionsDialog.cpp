@@ -18,6 +18,7 @@ COptionsDialog::COptionsDialog(QWidget *parent)
     m_pList->setObjectName(QStringLiteral("optionsPages"));
     m_pList->setIconSize(QSize(1, 1) * style()->pixelMetric(QStyle::PM_SmallIconSize));
     Texts::Bind(this, &QWidget::setWindowTitle, "OPTIONS_TITLE");
+    Texts::Bind(m_pList, &QWidget::setAccessibleName, "OPTIONS_TITLE");
     auto *widgets = new QStackedWidget(this);
     const QList<COptionsPage *> pages = COptionsDialogManager::GetInstance()->GetPages();
     for (COptionsPage *page : pages) {

@@ -49,7 +49,8 @@ CSession::CSession(const TSend &send)
     m_answerTimer.setSingleShot(true);
     m_answerTimer.setInterval(ANSWER_LIMIT_MS);
     connect(&m_answerTimer, &QTimer::timeout, this, [this] {
-        // An acceptance that is still on its way would log the user in on this link.
+        ++m_iGivenUp;
+        // An acceptance that is still on its way logs the user in on this link.
         Send(AccountProtocol::LOGOUT);
         Refuse("LOGIN_NO_ANSWER");
     });
@@ -64,10 +65,15 @@ void CSession::LogIn(const QString &nickname, const QString &hash)
         Refuse("LOGIN_NO_LINK");
 }
 
+void CSession::CancelLogin()
+{
+    if (m_answerTimer.isActive() && !CUserInfo::GetInstance()->IsLoggedIn())
+        EndOnServer();
+}
+
 void CSession::LogOut()
 {
-    m_answerTimer.stop();
-    Send(AccountProtocol::LOGOUT);
+    EndOnServer();
     EndLogin();
 }
 
@@ -83,6 +89,7 @@ bool CSession::Send(const QByteArray &record) const
 
 void CSession::SetConnectionState(EConnectionState::type state)
 {
+    m_iGivenUp = 0;
     CUserInfo *user = CUserInfo::GetInstance();
     if (state == EConnectionState::Connected) {
         if (user->IsLoggedIn())
@@ -168,9 +175,24 @@ void CSession::Refuse(const char *key)
     Q_EMIT signal_LoginRefused(QString::fromLatin1(key));
 }
 
-// Returns whether an answer is for the pending login. The server may spell the nickname in another case.
+// Nothing waits for the answer any more, if there is one to come.
+void CSession::EndOnServer()
+{
+    m_iGivenUp += m_answerTimer.isActive() ? 1 : 0;
+    m_answerTimer.stop();
+    Send(AccountProtocol::LOGOUT);
+}
+
+// Returns whether an answer is for the pending login: the server answers in turn, and may spell the nickname in
+// another case.
 bool CSession::TakeAnswerTo(const QString &nickname)
 {
+    if (m_iGivenUp > 0) {
+        --m_iGivenUp;
+        Note(QStringLiteral("The game server answered the login of %1, which was given up").arg(nickname),
+             CConsole::MC_Network);
+        return false;
+    }
     if (m_answerTimer.isActive() && nickname.compare(m_asked.strNickname, Qt::CaseInsensitive) == 0) {
         m_answerTimer.stop();
         return true;

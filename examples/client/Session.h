@@ -31,6 +31,9 @@ public:
     /// Requests a login; one of the two signals below is emitted when it ends, at once if there is no connection. \a
     /// hash is the hash of the password. Does nothing while another login waits for its answer.
     void LogIn(const QString &nickname, const QString &hash);
+    /// Gives up the login that waits for its answer, without a signal. Does nothing if none does, or if the user is
+    /// being logged in again on a new connection.
+    void CancelLogin();
     void LogOut();
 
     /// Requests the user's balances, which CUserInfo holds once the server has answered. Returns false if nobody is
@@ -58,9 +61,11 @@ private:
     void OnRefused(const AccountProtocol::SRefusal &refusal);
     void Ask(const QString &nickname, const QString &hash);
     void Refuse(const char *key);
+    void EndOnServer();
     bool TakeAnswerTo(const QString &nickname);
 
     TSend m_send;
     AccountProtocol::SLogin m_asked;
     QTimer m_answerTimer; // runs while m_asked waits for its answer
+    int m_iGivenUp = 0;   // logins whose answers are still to come on this connection
 };

@@ -29,9 +29,7 @@ QWidget *CreateJackpot(QWidget *parent)
     auto *title = new QLabel(view);
     Texts::Bind(title, &QLabel::setText, "JACKPOT");
     auto *digits = new CMoneySpinnerWidget(info->GetBadBeatJackpotSpinner(), view);
-    QFont bold = view->font();
-    bold.setBold(true);
-    digits->setFont(bold);
+    digits->setStyleSheet(QStringLiteral("font-weight: bold")); // a font would go with the brand's next style sheet
     auto *layout = new QHBoxLayout(view);
     layout->setContentsMargins(0, 0, view->fontMetrics().averageCharWidth(), 0);
     layout->addWidget(title);
@@ -108,7 +106,7 @@ QWidget *CreateStatus(QMainWindow *window, CHost &host)
         clock, [=] { clock->setText(ClockText()); }, CCasinoTime::GetInstance(),
         &CCasinoTime::signal_TimeStringChanged, &CCasinoTime::signal_ServerTimeChanged,
         &CCasinoTime::signal_TimeZoneChanged);
-    window->statusBar()->addWidget(connection, 1);
+    window->statusBar()->addPermanentWidget(connection); // no message hides it
     window->statusBar()->addPermanentWidget(CreateTransferView(window));
     window->statusBar()->addPermanentWidget(account);
     window->statusBar()->addPermanentWidget(clock);

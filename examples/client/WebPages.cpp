@@ -1,8 +1,11 @@
 #include "WebPages.h"
 
+#include <common/Note.h>
 #include <settings/Config.h>
 
+#include <QDesktopServices>
 #include <QHash>
+#include <QUrl>
 
 namespace {
 
@@ -62,4 +65,10 @@ QString WebPages::GetAddress(WebLinks::id page)
 {
     const TGetter getter = GETTERS.value(page);
     return getter ? (CConfig::GetInstance()->*getter)() : QString();
+}
+
+void WebPages::Open(const QUrl &address)
+{
+    if (!QDesktopServices::openUrl(address))
+        Note(QStringLiteral("The desktop has no program for %1").arg(address.toString()), CConsole::MC_General);
 }

@@ -5,6 +5,8 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
+#include <QLineEdit>
+#include <QShortcut>
 
 /// Creates a widget with an object name, by which tests and the tour find it.
 template <typename Widget>
@@ -36,6 +38,20 @@ Widget *AddFormField(QFormLayout *form, const char *key, const char *name)
     auto *field = CreateField<Widget>(form->parentWidget(), name);
     AddFormField(form, key, field);
     return field;
+}
+
+/// Shows the text of \a key in a line while it is empty. Screen readers call the line so, too.
+inline void BindHint(QLineEdit *line, const char *key)
+{
+    Texts::Bind(line, &QLineEdit::setPlaceholderText, key);
+    Texts::Bind(line, &QWidget::setAccessibleName, key);
+}
+
+/// Lets Esc and Ctrl+W close a \a window.
+inline void CloseByKeys(QWidget *window)
+{
+    for (const QKeySequence &keys : {QKeySequence(Qt::Key_Escape), QKeySequence(QStringLiteral("Ctrl+W"))})
+        QObject::connect(new QShortcut(keys, window), &QShortcut::activated, window, &QWidget::close);
 }
 
 /// Adds an entry with the text of \a key, and with \a data.

@@ -1,6 +1,7 @@
 #include "QuickView.h"
 
 #include "Note.h"
+#include "QuickReader.h"
 #include "Texts.h"
 
 #include <models/CasinoInfo.h>
@@ -174,6 +175,7 @@ CQuickWidget *CQuickView::CreateQuick()
         QQuickWindow::setSceneGraphBackend(BACKEND);
     if (QQuickStyle::name() != STYLE)
         QQuickStyle::setStyle(STYLE);
+    LetReadersIntoQuickWidgets();
     auto *view = new CQuickWidget(this);
     view->hide();
     layout()->addWidget(view);

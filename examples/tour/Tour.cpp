@@ -253,9 +253,11 @@ QString CTour::SeeFilledLobby() const
         .arg(table->model()->index(0, 0).data().toString());
 }
 
-QString CTour::SaveScreenshot(QWidget &widget, const QString &name) const
+QString CTour::SaveScreenshot(QWidget &widget, const QString &name)
 {
-    FinishLayout();
+    m_strFault = FindNamelessControl(widget);
+    if (!m_strFault.isEmpty())
+        return QString();
     const QPixmap picture = widget.grab();
     const QString file = m_options.strOutput + QLatin1Char('/') + name + QLatin1String(".png");
     if (!picture.save(file))

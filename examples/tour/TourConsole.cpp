@@ -14,7 +14,7 @@ void CTour::ShowConsole()
         if (!view || !view->model()->index(0, column).data().toString().contains(text))
             return QString();
         view->selectRow(0);
-        return "rows: %1, %2"_s.arg(view->model()->rowCount()).arg(SaveScreenshot(*find(), picture));
+        return SaveScreenshot(*find(), picture);
     };
     Step(
         "A shortcut opens the console, which tells of the plugins' start"_s,

@@ -8,7 +8,6 @@
 #include <QDateTime>
 #include <QLabel>
 #include <QMenu>
-#include <QRegularExpression>
 #include <QTableView>
 #include <QTextStream>
 
@@ -26,30 +25,34 @@ struct SReading
     QString strCashier; // of the first user
     QString strPlayers; // title of a column
     QString strType;    // of a table
-    QString strStatus;  // how the lobby's begins
+    QString strStatus;  // of the lobby
 };
 
 // What a reader of each language expects, and not what the catalogue says.
 const QVector<SReading> READINGS{
     {"de"_s, "Anmelden"_s, "Spielername und Passwort passen nicht zusammen."_s,
-     "Echtgeld €\u00A01.250,50, Spielgeld 20.000"_s, "Spieler"_s, "Cash Game"_s, "264 Tische – "_s},
+     "Echtgeld €\u00A01.250,50, Spielgeld 20.000"_s, "Spieler"_s, "Cash Game"_s, "264 Tische"_s},
     {"fr"_s, "Se connecter"_s, "Le pseudo et le mot de passe ne correspondent pas."_s,
-     "Argent réel €\u00A01\u202F250,50, argent fictif 20\u202F000"_s, "Joueurs"_s, "Cash game"_s, "264 tables – "_s},
+     "Argent réel €\u00A01\u202F250,50, argent fictif 20\u202F000"_s, "Joueurs"_s, "Cash game"_s, "264 tables"_s},
     {"en"_s, "Log in"_s, "Nickname and password don't fit together."_s, "Real money €1,250.50, play money 20,000"_s,
-     "Players"_s, "Ring game"_s, "264 tables - "_s}};
+     "Players"_s, "Ring game"_s, "264 tables"_s}};
 
 const SReading &GetReading(const QString &language)
 {
     return READINGS.at(LANGUAGES.indexOf(language));
 }
 
+bool IsCountDown(const QString &text)
+{
+    return text.startsWith("in "_s) || text.startsWith("dans "_s);
+}
+
 // The first row in view that counts down, or an invalid index.
 QModelIndex FindCountDown(const QTableView &table)
 {
-    static const QRegularExpression time("^\\d\\d:\\d\\d:\\d\\d$"_s);
     for (int row = qMax(0, table.rowAt(0)); row < table.model()->rowCount(); ++row) {
         const QModelIndex cell = table.model()->index(row, START_COLUMN);
-        if (time.match(cell.data().toString()).hasMatch())
+        if (IsCountDown(cell.data().toString()))
             return cell;
     }
     return QModelIndex();
@@ -112,7 +115,7 @@ void CTour::ShowLanguages()
         const bool isSeen = Find<QLabel>("cashier")->text() == reading.strCashier &&
                             table->model()->headerData(4, Qt::Horizontal) == reading.strPlayers &&
                             table->model()->index(0, 1).data() == reading.strType &&
-                            Find<QLabel>("lobbyStatus")->text().startsWith(reading.strStatus) &&
+                            Find<QLabel>("lobbyStatus")->text() == reading.strStatus &&
                             FindCountDown(*table).isValid() && SeeJackpot() > 0 && !SeeTexts(language).isEmpty();
         return isSeen ? SaveScreenshot(m_window, "lobby-"_s + reading.strShort) : QString();
     };
@@ -146,7 +149,7 @@ void CTour::ShowTimezones()
 {
     const auto *table = Find<QTableView>("lobbyTable");
     QModelIndex start = FindCountDown(*table);
-    while (start.isValid() && (start.data().toString().count(QLatin1Char(':')) != 1))
+    while (start.isValid() && (start.data().toString().isEmpty() || IsCountDown(start.data().toString())))
         start = start.siblingAtRow(start.row() + 1);
     const QString before = start.data().toString();
     Step(

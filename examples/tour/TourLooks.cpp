@@ -1,6 +1,7 @@
 #include "Tour.h"
 
 #include <client/Look.h>
+#include <money/MoneySpinnerWidget.h>
 #include <settings/Settings.h>
 #include <ui/MenuManager.h>
 
@@ -9,6 +10,7 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMessageBox>
 #include <QProgressBar>
 #include <QSet>
 #include <QStandardPaths>
@@ -87,8 +89,11 @@ void CTour::ShowTransfers()
     Step(
         "Another time it comes to its end"_s, [this] { Trigger(Find<QAction>("rules")); },
         [&] {
-            const bool isSeen =
-                QFile(file).size() == RULES_BYTES && m_window.statusBar()->currentMessage().contains(file);
+            const bool isSeen = QFile(file).size() == RULES_BYTES &&
+                                m_window.statusBar()->currentMessage().contains("rules.html"_s) &&
+                                Find<QToolButton>("openFile")->isVisible() &&
+                                Find<QToolButton>("openFile")->toolTip() == file &&
+                                Find<QLabel>("connectionState")->isVisible();
             return isSeen ? m_window.statusBar()->currentMessage() : QString();
         });
 }
@@ -110,6 +115,18 @@ void CTour::ShowKeyboard()
         return isSeen ? "%1 menus"_s.arg(bar->actions().size()) : QString();
     };
     ShowInLanguages("A key leads to every entry of the menus in the language %1"_s, seeKeys);
+    Step(
+        "The help tells what the client consists of"_s, [this] { Trigger(Find<QAction>("ACTION_ABOUT")); },
+        [this] {
+            auto *about = Find<QMessageBox>("about");
+            const bool isSeen = about && about->isActiveWindow() &&
+                                about->text().contains(QLatin1String(qVersion())) &&
+                                about->text().count("Plugin "_s) == 3;
+            return isSeen ? SaveScreenshot(*about, "about"_s) : QString();
+        });
+    Step(
+        "A key closes it"_s, [this] { QTest::keyClick(Find<QMessageBox>("about"), Qt::Key_Escape); },
+        [this] { return Find<QMessageBox>("about") ? QString() : "closed"_s; });
     QStringList order;
     Step(
         "The Tab key leads through the window"_s,
@@ -206,7 +223,12 @@ QString CTour::SeeColours(const QString &colours)
         least = std::min(least, std::max(one / other, other / one));
     }
     const bool isDark = palette.color(QPalette::Window).lightness() < 128;
-    const bool isSeen = isDark == (colours.toInt() == Look::CO_DARK) && least >= 4.5;
+    // What a widget has been given of its own lasts.
+    const auto *table = Find<QTableView>("lobbyTable");
+    const bool isKept = table->palette().color(QPalette::Text) == palette.color(QPalette::Text) &&
+                        !table->model()->index(0, 0).data(Qt::ForegroundRole).isValid() &&
+                        Find<CMoneySpinnerWidget>()->font().bold();
+    const bool isSeen = isKept && isDark == (colours.toInt() == Look::CO_DARK) && least >= 4.5;
     m_strFault = "contrast at least %1"_s.arg(least, 0, 'f', 1);
     return isSeen ? m_strFault : QString();
 }

@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QSpinBox>
 #include <QTableView>
 #include <QTextBrowser>
@@ -96,6 +97,16 @@ void CTour::ShowTable()
     TakePicture(*table, "table"_s);
     ShowInLanguages("The table is in %1"_s, [this](const QString &language) { return SeeTexts(language); });
     Step(
+        "Whoever closes a table is asked whether to give up the seat"_s,
+        [&] { QTest::keyClick(table, Qt::Key_W, Qt::ControlModifier); },
+        [&] {
+            auto *question = table->findChild<QMessageBox *>();
+            return question && question->isActiveWindow() ? SaveScreenshot(*question, "question"_s) : QString();
+        });
+    Step(
+        "And stays"_s, [&] { QTest::keyClick(table->findChild<QMessageBox *>(), Qt::Key_Escape); },
+        [&] { return table->findChild<QMessageBox *>() ? QString() : table->windowTitle(); });
+    Step(
         "The user leaves all tables"_s, [] { ChooseTablesEntry("ACTION_LEAVE_TABLES"); },
         [&] { return table ? QString() : "the window is gone"_s; });
     Step(
@@ -104,7 +115,10 @@ void CTour::ShowTable()
             m_window.resize(SIZE);
             TypeFilter(QString());
         },
-        [this] { return m_window.size() == SIZE ? SeeFilledLobby() : QString(); });
+        [this] {
+            const bool isSeen = m_window.size() == SIZE && SeeSeat(FIRST_NICKNAME).isEmpty();
+            return isSeen ? SeeFilledLobby() : QString();
+        });
 }
 
 void CTour::ShowChat(const QWidget &table)

@@ -4,6 +4,7 @@
 #include <database/TranslationDB.h>
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QAction>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -12,6 +13,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
+#include <QQuickWidget>
 #include <QRegularExpression>
 #include <QStyleOptionComboBox>
 #include <QTabBar>
@@ -123,6 +125,25 @@ QSet<QString> ReadForeignTexts()
     return english - own;
 }
 
+// The first control that a screen reader can't name. Cells and choices are named by their texts.
+QString FindNameless(QAccessibleInterface *item)
+{
+    if (!item || !item->isValid() || item->state().invisible)
+        return QString();
+    const QAccessible::Role role = item->role();
+    const bool hasCells = role == QAccessible::Table || role == QAccessible::List;
+    const bool isRoom = role == QAccessible::Client || role == QAccessible::Pane || role == QAccessible::PageTabList;
+    if ((hasCells || (item->state().focusable && !isRoom)) && item->text(QAccessible::Name).isEmpty())
+        return QStringLiteral("\"%1\" of role %2 has no name")
+            .arg(item->object() ? item->object()->objectName() : QString())
+            .arg(role);
+    QString fault;
+    const int children = hasCells || role == QAccessible::ComboBox ? 0 : item->childCount();
+    for (int i = 0; i < children && fault.isEmpty(); ++i)
+        fault = FindNameless(item->child(i));
+    return fault;
+}
+
 } // namespace
 
 void FinishLayout()
@@ -145,6 +166,21 @@ QVector<SVisibleText> CollectVisibleTexts(const QWidget &window)
     for (const QAction *action : actions)
         texts.append({action->text()});
     return texts;
+}
+
+QString FindNamelessControl(QWidget &window)
+{
+    const bool wasActive = QAccessible::isActive();
+    QAccessible::setActive(true); // as a screen reader does, which lets QML tell of its controls
+    FinishLayout();
+    QString fault = FindNameless(QAccessible::queryAccessibleInterface(&window));
+    const auto views = window.findChildren<QQuickWidget *>();
+    for (QQuickWidget *view : views) {
+        if (view->isVisible() && QAccessible::queryAccessibleInterface(view)->childCount() == 0)
+            fault = QStringLiteral("nothing in ") + view->source().fileName();
+    }
+    QAccessible::setActive(wasActive);
+    return fault;
 }
 
 QString FindTextFault(const QVector<SVisibleText> &texts)

@@ -19,6 +19,9 @@ void FinishLayout();
 /// What can be read in \a window and its open dialogs, the menus' entries included.
 QVector<SVisibleText> CollectVisibleTexts(const QWidget &window);
 
+/// A control in \a window that a screen reader has no name for, or that it doesn't find; empty if there is none.
+QString FindNamelessControl(QWidget &window);
+
 /// What is wrong with the texts, empty if nothing: one that the catalogue doesn't have, one that is clipped, or one
 /// that is still English though the language in effect has another for it.
 QString FindTextFault(const QVector<SVisibleText> &texts);

@@ -198,17 +198,17 @@ private Q_SLOTS:
     void CountDownsTick()
     {
         constexpr quint32 NOW = 1800000000; // 15 January 2027, 08:00 UTC
-        constexpr quint32 DAY = 86400;
+        constexpr quint32 HOUR = 3600;
         CSettings::GetInstance()->SetTimezoneIndex30(-CCasinoTime::iTimezoneMin); // UTC
         CCasinoTime::GetInstance()->SetTimeUTCServer(NOW);
-        Deliver({Table(1, "A", 1, 1, NOW + 1), Table(2, "B", 1, 1, NOW + DAY), Table(3, "C", 1),
+        Deliver({Table(1, "A", 1, 1, NOW + 1), Table(2, "B", 1, 1, NOW + HOUR + 1), Table(3, "C", 1),
                  Payload::Encode(SListEnd{3})});
         const auto tick = [this] {
             CCasinoTime::GetInstance()->IncreaseCurrentTime();
             return Column(COL_START);
         };
-        QCOMPARE(tick(), "00:00:00,23:59:59,"_s);
-        QCOMPARE(tick(), "January 15 08:00,23:59:58,"_s);
+        QCOMPARE(tick(), "in 00:00,in 1 h 0 min,"_s);
+        QCOMPARE(tick(), "January 15 08:00,in 59:59,"_s);
         Deliver({Table(3, "C", 1), Payload::Encode(SListEnd{1})});
         QCOMPARE(tick(), QString()); // the countdowns have ended with their tables
     }

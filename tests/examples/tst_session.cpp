@@ -80,6 +80,24 @@ private Q_SLOTS:
         QCOMPARE(m_sent.contains(Payload::ToPackets(GROUP, {LOGOUT})), end == "no answer");
     }
 
+    // The server answers in turn: what is on its way answers the login that was given up, not the next one.
+    void LoginIsGivenUp()
+    {
+        QSignalSpy refused(m_pSession.data(), &CSession::signal_LoginRefused);
+        m_pSession->LogIn("Magnolia"_s, "right"_s);
+        m_pSession->CancelLogin();
+        QCOMPARE(m_sent.last(), Payload::ToPackets(GROUP, {LOGOUT}));
+        m_pSession->LogIn("Magnolia"_s, "wrong"_s);
+        Receive(Accepted(500));
+        QVERIFY(!CUserInfo::GetInstance()->IsLoggedIn());
+        QVERIFY(refused.isEmpty());
+        Receive(Payload::Encode(SRefusal{"Magnolia"_s, RF_WRONG_PASSWORD}));
+        QCOMPARE(refused.size(), 1);
+        LogIn();
+        m_pSession->CancelLogin(); // too late
+        QVERIFY(CUserInfo::GetInstance()->IsLoggedIn());
+    }
+
     void LinkComesBack()
     {
         CUserInfo *user = CUserInfo::GetInstance();

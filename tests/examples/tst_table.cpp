@@ -14,6 +14,15 @@ class tst_table : public QObject
 {
     Q_OBJECT
 
+    static void Answer(const QMessageBox *question, QMessageBox::ButtonRole role)
+    {
+        const auto buttons = question->buttons();
+        for (QAbstractButton *button : buttons) {
+            if (question->buttonRole(button) == role)
+                button->click();
+        }
+    }
+
 private Q_SLOTS:
     void LinesThatAreShown()
     {
@@ -33,11 +42,14 @@ private Q_SLOTS:
         CUserInfo::GetInstance()->SetLoggedIn("Magnolia"_s);
         CSettings::GetInstance()->SetDisableTablePopup(true); // the test has no front to bring a window to
         CSettings::GetInstance()->SetSoundsEnabled(false);    // and no sound server
-        QTest::ignoreMessage(QtWarningMsg, "This plugin does not support propagateSizeHints()");
+        for (int window = 0; window < 5; ++window)            // two tables, and three questions
+            QTest::ignoreMessage(QtWarningMsg, "This plugin does not support propagateSizeHints()");
         for (QWidget *widget : {static_cast<QWidget *>(nullptr), &lobby, &lobby}) // null as of a game server
             deliver("SEATGIVN", Payload::Encode(LobbyProtocol::STable{7, "Aare"_s}), widget);
+        deliver("SEATGIVN", Payload::Encode(LobbyProtocol::STable{9, "Bann"_s}), &lobby);
         const auto chats = lobby.findChildren<QTextBrowser *>();
-        QCOMPARE(chats.size(), 1);
+        QCOMPARE(chats.size(), 2);
+        QVERIFY(chats.at(0)->window()->pos() != chats.at(1)->window()->pos());
 
         CPlayerModel::GetInstance("Robin"_s)->SetChatBlock(true);
         CChatModel::GetInstance()->SetSettings({false, 2, 3}); // without observers
@@ -47,9 +59,23 @@ private Q_SLOTS:
             deliver("TABLSAID", Payload::Encode(line, SAID), nullptr);
         QCOMPARE(chats.constFirst()->toPlainText(), "<Fern>: <i>a</i> &amp; \uFFFC\uFFFC)"_s);
 
+        // A seat is given up once the user has said so.
         QSignalSpy sent(plugin, &CPluginInterface::signal_SendEvent);
-        chats.constFirst()->window()->close();
+        const QPointer<QWidget> table = chats.constFirst()->window();
+        for (const auto role : {QMessageBox::RejectRole, QMessageBox::AcceptRole}) {
+            QVERIFY(table && sent.isEmpty());
+            table->close();
+            Answer(table->findChildren<QMessageBox *>().constLast(), role);
+        }
         QVERIFY(sent.value(0).value(0).value<CEvent>().data.endsWith(Payload::Encode(SLeave{7})));
+        const CEvent told = sent.value(1).value(0).value<CEvent>();
+        QVERIFY(told.HasTags("SEAT", "LEFT") && told.targetID == 7);
+        QTimer::singleShot(0, this, [] {
+            Answer(qobject_cast<QMessageBox *>(QApplication::activeModalWidget()), QMessageBox::RejectRole);
+        });
+        QVERIFY(!plugin->CanClose());
+        CUserInfo::GetInstance()->SetLoggedIn(QString()); // which closes the other table
+        QVERIFY(plugin->CanClose());
         DestroySingletons();
     }
 };

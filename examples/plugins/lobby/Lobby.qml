@@ -46,6 +46,7 @@ Pane {
                 id: filter
                 objectName: "quickFilter"
                 placeholderText: texts.current.Get("LOBBY_FILTER")
+                Accessible.name: placeholderText
                 selectByMouse: true
                 Layout.fillWidth: true
                 onTextEdited: CSettings.ringgamefilter = text
@@ -57,6 +58,7 @@ Pane {
                 model: tables.types
                 textRole: "text"
                 valueRole: "value"
+                Accessible.name: displayText
                 Layout.preferredWidth: Math.max(...model.map(entry => metrics.advanceWidth(entry.text))) +
                                        3 * metrics.height
                 onActivated: CSettings.selectedgametype = currentValue
@@ -121,6 +123,12 @@ Pane {
                 opacity: tables.stale ? 0.5 : 1
                 boundsBehavior: Flickable.StopAtBounds
                 activeFocusOnTab: true
+                // Screen readers read the chosen row; cells of their own would be too many.
+                Accessible.role: Accessible.List
+                Accessible.focusable: true
+                Accessible.name: texts.current.Get("LOBBY_TITLE")
+                Accessible.description: root.neededWidths.map(
+                    (width, column) => tables.data(tables.index(tables.chosenRow, column))).join(" ")
                 columnWidthProvider: column => root.widths[column]
                 rowHeightProvider: () => root.rowHeight
                 ScrollBar.vertical: ScrollBar {}

@@ -35,6 +35,10 @@ CLobbyPlugin::CLobbyPlugin()
     connect(m_pTables, &CLobbyTables::signal_SeatWanted, this, &CLobbyPlugin::RequestSeat);
     m_show.setSingleShot(true);
     connect(&m_show, &QTimer::timeout, this, &CLobbyPlugin::ShowReceived);
+    connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, m_pTables, [this] {
+        if (!CUserInfo::GetInstance()->IsLoggedIn())
+            m_pTables->SetSeatAnswer(CTranslationItem());
+    });
 }
 
 void CLobbyPlugin::ReceiveEvent(CEvent e)
@@ -43,6 +47,11 @@ void CLobbyPlugin::ReceiveEvent(CEvent e)
     LobbyProtocol::SListEnd end;
     LobbyProtocol::SPlayerCounts players;
     LobbyProtocol::SSeatAnswer answer;
+    if (e.HasTags(SeatEvent::GROUP, SeatEvent::LEFT)) {
+        if (e.targetID == m_uiAnswered)
+            m_pTables->SetSeatAnswer(CTranslationItem());
+        return;
+    }
     bool isGood = true;
     if (Payload::Decode(e.data, table))
         isGood = OnTable(table);
@@ -66,6 +75,7 @@ void CLobbyPlugin::ReceiveEvent(CEvent e)
 void CLobbyPlugin::RegisterForEvents()
 {
     RegisterForEvent(QString::fromLatin1(LobbyProtocol::GROUP), QString());
+    RegisterForEvent(QString::fromLatin1(SeatEvent::GROUP), QString::fromLatin1(SeatEvent::LEFT));
 }
 
 void CLobbyPlugin::Start()
@@ -183,6 +193,7 @@ void CLobbyPlugin::OnSeatAnswer(const LobbyProtocol::SSeatAnswer &answer)
 {
     ShowReceived();
     const LobbyProtocol::STable *table = m_pList->FindTable(answer.uiTableID);
+    m_uiAnswered = answer.uiTableID;
     m_pTables->SetSeatAnswer(Texts::MakeItem(SEAT_KEYS.value(answer.eResult, "SEAT_REFUSED"),
                                              {{"#nickname#", CUserInfo::GetInstance()->GetNickname()},
                                               {"#place#", uint(answer.usPlace)},

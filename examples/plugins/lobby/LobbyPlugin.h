@@ -57,5 +57,6 @@ private:
     std::optional<QVector<LobbyProtocol::STable>> m_list;
     QVector<LobbyProtocol::SPlayerCount> m_counts;
     QTimer m_show;
-    bool m_bWarned = false; // of malformed packets, on this connection
+    quint32 m_uiAnswered = 0; // the table whose seat the last answer was about
+    bool m_bWarned = false;   // of malformed packets, on this connection
 };

@@ -23,7 +23,9 @@ namespace {
 
 using TTables = CLobbyTables;
 
-constexpr qint64 DAY_SECONDS = 24 * 60 * 60;
+constexpr qint64 MINUTE_SECONDS = 60;
+constexpr qint64 HOUR_SECONDS = 60 * MINUTE_SECONDS;
+constexpr qint64 DAY_SECONDS = 24 * HOUR_SECONDS;
 // Each range that has changed costs a view some time.
 constexpr int MOST_RANGES = 32;
 constexpr qint64 SLICE_MS = 4;
@@ -38,7 +40,17 @@ qint64 CountDown(const STable &table)
     return left < DAY_SECONDS ? left : -1;
 }
 
-// Returns the text of a cell; for a countdown the date, which is wider and replaces it later.
+// Returns the text of a countdown, which shows seconds in the last hour.
+QString GetCountDownText(qint64 seconds)
+{
+    if (seconds >= HOUR_SECONDS)
+        return Texts::Get("LOBBY_IN_HOURS", {{"#hours#", seconds / HOUR_SECONDS},
+                                             {"#minutes#", seconds % HOUR_SECONDS / MINUTE_SECONDS}});
+    const CTranslationItem time = Globals::GetCountDownString(uint(seconds), GlobalDefines::CST_MinAndSecs);
+    return Texts::Get("LOBBY_IN", {{"#time#", time.GetTranslatedText()}});
+}
+
+// Returns the text of a cell; for a countdown the date, which replaces it later.
 QString GetText(const STable &table, int column)
 {
     switch (column) {
@@ -211,12 +223,14 @@ QVariant CLobbyTables::data(const QModelIndex &index, int role) const
         return QVariant();
     if (role == Qt::TextAlignmentRole)
         return Alignment(index.column());
+    if (role == Qt::ForegroundRole && IsStale())
+        return QGuiApplication::palette().brush(QPalette::PlaceholderText);
     // A table that the server has removed is null until its row is removed too.
     const STable *table = role == Qt::DisplayRole ? m_pList->FindTable(m_shown.at(index.row())) : nullptr;
     if (!table)
         return QVariant();
     if (index.column() == COL_START && CountDown(*table) >= 0)
-        return Globals::GetCountDownString(uint(CountDown(*table)), GlobalDefines::CST_Normal).GetTranslatedText();
+        return GetCountDownText(CountDown(*table));
     return GetText(*table, index.column());
 }
 
@@ -420,6 +434,8 @@ void CLobbyTables::StartMeasuring()
     const QFontMetricsF metrics(QGuiApplication::font());
     for (const char *key : COLUMN_KEYS)
         m_measured.append(metrics.horizontalAdvance(Texts::Get(key)));
+    m_measured[COL_START] =
+        qMax(m_measured.at(COL_START), metrics.horizontalAdvance(GetCountDownText(DAY_SECONDS - 1)));
     m_measuring.start(0);
 }
 

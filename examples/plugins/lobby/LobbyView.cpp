@@ -42,10 +42,7 @@ CLobbyView::CLobbyView(CLobbyTables *tables)
     SetUpTable();
     const auto showStatus = [this, status] {
         status->setText(m_pTables->GetStatus());
-        QPalette colours;
-        if (m_pTables->IsStale())
-            colours.setColor(QPalette::Text, palette().color(QPalette::Disabled, QPalette::Text));
-        m_pTable->setPalette(colours);
+        m_pTable->viewport()->update(); // the colour of the texts too depends on the connection
     };
     connect(tables, &CLobbyTables::signal_StatusChanged, this, showStatus);
     connect(tables, &CLobbyTables::signal_TextWidthsChanged, this, &CLobbyView::MeasureColumns);
@@ -57,8 +54,9 @@ CLobbyView::CLobbyView(CLobbyTables *tables)
 QLayout *CLobbyView::CreateFilterLine()
 {
     auto *text = CreateField<QLineEdit>(this, "lobbyFilter");
-    Texts::Bind(text, &QLineEdit::setPlaceholderText, "LOBBY_FILTER");
+    BindHint(text, "LOBBY_FILTER");
     text->setClearButtonEnabled(true);
+    setFocusProxy(text);
     auto *type = CreateField<QComboBox>(this, "lobbyType");
     type->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     for (const auto &[key, value] : CLobbyTables::TYPES)
@@ -91,6 +89,7 @@ QLayout *CLobbyView::CreateFilterLine()
 
 void CLobbyView::SetUpTable()
 {
+    Texts::Bind(m_pTable, &QWidget::setAccessibleName, "LOBBY_TITLE");
     m_pTable->setModel(m_pTables);
     m_pTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_pTable->setSelectionMode(QAbstractItemView::SingleSelection);

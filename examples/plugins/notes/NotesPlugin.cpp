@@ -109,6 +109,8 @@ public:
         auto *nickname = new QLineEdit;
         nickname->setObjectName(QStringLiteral("newPlayer"));
         BindText(nickname, &QLineEdit::setPlaceholderText, "PLAYERS_NICKNAME");
+        BindText(nickname, &QLineEdit::setAccessibleName, "PLAYERS_NICKNAME");
+        BindText(m_pPlayers.data(), &QListWidget::setAccessibleName, "PLAYERS_TITLE");
         auto *layout = new QGridLayout(view);
         layout->addWidget(m_pPlayers, 0, 0);
         layout->addWidget(nickname, 1, 0);

@@ -16,6 +16,11 @@
 #include <ui/MenuManager.h>
 #include <ui/ScreenPlacement.h>
 
+#include <QMessageBox>
+#include <QScopedPointer>
+
+#include <algorithm>
+
 namespace {
 
 constexpr int LEVEL_WITHOUT_OBSERVERS = 2;
@@ -96,8 +101,20 @@ void CTablePlugin::Start()
 QWidget *CTablePlugin::CreateView(QWidget *)
 {
     AddEntry("ACTION_SHOW_TABLES", &Globals::PopupWidget);
-    AddEntry("ACTION_LEAVE_TABLES", &QWidget::close);
+    AddEntry("ACTION_LEAVE_TABLES", &CTableWindow::Leave);
     return nullptr;
+}
+
+// The question has a window of its own, since the tables' may close while it is asked.
+bool CTablePlugin::CanClose()
+{
+    const QList<CTableWindow *> windows = GetWindows();
+    if (std::none_of(windows.begin(), windows.end(),
+                     [](const CTableWindow *window) { return window->WouldLoseSeat(); }))
+        return true;
+    const QScopedPointer<QMessageBox> question(CTableWindow::CreateQuestion("TABLES_LEAVE_QUESTION", nullptr));
+    question->exec();
+    return question->buttonRole(question->clickedButton()) == QMessageBox::AcceptRole;
 }
 
 // Adds a menu entry that calls \a action for each open table.
@@ -122,7 +139,7 @@ void CTablePlugin::OpenTable(const LobbyProtocol::STable &table, quint16 place, 
         connect(window, &CTableWindow::signal_Closed, this, &CTablePlugin::LeaveTable);
         connect(window, &CTableWindow::signal_Said, this,
                 [this](const TableProtocol::SLine &line) { Send(Payload::Encode(line, TableProtocol::SAY)); });
-        window->Open(lobby);
+        window->Open(lobby, GetWindows());
     } else if (!CSettings::GetInstance()->GetDisableTablePopup()) {
         Globals::PopupWidget(window);
     }
@@ -146,12 +163,14 @@ void CTablePlugin::Send(const QByteArray &payload)
     SendToServer(TableProtocol::GROUP, 0, 0, payload.constData(), int(payload.size()), false);
 }
 
-// The server takes back the seat of a user who logs out or disconnects.
 void CTablePlugin::LeaveTable(quint32 tableID)
 {
     const QPointer<CTableWindow> window = m_windows.take(tableID);
-    if (window && window->HasSeat() && CUserInfo::GetInstance()->IsLoggedIn())
+    if (window && window->WouldLoseSeat())
         Send(Payload::Encode(TableProtocol::SLeave{tableID}));
+    CEvent event = CEvent::Create(QString::fromLatin1(SeatEvent::GROUP), QString::fromLatin1(SeatEvent::LEFT));
+    event.targetID = tableID;
+    SendInternEvent(event, false);
 }
 
 const QList<CTableWindow *> CTablePlugin::GetWindows() const

@@ -30,7 +30,8 @@ public:
     QStringList GetDependencies() const override { return {QStringLiteral("lobby")}; }
     bool Initialize() override { return true; }
     void Start() override;
-    bool CanClose() override { return true; }
+    /// Asks the user whether to give up the seats, if there are any.
+    bool CanClose() override;
     void Shutdown() override {}
     QWidget *CreateView(QWidget *parent) override;
 

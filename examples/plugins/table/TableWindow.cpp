@@ -7,21 +7,26 @@
 #include <models/AutoTopUpModel.h>
 #include <models/UserInfo.h>
 #include <money/MoneyStrings.h>
+#include <settings/Config.h>
 #include <settings/Settings.h>
 #include <ui/ScreenPlacement.h>
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QSignalBlocker>
 #include <QSpinBox>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 const QString PLACE_KEY = QStringLiteral("table");
 constexpr QSize SIZE(340, 480);
+constexpr int CASCADE = 32; // pixels, of a window's title
 constexpr int TENTHS = 10;
 constexpr int MAX_CHAT_LINES = 500;
 // Buy-ins, in higher stakes.
@@ -58,7 +63,8 @@ CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
     m_pChat->document()->setMaximumBlockCount(MAX_CHAT_LINES);
     m_pChat->setFocusPolicy(Qt::ClickFocus); // the keyboard is for the line below
     m_pLine->setMaxLength(TableProtocol::MAX_LINE_LENGTH);
-    Texts::Bind(m_pLine, &QLineEdit::setPlaceholderText, "TABLE_CHAT_LINE");
+    BindHint(m_pLine, "TABLE_CHAT_LINE");
+    Texts::Bind(m_pChat, &QWidget::setAccessibleName, "TABLE_CHAT");
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_pFacts);
     auto *form = new QFormLayout;
@@ -79,6 +85,7 @@ CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
         ShowFacts();
         ShowTopUp();
     });
+    CloseByKeys(this);
     m_pLine->setFocus();
 }
 
@@ -97,12 +104,33 @@ void CTableWindow::CreateTopUp(QFormLayout *form)
     connect(m_pLowerLimit, QOverload<int>::of(&QSpinBox::valueChanged), this, &CTableWindow::StoreTopUp);
 }
 
-void CTableWindow::Open(QWidget *lobby)
+void CTableWindow::Open(QWidget *lobby, const QList<CTableWindow *> &others)
 {
-    const bool placed = restoreGeometry(QByteArray::fromBase64(CSettings::GetInstance()->GetWinPosByKey(PLACE_KEY)));
+    const auto any = [&](const auto &fits) {
+        return std::any_of(others.begin(), others.end(),
+                           [&](const CTableWindow *other) { return other != this && fits(*other); });
+    };
+    do
+        ++m_iNumber;
+    while (any([this](const CTableWindow &other) { return other.m_iNumber == m_iNumber; }));
+    const QByteArray place = CSettings::GetInstance()->GetWinPosByKey(GetPlaceKey());
+    const bool placed = restoreGeometry(QByteArray::fromBase64(place));
     show();
     if (!placed)
         Globals::SetToScreenPosition(this, Qt::AlignRight | Qt::AlignTop, lobby, -1, GlobalDefines::SPO_Horizontal);
+    const auto isNear = [this](const CTableWindow &other) {
+        return (other.pos() - pos()).manhattanLength() < CASCADE;
+    };
+    for (auto tries = others.size(); tries > 0 && any(isNear); --tries) {
+        const QRect next = frameGeometry().translated(CASCADE, CASCADE);
+        const QRect available = screen()->availableGeometry();
+        move(available.contains(next) ? next.topLeft() : available.topLeft());
+    }
+}
+
+QString CTableWindow::GetPlaceKey() const
+{
+    return m_iNumber == 1 ? PLACE_KEY : PLACE_KEY + QString::number(m_iNumber);
 }
 
 void CTableWindow::SetPlace(quint16 place)
@@ -117,10 +145,50 @@ void CTableWindow::AddLine(const TableProtocol::SLine &line)
     m_pChat->append(QStringLiteral("<b>%1:</b> ").arg(line.strNickname.toHtmlEscaped()) + ToHtml(line.strText));
 }
 
+void CTableWindow::Leave()
+{
+    m_bLeaving = true;
+    close();
+}
+
+// The server takes back the seat of a user who logs out or disconnects.
+bool CTableWindow::WouldLoseSeat() const
+{
+    return HasSeat() && CUserInfo::GetInstance()->IsLoggedIn();
+}
+
+QMessageBox *CTableWindow::CreateQuestion(const char *key, QWidget *parent)
+{
+    auto *question = new QMessageBox(QMessageBox::Question, CConfig::GetInstance()->GetProductname(), Texts::Get(key),
+                                     QMessageBox::NoButton, parent);
+    question->addButton(Texts::Get("TABLE_LEAVE"), QMessageBox::AcceptRole);
+    auto *stay = question->addButton(Texts::Get("TABLE_STAY"), QMessageBox::RejectRole);
+    question->setDefaultButton(stay);
+    question->setEscapeButton(stay);
+    return question;
+}
+
+void CTableWindow::AskToLeave()
+{
+    if (m_pQuestion && m_pQuestion->isVisible())
+        return m_pQuestion->activateWindow();
+    m_pQuestion = CreateQuestion("TABLE_LEAVE_QUESTION", this);
+    m_pQuestion->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_pQuestion.data(), &QMessageBox::buttonClicked, this, [this](QAbstractButton *button) {
+        if (m_pQuestion->buttonRole(button) == QMessageBox::AcceptRole)
+            Leave();
+    });
+    m_pQuestion->open();
+}
+
 void CTableWindow::closeEvent(QCloseEvent *event)
 {
+    if (WouldLoseSeat() && !m_bLeaving) {
+        event->ignore();
+        return AskToLeave();
+    }
     QWidget::closeEvent(event);
-    CSettings::GetInstance()->SetWinPosByKey(PLACE_KEY, saveGeometry().toBase64(), this);
+    CSettings::GetInstance()->SetWinPosByKey(GetPlaceKey(), saveGeometry().toBase64(), this);
     Q_EMIT signal_Closed(m_table.uiID);
 }
 

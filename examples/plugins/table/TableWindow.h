@@ -3,6 +3,7 @@
 #include <protocol/LobbyProtocol.h>
 #include <protocol/TableProtocol.h>
 
+#include <QPointer>
 #include <QWidget>
 
 class QCheckBox;
@@ -10,6 +11,7 @@ class QComboBox;
 class QFormLayout;
 class QLabel;
 class QLineEdit;
+class QMessageBox;
 class QSpinBox;
 class QTextBrowser;
 
@@ -24,8 +26,16 @@ public:
     /// it.
     CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby);
 
-    /// Shows the window where the last one was closed, or else beside the lobby.
-    void Open(QWidget *lobby);
+    /// Shows the window where it was closed when as many were open, or else beside the lobby, and never just on one
+    /// of the \a others.
+    void Open(QWidget *lobby, const QList<CTableWindow *> &others);
+    /// Closes the window without asking.
+    void Leave();
+    /// Returns whether the user gives up a seat by closing the window now.
+    bool WouldLoseSeat() const;
+    /// Creates a dialog with a question about seats, which the caller owns. The button that gives them up has the
+    /// role QMessageBox::AcceptRole.
+    static QMessageBox *CreateQuestion(const char *key, QWidget *parent);
     /// Sets the place, 0 if the seat is lost. Nothing can be said then.
     void SetPlace(quint16 place);
     bool HasSeat() const { return m_usPlace != 0; }
@@ -39,6 +49,8 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void AskToLeave();
+    QString GetPlaceKey() const;
     void CreateTopUp(QFormLayout *form);
     void StoreTopUp();
     void ShowTopUp();
@@ -47,7 +59,10 @@ private:
 
     LobbyProtocol::STable m_table;
     quint16 m_usPlace = 0;
-    QLabel *m_pFacts; // this and the next ones are children
+    int m_iNumber = 0; // the least that no other window has, from 1 on
+    bool m_bLeaving = false;
+    QPointer<QMessageBox> m_pQuestion; // while it is asked
+    QLabel *m_pFacts;                  // this and the next ones are children
     QCheckBox *m_pTopUp;
     QSpinBox *m_pLowerLimit;
     QComboBox *m_pTarget;
