@@ -76,6 +76,7 @@ Pane {
                     readonly property bool isAscending: tables.order === Qt.AscendingOrder
                     readonly property string title: texts.current ? tables.headerData(index, Qt.Horizontal) : ""
                     text: title + (!isOrder ? "" : isAscending ? " \u25b4" : " \u25be")
+                    Accessible.name: title
                     width: root.widths[index]
                     padding: metrics.height / 4
                     flat: true
