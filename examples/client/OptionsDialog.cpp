@@ -4,11 +4,14 @@
 #include <ui/OptionsDialogManager.h>
 
 #include <QDialogButtonBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QListWidget>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QStyle>
+
+#include <algorithm>
 
 COptionsDialog::COptionsDialog(QWidget *parent)
     : QDialog(parent)
@@ -40,6 +43,18 @@ COptionsDialog::COptionsDialog(QWidget *parent)
     layout->addWidget(CreateButtons(), 1, 0, 1, 2);
     connect(m_pList, &QListWidget::currentRowChanged, widgets, &QStackedWidget::setCurrentIndex);
     m_pList->setCurrentRow(0);
+    ShowModified();
+}
+
+// A page has no signal for edits, and some widgets of a plugin's page may have none either. But the user sees each
+// edit, whatever has caused it, so the pages are asked each time that something in the dialog was painted again.
+bool COptionsDialog::event(QEvent *e)
+{
+    const bool isPainted = e->type() == QEvent::UpdateRequest;
+    const bool isRecognised = QDialog::event(e);
+    if (isPainted)
+        ShowModified();
+    return isRecognised;
 }
 
 QWidget *COptionsDialog::CreateButtons()
@@ -56,7 +71,8 @@ QWidget *COptionsDialog::CreateButtons()
         accept();
     });
     connect(add(QDialogButtonBox::Cancel, "LOGIN_CANCEL"), &QPushButton::clicked, this, &COptionsDialog::reject);
-    connect(add(QDialogButtonBox::Apply, "OPTIONS_APPLY"), &QPushButton::clicked, this, &COptionsDialog::Apply);
+    m_pApply = add(QDialogButtonBox::Apply, "OPTIONS_APPLY");
+    connect(m_pApply, &QPushButton::clicked, this, &COptionsDialog::Apply);
     connect(add(QDialogButtonBox::RestoreDefaults, "OPTIONS_DEFAULTS"), &QPushButton::clicked, this, [this] {
         if (COptionsPage *page = m_pages.value(m_pList->currentRow()))
             page->RestoreDefaults();
@@ -70,4 +86,11 @@ void COptionsDialog::Apply()
         if (page && page->IsModified())
             page->Apply();
     }
+    ShowModified();
+}
+
+void COptionsDialog::ShowModified()
+{
+    m_pApply->setEnabled(
+        std::any_of(m_pages.begin(), m_pages.end(), [](const auto &page) { return page && page->IsModified(); }));
 }

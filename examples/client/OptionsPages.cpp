@@ -5,15 +5,20 @@
 #include <common/FormField.h>
 #include <common/SettingsPage.h>
 #include <files/Pathes.h>
+#include <models/UserInfo.h>
 #include <sound/SoundManager.h>
 #include <translation/Translation.h>
 
 #include <QComboBox>
+#include <QHBoxLayout>
 #include <QSlider>
+#include <QSpinBox>
 
 namespace {
 
-constexpr int MAX_VOLUME = 100;
+constexpr int MAX_VOLUME = 100; // per cent
+constexpr int MAX_AVATAR = 999999;
+constexpr char SOUNDS_SWITCH[] = "soundsenabled";
 const QString SAMPLE = QStringLiteral("sounds/sample.wav");
 
 QWidget *CreateLanguages(QWidget *parent)
@@ -32,10 +37,54 @@ QWidget *CreateColours(QWidget *parent)
     return box;
 }
 
+// Creates a field for a number up to the maximum, in a row with the label beside it.
+template <typename Field>
+Field *CreateNumber(QWidget *parent, int maximum, QLabel *label)
+{
+    auto *row = new QWidget(parent);
+    auto *field = new Field(row);
+    field->setMaximum(maximum);
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(QMargins());
+    layout->addWidget(field, 1);
+    layout->addWidget(label);
+    return field;
+}
+
+// The user's own picture, by its number. It is downloaded when the number is applied.
+QWidget *CreateAvatar(QWidget *parent)
+{
+    auto *picture = CreateField<QLabel>(parent, "ownPicture");
+    auto *number = CreateNumber<QSpinBox>(parent, MAX_AVATAR, picture);
+    number->parentWidget()->layout()->setAlignment(number, Qt::AlignTop); // where the form's label is
+    const auto show = [=] {
+        const QPixmap pixmap(Pathes::CustomAvatar(static_cast<unsigned int>(number->value())));
+        picture->setPixmap(pixmap);
+        picture->setVisible(!pixmap.isNull());
+    };
+    QObject::connect(number, qOverload<int>(&QSpinBox::valueChanged), picture, show);
+    if (const CPlayerModel *own = CUserInfo::GetInstance()->GetPlayerModel())
+        QObject::connect(own, &CPlayerModel::signal_CustomAvatarChanged, picture, show);
+    show();
+    return number;
+}
+
+QString GetPercent(int value)
+{
+    return Texts::Get("OPTIONS_PERCENT", {{"#n#", value}});
+}
+
 QWidget *CreateVolume(QWidget *parent)
 {
-    auto *slider = new QSlider(Qt::Horizontal, parent);
-    slider->setMaximum(MAX_VOLUME);
+    auto *percent = CreateField<QLabel>(parent, "volumePercent");
+    percent->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    auto *slider = CreateNumber<QSlider>(parent, MAX_VOLUME, percent);
+    slider->setOrientation(Qt::Horizontal);
+    const auto show = [=] {
+        percent->setMinimumWidth(percent->fontMetrics().size(Qt::TextSingleLine, GetPercent(MAX_VOLUME)).width());
+        percent->setText(GetPercent(slider->value()));
+    };
+    Texts::Follow(percent, show, slider, &QSlider::valueChanged);
     QObject::connect(slider, &QSlider::sliderReleased, slider, [slider] {
         CSoundManager::GetInstance()->PlaySample(static_cast<unsigned char>(slider->value()),
                                                  Pathes::ToCommonRes(SAMPLE, false));
@@ -49,15 +98,17 @@ void AddOptionsPages(QObject *parent)
 {
     const auto setting = &CSettingsPage::Setting;
     new CSettingsPage("OPTIONS_GENERAL", QStyle::SP_ComputerIcon,
-                      {setting("MENU_LANGUAGE", "selectedlanguage", &CreateLanguages),
-                       setting("OPTIONS_LOOK", "themegeneral", &CreateColours),
-                       setting("OPTIONS_ANIMATIONS_OFF", "animationsoff", nullptr)},
+                      {setting("MENU_LANGUAGE", "selectedlanguage", &CreateLanguages, nullptr),
+                       setting("OPTIONS_LOOK", "themegeneral", &CreateColours, nullptr),
+                       setting("PLAYERS_AVATAR", "customcurrent", &CreateAvatar, nullptr),
+                       setting("OPTIONS_ANIMATIONS_OFF", "animationsoff", nullptr, nullptr)},
                       parent);
-    new CSettingsPage(
-        "OPTIONS_SOUNDS", QStyle::SP_MediaVolume,
-        {setting("OPTIONS_SOUNDS_ENABLED", "soundsenabled", nullptr),
-         setting("OPTIONS_EFFECTS", "soundeffects", nullptr), setting("OPTIONS_ALERTS", "alertsounds", nullptr),
-         setting("OPTIONS_SPEECH", "dealerspeech", nullptr), setting("OPTIONS_WINNING", "winningsounds", nullptr),
-         setting("OPTIONS_VOLUME", "volume", &CreateVolume)},
-        parent);
+    new CSettingsPage("OPTIONS_SOUNDS", QStyle::SP_MediaVolume,
+                      {setting("OPTIONS_SOUNDS_ENABLED", SOUNDS_SWITCH, nullptr, nullptr),
+                       setting("OPTIONS_EFFECTS", "soundeffects", nullptr, SOUNDS_SWITCH),
+                       setting("OPTIONS_ALERTS", "alertsounds", nullptr, SOUNDS_SWITCH),
+                       setting("OPTIONS_SPEECH", "dealerspeech", nullptr, SOUNDS_SWITCH),
+                       setting("OPTIONS_WINNING", "winningsounds", nullptr, SOUNDS_SWITCH),
+                       setting("OPTIONS_VOLUME", "volume", &CreateVolume, SOUNDS_SWITCH)},
+                      parent);
 }

@@ -33,17 +33,24 @@ void Show(QWidget &field, const QVariant &value)
         box->setCurrentIndex(box->findData(value));
 }
 
+bool IsModified(const QWidget &widget, const CSettingsPage::SField &field)
+{
+    const QVariant shown = GetShown(widget);
+    return shown.isValid() && shown != field.get();
+}
+
 } // namespace
 
 CSettingsPage::SField CSettingsPage::Setting(const char *textKey, const char *setting,
-                                             QWidget *(*create)(QWidget *parent))
+                                             QWidget *(*create)(QWidget *parent), const char *settingOfSwitch)
 {
     return {textKey,
             setting,
             [setting] { return CSettings::GetInstance()->property(setting); },
             [setting](const QVariant &value) { CSettings::GetInstance()->setProperty(setting, value); },
             CDefaultSettings().property(setting),
-            create};
+            create,
+            settingOfSwitch};
 }
 
 CSettingsPage::CSettingsPage(const char *titleKey, QStyle::StandardPixmap icon, const QVector<SField> &fields,
@@ -70,29 +77,49 @@ QWidget *CSettingsPage::CreateWidget(QWidget *parent)
 {
     m_pWidget = new QWidget(parent);
     auto *form = new QFormLayout(m_pWidget);
-    for (const SField &field : qAsConst(m_fields)) {
-        if (field.create) {
-            QWidget *widget = field.create(m_pWidget);
-            widget->setObjectName(QLatin1String(field.strName));
-            AddFormField(form, field.strKey, widget);
-        } else {
-            auto *box = CreateField<QCheckBox>(m_pWidget, field.strName);
-            Texts::Bind(box, &QCheckBox::setText, field.strKey);
-            form->addRow(box);
-        }
-    }
+    for (const SField &field : qAsConst(m_fields))
+        AddField(form, field);
     return m_pWidget;
+}
+
+void CSettingsPage::AddField(QFormLayout *form, const SField &field)
+{
+    QWidget *label = nullptr;
+    QWidget *row = nullptr;
+    if (field.create) {
+        QWidget *widget = field.create(m_pWidget);
+        widget->setObjectName(QLatin1String(field.strName));
+        row = widget->parentWidget() == m_pWidget ? widget : widget->parentWidget();
+        form->addRow(label = CreateLabel(field.strKey, widget), row);
+    } else {
+        auto *box = CreateField<QCheckBox>(m_pWidget, field.strName);
+        Texts::Bind(box, &QCheckBox::setText, field.strKey);
+        form->addRow(row = box);
+    }
+    if (!field.strSwitch)
+        return;
+    const auto *box = m_pWidget->findChild<QCheckBox *>(QLatin1String(field.strSwitch));
+    for (QWidget *part : {label, row}) {
+        if (!part)
+            continue;
+        part->setEnabled(box->isChecked());
+        connect(box, &QCheckBox::toggled, part, &QWidget::setEnabled);
+    }
 }
 
 void CSettingsPage::Load()
 {
-    ForAll([](QWidget &widget, const SField &field) { Show(widget, field.get()); });
+    ForAll([](QWidget &widget, const SField &field) {
+        if (auto *box = qobject_cast<QComboBox *>(&widget))
+            box->setCurrentIndex(-1); // in case that there is no entry for the value
+        Show(widget, field.get());
+    });
 }
 
 void CSettingsPage::Apply()
 {
     ForAll([](const QWidget &widget, const SField &field) {
-        if (GetShown(widget) != field.get())
+        if (::IsModified(widget, field))
             field.set(GetShown(widget));
     });
 }
@@ -105,7 +132,7 @@ void CSettingsPage::RestoreDefaults()
 bool CSettingsPage::IsModified() const
 {
     bool isModified = false;
-    ForAll([&](const QWidget &widget, const SField &field) { isModified |= GetShown(widget) != field.get(); });
+    ForAll([&](const QWidget &widget, const SField &field) { isModified |= ::IsModified(widget, field); });
     return isModified;
 }
 

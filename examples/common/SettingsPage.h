@@ -9,6 +9,8 @@
 
 #include <functional>
 
+class QFormLayout;
+
 /// A page of the options dialog with a list of fields, each of which shows one value.
 class CSettingsPage : public COptionsPage
 {
@@ -22,13 +24,17 @@ public:
         std::function<QVariant()> get;
         std::function<void(const QVariant &)> set;
         QVariant vDefault;
-        /// Creates a slider, or a combo box whose entries have the values as data; without an entry for the value,
-        /// the combo box keeps its current one. Null for a check box.
+        /// Creates a slider, or a combo box whose entries have the values as data; without an entry for the value in
+        /// effect it shows none, and without one for the default it keeps its current one. The field is a child of \a
+        /// parent, or of a row in there that shows something beside it. Null for a check box.
         QWidget *(*create)(QWidget *parent) = nullptr;
+        /// The object name of an earlier check box of the page: while it is off, this field is disabled. May be null.
+        const char *strSwitch = nullptr;
     };
 
     /// Returns the field for the setting with this key, which is also its object name.
-    static SField Setting(const char *textKey, const char *setting, QWidget *(*create)(QWidget *parent) = nullptr);
+    static SField Setting(const char *textKey, const char *setting, QWidget *(*create)(QWidget *parent) = nullptr,
+                          const char *settingOfSwitch = nullptr);
 
     /// Registers the page. \a titleKey has to stay valid as long as the keys of the fields.
     CSettingsPage(const char *titleKey, QStyle::StandardPixmap icon, const QVector<SField> &fields, QObject *parent);
@@ -42,6 +48,7 @@ public:
     bool IsModified() const override;
 
 private:
+    void AddField(QFormLayout *form, const SField &field);
     void ForAll(const std::function<void(QWidget &, const SField &)> &action) const;
 
     const char *m_strTitleKey;

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QDialog>
+#include <QLabel>
 #include <QListWidget>
 #include <QtTest>
 
@@ -30,15 +31,26 @@ void CTour::ShowOptions()
         }
         return seen;
     });
+    const auto look = [this](bool isOn, bool isModified) {
+        const bool isSeen = Find<QWidget>("volume")->isEnabled() == isOn &&
+                            Find<QWidget>("winningsounds")->isEnabled() == isOn &&
+                            Find<QAbstractButton>("OPTIONS_APPLY")->isEnabled() == isModified;
+        return isSeen ? "volume "_s + Find<QLabel>("volumePercent")->text() : QString();
+    };
     const auto seeOption = [this] { return SeeRows({"magnolia|winningsounds|true"_s}); };
     Step(
-        "The user changes an option and applies it"_s,
+        "Without sounds there is nothing to choose, and without a change nothing to apply"_s,
+        [this] { ChooseOptionsPage(SOUNDS_PAGE); }, [&] { return look(false, false); });
+    Step(
+        "The user switches sounds on"_s, [this] { Click(*Find<QCheckBox>("soundsenabled"), QPoint(8, 8)); },
+        [&] { return look(true, true); });
+    Step(
+        "And an option, and applies it"_s,
         [&] {
-            ChooseOptionsPage(SOUNDS_PAGE);
             Click(*Find<QCheckBox>("winningsounds"), QPoint(8, 8)); // off by default
             Find<QAbstractButton>("OPTIONS_APPLY")->click();
         },
-        seeOption);
+        [&] { return look(true, false).isEmpty() ? QString() : seeOption(); });
     if (!m_bFailed)
         TakePicture(*Find<QDialog>("options"), "options"_s);
     Step(
