@@ -34,8 +34,10 @@ QStringList ToStrings(std::initializer_list<const char *> words)
 void CTour::ShowNotes()
 {
     QDir(GetFolder(SERVER_FOLDER)).removeRecursively();
-    Do({"The user opens the tab of the players", "open players", OWN, "|tag 0|"});
-    Do({"And notes something of another player", "note", OTHER, FIRST_NOTE});
+    Do({"The user opens the tab of the players", "open players"});
+    Do({"The own name is refused", "add player", OWN, "PLAYERS_YOURSELF"});
+    Do({"With a message", "answer", "OPTIONS_OK"});
+    Do({"The user notes something of another player", "note", OTHER, FIRST_NOTE});
     for (const char *language : {"Français", "English", "Deutsch"})
         Do({"All that fits in every language", "language", "", language});
     Do({"The user chooses a filter", "filter", "", "omaha"});
@@ -58,8 +60,11 @@ void CTour::ShowNotes()
 void CTour::ShowSecondMachine()
 {
     StartSecondMachine("second"_s);
-    DoThere({"The user logs in on a machine that has nothing", "log in"});
-    DoThere({"The note comes", "open players", OTHER, FIRST_NOTE});
+    DoThere({"The user opens the tab of the players on a machine that has nothing", "open players"});
+    DoThere({"It says why nobody is there", "see text", "", "PLAYERS_LOG_IN"});
+    DoThere({"A picture of that", "picture", "", "players-logged-out"});
+    DoThere({"The user logs in", "log in"});
+    DoThere({"The note comes", "see player", OTHER, FIRST_NOTE});
     DoThere({"So does the filter", "see filter", "", "omaha"});
     DoThere({"So does the language", "see language", "", "Deutsch"});
     DoThere({"So does the avatar, and its picture", "see avatar", OWN, OWN_AVATAR});
@@ -78,6 +83,11 @@ void CTour::ShowLostWebServer()
     Do({"What the other machine has changed comes", "see player", "Old Tom", "Calls|tag 5|"});
     DoThere({"What the first machine has changed comes", "see player", "Fern", "Folds|tag 1|"});
     DoThere({"And its filter", "see filter", "", "stud"});
+    Do({"The user removes a player, and is asked", "remove player", "Fern", "PLAYERS_REMOVE_NOTED"});
+    Do({"A picture of that", "picture", "", "players-question"});
+    Do({"The user wants it", "answer", "PLAYERS_REMOVE"});
+    DoThere({"There the note is gone too", "see player", "Fern", "|tag 0|"});
+    Do({"The player isn't back here", "lack player", "Fern"});
     EndSecondMachine();
 }
 

@@ -1,14 +1,18 @@
 #include "Tour.h"
 
+#include <common/Texts.h>
 #include <files/Pathes.h>
+#include <models/UserInfo.h>
 #include <settings/Settings.h>
 
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEventLoop>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QSocketNotifier>
 #include <QSpinBox>
@@ -16,6 +20,7 @@
 #include <QTextStream>
 #include <QtTest>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -28,6 +33,40 @@ QString ReadStep()
     QObject::connect(&input, &QSocketNotifier::activated, &loop, &QEventLoop::quit);
     loop.exec();
     return QTextStream(stdin).readLine();
+}
+
+QString SeeText(const QWidget &window, const QString &key)
+{
+    const QString text = Texts::Get(key);
+    const auto labels = window.findChildren<QLabel *>();
+    const bool isSeen = std::any_of(labels.begin(), labels.end(),
+                                    [&](const QLabel *label) { return label->isVisible() && label->text() == text; });
+    return isSeen ? text : QString();
+}
+
+void AddPlayer(const QWidget &window, const QString &nickname)
+{
+    auto *field = window.findChild<QLineEdit *>("newPlayer"_s);
+    field->clear();
+    QTest::keyClicks(field, nickname);
+    QTest::keyClick(field, Qt::Key_Return);
+}
+
+void PressDelete(QWidget &widget)
+{
+    widget.activateWindow(); // a table's may be active
+    widget.setFocus();
+    if (QTest::qWaitForWindowActive(widget.window()))
+        QTest::keyClick(&widget, Qt::Key_Delete);
+}
+
+void Answer(const QMessageBox &message, const QString &key)
+{
+    const auto buttons = message.buttons();
+    for (QAbstractButton *button : buttons) {
+        if (button->text() == Texts::Get(key))
+            return button->click();
+    }
 }
 
 } // namespace
@@ -50,9 +89,23 @@ void CTour::TakeStep(const QStringList &step)
     const QString value = step.value(3);
     const QString row = "magnolia|%1|"_s + value;
     const TAction nothing = [] {};
+    QWidget *message = Find<QMessageBox>();
     const QHash<QByteArray, QPair<TAction, TLook>> verbs{
         {"connect", {nothing, [&] { return SeeState(EConnectionState::Connected); }}},
-        {"open players", {[&] { ChooseNextTab(); }, [&] { return SeePlayer(subject, value); }}},
+        {"open players",
+         {[&] { ChooseNextTab(); }, [&] { return Find<QTabWidget>()->currentWidget()->windowTitle(); }}},
+        {"see text", {nothing, [&] { return SeeText(m_window, value); }}},
+        {"add player", {[&] { AddPlayer(m_window, subject); }, [&] { return SeeText(m_window, value); }}},
+        {"remove player",
+         {[&] {
+              ChoosePlayer(subject);
+              PressDelete(*Find<QListWidget>("players"));
+          },
+          [&] { return SeeText(m_window, value); }}},
+        {"answer",
+         {[&] { Answer(*Find<QMessageBox>(), subject); },
+          [&] { return Find<QMessageBox>() ? QString() : Texts::Get(subject); }}},
+        {"lack player", {nothing, [&] { return ChoosePlayer(subject) ? QString() : "not in the list"_s; }}},
         {"see player", {nothing, [&] { return SeePlayer(subject, value); }}},
         {"note", {[&] { ChangePlayer(subject, value); }, [&] { return SeePlayerRow(subject, value); }}},
         {"see avatar", {nothing, [&] { return SeeAvatar(subject, value); }}},
@@ -65,7 +118,7 @@ void CTour::TakeStep(const QStringList &step)
          {[&] { CSettings::GetInstance()->SetThemeGeneral(value.toInt()); }, [&] { return SeeColours(value); }}},
         {"see problems", {nothing, [&] { return SeeProblems(); }}},
         {"window picture", {nothing, [&] { return SaveScreenshot(m_window, value); }}},
-        {"picture", {nothing, [&] { return SaveScreenshot(*Find<QListWidget>("players")->window(), value); }}},
+        {"picture", {nothing, [&] { return SaveScreenshot(message ? *message : m_window, value); }}},
     };
     const QByteArray verb = step.value(1).toLatin1();
     if (verb == "log in")
@@ -92,10 +145,8 @@ bool CTour::ChoosePlayer(const QString &nickname) const
 
 void CTour::ChangePlayer(const QString &nickname, const QString &value) const
 {
-    if (!ChoosePlayer(nickname)) {
-        QTest::keyClicks(Find<QLineEdit>("newPlayer"), nickname);
-        QTest::keyClick(Find<QLineEdit>("newPlayer"), Qt::Key_Return);
-    }
+    if (!ChoosePlayer(nickname))
+        AddPlayer(m_window, nickname);
     const QStringList parts = value.split(QLatin1Char('|'));
     auto *note = Find<QPlainTextEdit>("note");
     note->selectAll();
@@ -111,8 +162,12 @@ void CTour::ChangePlayer(const QString &nickname, const QString &value) const
 
 void CTour::ChooseAvatar(const QString &nickname, const QString &number) const
 {
-    ChoosePlayer(nickname);
-    auto *field = Find<QSpinBox>("avatar");
+    const bool isOwn = nickname == FIRST_NICKNAME; // whose avatar is an option
+    if (isOwn)
+        Find<QAction>("openOptions")->trigger();
+    else
+        ChoosePlayer(nickname);
+    auto *field = Find<QSpinBox>(isOwn ? "customcurrent" : "avatar");
     field->selectAll();
     QTest::keyClicks(field, number);
     QTest::keyClick(field, Qt::Key_Return);
@@ -131,9 +186,13 @@ QString CTour::SeePlayer(const QString &nickname, const QString &value)
 // The picture is there too.
 QString CTour::SeeAvatar(const QString &nickname, const QString &number) const
 {
-    ChoosePlayer(nickname);
-    const QPixmap picture = Find<QLabel>("picture")->pixmap(Qt::ReturnByValue);
-    const bool isSeen = Find<QSpinBox>("avatar")->text() == number && !picture.isNull();
+    const bool isOwn = nickname == FIRST_NICKNAME;
+    const auto *user = CUserInfo::GetInstance()->GetPlayerModel();
+    const bool isChosen = isOwn ? user->GetCustomAvatar() == number.toUInt()
+                                : ChoosePlayer(nickname) && Find<QSpinBox>("avatar")->text() == number;
+    const QPixmap picture = isOwn ? QPixmap(Pathes::CustomAvatar(user->GetCustomAvatar()))
+                                  : Find<QLabel>("picture")->pixmap(Qt::ReturnByValue);
+    const bool isSeen = isChosen && !picture.isNull();
     return isSeen ? "%1, %2 by %3 pixels"_s.arg(number).arg(picture.width()).arg(picture.height()) : QString();
 }
 

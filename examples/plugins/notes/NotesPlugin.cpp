@@ -45,6 +45,20 @@ Field *AddField(QFormLayout *form, const char *key, const char *name)
     return field;
 }
 
+// Opens a message about a player, and doesn't wait for the answer. Its texts are given by their keys.
+QMessageBox *OpenMessage(QWidget *parent, const QString &nickname, const char *key,
+                         const QVector<QPair<QMessageBox::StandardButton, const char *>> &buttons)
+{
+    auto *message = new QMessageBox(parent);
+    message->setAttribute(Qt::WA_DeleteOnClose);
+    message->setWindowTitle(nickname);
+    BindText(message, &QMessageBox::setText, key);
+    for (const auto &[button, text] : buttons)
+        BindText(message->addButton(button), &QPushButton::setText, text);
+    message->open();
+    return message;
+}
+
 //! [texts] [payload]
 // Returns the speaker of a line that somebody has said, or an empty text if the payload isn't such a line. It has a
 // tag, the table's number in 32 bits, the line and the speaker, and more. A text has its number of bytes in 16 bits.
@@ -67,6 +81,12 @@ bool IsNickname(const QString &text)
 {
     return !text.isEmpty() && text.size() <= 32 && text == text.trimmed() &&
            std::all_of(text.begin(), text.end(), [](QChar character) { return character.isPrint(); });
+}
+
+// Returns whether it is the nickname of the logged-in user, which the server may spell in another case.
+bool IsUser(const QString &nickname)
+{
+    return nickname.compare(CUserInfo::GetInstance()->GetNickname(), Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
@@ -101,60 +121,125 @@ public:
     //! [plugin] [view]
     QWidget *CreateView(QWidget *parent) override
     {
-        auto *view = new QWidget(parent);
-        BindText(view, &QWidget::setWindowTitle, "PLAYERS_TITLE");
+        m_pView = new QStackedWidget(parent);
+        BindText(m_pView.data(), &QWidget::setWindowTitle, "PLAYERS_TITLE");
+        auto *loggedOut = new QLabel;
+        loggedOut->setAlignment(Qt::AlignCenter);
+        BindText(loggedOut, &QLabel::setText, "PLAYERS_LOG_IN");
+        m_pView->addWidget(loggedOut);
+        m_pView->addWidget(CreatePlayers());
+        connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, m_pView, [this] { ListPlayers(); });
+        connect(&m_look, &QTimer::timeout, m_pView, [this] { m_pView->isVisible() ? ListPlayers() : void(); });
+        ListPlayers();
+        return m_pView;
+    }
+
+private:
+    QWidget *CreatePlayers()
+    {
+        auto *page = new QWidget;
         m_pPlayers = new QListWidget;
         m_pPlayers->setObjectName(QStringLiteral("players"));
         m_pPlayers->setSortingEnabled(true);
+        BindText(m_pPlayers.data(), &QWidget::setAccessibleName, "PLAYERS_TITLE");
         auto *nickname = new QLineEdit;
         nickname->setObjectName(QStringLiteral("newPlayer"));
         BindText(nickname, &QLineEdit::setPlaceholderText, "PLAYERS_NICKNAME");
-        BindText(nickname, &QLineEdit::setAccessibleName, "PLAYERS_NICKNAME");
-        BindText(m_pPlayers.data(), &QListWidget::setAccessibleName, "PLAYERS_TITLE");
-        auto *layout = new QGridLayout(view);
+        BindText(nickname, &QWidget::setAccessibleName, "PLAYERS_NICKNAME");
+        auto *remove = new QPushButton;
+        BindText(remove, &QPushButton::setText, "PLAYERS_REMOVE");
+        auto *deleteKey = new QShortcut(QKeySequence(Qt::Key_Delete), m_pPlayers);
+        deleteKey->setContext(Qt::WidgetShortcut); // in all other widgets the key deletes text
+        auto *layout = new QGridLayout(page);
         layout->addWidget(m_pPlayers, 0, 0);
-        layout->addWidget(nickname, 1, 0);
-        const auto showChosen = [this, layout] {
+        layout->addWidget(remove, 1, 0);
+        layout->addWidget(nickname, 2, 0);
+        const auto showChosen = [this, layout, remove] {
             delete m_pForm;
-            layout->addWidget(m_pForm = new QWidget, 0, 1, 2, 1);
-            if (const QListWidgetItem *chosen = m_pPlayers->currentItem())
+            layout->addWidget(m_pForm = new QWidget, 0, 1, 3, 1);
+            const QListWidgetItem *chosen = m_pPlayers->currentItem();
+            remove->setEnabled(chosen != nullptr);
+            if (chosen)
                 FillForm(new QFormLayout(m_pForm), CPlayerModel::GetInstance(chosen->text()));
         };
-        connect(m_pPlayers, &QListWidget::currentItemChanged, view, showChosen);
-        FollowLanguage(view, showChosen);
-        connect(nickname, &QLineEdit::returnPressed, view,
-                [this, nickname] { m_pPlayers->setCurrentItem(Add(nickname->text())); });
-        connect(nickname, &QLineEdit::returnPressed, nickname, &QLineEdit::clear);
-        connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, view, [this] { ListPlayers(); });
-        connect(&m_look, &QTimer::timeout, view, [this, view] { view->isVisible() ? ListPlayers() : void(); });
-        ListPlayers();
-        return view;
+        connect(m_pPlayers, &QListWidget::currentItemChanged, page, showChosen);
+        FollowLanguage(page, showChosen);
+        connect(nickname, &QLineEdit::returnPressed, page, [this, nickname] { AddTyped(nickname); });
+        connect(remove, &QPushButton::clicked, page, [this] { AskToRemove(m_pPlayers->currentItem()->text()); });
+        connect(deleteKey, &QShortcut::activated, remove, &QPushButton::click);
+        return page;
     }
 
     //! [view] [list]
-private:
     void ListPlayers()
     {
         const CUserInfo *user = CUserInfo::GetInstance();
-        m_pPlayers->parentWidget()->setEnabled(user->IsLoggedIn());
+        m_pView->setCurrentIndex(user->IsLoggedIn() ? 1 : 0);
         if (!user->IsLoggedIn()) {
             m_items.clear();
             m_pPlayers->clear(); // removes the current player, which deletes the form
+            return;
         }
-        Add(user->GetNickname());
         const auto rows = PlayerInfo::GetSyncList(user->GetNickname(), 0);
-        for (const auto &row : rows)
-            Add(row.strPlayer);
+        for (const auto &row : rows) {
+            if (!m_items.contains(row.strPlayer) && IsNoted(CPlayerModel::GetInstance(row.strPlayer)))
+                Add(row.strPlayer);
+        }
     }
 
     QListWidgetItem *Add(const QString &nickname)
     {
-        if (!m_items.contains(nickname) && m_pPlayers->isEnabled() && IsNickname(nickname))
+        const bool isAllowed = CUserInfo::GetInstance()->IsLoggedIn() && IsNickname(nickname) && !IsUser(nickname);
+        if (isAllowed && !m_items.contains(nickname))
             m_items.insert(nickname, new QListWidgetItem(nickname, m_pPlayers));
-        return m_items.value(nickname, m_pPlayers->currentItem());
+        return m_items.value(nickname);
     }
 
-    //! [list] [form]
+    void AddTyped(QLineEdit *field)
+    {
+        QListWidgetItem *player = Add(field->text());
+        if (!player) {
+            const char *reason = IsUser(field->text()) ? "PLAYERS_YOURSELF" : "LOGIN_BAD_NICKNAME";
+            OpenMessage(m_pView, field->text(), reason, {{QMessageBox::Ok, "OPTIONS_OK"}});
+            return;
+        }
+        m_pPlayers->setCurrentItem(player);
+        field->clear();
+    }
+
+    //! [list] [removal]
+    void AskToRemove(const QString &nickname)
+    {
+        if (!IsNoted(CPlayerModel::GetInstance(nickname)))
+            return Remove(nickname);
+        QMessageBox *question =
+            OpenMessage(m_pForm, nickname, "PLAYERS_REMOVE_NOTED",
+                        {{QMessageBox::Yes, "PLAYERS_REMOVE"}, {QMessageBox::Cancel, "LOGIN_CANCEL"}});
+        question->setDefaultButton(QMessageBox::Cancel);
+        // Queued, because it deletes the form, and with it the question that emits the signal.
+        const auto remove = [this, nickname] { Remove(nickname); };
+        connect(question, &QDialog::accepted, m_pView, remove, Qt::QueuedConnection);
+    }
+
+    // The library stores that nothing is noted, and tells the user's other machines.
+    void Remove(const QString &nickname)
+    {
+        CPlayerModel *player = CPlayerModel::GetInstance(nickname);
+        player->SetNotes(QString());
+        player->SetTagID(0);
+        player->SetRating(0);
+        player->SetNewCustomAvatar(0); // and not the one that is being downloaded
+        SetBuddy(player, false);
+        delete m_items.take(nickname);
+    }
+
+    static bool IsNoted(CPlayerModel *player)
+    {
+        return !player->GetNotes().isEmpty() || player->GetTagID() != 0 || player->GetRating() != 0 ||
+               player->GetCustomAvatar() != 0 || IsBuddy(player);
+    }
+
+    //! [removal] [form]
     static void FillForm(QFormLayout *form, CPlayerModel *player)
     {
         auto *note = AddField<QPlainTextEdit>(form, "PLAYERS_NOTE", "note");
@@ -171,13 +256,12 @@ private:
         avatar->setKeyboardTracking(false); // each value is one picture to download
         auto *picture = AddField<QLabel>(form, "PLAYERS_PICTURE", "picture");
         //! [form] [bindings]
-        CPlayerLists *lists = CPlayerLists::GetInstance();
         const auto show = [=] {
             const QSignalBlocker blockers[] = {QSignalBlocker(note), QSignalBlocker(rating), QSignalBlocker(avatar)};
             if (note->toPlainText() != player->GetNotes()) // otherwise the cursor would move
                 note->setPlainText(player->GetNotes());
             tag->setCurrentIndex(static_cast<int>(player->GetTagID()));
-            buddy->setChecked(player->GetBuddy() || lists->GetBuddyList()->contains(player));
+            buddy->setChecked(IsBuddy(player));
             rating->setValue(player->GetRating());
             avatar->setValue(static_cast<int>(player->GetCustomAvatar()));
             picture->setPixmap(QPixmap(Pathes::CustomAvatar(player->GetCustomAvatar())));
@@ -192,15 +276,28 @@ private:
         connect(tag, qOverload<int>(&QComboBox::activated), player, [=](int id) { player->SetTagID(uint(id)); });
         connect(rating, &QSpinBox::textChanged, player, [=] { player->SetRating(uchar(rating->value())); });
         connect(avatar, &QSpinBox::textChanged, player, [=] { player->SetCustomAvatar(uint(avatar->value())); });
-        connect(buddy, &QCheckBox::clicked, player, [=](bool on) {
-            if (on)
-                lists->AddNewBuddy(player);
-            else
-                lists->RemoveFromBuddyList(player->GetNickname());
-        });
+        connect(buddy, &QCheckBox::clicked, player, [=](bool on) { SetBuddy(player, on); });
     }
 
-    QPointer<QListWidget> m_pPlayers;          // the list of the view, which the host owns
+    // A buddy of an earlier login is only in the list.
+    static bool IsBuddy(CPlayerModel *player)
+    {
+        return player->GetBuddy() || CPlayerLists::GetInstance()->GetBuddyList()->contains(player);
+    }
+
+    static void SetBuddy(CPlayerModel *player, bool on)
+    {
+        CPlayerLists *lists = CPlayerLists::GetInstance();
+        while (lists->GetBuddyList()->contains(player))
+            lists->RemoveFromBuddyList(player->GetNickname());
+        if (on)
+            lists->AddNewBuddy(player);
+        else
+            player->SetBuddy(false);
+    }
+
+    QPointer<QStackedWidget> m_pView;          // which the host owns
+    QPointer<QListWidget> m_pPlayers;          // a child of the view
     QPointer<QWidget> m_pForm;                 // a child of the view
     QHash<QString, QListWidgetItem *> m_items; // of the list, by nickname
     QTimer m_look;                             // finds players from another machine, whom no signal announces
