@@ -91,6 +91,9 @@ void CSettingsPage::AddField(QFormLayout *form, const SField &field)
         widget->setObjectName(QLatin1String(field.strName));
         row = widget->parentWidget() == m_pWidget ? widget : widget->parentWidget();
         form->addRow(label = CreateLabel(field.strKey, widget), row);
+        // Screen readers look for a label only beside its field.
+        const auto setName = [](QWidget *named, QString text) { named->setAccessibleName(text.remove(u'&')); };
+        Texts::Bind(widget, setName, field.strKey);
     } else {
         auto *box = CreateField<QCheckBox>(m_pWidget, field.strName);
         Texts::Bind(box, &QCheckBox::setText, field.strKey);

@@ -22,7 +22,8 @@
 namespace {
 
 constexpr int RULES_BYTES = 3 << 20; // some seconds' worth
-constexpr int MANY_WIDGETS = 200;    // more than the window has
+constexpr int ACTIVE_LIMIT_MS = 10000;
+constexpr int MANY_WIDGETS = 200; // more than the window has
 
 // A letter with a & before it, in lower case; null if there is none.
 QChar GetMnemonic(const QString &text)
@@ -131,8 +132,11 @@ void CTour::ShowKeyboard()
     Step(
         "The Tab key leads through the window"_s,
         [&] {
-            m_window.activateWindow(); // the table's may be active
-            if (!QTest::qWaitForWindowActive(&m_window))
+            const auto activate = [this] { // the table's may be active
+                m_window.activateWindow();
+                return m_window.isActiveWindow();
+            };
+            if (!QTest::qWaitFor(activate, ACTIVE_LIMIT_MS * Patience()))
                 return;
             QTest::keyClick(&m_window, Qt::Key_F, Qt::ControlModifier);
             order = PressTabs(m_window);
