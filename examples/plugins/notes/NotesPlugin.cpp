@@ -151,6 +151,8 @@ private:
         auto *deleteKey = new QShortcut(QKeySequence(Qt::Key_Delete), m_pPlayers);
         deleteKey->setContext(Qt::WidgetShortcut); // in all other widgets the key deletes text
         auto *layout = new QGridLayout(page);
+        layout->setColumnStretch(0, 1);
+        layout->setColumnStretch(1, 2);
         layout->addWidget(m_pPlayers, 0, 0);
         layout->addWidget(remove, 1, 0);
         layout->addWidget(nickname, 2, 0);
