@@ -30,6 +30,13 @@ Pane {
             textFormat: Text.PlainText
             font.bold: true
         }
+        Button {
+            objectName: "quickLogIn"
+            visible: !CUserInfo.bLoginState
+            text: texts.current.Get("LOGIN_TITLE")
+            Accessible.name: text
+            onClicked: host.signal_LoginRequested()
+        }
         ReadLabel {
             objectName: "quickMoney"
             visible: CUserInfo.bLoginState

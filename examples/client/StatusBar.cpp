@@ -14,6 +14,7 @@
 #include <QHBoxLayout>
 #include <QMainWindow>
 #include <QStatusBar>
+#include <QToolButton>
 
 namespace {
 
@@ -61,17 +62,32 @@ QString ClockText()
     return known ? clock->GetTimeString() + QLatin1Char(' ') + clock->GetTimezoneString() : QString();
 }
 
-// Creates the line with the user's money; in QML it also shows the content of \a account, which is hidden then.
-QWidget *CreateAccountLine(QWidget *parent, QWidget *account)
+// Creates the line with the user's money, or a way to log in; in QML it also shows the content of \a account, which
+// is hidden then.
+QWidget *CreateAccountLine(QWidget *parent, CHost &host, QWidget *account)
 {
-    auto *money = CreateField<QLabel>(parent, "cashier");
+    auto *widgets = new QWidget(parent);
+    auto *logIn = CreateField<QToolButton>(widgets, "logInButton");
+    Texts::Bind(logIn, &QToolButton::setText, "LOGIN_TITLE");
+    logIn->setFocusPolicy(Qt::StrongFocus);
+    QObject::connect(logIn, &QToolButton::clicked, &host, &CHost::signal_LoginRequested);
+    auto *money = CreateField<QLabel>(widgets, "cashier");
     const int gap = parent->fontMetrics().averageCharWidth();
-    money->setContentsMargins(0, 0, gap, gap);
-    Texts::Follow(
-        money, [=] { money->setText(MoneyText()); }, CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged,
-        &CUserInfo::signal_RealMoneyChanged, &CUserInfo::signal_PlayMoneyChanged,
-        &CUserInfo::signal_AccountCurrencyChanged);
-    auto *line = new CQuickView(money, QUrl(QStringLiteral("qrc:/client/AccountLine.qml")), {}, parent);
+    auto *row = new QHBoxLayout(widgets);
+    row->setContentsMargins(0, 0, gap, gap);
+    row->addWidget(logIn);
+    row->addWidget(money);
+    const auto show = [=] {
+        const bool isLoggedIn = CUserInfo::GetInstance()->IsLoggedIn();
+        logIn->setHidden(isLoggedIn);
+        money->setVisible(isLoggedIn);
+        money->setText(MoneyText());
+    };
+    Texts::Follow(money, show, CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged,
+                  &CUserInfo::signal_RealMoneyChanged, &CUserInfo::signal_PlayMoneyChanged,
+                  &CUserInfo::signal_AccountCurrencyChanged);
+    auto *line = new CQuickView(widgets, QUrl(QStringLiteral("qrc:/client/AccountLine.qml")),
+                                {{QStringLiteral("host"), QVariant::fromValue<QObject *>(&host)}}, parent);
     QObject::connect(line, &CQuickView::signal_QuickShown, account, &QWidget::setHidden);
     account->setHidden(line->IsQuickShown());
     return line;
@@ -111,5 +127,5 @@ QWidget *CreateStatus(QMainWindow *window, CHost &host)
     window->statusBar()->addPermanentWidget(account);
     window->statusBar()->addPermanentWidget(clock);
     Q_INIT_RESOURCE(client); // of a static library
-    return CreateAccountLine(window, account);
+    return CreateAccountLine(window, host, account);
 }

@@ -119,6 +119,7 @@ CQuickView::CQuickView(QWidget *widgets, const QUrl &file, const QVariantMap &ob
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(widgets);
+    setFocusProxy(widgets);
     connect(CSettings::GetInstance(), &CSettings::signal_PokerLobbyTypeChanged, this,
             &CQuickView::OnLobbyTypeChanged);
     OnLobbyTypeChanged();
@@ -162,6 +163,7 @@ void CQuickView::Read(int piece)
 void CQuickView::SetQuickShown(bool isShown)
 {
     m_pWidgets->setHidden(isShown);
+    setFocusProxy(isShown ? m_pQuick : m_pWidgets);
     if (m_pQuick)
         m_pQuick->setVisible(isShown);
     m_bQuickShown = isShown;

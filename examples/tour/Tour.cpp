@@ -8,7 +8,9 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QLabel>
+#include <QLineEdit>
 #include <QNetworkProxy>
+#include <QPushButton>
 #include <QTableView>
 #include <QTcpServer>
 #include <QTextStream>
@@ -204,7 +206,16 @@ void CTour::ShowLobby()
         "The game server starts after the client"_s, [this] { StartGameServer(); },
         [this] { return m_strServerLine; });
     See("The client connects"_s, [this] { return SeeState(EConnectionState::Connected); });
-    See("Its tables fill the lobby"_s, [this] { return SeeFilledLobby(); });
+    See("Its tables fill the lobby, and the keyboard is the filter's"_s,
+        [this] { return Find<QLineEdit>("lobbyFilter")->hasFocus() ? SeeFilledLobby() : QString(); });
+    Step(
+        "A filter that no table matches says so"_s, [this] { TypeFilter("no such table"_s); },
+        [this] {
+            return Find<QPushButton>("clearFilter")->isVisible() ? SaveScreenshot(m_window, "no-match"_s) : QString();
+        });
+    Step(
+        "And a button removes it"_s, [this] { Find<QPushButton>("clearFilter")->click(); },
+        [this] { return Find<QLineEdit>("lobbyFilter")->text().isEmpty() ? SeeFilledLobby() : QString(); });
     TakePicture(m_window, "lobby"_s);
 }
 

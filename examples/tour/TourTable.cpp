@@ -133,7 +133,7 @@ void CTour::ShowChat(const QWidget &table)
         [&] {
             const auto *chat = table.findChild<QTextBrowser *>("chat"_s);
             const QString text = chat->toPlainText();
-            const bool isSeen = text.startsWith(FIRST_NICKNAME + QLatin1String(": Good <b>luck</b> ")) &&
+            const bool isSeen = text.contains(u' ' + FIRST_NICKNAME + QLatin1String(": Good <b>luck</b> ")) &&
                                 !text.contains(QLatin1String(":-)")) && CountPictures(*chat->document()) == 1;
             return isSeen ? text.trimmed() : QString();
         });
@@ -147,7 +147,7 @@ void CTour::ShowTopUp(const QWidget &table)
             QTest::keyClick(table.findChild<QCheckBox *>("topUp"_s), Qt::Key_Space);
             auto *limit = table.findChild<QSpinBox *>("lowerLimit"_s);
             limit->selectAll();
-            QTest::keyClicks(limit, "4"_s);
+            QTest::keyClicks(limit, "40"_s);
         },
         [&] { return SeeTopUp(table); });
 }

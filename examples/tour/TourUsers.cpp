@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QTableView>
+#include <QToolButton>
 #include <QtTest>
 
 #include <algorithm>
@@ -47,7 +48,7 @@ void CTour::ShowClock()
 void CTour::ShowCancelledLogin()
 {
     Step(
-        "The user is asked for a nickname"_s, [this] { Trigger(Find<QAction>("logIn")); },
+        "The user is asked for a nickname"_s, [this] { Find<QToolButton>("logInButton")->click(); },
         [this] { return SeeDialog(); });
     Step(
         "The user gives it up"_s, [this] { QTest::keyClick(Find<CLoginDialog>(), Qt::Key_Escape); },

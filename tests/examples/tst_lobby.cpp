@@ -185,6 +185,24 @@ private Q_SLOTS:
         QCOMPARE(Status(), "3 tables - The game server gives no seat."_s);
     }
 
+    void SeatIsToldUntilItIsLeft()
+    {
+        auto *takeSeat = m_pView->findChild<QAction *>("takeSeat"_s);
+        m_pTable->clearSelection();
+        QVERIFY(!takeSeat->isEnabled());
+        m_pTable->selectRow(1);
+        QSignalSpy sent(m_pPlugin, &CPluginInterface::signal_SendEvent);
+        takeSeat->trigger();
+        QVERIFY(sent.value(0).value(0).value<CEvent>().HasTags("P2ME", "LGND")); // whoever wants a seat has to log in
+        Deliver({Payload::Encode(SSeatAnswer{2, SR_TAKEN, 3})});
+        CEvent left = CEvent::Create("SEAT"_s, "LEFT"_s);
+        for (left.targetID = 1; left.targetID <= 2; ++left.targetID) {
+            QVERIFY(Status() != "3 tables"_s);
+            m_pPlugin->emit_ReceiveEvent(left);
+        }
+        QCOMPARE(Status(), "3 tables"_s);
+    }
+
     void WidgetsStandInForBrokenQml()
     {
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("nothing.qml"_s));

@@ -63,6 +63,15 @@ Pane {
                                        3 * metrics.height
                 onActivated: CSettings.selectedgametype = currentValue
             }
+            Button {
+                objectName: "quickTakeSeat"
+                text: texts.current.Get("LOBBY_TAKE_SEAT")
+                Accessible.name: text
+                enabled: tables.chosenRow >= 0
+                ToolTip.visible: hovered
+                ToolTip.text: texts.current.Get("LOBBY_TAKE_SEAT_TIP")
+                onClicked: tables.AskForSeat()
+            }
         }
 
         // HorizontalHeaderView isn't used because it stays connected to the model after its own destruction.
@@ -105,6 +114,19 @@ Pane {
                 repeat: true
                 running: list.height < list.room && list.begunRows < list.rows + list.rowsAtOnce
                 onTriggered: list.begunRows += list.rowsAtOnce
+            }
+
+            Column {
+                visible: tables.allFiltered
+                anchors.centerIn: parent
+                spacing: root.cellPadding
+                Label { text: texts.current.Get("LOBBY_NO_MATCH") }
+                Button {
+                    text: texts.current.Get("LOBBY_CLEAR_FILTER")
+                    Accessible.name: text
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    onClicked: tables.ClearFilter()
+                }
             }
 
             TableView {

@@ -40,14 +40,18 @@ qint64 CountDown(const STable &table)
     return left < DAY_SECONDS ? left : -1;
 }
 
-// Returns the text of a countdown, which shows seconds in the last hour.
+// Returns the text of a countdown, which shows seconds in the last hour. Each is made once, for there may be one in
+// every row.
 QString GetCountDownText(qint64 seconds)
 {
-    if (seconds >= HOUR_SECONDS)
-        return Texts::Get("LOBBY_IN_HOURS", {{"#hours#", seconds / HOUR_SECONDS},
-                                             {"#minutes#", seconds % HOUR_SECONDS / MINUTE_SECONDS}});
-    const CTranslationItem time = Globals::GetCountDownString(uint(seconds), GlobalDefines::CST_MinAndSecs);
-    return Texts::Get("LOBBY_IN", {{"#time#", time.GetTranslatedText()}});
+    const qint64 shown = seconds >= HOUR_SECONDS ? seconds - seconds % MINUTE_SECONDS : seconds;
+    return Texts::Once(QStringLiteral("countdown %1").arg(shown), [shown] {
+        if (shown >= HOUR_SECONDS)
+            return Texts::Get("LOBBY_IN_HOURS", {{"#hours#", shown / HOUR_SECONDS},
+                                                 {"#minutes#", shown % HOUR_SECONDS / MINUTE_SECONDS}});
+        const CTranslationItem time = Globals::GetCountDownString(uint(shown), GlobalDefines::CST_MinAndSecs);
+        return Texts::Get("LOBBY_IN", {{"#time#", time.GetTranslatedText()}});
+    });
 }
 
 // Returns the text of a cell; for a countdown the date, which replaces it later.
@@ -298,6 +302,12 @@ void CLobbyTables::TakeFilter()
     m_iType = known ? type : ANY_TYPE;
     Filter();
     Q_EMIT signal_StatusChanged();
+}
+
+void CLobbyTables::ClearFilter()
+{
+    CSettings::GetInstance()->SetRinggameFilter(QByteArray());
+    CSettings::GetInstance()->SetSelectedGametype(ANY_TYPE);
 }
 
 void CLobbyTables::TakeOrder()

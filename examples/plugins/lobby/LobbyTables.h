@@ -20,6 +20,8 @@ class CLobbyTables : public QAbstractTableModel
     /// A line about the tables, with the last answer of the game server, if there is one.
     Q_PROPERTY(QString status READ GetStatus NOTIFY signal_StatusChanged)
     Q_PROPERTY(bool stale READ IsStale NOTIFY signal_StatusChanged)
+    /// Whether there are tables, but none that the filter accepts.
+    Q_PROPERTY(bool allFiltered READ AreAllFiltered NOTIFY signal_StatusChanged)
     /// The entries of TYPES as objects with `text` and `value`; the setting `selectedgametype` stores the value.
     Q_PROPERTY(QVariantList types READ GetTypes NOTIFY signal_TextsChanged)
     /// The widths of the columns' texts in the font of the application, in pixels.
@@ -45,6 +47,7 @@ public:
 
     QString GetStatus() const;
     bool IsStale() const { return m_pList->IsStale(); }
+    bool AreAllFiltered() const { return m_shown.isEmpty() && !m_pList->GetTables().isEmpty(); }
     QVariantList GetTypes() const;
     const QList<qreal> &GetTextWidths() const { return m_textWidths; }
     int GetOrderColumn() const { return m_iOrderColumn; }
@@ -54,6 +57,8 @@ public:
     /// Shows an answer in the status line; an empty one removes the last.
     void SetSeatAnswer(const CTranslationItem &answer);
 
+    /// Removes the user's filter, which is a setting.
+    Q_INVOKABLE static void ClearFilter();
     /// Sorts the tables and stores the order as the user's choice.
     Q_INVOKABLE void sort(int column, Qt::SortOrder order) override;
     /// Requests a seat at the chosen table, if there is one.

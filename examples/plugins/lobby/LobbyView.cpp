@@ -4,16 +4,19 @@
 #include <settings/Settings.h>
 #include <ui/TableView.h>
 
+#include <QAction>
 #include <QComboBox>
 #include <QEvent>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QTableView>
+#include <QToolButton>
 #include <QVBoxLayout>
 #include <QtMath>
 
@@ -29,6 +32,7 @@ constexpr int MINIMUM_ROWS = 8;
 
 CLobbyView::CLobbyView(CLobbyTables *tables)
     : m_pTables(tables)
+    , m_pTakeSeat(CreateSeatAction())
 {
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(CreateFilterLine()); // the first in the order of Tab
@@ -40,8 +44,10 @@ CLobbyView::CLobbyView(CLobbyTables *tables)
     status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     layout->addWidget(status);
     SetUpTable();
-    const auto showStatus = [this, status] {
+    QWidget *noMatch = CreateNoMatch();
+    const auto showStatus = [this, status, noMatch] {
         status->setText(m_pTables->GetStatus());
+        noMatch->setVisible(m_pTables->AreAllFiltered());
         m_pTable->viewport()->update(); // the colour of the texts too depends on the connection
     };
     connect(tables, &CLobbyTables::signal_StatusChanged, this, showStatus);
@@ -49,6 +55,36 @@ CLobbyView::CLobbyView(CLobbyTables *tables)
     connect(CSettings::GetInstance(), &CSettings::signal_HeaderSizesChanged, this, &CLobbyView::FitStoredColumns);
     MeasureColumns();
     showStatus();
+}
+
+QAction *CLobbyView::CreateSeatAction()
+{
+    auto *action = new QAction(this);
+    action->setObjectName(QStringLiteral("takeSeat"));
+    Texts::Bind(action, &QAction::setText, "LOBBY_TAKE_SEAT");
+    Texts::Bind(action, &QAction::setToolTip, "LOBBY_TAKE_SEAT_TIP");
+    const auto enable = [this, action] { action->setEnabled(m_pTables->GetChosenRow() >= 0); };
+    connect(m_pTables, &CLobbyTables::signal_ChosenRowChanged, action, enable);
+    enable();
+    connect(action, &QAction::triggered, m_pTables, &CLobbyTables::AskForSeat);
+    return action;
+}
+
+// Creates what stands in the list when the filter accepts no table.
+QWidget *CLobbyView::CreateNoMatch()
+{
+    auto *view = new QWidget(m_pTable->viewport());
+    auto *text = new QLabel(view);
+    Texts::Bind(text, &QLabel::setText, "LOBBY_NO_MATCH");
+    auto *clear = CreateField<QPushButton>(view, "clearFilter");
+    Texts::Bind(clear, &QPushButton::setText, "LOBBY_CLEAR_FILTER");
+    connect(clear, &QPushButton::clicked, m_pTables, &CLobbyTables::ClearFilter);
+    auto *column = new QVBoxLayout(view);
+    column->addWidget(text, 0, Qt::AlignCenter);
+    column->addWidget(clear, 0, Qt::AlignCenter);
+    auto *room = new QVBoxLayout(m_pTable->viewport());
+    room->addWidget(view, 0, Qt::AlignCenter);
+    return view;
 }
 
 QLayout *CLobbyView::CreateFilterLine()
@@ -84,6 +120,10 @@ QLayout *CLobbyView::CreateFilterLine()
     auto *line = new QHBoxLayout;
     line->addWidget(text, 1);
     line->addWidget(type);
+    auto *takeSeat = new QToolButton(this);
+    takeSeat->setDefaultAction(m_pTakeSeat);
+    takeSeat->setFocusPolicy(Qt::StrongFocus);
+    line->addWidget(takeSeat);
     return line;
 }
 
@@ -91,6 +131,8 @@ void CLobbyView::SetUpTable()
 {
     Texts::Bind(m_pTable, &QWidget::setAccessibleName, "LOBBY_TITLE");
     m_pTable->setModel(m_pTables);
+    m_pTable->addAction(m_pTakeSeat);
+    m_pTable->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_pTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_pTable->setSelectionMode(QAbstractItemView::SingleSelection);
     m_pTable->setAlternatingRowColors(true);

@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class QAction;
 class QLayout;
 class QTableView;
 
@@ -22,6 +23,8 @@ protected:
 
 private:
     QLayout *CreateFilterLine();
+    QAction *CreateSeatAction();
+    QWidget *CreateNoMatch();
     void SetUpTable();
     void MeasureColumns();
     void FitColumns(const QList<double> &widths, int dragged);
@@ -29,6 +32,7 @@ private:
     void OnColumnResized(int column);
 
     CLobbyTables *m_pTables;
+    QAction *m_pTakeSeat;         // a child
     QTableView *m_pTable;         // a child
     QList<double> m_neededWidths; // the columns' minimum widths
     QList<double> m_shownWidths;

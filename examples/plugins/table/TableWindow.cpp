@@ -9,12 +9,14 @@
 #include <money/MoneyStrings.h>
 #include <settings/Config.h>
 #include <settings/Settings.h>
+#include <time/CasinoTime.h>
 #include <ui/ScreenPlacement.h>
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
 #include <QTextBrowser>
@@ -25,9 +27,11 @@
 namespace {
 
 const QString PLACE_KEY = QStringLiteral("table");
-constexpr QSize SIZE(340, 480);
+constexpr QSize SIZE(400, 520);
 constexpr int CASCADE = 32; // pixels, of a window's title
-constexpr int TENTHS = 10;
+constexpr int PERCENT_A_TENTH = 10;
+const QString BADGE = QStringLiteral("background: palette(highlight); color: palette(highlighted-text);"
+                                     "border-radius: 8px; padding: 2px 8px");
 constexpr int MAX_CHAT_LINES = 500;
 // Buy-ins, in higher stakes.
 constexpr unsigned int SMALLEST_BUY_IN = 20;
@@ -47,12 +51,15 @@ CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
     : QWidget(lobby->window(), Qt::Window)
     , m_table(table)
     , m_pFacts(CreateField<QLabel>(this, "tableFacts"))
+    , m_pPlace(CreateField<QLabel>(this, "tablePlace"))
     , m_pTopUp(CreateField<QCheckBox>(this, "topUp"))
     , m_pLowerLimit(CreateField<QSpinBox>(this, "lowerLimit"))
     , m_pTarget(CreateField<QComboBox>(this, "target"))
+    , m_pTopUpChoices(new QWidget(this))
     , m_pTopUpText(CreateField<QLabel>(this, "topUpText"))
     , m_pChat(CreateField<QTextBrowser>(this, "chat"))
     , m_pLine(CreateField<QLineEdit>(this, "chatLine"))
+    , m_pSend(CreateField<QPushButton>(this, "send"))
 {
     setObjectName(QStringLiteral("table%1").arg(table.uiID));
     setWindowTitle(table.strName);
@@ -66,18 +73,19 @@ CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
     BindHint(m_pLine, "TABLE_CHAT_LINE");
     Texts::Bind(m_pChat, &QWidget::setAccessibleName, "TABLE_CHAT");
     auto *layout = new QVBoxLayout(this);
+    layout->addLayout(CreateHeading());
     layout->addWidget(m_pFacts);
-    auto *form = new QFormLayout;
-    layout->addLayout(form);
-    CreateTopUp(form);
-    layout->addWidget(m_pTopUpText);
+    layout->addWidget(m_pTopUp);
+    layout->addWidget(m_pTopUpChoices);
+    CreateTopUp();
     layout->addWidget(m_pChat, 1);
-    layout->addWidget(m_pLine);
-    connect(m_pLine, &QLineEdit::returnPressed, this, [this] {
-        if (!m_pLine->text().trimmed().isEmpty())
-            Q_EMIT signal_Said({m_table.uiID, m_pLine->text(), QString(), 0});
-        m_pLine->clear();
-    });
+    auto *line = new QHBoxLayout;
+    line->addWidget(m_pLine, 1);
+    line->addWidget(m_pSend);
+    layout->addLayout(line);
+    Texts::Bind(m_pSend, &QPushButton::setText, "TABLE_SEND");
+    connect(m_pSend, &QPushButton::clicked, this, &CTableWindow::SayLine);
+    connect(m_pLine, &QLineEdit::returnPressed, this, &CTableWindow::SayLine);
     connect(CAutoTopUpModel::GetInstance(), &CAutoTopUpModel::signal_AutoTopUpChanged, this,
             &CTableWindow::ShowTopUp);
     connect(CUserInfo::GetInstance(), &CUserInfo::signal_LoginStateChanged, this, &QWidget::close);
@@ -89,16 +97,47 @@ CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
     m_pLine->setFocus();
 }
 
-void CTableWindow::CreateTopUp(QFormLayout *form)
+QLayout *CTableWindow::CreateHeading()
+{
+    auto *name = CreateField<QLabel>(this, "tableName");
+    name->setText(QStringLiteral("<big><b>%1</b></big>").arg(m_table.strName.toHtmlEscaped()));
+    auto *leave = CreateField<QPushButton>(this, "leave");
+    Texts::Bind(leave, &QPushButton::setText, "TABLE_LEAVE_BUTTON");
+    connect(leave, &QPushButton::clicked, this, &QWidget::close);
+    auto *line = new QHBoxLayout;
+    line->addWidget(name);
+    line->addWidget(m_pPlace);
+    line->addStretch(1);
+    line->addWidget(leave);
+    return line;
+}
+
+void CTableWindow::SayLine()
+{
+    if (!m_pLine->text().trimmed().isEmpty())
+        Q_EMIT signal_Said({m_table.uiID, m_pLine->text(), QString(), 0});
+    m_pLine->clear();
+}
+
+// The choices are there while chips are topped up.
+void CTableWindow::CreateTopUp()
 {
     Texts::Bind(m_pTopUp, &QCheckBox::setText, "TOPUP_ENABLED");
-    form->addRow(m_pTopUp);
-    m_pLowerLimit->setMaximum(TENTHS);
+    auto *form = new QFormLayout(m_pTopUpChoices);
+    form->setContentsMargins(QMargins());
+    m_pLowerLimit->setMaximum(100);
+    m_pLowerLimit->setSingleStep(PERCENT_A_TENTH);
+    const auto setUnit = [](QSpinBox *limit, const QString &unit) { limit->setSuffix(QLatin1Char(' ') + unit); };
+    Texts::Bind(m_pLowerLimit, setUnit, "TOPUP_PERCENT");
     AddFormField(form, "TOPUP_LOWER_LIMIT", m_pLowerLimit);
     m_pTarget->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     for (const char *key : {"TOPUP_LARGEST", "TOPUP_SMALLEST", "TOPUP_STAKES", "TOPUP_MIDDLE"})
         AddTextItem(m_pTarget, key, QVariant());
     AddFormField(form, "TOPUP_TARGET", m_pTarget);
+    form->addRow(m_pTopUpText);
+    connect(m_pLowerLimit, &QSpinBox::editingFinished, m_pLowerLimit, [this] {
+        m_pLowerLimit->setValue(m_pLowerLimit->value() / PERCENT_A_TENTH * PERCENT_A_TENTH); // as it is stored
+    });
     connect(m_pTopUp, &QCheckBox::toggled, this, &CTableWindow::StoreTopUp);
     connect(m_pTarget, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &CTableWindow::StoreTopUp);
     connect(m_pLowerLimit, QOverload<int>::of(&QSpinBox::valueChanged), this, &CTableWindow::StoreTopUp);
@@ -137,12 +176,18 @@ void CTableWindow::SetPlace(quint16 place)
 {
     m_usPlace = place;
     m_pLine->setEnabled(HasSeat());
+    m_pSend->setEnabled(HasSeat());
     ShowFacts();
 }
 
 void CTableWindow::AddLine(const TableProtocol::SLine &line)
 {
-    m_pChat->append(QStringLiteral("<b>%1:</b> ").arg(line.strNickname.toHtmlEscaped()) + ToHtml(line.strText));
+    const bool isOwn = line.strNickname == CUserInfo::GetInstance()->GetNickname();
+    m_pChat->append(QStringLiteral("<small>%1</small> <b style=\"color: %2\">%3:</b> ")
+                        .arg(CCasinoTime::GetInstance()->GetTimeString(),
+                             palette().color(isOwn ? QPalette::Link : QPalette::Text).name(),
+                             line.strNickname.toHtmlEscaped()) +
+                    ToHtml(line.strText));
 }
 
 void CTableWindow::Leave()
@@ -197,7 +242,8 @@ void CTableWindow::StoreTopUp()
     CAutoTopUpModel::SAutoTopUp all = CAutoTopUpModel::GetInstance()->GetAutoTopUp();
     const bool fixed = m_table.eLimit == GlobalDefines::LT_FIXED_LIMIT;
     (fixed ? all.bFixedEnabled : all.bOtherEnabled) = m_pTopUp->isChecked();
-    (fixed ? all.ulFixedLowerLimit : all.ulOtherLowerLimit) = static_cast<unsigned int>(m_pLowerLimit->value());
+    (fixed ? all.ulFixedLowerLimit : all.ulOtherLowerLimit) =
+        static_cast<unsigned int>(m_pLowerLimit->value() / PERCENT_A_TENTH);
     (fixed ? all.ulFixedTargetMode : all.ulOtherTargetMode) = static_cast<unsigned int>(m_pTarget->currentIndex());
     CAutoTopUpModel::GetInstance()->SetAutoTopUp(all, true);
 }
@@ -209,7 +255,10 @@ void CTableWindow::ShowTopUp()
     const CAutoTopUpModel::SAutoTopUp all = CAutoTopUpModel::GetInstance()->GetAutoTopUp();
     const bool fixed = m_table.eLimit == GlobalDefines::LT_FIXED_LIMIT;
     m_pTopUp->setChecked(fixed ? all.bFixedEnabled : all.bOtherEnabled);
-    m_pLowerLimit->setValue(static_cast<int>(fixed ? all.ulFixedLowerLimit : all.ulOtherLowerLimit));
+    m_pTopUpChoices->setVisible(m_pTopUp->isChecked());
+    const unsigned int tenths = fixed ? all.ulFixedLowerLimit : all.ulOtherLowerLimit;
+    if (m_pLowerLimit->value() / PERCENT_A_TENTH != static_cast<int>(tenths)) // else the user may be typing
+        m_pLowerLimit->setValue(static_cast<int>(tenths) * PERCENT_A_TENTH);
     m_pTarget->setCurrentIndex(static_cast<int>(fixed ? all.ulFixedTargetMode : all.ulOtherTargetMode));
     m_pTopUpText->setText(MakeTopUpText());
 }
@@ -231,9 +280,10 @@ QString CTableWindow::MakeTopUpText() const
 
 void CTableWindow::ShowFacts()
 {
-    const QString place =
-        HasSeat() ? Texts::Get("TABLE_PLACE", {{"#place#", uint(m_usPlace)}}) : Texts::Get("TABLE_NO_PLACE");
-    const QStringList facts{m_table.strName, Texts::Get(MoneyKey(m_table.eMoney)), TableTexts::GetGame(m_table),
-                            TableTexts::GetStakes(m_table), place};
+    m_pPlace->setText(HasSeat() ? Texts::Get("TABLE_PLACE", {{"#place#", uint(m_usPlace)}})
+                                : Texts::Get("TABLE_NO_PLACE"));
+    m_pPlace->setStyleSheet(HasSeat() ? BADGE : QString());
+    const QStringList facts{TableTexts::GetGame(m_table), TableTexts::GetStakes(m_table),
+                            Texts::Get(MoneyKey(m_table.eMoney))};
     m_pFacts->setText(facts.join(QStringLiteral(" · ")));
 }

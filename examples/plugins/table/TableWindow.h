@@ -8,10 +8,11 @@
 
 class QCheckBox;
 class QComboBox;
-class QFormLayout;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QMessageBox;
+class QPushButton;
 class QSpinBox;
 class QTextBrowser;
 
@@ -51,7 +52,9 @@ protected:
 private:
     void AskToLeave();
     QString GetPlaceKey() const;
-    void CreateTopUp(QFormLayout *form);
+    QLayout *CreateHeading();
+    void CreateTopUp();
+    void SayLine();
     void StoreTopUp();
     void ShowTopUp();
     void ShowFacts();
@@ -63,10 +66,13 @@ private:
     bool m_bLeaving = false;
     QPointer<QMessageBox> m_pQuestion; // while it is asked
     QLabel *m_pFacts;                  // this and the next ones are children
+    QLabel *m_pPlace;
     QCheckBox *m_pTopUp;
     QSpinBox *m_pLowerLimit;
     QComboBox *m_pTarget;
+    QWidget *m_pTopUpChoices;
     QLabel *m_pTopUpText;
     QTextBrowser *m_pChat;
     QLineEdit *m_pLine;
+    QPushButton *m_pSend;
 };
