@@ -30,11 +30,16 @@ install_packages() {
         >/dev/null
 }
 
-# build_preset NAME [TARGET]: configures and builds a preset, or a target of it.
+# build_preset NAME [TARGET...]: says that it builds a preset, or targets of it, and does so.
 build_preset() {
     say "Building $1"
+    build "$@"
+}
+
+# build NAME [TARGET...]: configures and builds a preset, or targets of it.
+build() {
     cmake --preset "$1" >/dev/null
-    cmake --build --preset "$1" ${2:+--target "$2"}
+    cmake --build --preset "$1" ${2:+--target "${@:2}"}
 }
 
 # take_tour PRESET: drives the example client, and saves screenshots in build/PRESET/tour.
