@@ -2,7 +2,7 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import GlobalDefines 1.0
 
-// Shows the logged-in user, the user's money, the numbers of players and tables, and the jackpot.
+// Shows the logged-in user, the user's money, and the jackpot.
 Pane {
     id: root
 
@@ -10,6 +10,14 @@ Pane {
     readonly property var places: spinner.bShowComma
         ? ["Currency", "D5", "D4", "TS", "D3", "D2", "D1", "DS", "C1", "C2"]
         : ["Currency", "D7", "TS", "D6", "D5", "D4", "TS", "D3", "D2", "D1"]
+
+    // The last place before the digits that count, all of which are zero; 0 if the first digit counts.
+    readonly property int leadingZero: {
+        let place = 1
+        while (place < places.indexOf("D1") && /^[^1-9]*$/.test(spinner["str" + places[place]]))
+            ++place
+        return place - 1
+    }
 
     topPadding: 0
     bottomPadding: metrics.averageCharacterWidth
@@ -45,19 +53,16 @@ Pane {
                 "#play#": texts.current.Money(GlobalDefines.MONEYTYPE_PLAY, CUserInfo.mvPlayMoney)
             })
         }
-        ReadLabel {
-            objectName: "quickCounts"
-            visible: CCasinoInfo.showPlayerAndTableCounts && CCasinoInfo.currentTables > 0
-            text: texts.current.Get("ACCOUNT_COUNTS", {
-                "#players#": CCasinoInfo.currentPlayers, "#tables#": CCasinoInfo.currentTables
-            })
-        }
         Row {
             visible: CConfig.displaybadbeatjackpot && CCasinoInfo.jackpotValue > 0
             ReadLabel { text: texts.current.Get("JACKPOT"); rightPadding: metrics.averageCharacterWidth }
             Repeater {
                 model: root.places
-                Label { text: root.spinner["str" + modelData]; font.bold: true }
+                Label {
+                    text: root.spinner["str" + modelData]
+                    visible: index === 0 || index > root.leadingZero
+                    font.bold: true
+                }
             }
         }
     }

@@ -33,6 +33,8 @@ public:
 
     const CPluginManager &GetPluginManager() const { return m_plugins; }
     const CServerLink &GetServerLink() const { return m_link; }
+    /// Connects now instead of after the pause between two attempts.
+    void Reconnect() { m_link.Retry(); }
     CSession &GetSession() { return m_session; }
     CSynchronisation &GetSynchronisation() { return m_synchronisation; }
 

@@ -66,6 +66,7 @@ CMainWindow::CMainWindow(CHost &host)
     m_geometryTimer.setInterval(GEOMETRY_REST_MS);
     connect(&m_geometryTimer, &QTimer::timeout, this, &CMainWindow::RememberGeometry);
     m_pViews->setDocumentMode(true);
+    m_pViews->setUsesScrollButtons(false); // the window is wide enough for all tabs
     m_pProblems->setTextFormat(Qt::PlainText);
     m_pProblems->setWordWrap(true);
     m_pProblems->hide();
@@ -74,6 +75,7 @@ CMainWindow::CMainWindow(CHost &host)
     layout->setContentsMargins(QMargins());
     layout->setSpacing(0);
     layout->addWidget(m_pProblems);
+    layout->addWidget(CreateOfflineBanner(content, host));
     layout->addWidget(m_pViews, 1);
     setCentralWidget(content);
     setMenuBar(CMenuManager::GetInstance()->GetMenuBar());

@@ -18,10 +18,9 @@ class QLabel;
 class QTabWidget;
 class QToolButton;
 
-/// The client's window: a tab for each plugin that has a view, above it the user's money or a button to log in, and
-/// below it the state of the connection, the jackpot, the user and the clock; in QML one line shows money, jackpot
-/// and user. It opens where it was closed last. It contains the menu bar of CMenuManager, so there can be only one
-/// window at a time.
+/// The client's window: a tab for each plugin that has a view, beside the tabs the user, the money and the jackpot,
+/// and below all the state of the connection and the clock. It opens where it was closed last. It contains the menu
+/// bar of CMenuManager, so there can be only one window at a time.
 class CMainWindow : public QMainWindow
 {
     Q_OBJECT

@@ -48,6 +48,16 @@ void CServerLink::Open()
     Connect();
 }
 
+void CServerLink::Retry()
+{
+    if (m_eState != EConnectionState::Connecting && m_eState != EConnectionState::Reconnecting)
+        return;
+    m_iRetryMs = FIRST_RETRY_MS;
+    m_socket.abort(); // an attempt that may wait for a network that is no more
+    m_retryTimer.stop();
+    Connect();
+}
+
 void CServerLink::Close()
 {
     SetState(EConnectionState::Disconnected);

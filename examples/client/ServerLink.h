@@ -22,6 +22,8 @@ public:
     void SetPacketLimit(int milliseconds) { m_packetTimer.setInterval(milliseconds); }
 
     void Open();
+    /// Tries to connect now, without the rest of a pause, unless there is a connection or the link is closed.
+    void Retry();
     /// Closes the connection and doesn't reconnect until Open() is called.
     void Close();
 

@@ -15,12 +15,10 @@ const QHash<int, const char *> TYPE_KEYS{{GlobalDefines::TT_PRIVATE, "LOBBY_TYPE
                                          {GlobalDefines::TT_SITANDGO, "LOBBY_TYPE_SIT_AND_GO"},
                                          {GlobalDefines::TT_TOURNAMENT, "LOBBY_TYPE_TOURNAMENT"}};
 
+// Makes the text of each amount once, since many tables have the same stakes.
 QString AmountText(GlobalDefines::MoneyType money, GlobalDefines::MoneyValue amount)
 {
-    return Texts::Once(QStringLiteral("%1 %2").arg(money).arg(amount), [=] {
-        const QString text = Globals::MoneyToString(money, amount, true);
-        return money == GlobalDefines::MONEYTYPE_POINTS ? Texts::Get("LOBBY_POINTS", {{"#amount#", text}}) : text;
-    });
+    return Texts::Once(QStringLiteral("%1 %2").arg(money).arg(amount), [=] { return GetAmount(money, amount); });
 }
 
 } // namespace
@@ -35,6 +33,12 @@ QString GetGame(const LobbyProtocol::STable &table)
 {
     return Texts::Get(Globals::GetLimitKey(table.eLimit, true)) + QLatin1Char(' ') +
            Texts::Get(Globals::GetGameNameKey(table.eGame));
+}
+
+QString GetAmount(GlobalDefines::MoneyType money, GlobalDefines::MoneyValue amount)
+{
+    const QString text = Globals::MoneyToString(money, amount, true);
+    return money == GlobalDefines::MONEYTYPE_POINTS ? Texts::Get("LOBBY_POINTS", {{"#amount#", text}}) : text;
 }
 
 bool IsTournament(const LobbyProtocol::STable &table)

@@ -12,5 +12,7 @@ QString GetGame(const LobbyProtocol::STable &table);
 bool IsTournament(const LobbyProtocol::STable &table);
 /// Returns the stakes of a game, or buy-in and fee of a tournament.
 QString GetStakes(const LobbyProtocol::STable &table);
+/// Returns an amount as tables show it.
+QString GetAmount(GlobalDefines::MoneyType money, GlobalDefines::MoneyValue amount);
 
 } // namespace TableTexts

@@ -159,10 +159,16 @@ QString CClientLink::HandleTableRecord(const QByteArray &payload)
     return QString();
 }
 
+void CClientLink::SetPlace(quint32 tableID, quint16 place)
+{
+    if (place != 0)
+        m_places.insert(tableID, place);
+}
+
 void CClientLink::LeaveTable(quint32 tableID)
 {
-    if (m_places.remove(tableID) > 0)
-        Q_EMIT signal_SeatLeft(tableID);
+    if (const quint16 place = m_places.take(tableID))
+        Q_EMIT signal_SeatLeft(tableID, place);
 }
 
 void CClientLink::End(const QString &reason)

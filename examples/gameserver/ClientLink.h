@@ -36,12 +36,13 @@ public:
     /// Returns the user's place at a table; 0 for none. The seat is given back with TableProtocol::SLeave, and when
     /// the user's login on this link ends.
     quint16 GetPlace(quint32 tableID) const { return m_places.value(tableID); }
-    void SetPlace(quint32 tableID, quint16 place) { m_places.insert(tableID, place); }
+    /// Sets the place that the user has been given, 0 for none.
+    void SetPlace(quint32 tableID, quint16 place);
 
 Q_SIGNALS:
     void signal_ListRequested();
     void signal_SeatRequested(quint32 tableID);
-    void signal_SeatLeft(quint32 tableID);
+    void signal_SeatLeft(quint32 tableID, quint16 place);
     /// Emitted when the user says something, with or without a seat.
     void signal_LineSaid(const TableProtocol::SLine &line);
     /// Emitted for a login; a slot has to call Accept() or Refuse() at once.
@@ -70,7 +71,7 @@ private:
     QTimer m_refusalPause;
     QByteArray m_refusal; // sent after the pause
     QString m_strNickname;
-    QHash<quint32, quint16> m_places; // by table
+    QHash<quint32, quint16> m_places; // by table; never 0
     int m_iLogins = 0;
     bool m_bSubscribed = false;
     bool m_bEnded = false;

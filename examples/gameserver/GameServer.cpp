@@ -45,19 +45,6 @@ QByteArray CountPackets(const QVector<SPlayerCount> &changes)
                              : Payload::ToPackets(LobbyProtocol::GROUP, LobbyProtocol::EncodePlayerCounts(changes));
 }
 
-// Takes a place, if the user is allowed one.
-LobbyProtocol::ESeatResult TakeSeat(STable *table, const QString &nickname)
-{
-    if (!table)
-        return LobbyProtocol::SR_CLOSED;
-    if (nickname.isEmpty())
-        return LobbyProtocol::SR_NOT_LOGGED_IN;
-    if (table->usPlayers == table->usPlaces)
-        return LobbyProtocol::SR_FULL;
-    ++table->usPlayers;
-    return LobbyProtocol::SR_TAKEN;
-}
-
 } // namespace
 
 CGameServer::CGameServer(const QVector<STable> &tables, const CAccounts &accounts, quint32 seed, int halfSentLimit)
@@ -167,27 +154,64 @@ STable *CGameServer::FindTable(quint32 tableID)
     return table == m_tables.end() ? nullptr : &*table;
 }
 
+// Returns the place that the user has then; 0 if all are taken.
+quint16 CGameServer::TakeSeat(STable &table, const QString &nickname)
+{
+    auto seats = m_seats.find(table.uiID);
+    if (seats == m_seats.end())
+        seats = m_seats.insert(table.uiID, CSeats(table));
+    const quint16 place = seats->Take(nickname);
+    table.usPlayers = seats->Count();
+    if (!seats->HasUsers())
+        m_seats.erase(seats);
+    return place;
+}
+
 // A user who has a seat there keeps it.
 void CGameServer::GiveSeat(CClientLink *client, quint32 tableID)
 {
     STable *table = FindTable(tableID);
+    quint16 place = client->GetPlace(tableID);
     auto result = LobbyProtocol::SR_TAKEN;
-    if (client->GetPlace(tableID) == 0)
-        result = TakeSeat(table, client->GetNickname());
-    if (result == LobbyProtocol::SR_TAKEN && client->GetPlace(tableID) == 0)
-        client->SetPlace(tableID, table->usPlayers);
-    client->Send(Payload::ToPackets(LobbyProtocol::GROUP, {Payload::Encode(LobbyProtocol::SSeatAnswer{
-                                                              tableID, result, client->GetPlace(tableID)})}));
+    if (place == 0 && !table) {
+        result = LobbyProtocol::SR_CLOSED;
+    } else if (place == 0 && client->GetNickname().isEmpty()) {
+        result = LobbyProtocol::SR_NOT_LOGGED_IN;
+    } else if (place == 0) {
+        place = TakeSeat(*table, client->GetNickname());
+        client->SetPlace(tableID, place);
+        if (place == 0)
+            result = LobbyProtocol::SR_FULL;
+    }
+    client->Send(Payload::ToPackets(LobbyProtocol::GROUP,
+                                    {Payload::Encode(LobbyProtocol::SSeatAnswer{tableID, result, place})}));
+    SendSeats(tableID);
     if (table)
         SendToSubscribers(CountPackets({{tableID, table->usPlayers}}));
 }
 
-void CGameServer::TakeSeatBack(quint32 tableID)
+void CGameServer::TakeSeatBack(quint32 tableID, quint16 place)
 {
     STable *table = FindTable(tableID);
-    if (table->usPlayers > 0) // the simulated players leave as well
-        --table->usPlayers;
+    const auto seats = m_seats.find(tableID);
+    seats->Leave(place);
+    table->usPlayers = seats->Count();
+    if (!seats->HasUsers())
+        m_seats.erase(seats);
+    SendSeats(tableID);
     SendToSubscribers(CountPackets({{tableID, table->usPlayers}}));
+}
+
+// Tells those who have a seat there who else does.
+void CGameServer::SendSeats(quint32 tableID) const
+{
+    const QVector<CClientLink *> clients = m_clients; // sending may end one, which then leaves the table, too
+    for (CClientLink *client : clients) {
+        const auto seats = m_seats.constFind(tableID);
+        const quint16 place = client->GetPlace(tableID);
+        if (place != 0)
+            client->Send(Payload::ToPackets(TableProtocol::GROUP, {Payload::Encode(seats->See(place))}));
+    }
 }
 
 // A line isn't passed on if nobody is logged in on the link.
@@ -221,6 +245,7 @@ void CGameServer::OnTick()
     }
     GrowJackpot();
     SendToSubscribers(CountPackets(changes) + JackpotPacket());
+    PlayHands();
 }
 
 void CGameServer::GrowJackpot()
@@ -255,6 +280,20 @@ bool CGameServer::MovePlayers(STable &table)
         return false;
     const bool wantsToCome = (draw / m_uiTablesForAMove) % 2 == 0;
     const bool comes = table.usPlayers == 0 || (wantsToCome && table.usPlayers < table.usPlaces);
+    const auto seats = m_seats.find(table.uiID);
+    if (seats != m_seats.end() && !seats->MovePlayer(comes, draw))
+        return false;
     table.usPlayers = static_cast<quint16>(table.usPlayers + (comes ? 1 : -1));
     return true;
+}
+
+// Sends the seats of each table with users after a hand.
+void CGameServer::PlayHands()
+{
+    const QList<quint32> tables = m_seats.keys();
+    for (const quint32 table : tables) {
+        const auto seats = m_seats.find(table);
+        if (seats != m_seats.end() && seats->PlayHand(static_cast<quint32>(m_random())))
+            SendSeats(table);
+    }
 }

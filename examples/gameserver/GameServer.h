@@ -1,10 +1,12 @@
 #pragma once
 
 #include "Accounts.h"
+#include "Seats.h"
 
 #include <protocol/LobbyProtocol.h>
 #include <protocol/TableProtocol.h>
 
+#include <QHash>
 #include <QNetworkAccessManager>
 #include <QObject>
 #include <QTcpServer>
@@ -48,15 +50,19 @@ private:
     void GiveBalances(CClientLink *client) const;
     void GiveWebSession(CClientLink *client, const AccountProtocol::SWebRequest &request);
     LobbyProtocol::STable *FindTable(quint32 tableID);
+    quint16 TakeSeat(LobbyProtocol::STable &table, const QString &nickname);
     void GiveSeat(CClientLink *client, quint32 tableID);
-    void TakeSeatBack(quint32 tableID);
+    void TakeSeatBack(quint32 tableID, quint16 place);
+    void SendSeats(quint32 tableID) const;
     void PassOn(CClientLink *client, TableProtocol::SLine line) const;
     void GrowJackpot();
     QByteArray JackpotPacket() const;
     void SendToSubscribers(const QByteArray &packets) const;
     bool MovePlayers(LobbyProtocol::STable &table);
+    void PlayHands();
 
     QVector<LobbyProtocol::STable> m_tables;
+    QHash<quint32, CSeats> m_seats; // by table, if a user has a seat there
     CAccounts m_accounts;
     std::mt19937 m_random;
     quint32 m_uiTablesForAMove = 10; // in each second, players enter or leave one table in this many

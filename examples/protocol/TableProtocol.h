@@ -7,7 +7,8 @@
 /// request a seat.
 ///
 /// A logged-in user may say a line with SAY. The server sends it as SAID to all who have a seat at the table,
-/// including the speaker. SLeave gives the seat back; the server doesn't answer it. The records are in the form of
+/// including the speaker. SLeave gives the seat back; the server doesn't answer it. The server sends SSeats to all
+/// who have a seat there, first when they are given it and again after each change. The records are in the form of
 /// Payload.h.
 namespace TableProtocol {
 
@@ -31,6 +32,35 @@ struct SLine
         return Payload::List(uiTableID, Payload::SText{strText, MAX_LINE_LENGTH, 1},
                              Payload::SText{strNickname, AccountProtocol::MAX_NICKNAME_LENGTH}, ucIsObserver);
     }
+};
+
+/// The most places that are around one table. A tournament with more has several: places 1 to 10 are at the first
+/// one.
+inline constexpr quint16 PLACES_AROUND = 10;
+
+struct SSeat
+{
+    quint16 usPlace = 0;   ///< From 1 on.
+    QString strNickname;   ///< Who sits there.
+    quint16 usPicture = 0; ///< The number of a stock picture, 0 for none.
+    quint32 uiStack = 0;   ///< In the table's money, as Globals::MoneyToString() takes it.
+
+    auto Fields()
+    {
+        return Payload::List(usPlace, Payload::SText{strNickname, AccountProtocol::MAX_NICKNAME_LENGTH, 1}, usPicture,
+                             uiStack);
+    }
+};
+
+/// Who sits around the table at which the receiver does.
+struct SSeats
+{
+    static constexpr char TAG[] = "SITS";
+
+    quint32 uiTableID = 0;
+    QVector<SSeat> seats; ///< At least one, in the order of the places.
+
+    auto Fields() { return Payload::List(uiTableID, seats); }
 };
 
 struct SLeave

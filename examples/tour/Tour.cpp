@@ -223,15 +223,21 @@ void CTour::ShowLostServer()
 {
     Step(
         "The game server is killed"_s, [this] { m_gameServer.Kill(); },
-        [this] { return SeeState(EConnectionState::Reconnecting); });
+        [this] {
+            return Find<QWidget>("offline")->isVisible() ? SeeState(EConnectionState::Reconnecting) : QString();
+        });
     TakePicture(m_window, "lobby-offline"_s);
 }
 
 void CTour::ShowReturn()
 {
     Step(
-        "The game server is back, and so is the client"_s, [this] { StartGameServer(); },
-        [this] { return SeeState(EConnectionState::Connected); });
+        "The game server is back, and so is the client, at the press of a button"_s,
+        [this] {
+            StartGameServer();
+            Find<QPushButton>("reconnect")->click();
+        },
+        [this] { return Find<QWidget>("offline")->isVisible() ? QString() : SeeState(EConnectionState::Connected); });
     Step(
         "The server knows the user again"_s, [this] { ChooseTable(); }, [this] { return SeeSeat(FIRST_NICKNAME); });
     LogOut();

@@ -104,6 +104,7 @@ private:
     void ShowTimezones();
     void ShowQml();
     void ShowTable();
+    void ShowSeats(const QWidget &table);
     void ShowChat(const QWidget &table);
     void ShowTopUp(const QWidget &table);
     void ShowSettings();

@@ -25,7 +25,7 @@ struct SReading
     QString strCashier; // of the first user
     QString strPlayers; // title of a column
     QString strType;    // of a table
-    QString strStatus;  // of the lobby
+    QString strCount;   // of the tables
 };
 
 // What a reader of each language expects, and not what the catalogue says.
@@ -115,7 +115,7 @@ void CTour::ShowLanguages()
         const bool isSeen = Find<QLabel>("cashier")->text() == reading.strCashier &&
                             table->model()->headerData(4, Qt::Horizontal) == reading.strPlayers &&
                             table->model()->index(0, 1).data() == reading.strType &&
-                            Find<QLabel>("lobbyStatus")->text() == reading.strStatus &&
+                            Find<QLabel>("lobbyCount")->text() == reading.strCount &&
                             FindCountDown(*table).isValid() && SeeJackpot() > 0 && !SeeTexts(language).isEmpty();
         return isSeen ? SaveScreenshot(m_window, "lobby-"_s + reading.strShort) : QString();
     };

@@ -25,7 +25,8 @@ void CTour::ShowQml()
     const auto *widgets = Find<QTableView>("lobbyTable");
     const auto seeTables = [&] {
         const QString rows = QString::number(widgets->model()->rowCount());
-        return read("quickTables", "rows") == rows ? rows + QLatin1String(" tables") : QString();
+        const bool areWide = read("quickTables", "contentWidth").toDouble() > m_window.width() / 2.0;
+        return areWide && read("quickTables", "rows") == rows ? rows + QLatin1String(" tables") : QString();
     };
     const auto findView = [&] { return widgets->parentWidget()->parentWidget()->findChild<QQuickWidget *>(); };
     const auto press = [&](const QVector<Qt::Key> &keys) {
@@ -41,13 +42,11 @@ void CTour::ShowQml()
     });
     Step(
         "In the user's language at once"_s, [this] { ChooseEntry("languages", "Deutsch"_s); },
-        [&] {
-            return read("quickType", "displayText") == "Alle Tische"_s ? read("quickStatus", "text") : QString();
-        });
+        [&] { return read("quickType", "displayText") == "Alle Tische"_s ? read("quickCount", "text") : QString(); });
     ChooseLanguage("English"_s, {});
     const auto typeFilter = [&] {
-        findView()->setFocus(Qt::TabFocusReason);
-        press({Qt::Key_Tab, Qt::Key_S, Qt::Key_T, Qt::Key_U, Qt::Key_D});
+        findView()->setFocus(Qt::TabFocusReason); // and the filter has it in there
+        press({Qt::Key_S, Qt::Key_T, Qt::Key_U, Qt::Key_D});
     };
     Step(
         "The window is in front again"_s, [this] { m_window.activateWindow(); },

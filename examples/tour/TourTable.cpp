@@ -50,6 +50,19 @@ int CountPictures(const QTextDocument &document)
     return pictures;
 }
 
+// Who sits around the table, each as "nickname: stack", in the order of the seats.
+QStringList ReadSeats(const QWidget &table)
+{
+    QStringList seats;
+    const auto stacks = table.findChildren<QLabel *>("seatStack"_s);
+    for (const QLabel *stack : stacks) {
+        const auto *name = stack->parentWidget()->findChild<QLabel *>("seatName"_s);
+        if (stack->isVisible())
+            seats.append(name->text() + QLatin1String(": ") + stack->text());
+    }
+    return seats;
+}
+
 QString SeeTopUp(const QWidget &table)
 {
     const QString text = table.findChild<QLabel *>("topUpText"_s)->text();
@@ -92,6 +105,7 @@ void CTour::ShowTable()
         });
     if (m_bFailed)
         return;
+    ShowSeats(*table);
     ShowChat(*table);
     ShowTopUp(*table);
     TakePicture(*table, "table"_s);
@@ -119,6 +133,21 @@ void CTour::ShowTable()
             const bool isSeen = m_window.size() == SIZE && SeeSeat(FIRST_NICKNAME).isEmpty();
             return isSeen ? SeeFilledLobby() : QString();
         });
+}
+
+void CTour::ShowSeats(const QWidget &table)
+{
+    const QString own = FIRST_NICKNAME + ": €25"_s;
+    QStringList seats;
+    See("Others sit there, and the user"_s, [&] {
+        seats = ReadSeats(table);
+        return seats.size() > 2 && seats.contains(own) ? seats.join(QLatin1String(", ")) : QString();
+    });
+    See("One wins from another"_s, [&] {
+        const QStringList later = ReadSeats(table);
+        const bool isSeen = later.size() == seats.size() && later != seats && later.contains(own);
+        return isSeen ? later.join(QLatin1String(", ")) : QString();
+    });
 }
 
 void CTour::ShowChat(const QWidget &table)

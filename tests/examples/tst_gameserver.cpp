@@ -3,6 +3,7 @@
 #include <protocol/AccountProtocol.h>
 #include <protocol/LobbyProtocol.h>
 #include <protocol/PacketStream.h>
+#include <protocol/TableProtocol.h>
 
 #include <support/Literal.h>
 #include <support/Rows.h>
@@ -15,6 +16,8 @@ using namespace LobbyProtocol;
 
 namespace {
 
+constexpr quint32 TOURNAMENT = 3001; // where more than ten play
+
 class CClient : public QTcpSocket
 {
 public:
@@ -24,14 +27,37 @@ public:
         waitForConnected();
     }
 
-    // The next record that comes but for time and jackpot; empty if there is none within the limit.
+    // The next record that comes but for time, jackpot and seats; empty if there is none within the limit.
     QByteArray ReadRecord(int limit = 3000)
     {
         while (!m_packet.GetNext() && (m_stream.TakePacket(m_packet) || waitForReadyRead(limit)))
             m_stream.Append(readAll());
         const QByteArray record(m_packet.GetPayload(), m_packet.GetPayloadLength());
-        return record.startsWith(STime::TAG) || record.startsWith(SJackpot::TAG) ? ReadRecord(limit) : record;
+        const bool isExpected =
+            !record.startsWith(STime::TAG) && !record.startsWith(SJackpot::TAG) && !Payload::Decode(record, m_seats);
+        return isExpected ? record : ReadRecord(limit);
     }
+
+    // Takes a seat, and returns the place.
+    quint16 TakeSeat(const QByteArray &login, quint32 tableID)
+    {
+        write(login + Payload::ToPackets(LobbyProtocol::GROUP, {Payload::Encode(SSeatRequest{tableID})}));
+        SSeatAnswer answer;
+        while (!Payload::Decode(ReadRecord(), answer)) {
+        }
+        return answer.usPlace;
+    }
+
+    // Reads until the seats are as \a fits says.
+    template <typename Fits>
+    bool SeesSeats(const Fits &fits)
+    {
+        for (QDeadlineTimer limit(5000); !limit.hasExpired() && !fits(m_seats.seats);)
+            ReadRecord(100);
+        return fits(m_seats.seats);
+    }
+
+    TableProtocol::SSeats m_seats; // the last ones that came
 
 private:
     CPacketStream m_stream;
@@ -89,6 +115,36 @@ private Q_SLOTS:
         const QByteArray noSeat = Payload::Encode(SSeatAnswer{1002, SR_NOT_LOGGED_IN, 0});
         QCOMPARE(client.ReadRecord() == noSeat, !accepted);
         QCOMPARE(client.ReadRecord(), noSeat);
+    }
+
+    void SeatsAroundATable()
+    {
+        using TSeats = QVector<TableProtocol::SSeat>;
+        const auto has = [](const TSeats &seats, const QString &nickname, quint16 place) {
+            return std::count_if(seats.begin(), seats.end(), [&](const TableProtocol::SSeat &seat) {
+                       return seat.strNickname == nickname && (place == 0 || seat.usPlace == place);
+                   }) == 1;
+        };
+        CClient first(m_usPort);
+        const quint16 place = first.TakeSeat(Login("Zoë"_s, "guest"_s), 1036);
+        QVERIFY(first.SeesSeats([&](const TSeats &seats) { return has(seats, "Zoë"_s, place); }));
+        const TableProtocol::SSeat player = first.m_seats.seats.constFirst();
+        {
+            CClient second(m_usPort); // by the name of a simulated player, who makes way
+            QCOMPARE(second.TakeSeat(Login(player.strNickname, "guest"_s), 1036), player.usPlace);
+            QVERIFY(first.SeesSeats([&](const TSeats &seats) {
+                return has(seats, player.strNickname, player.usPlace) && seats.constFirst().usPicture == 0;
+            }));
+            QCOMPARE(second.TakeSeat(QByteArray(), 1036), player.usPlace);
+        }
+        QVERIFY(first.SeesSeats([&](const TSeats &seats) { return !has(seats, player.strNickname, 0); }));
+        // Of a tournament, the ten places around one table.
+        CClient third(m_usPort);
+        const quint16 far = third.TakeSeat(Login("Zoë"_s, "guest"_s), TOURNAMENT);
+        QVERIFY(far > TableProtocol::PLACES_AROUND);
+        QVERIFY(third.SeesSeats([&](const TSeats &seats) { return has(seats, "Zoë"_s, far); }));
+        for (const TableProtocol::SSeat &seat : qAsConst(third.m_seats.seats))
+            QCOMPARE((seat.usPlace - 1) / 10, (far - 1) / 10);
     }
 
     void WebSessions()

@@ -5,9 +5,10 @@ import QtQuick.Layouts 1.15
 // The lobby in QML, bound to the settings and to the tables that the widgets show as well.
 Pane {
     id: root
+    focus: true
 
     readonly property real rowHeight: Math.ceil(metrics.height * 1.4)
-    readonly property var neededWidths: tables.textWidths.map(width => Math.ceil(width + 1.25 * metrics.height))
+    readonly property var neededWidths: columns.needed
     readonly property real neededWidth: neededWidths.reduce((sum, width) => sum + width, 0)
     // What each cell needs, looked up once.
     readonly property real cellPadding: metrics.height / 4
@@ -16,9 +17,7 @@ Pane {
     readonly property color text: palette.text
     readonly property color highlight: palette.highlight
     readonly property color highlightedText: palette.highlightedText
-    // Spare width is shared out equally.
-    readonly property var widths: neededWidths.map(
-        width => width + Math.max(0, Math.floor((list.width - neededWidth) / neededWidths.length)))
+    readonly property var widths: columns.widths
 
     function choose(row) {
         tables.chosenRow = Math.max(0, Math.min(row, list.rows - 1))
@@ -30,6 +29,7 @@ Pane {
 
     FontMetrics { id: metrics; font: root.font }
     Shortcut { sequence: StandardKey.Find; onActivated: { view.setFocus(); filter.forceActiveFocus() } }
+    Binding { target: columns; property: "room"; value: list.width }
     // These bindings stay in force, whatever the user does to the fields.
     Binding { target: filter; property: "text"; value: String(CSettings.ringgamefilter) }
     Binding {
@@ -45,6 +45,7 @@ Pane {
             TextField {
                 id: filter
                 objectName: "quickFilter"
+                focus: true
                 placeholderText: texts.current.Get("LOBBY_FILTER")
                 Accessible.name: placeholderText
                 selectByMouse: true
@@ -62,6 +63,12 @@ Pane {
                 Layout.preferredWidth: Math.max(...model.map(entry => metrics.advanceWidth(entry.text))) +
                                        3 * metrics.height
                 onActivated: CSettings.selectedgametype = currentValue
+            }
+            Label {
+                objectName: "quickCount"
+                text: tables.count
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
             }
             Button {
                 objectName: "quickTakeSeat"
@@ -86,7 +93,8 @@ Pane {
                     readonly property string title: texts.current ? tables.headerData(index, Qt.Horizontal) : ""
                     text: title + (!isOrder ? "" : isAscending ? " \u25b4" : " \u25be")
                     Accessible.name: title
-                    width: root.widths[index]
+                    width: root.widths[index] || 0
+                    z: -index // the handles lie upon the next title
                     padding: metrics.height / 4
                     flat: true
                     contentItem: Label {
@@ -94,6 +102,18 @@ Pane {
                         horizontalAlignment: index < 3 ? Text.AlignLeft : Text.AlignRight
                     }
                     onClicked: tables.sort(index, isOrder && isAscending ? Qt.DescendingOrder : Qt.AscendingOrder)
+
+                    MouseArea {
+                        readonly property bool isLast: index === root.neededWidths.length - 1
+                        visible: !isLast
+                        width: 2 * root.cellPadding
+                        height: parent.height
+                        x: parent.width - width / 2
+                        z: 1
+                        cursorShape: Qt.SplitHCursor
+                        preventStealing: true
+                        onPositionChanged: mouse => columns.Drag(index, mapToItem(parent, mouse.x, 0).x)
+                    }
                 }
             }
         }
@@ -152,7 +172,7 @@ Pane {
                 Accessible.name: texts.current.Get("LOBBY_TITLE")
                 Accessible.description: root.neededWidths.map(
                     (width, column) => tables.data(tables.index(tables.chosenRow, column))).join(" ")
-                columnWidthProvider: column => root.widths[column]
+                columnWidthProvider: column => root.widths[column] || 0
                 rowHeightProvider: () => root.rowHeight
                 ScrollBar.vertical: ScrollBar {}
                 Keys.onPressed: event => {

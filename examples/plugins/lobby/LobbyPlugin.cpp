@@ -1,5 +1,6 @@
 #include "LobbyPlugin.h"
 
+#include "LobbyColumns.h"
 #include "LobbyView.h"
 #include "SteadyRows.h"
 
@@ -15,12 +16,17 @@
 #include <ui/Action.h>
 #include <ui/MenuManager.h>
 
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QtMath>
+
 #include <utility>
 
 namespace {
 
 const QString QUICK = QStringLiteral("qml"); // value of the setting pokerlobbytype
 const QString WIDGETS = QStringLiteral("widgets");
+constexpr qreal QUICK_MARGINS = 1.25; // of a cell, as a part of the font's height
 
 // Keys of texts by answer; all other answers have one text.
 const QHash<int, const char *> SEAT_KEYS{{LobbyProtocol::SR_TAKEN, "SEAT_TAKEN"},
@@ -106,11 +112,27 @@ QWidget *CLobbyPlugin::CreateView(QWidget *parent)
     m_pView = new CQuickView(
         new CLobbyView(m_pTables), QUrl(QStringLiteral("qrc:/lobby/Lobby.qml")),
         {{QStringLiteral("tables"), QVariant::fromValue<QObject *>(m_pTables)},
+         {QStringLiteral("columns"), QVariant::fromValue<QObject *>(CreateQuickColumns())},
          {QStringLiteral("tableRows"), QVariant::fromValue<QObject *>(new CSteadyRows(m_pTables, m_pTables))}},
         parent);
     Texts::Bind(m_pView.data(), &QWidget::setWindowTitle, "LOBBY_TITLE");
     AddMenu();
     return m_pView;
+}
+
+// QML has the same font as the application, in which the texts are measured.
+QObject *CLobbyPlugin::CreateQuickColumns()
+{
+    auto *columns = new CLobbyColumns(m_pTables);
+    const auto measure = [this, columns] {
+        QList<qreal> needed;
+        for (const qreal width : m_pTables->GetTextWidths())
+            needed.append(qCeil(width + QUICK_MARGINS * QFontMetricsF(QGuiApplication::font()).height()));
+        columns->SetNeeded(needed);
+    };
+    connect(m_pTables, &CLobbyTables::signal_TextWidthsChanged, columns, measure);
+    measure();
+    return columns;
 }
 
 void CLobbyPlugin::AddMenu()

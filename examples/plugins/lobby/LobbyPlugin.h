@@ -35,6 +35,7 @@ public:
     QWidget *CreateView(QWidget *parent) override;
 
 private:
+    QObject *CreateQuickColumns();
     void AddMenu();
     void RequestSeat(quint32 tableID);
     // These two return false if the table has to be ignored, or if the list isn't what the server says.

@@ -150,16 +150,19 @@ CLobbyTables::CLobbyTables(CTableList *list, QObject *parent)
     Measure();
 }
 
-QString CLobbyTables::GetStatus() const
+QString CLobbyTables::GetCount() const
 {
     const int all = int(m_pList->GetTables().size());
     const int shown = rowCount();
-    QString status =
-        Texts::Get(shown == all ? "LOBBY_TABLES" : "LOBBY_SOME_TABLES", {{"#n#", shown}, {"#all#", all}});
-    if (IsStale())
-        status = all == 0 ? Texts::Get("LOBBY_WAITING") : Texts::Get("LOBBY_STALE", {{"#tables#", status}});
+    return Texts::Get(shown == all ? "LOBBY_TABLES" : "LOBBY_SOME_TABLES", {{"#n#", shown}, {"#all#", all}});
+}
+
+QString CLobbyTables::GetStatus() const
+{
     const QString answer = m_seatAnswer.GetTranslatedText();
-    return answer.isEmpty() ? status : Texts::Get("LOBBY_ANSWER", {{"#status#", status}, {"#answer#", answer}});
+    if (!answer.isEmpty() || !IsStale())
+        return answer;
+    return Texts::Get(m_pList->GetTables().isEmpty() ? "LOBBY_WAITING" : "LOBBY_STALE");
 }
 
 QVariantList CLobbyTables::GetTypes() const

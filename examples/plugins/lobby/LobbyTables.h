@@ -17,7 +17,10 @@
 class CLobbyTables : public QAbstractTableModel
 {
     Q_OBJECT
-    /// A line about the tables, with the last answer of the game server, if there is one.
+    /// How many tables there are, and how many of them the filter accepts.
+    Q_PROPERTY(QString count READ GetCount NOTIFY signal_StatusChanged)
+    /// What the user should know: that the tables may be out of date, or the last answer of the game server. Often
+    /// empty.
     Q_PROPERTY(QString status READ GetStatus NOTIFY signal_StatusChanged)
     Q_PROPERTY(bool stale READ IsStale NOTIFY signal_StatusChanged)
     /// Whether there are tables, but none that the filter accepts.
@@ -45,6 +48,7 @@ public:
     /// Constructs the view of a \a list that the caller owns.
     CLobbyTables(CTableList *list, QObject *parent);
 
+    QString GetCount() const;
     QString GetStatus() const;
     bool IsStale() const { return m_pList->IsStale(); }
     bool AreAllFiltered() const { return m_shown.isEmpty() && !m_pList->GetTables().isEmpty(); }

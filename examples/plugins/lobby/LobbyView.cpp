@@ -2,7 +2,6 @@
 
 #include <common/FormField.h>
 #include <settings/Settings.h>
-#include <ui/TableView.h>
 
 #include <QAction>
 #include <QComboBox>
@@ -20,12 +19,8 @@
 #include <QVBoxLayout>
 #include <QtMath>
 
-#include <algorithm>
-#include <functional>
-
 namespace {
 
-constexpr int NO_COLUMN = -1;
 constexpr int MINIMUM_ROWS = 8;
 
 } // namespace
@@ -33,6 +28,7 @@ constexpr int MINIMUM_ROWS = 8;
 CLobbyView::CLobbyView(CLobbyTables *tables)
     : m_pTables(tables)
     , m_pTakeSeat(CreateSeatAction())
+    , m_pColumns(new CLobbyColumns(this))
 {
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(CreateFilterLine()); // the first in the order of Tab
@@ -45,14 +41,15 @@ CLobbyView::CLobbyView(CLobbyTables *tables)
     layout->addWidget(status);
     SetUpTable();
     QWidget *noMatch = CreateNoMatch();
-    const auto showStatus = [this, status, noMatch] {
+    const auto showStatus = [=] {
+        m_pCount->setText(m_pTables->GetCount());
         status->setText(m_pTables->GetStatus());
         noMatch->setVisible(m_pTables->AreAllFiltered());
         m_pTable->viewport()->update(); // the colour of the texts too depends on the connection
     };
     connect(tables, &CLobbyTables::signal_StatusChanged, this, showStatus);
     connect(tables, &CLobbyTables::signal_TextWidthsChanged, this, &CLobbyView::MeasureColumns);
-    connect(CSettings::GetInstance(), &CSettings::signal_HeaderSizesChanged, this, &CLobbyView::FitStoredColumns);
+    connect(m_pColumns, &CLobbyColumns::signal_WidthsChanged, this, &CLobbyView::ShowColumns);
     MeasureColumns();
     showStatus();
 }
@@ -120,6 +117,8 @@ QLayout *CLobbyView::CreateFilterLine()
     auto *line = new QHBoxLayout;
     line->addWidget(text, 1);
     line->addWidget(type);
+    m_pCount = CreateField<QLabel>(this, "lobbyCount");
+    line->addWidget(m_pCount);
     auto *takeSeat = new QToolButton(this);
     takeSeat->setDefaultAction(m_pTakeSeat);
     takeSeat->setFocusPolicy(Qt::StrongFocus);
@@ -171,53 +170,33 @@ void CLobbyView::MeasureColumns()
     const int margins = fontMetrics().horizontalAdvance(QLatin1Char('M'));
     const int mark = style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, header); // of the sort indicator
     int sum = m_pTable->verticalScrollBar()->sizeHint().width() + margins;
-    m_neededWidths.clear();
+    QList<qreal> needed;
     for (const qreal width : m_pTables->GetTextWidths()) {
-        const int title = header->sectionSizeHint(int(m_neededWidths.size())) + mark;
-        m_neededWidths.append(qMax(qCeil(width) + margins, title));
-        sum += qRound(m_neededWidths.constLast());
+        const int title = header->sectionSizeHint(int(needed.size())) + mark;
+        needed.append(qMax(qCeil(width) + margins, title));
+        sum += qRound(needed.constLast());
     }
     m_pTable->setMinimumSize(sum, m_pTable->verticalHeader()->defaultSectionSize() * (MINIMUM_ROWS + 1));
-    FitStoredColumns();
+    m_pColumns->SetRoom(m_pTable->viewport()->width());
+    m_pColumns->SetNeeded(needed);
 }
 
-// Fits the widths into the table. If a column would get too narrow for its texts, a drag is undone, and stored
-// widths, perhaps of another language, are replaced by widths that fit the texts.
-void CLobbyView::FitColumns(const QList<double> &widths, int dragged)
+void CLobbyView::ShowColumns()
 {
-    const int room = m_pTable->viewport()->width();
-    QList<double> fitted = TableView::Recalculate(room, widths, m_neededWidths, dragged);
-    if (!std::equal(fitted.begin(), fitted.end(), m_neededWidths.begin(), m_neededWidths.end(),
-                    std::greater_equal<>()))
-        fitted = dragged == NO_COLUMN ? TableView::Recalculate(room, {}, m_neededWidths, NO_COLUMN) : m_shownWidths;
-    m_shownWidths = fitted;
-    const QScopedValueRollback<bool> fitting(m_bFitting, true);
-    for (int column = 0; column < fitted.size(); ++column)
-        m_pTable->horizontalHeader()->resizeSection(column, qRound(fitted.at(column)));
+    const QScopedValueRollback<bool> showing(m_bShowing, true);
+    for (int column = 0; column < m_pColumns->GetWidths().size(); ++column)
+        m_pTable->horizontalHeader()->resizeSection(column, qRound(m_pColumns->GetWidths().at(column)));
 }
 
-void CLobbyView::FitStoredColumns()
+void CLobbyView::OnColumnResized(int column, int, int width)
 {
-    if (!m_bFitting)
-        FitColumns(TableView::Load(CLobbyTables::TABLE_KEY), NO_COLUMN);
-}
-
-// A drag takes its width from the next column, as far as that can shrink.
-void CLobbyView::OnColumnResized(int column)
-{
-    if (m_bFitting)
-        return;
-    QList<double> widths;
-    for (int i = 0; i < m_neededWidths.size(); ++i)
-        widths.append(m_pTable->columnWidth(i));
-    FitColumns(widths, column);
-    const QScopedValueRollback<bool> storing(m_bFitting, true);
-    TableView::Store(CLobbyTables::TABLE_KEY, m_shownWidths);
+    if (!m_bShowing)
+        m_pColumns->Drag(column, width);
 }
 
 bool CLobbyView::eventFilter(QObject *object, QEvent *event)
 {
     if (object == m_pTable->viewport() && event->type() == QEvent::Resize)
-        FitStoredColumns();
+        m_pColumns->SetRoom(m_pTable->viewport()->width());
     return QWidget::eventFilter(object, event);
 }

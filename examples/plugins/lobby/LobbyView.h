@@ -1,10 +1,12 @@
 #pragma once
 
+#include "LobbyColumns.h"
 #include "LobbyTables.h"
 
 #include <QWidget>
 
 class QAction;
+class QLabel;
 class QLayout;
 class QTableView;
 
@@ -27,14 +29,13 @@ private:
     QWidget *CreateNoMatch();
     void SetUpTable();
     void MeasureColumns();
-    void FitColumns(const QList<double> &widths, int dragged);
-    void FitStoredColumns();
-    void OnColumnResized(int column);
+    void ShowColumns();
+    void OnColumnResized(int column, int oldWidth, int width);
 
     CLobbyTables *m_pTables;
-    QAction *m_pTakeSeat;         // a child
-    QTableView *m_pTable;         // a child
-    QList<double> m_neededWidths; // the columns' minimum widths
-    QList<double> m_shownWidths;
-    bool m_bFitting = false; // while the program changes the widths, not the user
+    QAction *m_pTakeSeat;      // a child
+    QLabel *m_pCount;          // a child
+    QTableView *m_pTable;      // a child
+    CLobbyColumns *m_pColumns; // a child
+    bool m_bShowing = false;   // while the program changes the widths, not the user
 };

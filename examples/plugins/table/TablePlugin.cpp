@@ -65,15 +65,18 @@ void CTablePlugin::ReceiveEvent(CEvent e)
 {
     LobbyProtocol::STable table;
     TableProtocol::SLine line;
+    TableProtocol::SSeats seats;
     if (e.HasTags(SeatEvent::GROUP, SeatEvent::GIVEN)) {
         if (e.widget && Payload::Decode(e.data, table))
             OpenTable(table, static_cast<quint16>(e.targetID), e.widget);
-    } else if (e.HasTags(TableProtocol::GROUP, TableProtocol::SAID)) {
-        if (Payload::Decode(e.data, line, TableProtocol::SAID))
-            ShowLine(line);
-        else
-            CConsole::AddMessage(QStringLiteral("Table: the game server sent a malformed line, which was ignored"),
-                                 CConsole::MC_Network, CConsole::ML_Warning, QString(), int(e.data.size()));
+    } else if (Payload::Decode(e.data, line, TableProtocol::SAID)) {
+        ShowLine(line);
+    } else if (Payload::Decode(e.data, seats)) {
+        if (CTableWindow *window = m_windows.value(seats.uiTableID))
+            window->ShowSeats(seats.seats);
+    } else {
+        CConsole::AddMessage(QStringLiteral("Table: the game server sent a malformed record, which was ignored"),
+                             CConsole::MC_Network, CConsole::ML_Warning, QString(), int(e.data.size()));
     }
 }
 

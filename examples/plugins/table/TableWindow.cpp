@@ -1,6 +1,7 @@
 #include "TableWindow.h"
 
 #include "ChatHtml.h"
+#include "SeatsView.h"
 
 #include <common/FormField.h>
 #include <common/TableTexts.h>
@@ -27,7 +28,7 @@
 namespace {
 
 const QString PLACE_KEY = QStringLiteral("table");
-constexpr QSize SIZE(400, 520);
+constexpr QSize SIZE(660, 680);
 constexpr int CASCADE = 32; // pixels, of a window's title
 constexpr int PERCENT_A_TENTH = 10;
 const QString BADGE = QStringLiteral("background: palette(highlight); color: palette(highlighted-text);"
@@ -52,6 +53,7 @@ CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
     , m_table(table)
     , m_pFacts(CreateField<QLabel>(this, "tableFacts"))
     , m_pPlace(CreateField<QLabel>(this, "tablePlace"))
+    , m_pSeats(new CSeatsView(table, this))
     , m_pTopUp(CreateField<QCheckBox>(this, "topUp"))
     , m_pLowerLimit(CreateField<QSpinBox>(this, "lowerLimit"))
     , m_pTarget(CreateField<QComboBox>(this, "target"))
@@ -75,6 +77,7 @@ CTableWindow::CTableWindow(const LobbyProtocol::STable &table, QWidget *lobby)
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(CreateHeading());
     layout->addWidget(m_pFacts);
+    layout->addWidget(m_pSeats, 2);
     layout->addWidget(m_pTopUp);
     layout->addWidget(m_pTopUpChoices);
     CreateTopUp();
@@ -175,9 +178,17 @@ QString CTableWindow::GetPlaceKey() const
 void CTableWindow::SetPlace(quint16 place)
 {
     m_usPlace = place;
+    if (HasSeat())
+        m_pSeats->SetPlace(place);
+    m_pSeats->setEnabled(HasSeat());
     m_pLine->setEnabled(HasSeat());
     m_pSend->setEnabled(HasSeat());
     ShowFacts();
+}
+
+void CTableWindow::ShowSeats(const QVector<TableProtocol::SSeat> &seats)
+{
+    m_pSeats->ShowSeats(seats);
 }
 
 void CTableWindow::AddLine(const TableProtocol::SLine &line)

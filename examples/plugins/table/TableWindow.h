@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QWidget>
 
+class CSeatsView;
 class QCheckBox;
 class QComboBox;
 class QLabel;
@@ -16,7 +17,8 @@ class QPushButton;
 class QSpinBox;
 class QTextBrowser;
 
-/// A table at which the user has a seat: its facts, the top-up of chips, and the chat. The window closes when the
+/// A table at which the user has a seat: its facts, who sits around it, the top-up of chips,
+/// and the chat. The window closes when the
 /// user logs out, and deletes itself.
 class CTableWindow : public QWidget
 {
@@ -40,6 +42,8 @@ public:
     /// Sets the place, 0 if the seat is lost. Nothing can be said then.
     void SetPlace(quint16 place);
     bool HasSeat() const { return m_usPlace != 0; }
+    /// Shows who has the seats around the table.
+    void ShowSeats(const QVector<TableProtocol::SSeat> &seats);
     void AddLine(const TableProtocol::SLine &line);
 
 Q_SIGNALS:
@@ -67,6 +71,7 @@ private:
     QPointer<QMessageBox> m_pQuestion; // while it is asked
     QLabel *m_pFacts;                  // this and the next ones are children
     QLabel *m_pPlace;
+    CSeatsView *m_pSeats;
     QCheckBox *m_pTopUp;
     QSpinBox *m_pLowerLimit;
     QComboBox *m_pTarget;
