@@ -125,9 +125,10 @@ if(TARGET plugininterface-data)
     debian_package(tools NAME ${PLUGININTERFACE_NAME}-tools SECTION utils MULTIARCH foreign
         SYNOPSIS "maker of the data files of an online poker client"
         DESCRIPTION "For operators and translators: builds, checks and dumps the configuration and"
-                    "the catalogue of texts that a client reads. The program, which uses Qt ${QT_VERSION_MAJOR}, is"
+                    "the catalogue of texts that a client reads, and makes certificates for its"
+                    "servers. The program, which uses Qt ${QT_VERSION_MAJOR}, is"
                     "plugininterface-data${PLUGININTERFACE_SUFFIX}."
-        DEPENDS "${same_library}")
+        DEPENDS "${same_library}" openssl)
 endif()
 if(PLUGININTERFACE_BUILD_EXAMPLES)
     debian_package(example NAME ${PLUGININTERFACE_NAME}-example SECTION misc

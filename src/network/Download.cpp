@@ -19,6 +19,9 @@ constexpr qint64 READ_AHEAD = 512 << 10;
 constexpr int HTTP_NO_CONTENT = 204;
 constexpr int HTTP_NOT_MODIFIED = 304;
 
+// The reason of the last failure is a property, because plugins with derived classes know the layout of the class.
+constexpr char ERROR_PROPERTY[] = "plugininterface_error";
+
 // A pending Start(). It is a child of its download; deleting it cancels the call.
 class CWaitingStart : public QObject
 {
@@ -78,6 +81,12 @@ void CDownload::Start()
 
 void CDownload::Stop()
 {
+    StopBecause(QStringLiteral("The transfer was stopped"));
+}
+
+void CDownload::StopBecause(const QString &reason)
+{
+    SetError(reason);
     m_bStopped = true;
     const QObjectList owned = children();
     for (QObject *child : owned)
@@ -111,6 +120,16 @@ unsigned int CDownload::GetContentLength() const
     return static_cast<unsigned int>(qBound(Q_INT64_C(0), length, qint64(std::numeric_limits<unsigned int>::max())));
 }
 
+QString CDownload::GetError() const
+{
+    return property(ERROR_PROPERTY).toString();
+}
+
+void CDownload::SetError(const QString &reason)
+{
+    setProperty(ERROR_PROPERTY, reason);
+}
+
 QString CDownload::FormatBytes(qint64 bytes)
 {
     const double value = static_cast<double>(bytes);
@@ -139,8 +158,13 @@ void CDownload::slot_DownloadFinished()
     StopTimers();
     const QVariant target = m_pReply->attribute(QNetworkRequest::RedirectionTargetAttribute);
     const bool answered = m_pReply->error() == QNetworkReply::NoError;
+    const bool isCutOff = IsCutOff(*m_pReply, m_data.size());
+    if (!answered)
+        SetError(CNetworkAccessManager::GetError(*m_pReply));
+    else if (target.isNull() && isCutOff)
+        SetError(QStringLiteral("The server has sent less than it announced"));
     if (answered && target.isNull())
-        Finish(!IsCutOff(*m_pReply, m_data.size()));
+        Finish(!isCutOff);
     else if (!answered || !FollowRedirect(target.toUrl()))
         Finish(false);
 }
@@ -155,6 +179,7 @@ void CDownload::slot_DownloadReadyRead()
         if (!UpdateDownload())
             return;
         StopTimers();
+        SetError(QStringLiteral("The body is longer than %1 bytes").arg(MaxBytes));
         Finish(false);
         return;
     }
@@ -169,6 +194,7 @@ void CDownload::slot_Start()
 {
     const QPointer<CDownload> self(this);
     m_bStopped = false;
+    SetError(QString());
     Q_EMIT signal_Started();
     if (!self || m_bStopped)
         return;
@@ -178,7 +204,7 @@ void CDownload::slot_Start()
 
 void CDownload::slot_DownloadTimeout()
 {
-    Stop();
+    StopBecause(QStringLiteral("Nothing was received for %1 s").arg(DownloadTimeout / 1000));
 }
 
 void CDownload::slot_DownloadUpdateTimer()
@@ -206,6 +232,7 @@ void CDownload::Download()
             return;
         StopTimers();
         m_data.clear();
+        SetError(QStringLiteral("The network access manager was destroyed"));
         Finish(false);
     };
     connect(m_pReply, &QObject::destroyed, this, end, Qt::QueuedConnection);
@@ -246,12 +273,16 @@ bool CDownload::UpdateDownload()
 }
 
 // Returns false if there are too many redirects, or if the target isn't http or https: a server must not access the
-// files of this machine.
+// files of this machine. A host that recognises its servers doesn't leave TLS, either.
 bool CDownload::FollowRedirect(const QUrl &target)
 {
     const QUrl resolved = m_curUrl.resolved(target);
-    if (m_uiRedirects >= MaxRedirects || !resolved.scheme().startsWith(QLatin1String("http")))
+    const bool leavesTls = m_curUrl.scheme() == QLatin1String("https") && resolved.scheme() != m_curUrl.scheme() &&
+                           !CNetworkAccessManager::GetInstance()->GetServerTrust().IsEmpty();
+    if (m_uiRedirects >= MaxRedirects || !resolved.scheme().startsWith(QLatin1String("http")) || leavesTls) {
+        SetError(QStringLiteral("A redirect to %1 isn't followed").arg(resolved.toDisplayString()));
         return false;
+    }
     ++m_uiRedirects;
     m_curUrl = resolved;
     Download();
@@ -279,6 +310,7 @@ void CDownload::Finish(bool status)
     if (m_pReply && !m_data.isEmpty() && IsCompressed(*m_pReply)) {
         status = false;
         m_data.clear();
+        SetError(QStringLiteral("The server has compressed the body"));
     }
     ForgetReply();
     Q_EMIT signal_Finished(status, m_data);

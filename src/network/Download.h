@@ -14,9 +14,10 @@
 /// progress. It uses CNetworkAccessManager and belongs to the same thread.
 ///
 /// A transfer ends with one signal_Finished(). Its status is false for a network error, an HTTP status of 400 or
-/// above, a timeout, more than MaxRedirects redirects, a redirect to something other than http or https, a body of
-/// more than MaxBytes bytes, a body shorter than the server has announced, and if CNetworkAccessManager is destroyed
-/// meanwhile. Start() replaces a transfer that waits or runs: a single signal_Finished() ends both.
+/// above, a timeout, more than MaxRedirects redirects, a redirect to something other than http or https, or from
+/// https to http if the host has called CNetworkAccessManager::SetServerTrust(), a body of more than MaxBytes bytes,
+/// a body shorter than the server has announced, and if CNetworkAccessManager is destroyed meanwhile. Start()
+/// replaces a transfer that waits or runs: a single signal_Finished() ends both.
 ///
 /// The class requests an uncompressed body. If a server compresses it nevertheless (gzip, deflate, compress, br,
 /// zstd), it isn't decompressed: the transfer fails, without data. Qt takes an unreadable chunk for the last one
@@ -58,6 +59,10 @@ public:
     /// length or nothing is running.
     unsigned int GetContentLength() const;
 
+    /// Returns why the last transfer has failed, in English; empty if it hasn't. Known when signal_Finished() is
+    /// emitted, until the next Start().
+    QString GetError() const;
+
     /// Returns a text such as "1.5 kB": bytes, kB or MB with one decimal, not translated.
     static QString FormatBytes(qint64 bytes);
 
@@ -83,6 +88,8 @@ private Q_SLOTS:
 private:
     void Download();
     QNetworkReply *Send() const;
+    void SetError(const QString &reason);
+    void StopBecause(const QString &reason);
     bool UpdateDownload();
     bool FollowRedirect(const QUrl &target);
     void StopTimers();

@@ -158,6 +158,38 @@ private Q_SLOTS:
                  std::tuple("Example Card Room"_s, 2, false));
     }
 
+    // Each row is a command in a folder with what those before it have made.
+    void Certificates()
+    {
+        const CInstallationTree tree;
+        const QString folder = tree.GetPath("keys"_s);
+        const auto make = [&](const QString &options) { return Run("certificate make "_s + options, {folder}); };
+        const auto verify = [&](const QString &host) {
+            return QProcess::execute("openssl"_s, {"verify"_s, "-CAfile"_s, folder + "/authority.pem"_s,
+                                                   "-verify_hostname"_s, host, folder + "/server.pem"_s});
+        };
+        QCOMPARE(make({}).GetFindings(folder), " needs a host, as in --host lobby.example.org"_s);
+        QCOMPARE(make("--host a,DNS:b"_s).GetFindings(folder),
+                 " \"a,DNS:b\" is neither a name of a host nor an address"_s);
+        QVERIFY(!QFile::exists(folder));
+        const SResult made = make("--host lobby.example.org --host ::1"_s);
+        QVERIFY2(made.iExitCode == 0 && made.strOut.contains("::1, lobby.example.org\n"_s),
+                 qPrintable(made.strError + made.strOut));
+        QCOMPARE(Files(folder), "authority.key authority.pem server.key server.pem"_s);
+        for (const QString &key : {"authority.key"_s, "server.key"_s})
+            QCOMPARE(QFile::permissions(folder + u'/' + key), QFile::Permissions(0x6600));
+        QCOMPARE(verify("lobby.example.org"_s), 0);
+        const QByteArray authority = ReadFile(folder + "/authority.pem"_s);
+        QVERIFY(make("--host new.example.org"_s).GetFindings(folder).contains("--force replaces it"_s));
+        QCOMPARE(make("--force --host new.example.org"_s).iExitCode, 0);
+        QVERIFY(verify("new.example.org"_s) == 0 && verify("lobby.example.org"_s) != 0);
+        QCOMPARE(ReadFile(folder + "/authority.pem"_s), authority);
+        QVERIFY(QFile::remove(folder + "/authority.key"_s));
+        QVERIFY(make("--force --host new.example.org"_s).GetFindings(folder).contains("belong together"_s));
+        QCOMPARE(Run("certificate show"_s, {folder + "/server.key"_s}).GetFindings(folder + "/server.key"_s),
+                 " has no certificate in PEM form"_s);
+    }
+
     void OutputRefused_data()
     {
         AddRows<QString, QString, QString, QString>(

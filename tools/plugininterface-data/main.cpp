@@ -1,3 +1,4 @@
+#include "CertificateCommands.h"
 #include "CommandLine.h"
 #include "Completion.h"
 #include "ConfigCommands.h"
@@ -76,6 +77,32 @@ QVector<SCommand> LanguageCommandTable()
     };
 }
 
+QVector<SCommand> CertificateCommandTable()
+{
+    return {
+        {L("certificate make"),
+         L("Makes what servers and clients need to recognise each other's connections, with the program openssl: "
+           "authority.pem, which goes along with the client, server.pem and server.key for the servers, and "
+           "authority.key, which stays with the operator. An authority that the folder has already is kept, so that "
+           "installed clients trust the new certificate as well. It is valid for 825 days, the authority for 10 "
+           "years."),
+         {{L("DIR"), L("The folder, which is made if it isn't there.")}},
+         {{L("host"),
+           L("A name or an address under which clients reach the servers. If it is given several times, the "
+             "certificate is for all."),
+           L("NAME")},
+          {L("force"), L("Replace the server's certificate and key that are there already.")}},
+         [](const auto &arguments, const auto &parser) {
+             return CertificateCommands::Make(arguments.at(0), parser.values(L("host")), parser.isSet(L("force")));
+         }},
+        {L("certificate show"),
+         L("Prints the certificates of a file: for which hosts and how long they are valid, and their SHA-256."),
+         {{L("FILE.pem"), L("The file.")}},
+         {},
+         [](const auto &arguments, const auto &) { return CertificateCommands::Show(arguments.at(0)); }},
+    };
+}
+
 QVector<SCommand> AllCommands()
 {
     const SCommand completion{L("completion bash"),
@@ -89,7 +116,7 @@ QVector<SCommand> AllCommands()
                                   report.Print(Completion::MakeBashScript(AllCommands()));
                                   return report.GetExitCode();
                               }};
-    return ConfigCommandTable() + LanguageCommandTable() + QVector<SCommand>{completion};
+    return ConfigCommandTable() + LanguageCommandTable() + CertificateCommandTable() + QVector<SCommand>{completion};
 }
 
 } // namespace
