@@ -3,6 +3,7 @@
 #include <database/SqliteResult_p.h>
 #include <database/Statements_p.h>
 #include <database/Transaction_p.h>
+#include <files/PrivateFiles_p.h>
 
 #include <QFile>
 #include <QFileInfo>
@@ -296,11 +297,19 @@ bool CLocalDB::Open()
         connection.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI"));
         connection.setDatabaseName(file.toString(QUrl::FullyEncoded) + QLatin1String("?immutable=1"));
     }
-    if (!connection.open())
+    if (!OpenFile(connection))
         return false;
     connection.driver()->setProperty(OPENED_PROPERTY, true);
     EnforceForeignKeys(connection);
     return IsOpen();
+}
+
+// A file that doesn't exist yet is created for its user alone; SQLite's files beside it get the same mode.
+bool CLocalDB::OpenFile(QSqlDatabase &connection) const
+{
+    if (!m_bFileRequired && !m_strDatabase.isEmpty() && m_strDatabase != QLatin1String(":memory:"))
+        PrivateFiles::MakeFile(m_strDatabase);
+    return connection.open();
 }
 
 // Closes the connection so that nothing waits for the file's lock again.
@@ -410,7 +419,7 @@ QSqlDatabase CLocalDB::GetConnection() const
 {
     QSqlDatabase connection = QSqlDatabase::database(m_strDatabase, false);
     if (connection.isValid() && !connection.isOpen() && connection.driver()->property(OPENED_PROPERTY).toBool() &&
-        (!m_bFileRequired || QFile::exists(m_strDatabase)) && connection.open()) {
+        (!m_bFileRequired || QFile::exists(m_strDatabase)) && OpenFile(connection)) {
         EnforceForeignKeys(connection);
         if (m_bWriteAheadLog)
             StartWriteAheadLog(connection);

@@ -113,6 +113,7 @@ private:
     };
 
     bool Open();
+    bool OpenFile(QSqlDatabase &connection) const;
     void Close() const;
     bool IsReadOnlyLog() const;
     EOutcome BringToMaxVersion();

@@ -3,6 +3,7 @@
 #include <Singleton_p.h>
 #include <files/FileFunctions.h>
 #include <files/Pathes.h>
+#include <files/PrivateFiles_p.h>
 #include <models/UserInfo.h>
 #include <money/MoneyStrings.h>
 #include <settings/Config.h>
@@ -179,7 +180,7 @@ void CCasinoInfo::InitPersonalDirPath()
     QString error; // ignored: if the old folder can't be moved, the user keeps it
     if (!former.isEmpty() && former != path && QDir(former).exists())
         FileFunctions::MoveDir(former, path, error);
-    QDir().mkpath(path);
+    PrivateFiles::MakeFolder(path);
     m_strPersonalDirPath = path;
     if (former != path)
         settings->SetPersonalDirPath(path, this, true);

@@ -364,6 +364,7 @@ private Q_SLOTS:
     {
         QFETCH(int, fileVersion);
         const QByteArray contents = MakeFile(fileVersion);
+        QFile::setPermissions(m_strPath, QFile::Permissions(0x6666)); // as an older client has created it
         QTEST(StartClientWith(READ_ONLY), "code");
         QCOMPARE(ReadFile(m_strPath), contents);
         QCOMPARE(QFile::exists(m_strPath), fileVersion >= 0);
@@ -378,8 +379,10 @@ private Q_SLOTS:
             QVERIFY(database.Init());
             QCOMPARE(Ask(database, "pragma_synchronous"_s, "synchronous"_s), QVariant(1));
             QVERIFY(database.Insert(STEP1, {{ID, 4}}));
-            for (const QString &suffix : {QString(), "-wal"_s, "-shm"_s})
+            for (const QString &suffix : {QString(), "-wal"_s, "-shm"_s}) {
+                QCOMPARE(QFile::permissions(m_strPath + suffix), QFile::Permissions(0x6600)); // the user's alone
                 QVERIFY2(QFile::setPermissions(m_strPath + suffix, QFile::Permissions(0x6666)), qPrintable(suffix));
+            }
             QCOMPARE(StartClientWith(WRITABLE, true), 4);
         }
         QVERIFY(!QFile::exists(m_strPath + "-wal"_s));
