@@ -68,11 +68,13 @@ endmacro()
 # What Qt loads by itself.
 if(QT_VERSION_MAJOR EQUAL 5)
     set(qt_plugins libqt5sql5-sqlite libqt5multimedia5-plugins)
+    set(qt_pictures libqt5svg5)
     set(qt_headers "qtbase5-dev (>= ${PLUGININTERFACE_QT_MINIMUM})")
     set(qml_modules qml-module-qtquick-controls2 qml-module-qtquick-layouts qml-module-qtquick-window2
         qml-module-qtquick2)
 else()
     set(qt_plugins libqt6sql6-sqlite) # those of QtMultimedia come with it
+    set(qt_pictures libqt6svg6)
     set(qt_headers "qt6-base-dev (>= ${PLUGININTERFACE_QT_MINIMUM})")
     set(qml_modules qml6-module-qtqml-models qml6-module-qtqml-workerscript qml6-module-qtquick
         qml6-module-qtquick-controls qml6-module-qtquick-layouts qml6-module-qtquick-templates
@@ -135,7 +137,7 @@ if(PLUGININTERFACE_BUILD_EXAMPLES)
         SYNOPSIS "example of an online poker client with its plugins and servers"
         DESCRIPTION "A host with a lobby, tables and notes, a game server and a web server, built"
                     "with Qt ${QT_VERSION_MAJOR}, to try out and to start a client from. Nothing is played for money."
-        DEPENDS "${same_library}" gstreamer1.0-plugins-good ${qml_modules})
+        DEPENDS "${same_library}" gstreamer1.0-plugins-good ${qt_pictures} ${qml_modules})
 endif()
 
 include(CPack)

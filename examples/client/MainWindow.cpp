@@ -1,6 +1,5 @@
 #include "MainWindow.h"
 
-#include "ChoiceMenu.h"
 #include "ConsoleWindow.h"
 #include "HelpMenu.h"
 #include "LoginDialog.h"
@@ -147,9 +146,6 @@ void CMainWindow::CreateOptionsMenu()
         &CSettings::signal_SoundsEnabledChanged);
     AddEntry(id, "ACTION_CONSOLE", "openConsole", Qt::Key_F12,
              [this](QAction *) { OpenDialog(m_pConsole, Qt::NonModal, m_host, this); });
-    CMenu *menu = CMenuManager::GetInstance()->GetMenu(id);
-    menu->addMenu(CreateLanguageMenu(this));
-    menu->addMenu(CreateTimezoneMenu(this));
 }
 
 void CMainWindow::CreateRulesMenu()

@@ -1,6 +1,6 @@
 #include "OptionsDialog.h"
 
-#include <common/Texts.h>
+#include <common/FormField.h>
 #include <ui/OptionsDialogManager.h>
 
 #include <QDialogButtonBox>
@@ -13,13 +13,23 @@
 
 #include <algorithm>
 
+namespace {
+
+// Room for the texts of the example's pages in its languages, in characters.
+constexpr int LIST_WIDTH = 20;
+constexpr int PAGE_WIDTH = 60;
+
+} // namespace
+
 COptionsDialog::COptionsDialog(QWidget *parent)
     : QDialog(parent)
-    , m_pList(new QListWidget(this))
+    , m_pList(CreateField<QListWidget>(this, "optionsPages"))
+    , m_pHeading(CreateField<QLabel>(this, "optionsHeading"))
 {
     setObjectName(QStringLiteral("options"));
-    m_pList->setObjectName(QStringLiteral("optionsPages"));
-    m_pList->setIconSize(QSize(1, 1) * style()->pixelMetric(QStyle::PM_SmallIconSize));
+    m_pList->setIconSize(QSize(1, 1) * style()->pixelMetric(QStyle::PM_ListViewIconSize));
+    m_pHeading->setTextFormat(Qt::RichText);
+    m_pHeading->setIndent(style()->pixelMetric(QStyle::PM_LayoutLeftMargin)); // as the fields of a page
     Texts::Bind(this, &QWidget::setWindowTitle, "OPTIONS_TITLE");
     Texts::Bind(m_pList, &QWidget::setAccessibleName, "OPTIONS_TITLE");
     auto *widgets = new QStackedWidget(this);
@@ -32,18 +42,29 @@ COptionsDialog::COptionsDialog(QWidget *parent)
         new QListWidgetItem(icon.isNull() ? style()->standardIcon(QStyle::SP_FileIcon) : icon, QString(), m_pList);
         connect(page, &QObject::destroyed, this, &QWidget::close);
     }
-    Texts::Follow(this, [this] {
-        for (int i = 0; i < m_pages.size(); ++i)
-            m_pList->item(i)->setText(m_pages.at(i) ? m_pages.at(i)->GetTitle() : QString());
-        m_pList->setFixedWidth(m_pList->sizeHintForColumn(0) + 3 * m_pList->frameWidth());
-    });
     auto *layout = new QGridLayout(this);
-    layout->addWidget(m_pList, 0, 0);
-    layout->addWidget(widgets, 0, 1);
-    layout->addWidget(CreateButtons(), 1, 0, 1, 2);
+    layout->addWidget(m_pList, 0, 0, 2, 1);
+    layout->addWidget(m_pHeading, 0, 1);
+    layout->addWidget(widgets, 1, 1);
+    layout->addWidget(CreateButtons(), 2, 0, 1, 2);
+    layout->setColumnMinimumWidth(1, PAGE_WIDTH * fontMetrics().averageCharWidth());
+    layout->setRowStretch(1, 1);
     connect(m_pList, &QListWidget::currentRowChanged, widgets, &QStackedWidget::setCurrentIndex);
+    connect(m_pList, &QListWidget::currentRowChanged, this, &COptionsDialog::ShowTitles);
     m_pList->setCurrentRow(0);
+    Texts::Follow(this, [this] { ShowTitles(); });
     ShowModified();
+}
+
+void COptionsDialog::ShowTitles()
+{
+    for (int i = 0; i < m_pages.size(); ++i)
+        m_pList->item(i)->setText(m_pages.at(i) ? m_pages.at(i)->GetTitle() : QString());
+    m_pList->setFixedWidth(qMax(LIST_WIDTH * fontMetrics().averageCharWidth(),
+                                m_pList->sizeHintForColumn(0) + 3 * m_pList->frameWidth()));
+    const QListWidgetItem *chosen = m_pList->currentItem();
+    const QString title = chosen ? chosen->text().toHtmlEscaped() : QString();
+    m_pHeading->setText(QStringLiteral("<big><b>%1</b></big>").arg(title));
 }
 
 // A page has no signal for edits, and some widgets of a plugin's page may have none either. But the user sees each

@@ -5,10 +5,12 @@
 #include <QVector>
 
 class COptionsPage;
+class QLabel;
 class QListWidget;
 class QPushButton;
 
-/// Shows the pages that are registered with COptionsDialogManager. The dialog closes when one of them is destroyed.
+/// Shows the pages that are registered with COptionsDialogManager, and opens with the same width in all languages.
+/// The dialog closes when one of them is destroyed.
 class COptionsDialog : public QDialog
 {
     Q_OBJECT
@@ -22,9 +24,11 @@ protected:
 private:
     QWidget *CreateButtons();
     void Apply();
+    void ShowTitles();
     void ShowModified();
 
-    QListWidget *m_pList;                    // child
-    QPushButton *m_pApply = nullptr;         // child
+    QListWidget *m_pList; // this and the next two are children
+    QLabel *m_pHeading;   // the title of the page in view
+    QPushButton *m_pApply = nullptr;
     QVector<QPointer<COptionsPage>> m_pages; // in the order of the list
 };

@@ -7,6 +7,7 @@
 #include <files/Pathes.h>
 #include <models/UserInfo.h>
 #include <sound/SoundManager.h>
+#include <time/CasinoTime.h>
 #include <translation/Translation.h>
 
 #include <QComboBox>
@@ -27,6 +28,24 @@ QWidget *CreateLanguages(QWidget *parent)
     for (const CTranslation::SLang &language : CTranslation::GetInstance()->GetAvailableLanguages())
         box->addItem(language.strLong, language.iID);
     return box;
+}
+
+QWidget *CreateTimezones(QWidget *parent)
+{
+    auto *box = new QComboBox(parent);
+    const CCasinoTime *clock = CCasinoTime::GetInstance();
+    const QStringList zones = clock->GetTimezoneList();
+    for (const QString &zone : zones)
+        box->addItem(zone, box->count());
+    Texts::Follow(box, [=] { // the machine's own zone is the only text among them
+        box->setItemText(box->count() - 1, clock->GetTimezoneList().constLast());
+    });
+    return box;
+}
+
+QVariant GetTimezone()
+{
+    return CCasinoTime::GetInstance()->GetTimezoneIndex();
 }
 
 QWidget *CreateColours(QWidget *parent)
@@ -97,8 +116,10 @@ QWidget *CreateVolume(QWidget *parent)
 void AddOptionsPages(QObject *parent)
 {
     const auto setting = &CSettingsPage::Setting;
+    CSettingsPage::SField zone = setting("OPTIONS_TIMEZONE", "timezoneindex30", &CreateTimezones, nullptr);
+    zone.get = &GetTimezone; // the zone in effect, where the setting names none
     new CSettingsPage("OPTIONS_GENERAL", QStyle::SP_ComputerIcon,
-                      {setting("MENU_LANGUAGE", "selectedlanguage", &CreateLanguages, nullptr),
+                      {setting("OPTIONS_LANGUAGE", "selectedlanguage", &CreateLanguages, nullptr), zone,
                        setting("OPTIONS_LOOK", "themegeneral", &CreateColours, nullptr),
                        setting("PLAYERS_AVATAR", "customcurrent", &CreateAvatar, nullptr),
                        setting("OPTIONS_ANIMATIONS_OFF", "animationsoff", nullptr, nullptr)},

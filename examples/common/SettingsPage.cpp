@@ -2,6 +2,7 @@
 
 #include "FormField.h"
 
+#include <files/Pathes.h>
 #include <settings/Settings.h>
 #include <ui/OptionsDialogManager.h>
 
@@ -70,7 +71,10 @@ QString CSettingsPage::GetTitle() const
 
 QIcon CSettingsPage::GetIcon() const
 {
-    return QApplication::style()->standardIcon(m_eIcon);
+    const QString name = QLatin1String("options/") + QString::fromLatin1(m_strTitleKey).toLower();
+    const QIcon icon(Pathes::ToCommonRes(name + QLatin1String(".svg"), false));
+    const bool isReadable = !icon.pixmap(1).isNull();
+    return isReadable ? icon : QApplication::style()->standardIcon(m_eIcon);
 }
 
 QWidget *CSettingsPage::CreateWidget(QWidget *parent)

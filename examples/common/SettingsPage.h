@@ -36,7 +36,8 @@ public:
     static SField Setting(const char *textKey, const char *setting, QWidget *(*create)(QWidget *parent) = nullptr,
                           const char *settingOfSwitch = nullptr);
 
-    /// Registers the page. \a titleKey has to stay valid as long as the keys of the fields.
+    /// Registers the page. \a titleKey has to stay valid as long as the keys of the fields. The page's icon is the
+    /// resource "options/KEY.svg" with this key in lower case, or \a icon if that can't be read.
     CSettingsPage(const char *titleKey, QStyle::StandardPixmap icon, const QVector<SField> &fields, QObject *parent);
 
     QString GetTitle() const override;

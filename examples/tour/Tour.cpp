@@ -21,6 +21,7 @@
 namespace {
 
 constexpr int STEP_LIMIT_MS = 15000;
+constexpr int ACTIVE_LIMIT_MS = 10000;
 // Of the synchronisation. The library keeps its own pauses.
 constexpr int SYNC_PAUSE_MS = 1000;
 constexpr int SYNC_REGULAR_MS = 2000;
@@ -167,6 +168,16 @@ void CTour::See(const QString &text, const TLook &look)
         text, [] {}, look);
 }
 
+void CTour::PressInFront(Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    const auto activate = [this] {
+        m_window.activateWindow();
+        return m_window.isActiveWindow();
+    };
+    if (QTest::qWaitFor(activate, ACTIVE_LIMIT_MS * Patience()))
+        QTest::keyClick(&m_window, key, modifiers);
+}
+
 void CTour::TakePicture(QWidget &widget, const QString &name)
 {
     See("A picture of that"_s, [&] { return SaveScreenshot(widget, name); });
@@ -176,7 +187,7 @@ void CTour::ShowInLanguages(const QString &text, const std::function<QString(con
 {
     for (const QString &language : LANGUAGES) {
         Step(
-            text.arg(language), [&] { ChooseEntry("languages", language); }, [&] { return look(language); });
+            text.arg(language), [&] { SetLanguage(language); }, [&] { return look(language); });
     }
 }
 

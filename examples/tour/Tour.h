@@ -87,6 +87,8 @@ private:
     void See(const QString &text, const TLook &look);
     // A step during which no turn of the event loop may be long. The action is taken again if one was.
     void StepInTime(const QString &text, const TAction &action, const TLook &look);
+    // In the client's window, even if another one was in front.
+    void PressInFront(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void TakePicture(QWidget &widget, const QString &name);
     // A step for each language, whose text has a place for its name.
     void ShowInLanguages(const QString &text, const std::function<QString(const QString &language)> &look);
@@ -111,6 +113,7 @@ private:
     void ShowSecondUser();
     void ShowFirstUserAgain();
     void ShowOptions();
+    void ShowQuickLanguage();
     void ShowTransfers();
     void ShowKeyboard();
     void ShowLooks();
@@ -164,9 +167,11 @@ private:
     QString SeeSeat(const QString &nickname) const;
     QString SeeRows(const QStringList &rows) const;
 
-    void ChooseEntry(const char *menu, const QString &text) const;
+    // As the options do it, but from within the event loop, so that the time it takes is noted.
+    static void SetOption(const char *setting, const QVariant &value);
+    static void SetLanguage(const QString &language);
+    static bool IsLanguage(const QString &language);
     void ChooseLanguage(const QString &language, const QStringList &rows);
-    QString GetChosenEntry(const char *menu) const;
     QString SeeTexts(const QString &language);
     int SeeJackpot() const;
 

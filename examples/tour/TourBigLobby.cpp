@@ -119,7 +119,7 @@ void CTour::UseBigLobby(const QString &view)
     StepInTime("A type is chosen, and all again, in %1"_s.arg(view), chooseType, seeAll);
     for (const QString &language : LANGUAGES) {
         StepInTime(
-            "Many tables are in %1 in %2"_s.arg(language, view), [&] { ChooseEntry("languages", language); },
-            [&] { return GetChosenEntry("languages") == language ? seeAll() : QString(); });
+            "Many tables are in %1 in %2"_s.arg(language, view), [&] { SetLanguage(language); },
+            [&] { return IsLanguage(language) ? seeAll() : QString(); });
     }
 }

@@ -3,11 +3,12 @@
 
 #include <client/LoginDialog.h>
 #include <common/Texts.h>
+#include <settings/Settings.h>
 #include <time/CasinoTime.h>
 
+#include <QAction>
 #include <QDateTime>
 #include <QLabel>
-#include <QMenu>
 #include <QTableView>
 #include <QTextStream>
 
@@ -65,24 +66,24 @@ void Trigger(QAction *entry)
     QMetaObject::invokeMethod(entry, &QAction::trigger, Qt::QueuedConnection);
 }
 
-// A menu needs no mouse to be chosen from, but the entry has to be there.
-void CTour::ChooseEntry(const char *menu, const QString &text) const
+void CTour::SetOption(const char *setting, const QVariant &value)
 {
-    const QList<QAction *> entries = Find<QMenu>(menu)->actions();
-    for (QAction *entry : entries) {
-        if (entry->text() == text)
-            Trigger(entry);
+    CSettings *settings = CSettings::GetInstance();
+    QMetaObject::invokeMethod(
+        settings, [=] { settings->setProperty(setting, value); }, Qt::QueuedConnection);
+}
+
+void CTour::SetLanguage(const QString &language)
+{
+    for (const CTranslation::SLang &other : CTranslation::GetInstance()->GetAvailableLanguages()) {
+        if (other.strLong == language)
+            SetOption("selectedlanguage", other.iID);
     }
 }
 
-QString CTour::GetChosenEntry(const char *menu) const
+bool CTour::IsLanguage(const QString &language)
 {
-    const QList<QAction *> entries = Find<QMenu>(menu)->actions();
-    for (const QAction *entry : entries) {
-        if (entry->isChecked())
-            return entry->text();
-    }
-    return QString();
+    return CTranslation::GetInstance()->GetLanguage().strLong == language;
 }
 
 // Everything that can be read is in this language, and fits.
@@ -90,7 +91,7 @@ QString CTour::SeeTexts(const QString &language)
 {
     const QVector<SVisibleText> texts = CollectVisibleTexts(m_window);
     m_strFault = FindTextFault(texts);
-    const bool isSeen = m_strFault.isEmpty() && GetChosenEntry("languages") == language;
+    const bool isSeen = m_strFault.isEmpty() && IsLanguage(language);
     return isSeen ? "%1 texts"_s.arg(texts.size()) : QString();
 }
 
@@ -148,13 +149,14 @@ void CTour::ShowRunningNumbers()
 void CTour::ShowTimezones()
 {
     const auto *table = Find<QTableView>("lobbyTable");
+    const QStringList zones = CCasinoTime::GetInstance()->GetTimezoneList();
     QModelIndex start = FindCountDown(*table);
     while (start.isValid() && (start.data().toString().isEmpty() || IsCountDown(start.data().toString())))
         start = start.siblingAtRow(start.row() + 1);
     const QString before = start.data().toString();
     Step(
         "Clock and starts are in the time zone that the user chooses"_s,
-        [&] { ChooseEntry("timezones", FOREIGN_TIMEZONE); },
+        [&] { SetOption("timezoneindex30", zones.indexOf(FOREIGN_TIMEZONE)); },
         [&] {
             // After a change of the zone the clock stands at the last time that the server has told.
             const auto *clock = CCasinoTime::GetInstance();
@@ -166,15 +168,14 @@ void CTour::ShowTimezones()
                           : QString();
         });
     Step(
-        "And back in the machine's own"_s,
-        [&] { ChooseEntry("timezones", CCasinoTime::GetInstance()->GetTimezoneList().constLast()); },
+        "And back in the machine's own"_s, [&] { SetOption("timezoneindex30", zones.size() - 1); },
         [&] { return start.data().toString() == before ? before : QString(); });
 }
 
 void CTour::ChooseLanguage(const QString &language, const QStringList &rows)
 {
     Step(
-        "The user chooses %1"_s.arg(language), [&] { ChooseEntry("languages", language); },
+        "The user chooses %1"_s.arg(language), [&] { SetLanguage(language); },
         [&] {
             const QString seen = SeeTexts(language);
             return rows.isEmpty() || !SeeRows(rows).isEmpty() ? seen : QString();

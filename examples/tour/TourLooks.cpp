@@ -22,8 +22,7 @@
 namespace {
 
 constexpr int RULES_BYTES = 3 << 20; // some seconds' worth
-constexpr int ACTIVE_LIMIT_MS = 10000;
-constexpr int MANY_WIDGETS = 200; // more than the window has
+constexpr int MANY_WIDGETS = 200;    // more than the window has
 
 // A letter with a & before it, in lower case; null if there is none.
 QChar GetMnemonic(const QString &text)
@@ -39,8 +38,7 @@ QString FindKeylessEntry(const QWidget &menu)
     const QList<QAction *> entries = menu.actions();
     for (const QAction *entry : entries) {
         const QChar letter = GetMnemonic(entry->text());
-        const bool isChoice = entry->actionGroup() != nullptr; // of a long list, which the arrows lead through
-        if (!entry->isSeparator() && !isChoice && (letter.isNull() || letters.contains(letter)))
+        if (!entry->isSeparator() && (letter.isNull() || letters.contains(letter)))
             return entry->text();
         letters.insert(letter);
         const QString below = entry->menu() ? FindKeylessEntry(*entry->menu()) : QString();
@@ -112,7 +110,7 @@ void CTour::ShowKeyboard()
     const auto seeKeys = [this](const QString &language) {
         const QMenuBar *bar = CMenuManager::GetInstance()->GetMenuBar();
         m_strFault = FindKeylessEntry(*bar);
-        const bool isSeen = m_strFault.isEmpty() && GetChosenEntry("languages") == language;
+        const bool isSeen = m_strFault.isEmpty() && IsLanguage(language);
         return isSeen ? "%1 menus"_s.arg(bar->actions().size()) : QString();
     };
     ShowInLanguages("A key leads to every entry of the menus in the language %1"_s, seeKeys);
@@ -132,13 +130,7 @@ void CTour::ShowKeyboard()
     Step(
         "The Tab key leads through the window"_s,
         [&] {
-            const auto activate = [this] { // the table's may be active
-                m_window.activateWindow();
-                return m_window.isActiveWindow();
-            };
-            if (!QTest::qWaitFor(activate, ACTIVE_LIMIT_MS * Patience()))
-                return;
-            QTest::keyClick(&m_window, Qt::Key_F, Qt::ControlModifier);
+            PressInFront(Qt::Key_F, Qt::ControlModifier);
             order = PressTabs(m_window);
         },
         [&] {

@@ -2,9 +2,11 @@
 
 #include <QAbstractButton>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialog>
 #include <QLabel>
 #include <QListWidget>
+#include <QSet>
 #include <QtTest>
 
 namespace {
@@ -21,15 +23,22 @@ void Click(QWidget &widget, const QPoint &place)
 void CTour::ShowOptions()
 {
     Step(
-        "A shortcut opens the options"_s, [this] { QTest::keyClick(&m_window, Qt::Key_O, Qt::ControlModifier); },
+        "A shortcut opens the options"_s, [this] { PressInFront(Qt::Key_O, Qt::ControlModifier); },
         [this] { return Find<QDialog>("options") ? Find<QDialog>("options")->windowTitle() : QString(); });
-    ShowInLanguages("All its pages fit in the language %1"_s, [this](const QString &language) {
+    QSet<int> widths;
+    ShowInLanguages("All its pages fit in the language %1, at the same width"_s, [&](const QString &language) {
         QString seen = language;
         for (int page = 0; page < Find<QListWidget>("optionsPages")->count() && !seen.isEmpty(); ++page) {
             ChooseOptionsPage(page);
             seen = SeeTexts(language);
+            const QString title = Find<QListWidget>("optionsPages")->item(page)->text();
+            if (!Find<QLabel>("optionsHeading")->text().contains(title))
+                seen.clear();
         }
-        return seen;
+        Find<QDialog>("options")->resize(1, 1); // to its least size
+        if (!seen.isEmpty())
+            widths.insert(Find<QDialog>("options")->width());
+        return widths.size() > 1 ? QString() : seen;
     });
     const auto look = [this](bool isOn, bool isModified) {
         const bool isSeen = Find<QWidget>("volume")->isEnabled() == isOn &&
@@ -60,6 +69,33 @@ void CTour::ShowOptions()
             QTest::keyClick(Find<QDialog>("options"), Qt::Key_Escape);
         },
         [&] { return Find<QDialog>("options") ? QString() : seeOption(); });
+    ShowQuickLanguage();
+}
+
+// By keys alone.
+void CTour::ShowQuickLanguage()
+{
+    Step(
+        "Some keys change the language"_s,
+        [this] {
+            PressInFront(Qt::Key_O, Qt::ControlModifier);
+            const auto isActive = [this] {
+                return Find<QDialog>("options") && Find<QDialog>("options")->isActiveWindow();
+            };
+            if (!QTest::qWaitFor(isActive))
+                return;
+            QTest::keyClick(Find<QDialog>("options"), Qt::Key_L, Qt::AltModifier);
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_D);
+        },
+        [this] {
+            const auto *languages = Find<QComboBox>("selectedlanguage");
+            const bool isChosen = languages && languages->hasFocus() && languages->currentText() == "Deutsch"_s;
+            return isChosen ? SaveScreenshot(*Find<QDialog>("options"), "options-general"_s) : QString();
+        });
+    Step(
+        "And Enter applies it"_s, [] { QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return); },
+        [this] { return Find<QDialog>("options") ? QString() : SeeTexts("Deutsch"_s); });
+    ChooseLanguage("English"_s, {});
 }
 
 void CTour::ChooseOptionsPage(int page) const

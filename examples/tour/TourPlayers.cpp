@@ -113,7 +113,7 @@ void CTour::TakeStep(const QStringList &step)
         {"see filter", {nothing, [&] { return SeeFilter(value); }}},
         {"filter", {[&] { TypeFilter(value); }, [&] { return SeeRows({row.arg(QLatin1String("ringgamefilter"))}); }}},
         {"see language", {nothing, [&] { return SeeTexts(value); }}},
-        {"language", {[&] { ChooseEntry("languages", value); }, [&] { return SeeTexts(value); }}},
+        {"language", {[&] { SetLanguage(value); }, [&] { return SeeTexts(value); }}},
         {"colours",
          {[&] { CSettings::GetInstance()->SetThemeGeneral(value.toInt()); }, [&] { return SeeColours(value); }}},
         {"see problems", {nothing, [&] { return SeeProblems(); }}},

@@ -41,7 +41,7 @@ void CTour::ShowQml()
         return colour == findView()->palette().color(QPalette::Highlight) ? colour.name() : QString();
     });
     Step(
-        "In the user's language at once"_s, [this] { ChooseEntry("languages", "Deutsch"_s); },
+        "In the user's language at once"_s, [] { SetLanguage("Deutsch"_s); },
         [&] { return read("quickType", "displayText") == "Alle Tische"_s ? read("quickCount", "text") : QString(); });
     ChooseLanguage("English"_s, {});
     const auto typeFilter = [&] {
