@@ -7,12 +7,13 @@
 /// window, in the order in which they need each other. The current directory is the client's folder of an
 /// installation.
 ///
-/// It reports missing parts of the installation in the console and in the window, and uses the library's defaults
-/// instead.
+/// It reports missing parts of the installation in the console, and in a dialog that comes before the window. If the
+/// user goes on, it uses the library's defaults instead.
 class CClient
 {
 public:
-    /// Shows the window, starts the plugins, and connects to the game server.
+    /// Starts the plugins, shows the window, and connects to the game server; the latter two only when the user has
+    /// answered the dialog, if there is one.
     CClient(const QString &server, quint16 port);
     ~CClient();
 

@@ -38,12 +38,18 @@ QPalette MakeDarkPalette()
     return palette;
 }
 
+bool ReadSheet(const QString &file, QString &styleSheet)
+{
+    const QString path = Pathes::ToCommonRes(file, false);
+    return !path.isEmpty() && Globals::GetCssContents(path, styleSheet);
+}
+
 void Apply()
 {
     const bool isDark = CSettings::GetInstance()->GetThemeGeneral() == Look::CO_DARK;
     const QString file = isDark ? DARK_SHEET : LIGHT_SHEET;
     QString styleSheet;
-    if (!Globals::GetCssContents(Pathes::ToCommonRes(file, false), styleSheet))
+    if (!ReadSheet(file, styleSheet))
         Note(QStringLiteral("The brand's style sheet %1 can't be read").arg(file), CConsole::MC_General);
     QPalette palette = isDark ? MakeDarkPalette() : QApplication::style()->standardPalette();
     palette.setColor(QPalette::Highlight, QColor(BRAND_GREEN));
@@ -58,6 +64,18 @@ void Look::Follow(QObject *owner)
 {
     QObject::connect(CSettings::GetInstance(), &CSettings::signal_ThemeGeneralChanged, owner, &Apply);
     Apply();
+}
+
+QStringList Look::FindUnreadableSheets()
+{
+    QStringList files;
+    QString contents;
+    for (const QString &file : {LIGHT_SHEET, DARK_SHEET}) {
+        const QString path = Pathes::ToCommonRes(file, false);
+        if (!ReadSheet(file, contents))
+            files.append(path.isEmpty() ? Pathes::CommonBrand() + QLatin1Char('/') + file : path);
+    }
+    return files;
 }
 
 void Look::FollowScreens()

@@ -21,7 +21,6 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
-#include <QLabel>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -55,7 +54,6 @@ void OpenDialog(QPointer<Dialog> &dialog, Qt::WindowModality modality, Arguments
 CMainWindow::CMainWindow(CHost &host)
     : m_host(host)
     , m_pViews(new QTabWidget(this))
-    , m_pProblems(CreateField<QLabel>(this, "problems"))
     , m_pOpenFile(CreateField<QToolButton>(this, "openFile"))
 {
     setWindowTitle(CConfig::GetInstance()->GetProductname());
@@ -66,14 +64,10 @@ CMainWindow::CMainWindow(CHost &host)
     connect(&m_geometryTimer, &QTimer::timeout, this, &CMainWindow::RememberGeometry);
     m_pViews->setDocumentMode(true);
     m_pViews->setUsesScrollButtons(false); // the window is wide enough for all tabs
-    m_pProblems->setTextFormat(Qt::PlainText);
-    m_pProblems->setWordWrap(true);
-    m_pProblems->hide();
     auto *content = new QWidget(this);
     auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins(QMargins());
     layout->setSpacing(0);
-    layout->addWidget(m_pProblems);
     layout->addWidget(CreateOfflineBanner(content, host));
     layout->addWidget(m_pViews, 1);
     setCentralWidget(content);
@@ -173,12 +167,6 @@ void CMainWindow::DownloadRules(QAction *entry)
                 download->deleteLater();
             });
     download->Start();
-}
-
-void CMainWindow::ShowProblems(const QStringList &problems)
-{
-    m_pProblems->setText(problems.join(QLatin1Char('\n')));
-    m_pProblems->setVisible(!problems.isEmpty());
 }
 
 void CMainWindow::CreateViews()

@@ -14,7 +14,6 @@ class CConsoleWindow;
 class CLoginDialog;
 class COptionsDialog;
 class QAction;
-class QLabel;
 class QTabWidget;
 class QToolButton;
 
@@ -31,8 +30,6 @@ public:
 
     /// Creates the views of the plugins that have started.
     void CreateViews();
-    /// Shows \a problems of the installation at the top, a line each; hides that label if the text is empty.
-    void ShowProblems(const QStringList &problems);
 
 protected:
     bool event(QEvent *event) override;
@@ -51,7 +48,6 @@ private:
 
     CHost &m_host;
     QTabWidget *m_pViews; // this and the next one are children
-    QLabel *m_pProblems;
     QToolButton *m_pOpenFile;
     QString m_strFile;                     // which the message tells of; empty if it tells of none
     CTranslationItem m_message;            // the status bar's current or last message

@@ -58,8 +58,9 @@ void CPluginManager::Load(const QString &directory)
     for (CPluginInterface *plugin : qAsConst(found)) {
         if (m_plugins.contains(plugin))
             continue;
-        Complain(QStringLiteral("Plugin \"%1\" is left out: it needs %2")
-                     .arg(plugin->GetName(), plugin->GetDependencies().join(QLatin1String(", "))));
+        Refuse(m_loaders.value(plugin)->fileName(),
+               QStringLiteral("Plugin \"%1\" is left out: it needs %2")
+                   .arg(plugin->GetName(), plugin->GetDependencies().join(QLatin1String(", "))));
         Unload(plugin);
     }
 }
@@ -104,17 +105,23 @@ CPluginInterface *CPluginManager::LoadFile(const QString &file)
     const QString interface = loader->metaData().value(QLatin1String("IID")).toString();
     CPluginInterface *plugin = nullptr;
     if (interface.isEmpty())
-        Complain(QStringLiteral("%1 is no plugin").arg(file));
+        Refuse(file, QStringLiteral("%1 is no plugin").arg(file));
     else if (interface != QLatin1String(CPluginInterface_iid))
-        Complain(QStringLiteral("%1 is built for %2, this client for %3")
-                     .arg(file, interface, QLatin1String(CPluginInterface_iid)));
+        Refuse(file, QStringLiteral("%1 is built for %2, this client for %3")
+                         .arg(file, interface, QLatin1String(CPluginInterface_iid)));
     else if (!(plugin = qobject_cast<CPluginInterface *>(loader->instance())))
-        Complain(QStringLiteral("%1 can't be loaded: %2").arg(file, loader->errorString()));
+        Refuse(file, QStringLiteral("%1 can't be loaded: %2").arg(file, loader->errorString()));
     else if (!m_loaders.contains(plugin))
         m_loaders.insert(plugin, loader.release());
     else // a hard link, which only the file system can tell; unloading it would delete the plugin
         plugin = nullptr;
     return plugin;
+}
+
+void CPluginManager::Refuse(const QString &file, const QString &complaint)
+{
+    Complain(complaint);
+    m_unusableFiles.append(file);
 }
 
 void CPluginManager::Unload(CPluginInterface *plugin)

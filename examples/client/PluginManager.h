@@ -4,7 +4,7 @@
 
 #include <QHash>
 #include <QObject>
-#include <QString>
+#include <QStringList>
 #include <QVector>
 
 class QPluginLoader;
@@ -29,6 +29,10 @@ public:
     /// Returns the plugins in the order of their start, each after those it depends on.
     const QVector<CPluginInterface *> &GetPlugins() const { return m_plugins; }
 
+    /// Returns the paths of the files in the folder that are no plugins for this client, and of plugins that lack
+    /// another one. Copies of a plugin don't count.
+    const QStringList &GetUnusableFiles() const { return m_unusableFiles; }
+
     /// Sorts plugins into the order of their start. A plugin is left out if it depends, directly or not, on a missing
     /// plugin, or on itself in a circle. Otherwise the given order is kept.
     static QVector<CPluginInterface *> SortByDependencies(const QVector<CPluginInterface *> &plugins);
@@ -39,8 +43,10 @@ Q_SIGNALS:
 
 private:
     CPluginInterface *LoadFile(const QString &file);
+    void Refuse(const QString &file, const QString &complaint);
     void Unload(CPluginInterface *plugin);
 
     QVector<CPluginInterface *> m_plugins;
     QHash<CPluginInterface *, QPluginLoader *> m_loaders; // by their instances
+    QStringList m_unusableFiles;
 };

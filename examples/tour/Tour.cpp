@@ -66,7 +66,8 @@ int CTour::Run()
 {
     QDir().mkpath(m_options.strOutput);
     m_host.GetSynchronisation().SetIntervals(SYNC_PAUSE_MS, SYNC_REGULAR_MS);
-    m_bFailed = !QTest::qWaitForWindowExposed(&m_window);
+    QWidget *first = m_window.isVisible() ? &m_window : Find<QWidget>("problems");
+    m_bFailed = !first || !QTest::qWaitForWindowExposed(first);
     CWatchedApplication::Get()->Forget(); // the start is over
     if (m_options.bSecondMachine)
         return RunSecondMachine();

@@ -147,7 +147,7 @@ private:
     QString SeePlayer(const QString &nickname, const QString &value);
     QString SeeAvatar(const QString &nickname, const QString &number) const;
     static QString SeePlayerRow(const QString &nickname, const QString &value);
-    QString SeeProblems() const;
+    QString SeeProblems(const QString &answers) const;
     QString SeeColours(const QString &colours);
     QString SeeState(EConnectionState::type state) const;
     QString SeeFilledLobby() const;

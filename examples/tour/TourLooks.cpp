@@ -1,6 +1,7 @@
 #include "Tour.h"
 
 #include <client/Look.h>
+#include <files/Pathes.h>
 #include <money/MoneySpinnerWidget.h>
 #include <settings/Settings.h>
 #include <ui/MenuManager.h>
@@ -171,7 +172,7 @@ void CTour::ShowLooks()
     }
 }
 
-// A folder with nothing but the program in it, as it seems.
+// A folder with nothing but the program in it, as it seems; then with its plugins.
 void CTour::ShowBareStart()
 {
     const QString folder = GetFolder("bare"_s);
@@ -179,9 +180,16 @@ void CTour::ShowBareStart()
     QDir().mkpath(GetClientFolder(folder));
     if (!m_bFailed)
         m_secondMachine.Start(folder, m_options.usPort);
-    DoThere({"A client without an installation connects", "connect"});
-    DoThere({"It says what is missing", "see problems"});
-    DoThere({"A picture", "window picture", "", "bare"});
+    DoThere({"A client without an installation says what is missing, before all else", "see problems", "", "&Quit"});
+    DoThere({"A picture", "picture", "", "bare"});
+    DoThere({"There is nothing to do but to quit", "answer problems", "", "&Quit"});
+    EndSecondMachine();
+    QFile::link(QDir(Pathes::Plugins()).canonicalPath(), GetClientFolder(folder) + "/Plugins"_s);
+    if (!m_bFailed)
+        m_secondMachine.Start(folder, m_options.usPort);
+    DoThere({"With its plugins it leaves a choice", "see problems", "", "&Quit &Go on anyway"});
+    DoThere({"The user goes on", "answer problems", "", "&Go on anyway"});
+    DoThere({"And is connected", "connect"});
     EndSecondMachine();
     See("It has made a folder of its user, with the four databases"_s, [&] {
         const QStringList files = QDir(GetClientFolder(folder) + "/../Tmp"_s).entryList({"*.sqlite"_s});
@@ -189,13 +197,20 @@ void CTour::ShowBareStart()
     });
 }
 
-QString CTour::SeeProblems() const
+QString CTour::SeeProblems(const QString &answers) const
 {
-    const auto *problems = Find<QLabel>("problems");
-    const bool isSeen = problems->isVisible() &&
-                        problems->text().contains(QLatin1String("config.sqlite is missing")) &&
-                        problems->text().contains(QLatin1String("language.sqlite is missing"));
-    return isSeen ? "%1 problems"_s.arg(problems->text().count(QLatin1Char('\n')) + 1) : QString();
+    const auto *problems = Find<QMessageBox>("problems");
+    const QString text = problems ? problems->informativeText() : QString();
+    QStringList shown;
+    const auto buttons = problems ? problems->buttons() : QList<QAbstractButton *>();
+    for (const QAbstractButton *button : buttons)
+        shown.append(button->text());
+    std::sort(shown.begin(), shown.end(), std::greater<>());
+    bool isSeen = shown.join(u' ') == answers && !m_window.isVisible();
+    for (const char *file : {"config.sqlite is missing", "language.sqlite is missing", "client-dark.css is missing"})
+        isSeen = isSeen && text.contains(QLatin1String(file));
+    isSeen = isSeen && text.contains("Plugins is missing"_s) == (shown.size() == 1);
+    return isSeen ? "%1 problems"_s.arg(text.count(" is missing"_s)) : QString();
 }
 
 // Contrast of text to what is behind it, as a reader needs it at least.

@@ -60,11 +60,11 @@ void PressDelete(QWidget &widget)
         QTest::keyClick(&widget, Qt::Key_Delete);
 }
 
-void Answer(const QMessageBox &message, const QString &key)
+void PressButton(const QMessageBox &message, const QString &text)
 {
     const auto buttons = message.buttons();
     for (QAbstractButton *button : buttons) {
-        if (button->text() == Texts::Get(key))
+        if (button->text() == text)
             return button->click();
     }
 }
@@ -103,7 +103,7 @@ void CTour::TakeStep(const QStringList &step)
           },
           [&] { return SeeText(m_window, value); }}},
         {"answer",
-         {[&] { Answer(*Find<QMessageBox>(), subject); },
+         {[&] { PressButton(*Find<QMessageBox>(), Texts::Get(subject)); },
           [&] { return Find<QMessageBox>() ? QString() : Texts::Get(subject); }}},
         {"lack player", {nothing, [&] { return ChoosePlayer(subject) ? QString() : "not in the list"_s; }}},
         {"see player", {nothing, [&] { return SeePlayer(subject, value); }}},
@@ -116,7 +116,10 @@ void CTour::TakeStep(const QStringList &step)
         {"language", {[&] { SetLanguage(value); }, [&] { return SeeTexts(value); }}},
         {"colours",
          {[&] { CSettings::GetInstance()->SetThemeGeneral(value.toInt()); }, [&] { return SeeColours(value); }}},
-        {"see problems", {nothing, [&] { return SeeProblems(); }}},
+        {"see problems", {nothing, [&] { return SeeProblems(value); }}},
+        {"answer problems",
+         {[&] { PressButton(*Find<QMessageBox>("problems"), value); },
+          [&] { return Find<QMessageBox>("problems") ? QString() : "the dialog closes"_s; }}},
         {"window picture", {nothing, [&] { return SaveScreenshot(m_window, value); }}},
         {"picture", {nothing, [&] { return SaveScreenshot(message ? *message : m_window, value); }}},
     };

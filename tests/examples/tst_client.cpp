@@ -128,6 +128,7 @@ private Q_SLOTS:
         manager.Load(folder.path());
         QCOMPARE(manager.GetPlugins().size(), 1);
         QVERIFY(!QFile::exists(path("plugin-code-ran"_s)));
+        QCOMPARE(manager.GetUnusableFiles(), QStringList({path("a_wrong.so"_s), path("z_broken.so"_s)}));
         const QString expected =
             "^.*a_wrong.so is built for .*\nm_copy.so: there is .*\n.*z_broken.so is no plugin\n$"_s;
         QVERIFY2(QRegularExpression(expected).match(GetMessages()).hasMatch(), qPrintable(GetMessages()));

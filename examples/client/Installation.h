@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <QVector>
+
+#include <functional>
+
+class CLocalDB;
+class CPluginManager;
+class QWidget;
+
+/// The files with which the client works, and what is wrong with them.
+namespace Installation {
+
+/// Returns all databases. The configuration is first, because the settings need it.
+QVector<CLocalDB *> GetDatabases();
+
+struct SProblem
+{
+    QString strText;          ///< A sentence with the path of the file, and what it means to the user.
+    bool bIsOfUser = false;   ///< A file that the client itself makes, so that another installation is no remedy.
+    bool bIsHopeless = false; ///< There is nothing to do in a client with this problem.
+};
+
+/// Returns what the client misses of Qt and of its installation, once \a plugins have been loaded, and which files of
+/// the user it can't use. The texts are English where the catalogue has none.
+QVector<SProblem> FindProblems(const CPluginManager &plugins);
+
+/// Shows the problems in a dialog of \a window and returns at once. If the user goes on all the same, which hopeless
+/// problems don't allow, \a goOn is called; otherwise the program quits.
+void ShowProblems(const QVector<SProblem> &problems, QWidget *window, const std::function<void()> &goOn);
+
+} // namespace Installation
