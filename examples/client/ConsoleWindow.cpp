@@ -5,11 +5,18 @@
 
 #include <common/FormField.h>
 #include <files/Console.h>
+#include <settings/Settings.h>
 
 #include <QComboBox>
+#include <QEvent>
 #include <QTableView>
 
 namespace {
+
+constexpr QSize CONSOLE_SIZE(1040, 600);
+// When the window has not moved for this time, its position is stored.
+constexpr int CONSOLE_REST_MS = 500;
+const QString CONSOLE_PLACE_KEY = QStringLiteral("console");
 
 // Creates a box whose first entry stands for all, and whose other entries stand for the numbers from 0 on.
 QComboBox *CreateChoice(const char *name, const QVector<const char *> &keys)
@@ -36,7 +43,8 @@ QWidget *CreateMessages()
     QComboBox *level =
         CreateChoice("level", {"CONSOLE_ALL", "CONSOLE_DEBUG", "CONSOLE_INFO", "CONSOLE_WARNING", "CONSOLE_ERROR"});
     auto *table = new CLogTable(
-        {"LOG_TIME", "CONSOLE_CATEGORY", "CONSOLE_LEVEL", "CONSOLE_TEXT", "CONSOLE_DETAIL"}, {28, 20, 16, 56, 24},
+        QStringLiteral("console"),
+        {"LOG_TIME", "CONSOLE_CATEGORY", "CONSOLE_LEVEL", "CONSOLE_TEXT", "CONSOLE_DETAIL"}, {30, 20, 18, 56, 24},
         "CONSOLE_SEARCH", {{"CONSOLE_CATEGORY_FIELD", category}, {"CONSOLE_LEVEL_FIELD", level}},
         [=](const QVariantList &values) {
             return (category->currentIndex() == 0 || values.at(0) == category->currentData()) &&
@@ -72,7 +80,11 @@ CConsoleWindow::CConsoleWindow(CHost &host, QWidget *parent)
 {
     setObjectName(QStringLiteral("console"));
     setWindowFlags(Qt::Window);
-    resize(1040, 600);
+    resize(CONSOLE_SIZE);
+    restoreGeometry(QByteArray::fromBase64(CSettings::GetInstance()->GetWinPosByKey(CONSOLE_PLACE_KEY)));
+    m_placeTimer.setSingleShot(true);
+    m_placeTimer.setInterval(CONSOLE_REST_MS);
+    connect(&m_placeTimer, &QTimer::timeout, this, &CConsoleWindow::RememberPlace);
     CloseByKeys(this);
     addTab(CreateMessages(), QString());
     addTab(CreateBusMonitor(host), QString());
@@ -84,4 +96,23 @@ CConsoleWindow::CConsoleWindow(CHost &host, QWidget *parent)
             widget(page)->findChild<QTableView *>()->setAccessibleName(titles[page]);
         }
     });
+}
+
+CConsoleWindow::~CConsoleWindow()
+{
+    if (m_placeTimer.isActive())
+        RememberPlace();
+}
+
+bool CConsoleWindow::event(QEvent *event)
+{
+    if (isVisible() && (event->type() == QEvent::Move || event->type() == QEvent::Resize))
+        m_placeTimer.start();
+    return QTabWidget::event(event);
+}
+
+void CConsoleWindow::RememberPlace()
+{
+    m_placeTimer.stop();
+    CSettings::GetInstance()->SetWinPosByKey(CONSOLE_PLACE_KEY, saveGeometry().toBase64());
 }

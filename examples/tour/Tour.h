@@ -97,6 +97,7 @@ private:
     void ShowStart();
     void ShowLobby();
     void ShowConsole();
+    void ShowConsoleAgain();
     void ShowClock();
     void ShowCancelledLogin();
     void ShowLogin();
