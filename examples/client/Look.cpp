@@ -1,5 +1,8 @@
 #include "Look.h"
 
+#include "RoomyStyle.h"
+#include "SystemColours.h"
+
 #include <common/Note.h>
 #include <files/Pathes.h>
 #include <settings/Settings.h>
@@ -8,6 +11,9 @@
 #include <QApplication>
 #include <QPalette>
 #include <QStyle>
+
+#include <memory>
+#include <optional>
 
 namespace {
 
@@ -44,9 +50,8 @@ bool ReadSheet(const QString &file, QString &styleSheet)
     return !path.isEmpty() && Globals::GetCssContents(path, styleSheet);
 }
 
-void Apply()
+void Apply(bool isDark)
 {
-    const bool isDark = CSettings::GetInstance()->GetThemeGeneral() == Look::CO_DARK;
     const QString file = isDark ? DARK_SHEET : LIGHT_SHEET;
     QString styleSheet;
     if (!ReadSheet(file, styleSheet))
@@ -60,10 +65,21 @@ void Apply()
 
 } // namespace
 
-void Look::Follow(QObject *owner)
+void Look::Follow(QObject *window)
 {
-    QObject::connect(CSettings::GetInstance(), &CSettings::signal_ThemeGeneralChanged, owner, &Apply);
-    Apply();
+    QApplication::setStyle(new CRoomyStyle); // Qt takes it over
+    const auto *system = new CSystemColours(window);
+    const auto applied = std::make_shared<std::optional<bool>>();
+    const auto follow = [=] {
+        const int colours = CSettings::GetInstance()->GetThemeGeneral();
+        const bool isDark = colours == CO_DARK || (colours != CO_LIGHT && system->IsDark());
+        if (*applied != isDark)
+            Apply(isDark);
+        *applied = isDark;
+    };
+    QObject::connect(CSettings::GetInstance(), &CSettings::signal_ThemeGeneralChanged, window, follow);
+    QObject::connect(system, &CSystemColours::signal_Changed, window, follow);
+    follow();
 }
 
 QStringList Look::FindUnreadableSheets()

@@ -51,7 +51,8 @@ QVariant GetTimezone()
 QWidget *CreateColours(QWidget *parent)
 {
     auto *box = new QComboBox(parent);
-    for (const auto &[key, colours] : {std::pair{"LOOK_LIGHT", Look::CO_LIGHT}, {"LOOK_DARK", Look::CO_DARK}})
+    for (const auto &[key, colours] :
+         {std::pair{"LOOK_SYSTEM", Look::CO_SYSTEM}, {"LOOK_LIGHT", Look::CO_LIGHT}, {"LOOK_DARK", Look::CO_DARK}})
         AddTextItem(box, key, colours);
     return box;
 }

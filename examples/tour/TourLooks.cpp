@@ -163,7 +163,7 @@ void CTour::ShowLooks()
         DoThere({"The user logs in on a screen of this density", "log in"});
         for (const QString &language : LANGUAGES)
             DoThere({"All texts fit", "language", "", qPrintable(language)});
-        DoThere({"In light colours", "colours", "", "0"});
+        DoThere({"In light colours", "colours", "", "2"});
         DoThere({"A picture", "window picture", "", light.constData()});
         DoThere({"In dark colours", "colours", "", "1"});
         DoThere({"All texts fit", "language", "", "English"});

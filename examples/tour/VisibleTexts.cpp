@@ -68,12 +68,24 @@ void AddList(const QListWidget &list, QVector<SVisibleText> &texts)
         texts.append({list.item(row)->text(), list.sizeHintForColumn(0), list.viewport()->width(), true});
 }
 
+// What a cell has beside its text, with what a style sheet adds.
+int GetCellMargins(const QTableView &table)
+{
+    QStyleOptionViewItem option;
+    option.initFrom(&table);
+    option.features = QStyleOptionViewItem::HasDisplay;
+    option.showDecorationSelected = true; // the text gets all the room then
+    option.rect = QRect(0, 0, 1000, 100);
+    const QRect room = table.style()->subElementRect(QStyle::SE_ItemViewItemText, &option, &table);
+    return option.rect.width() - room.width() + 2 * (table.style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
+}
+
 // The rows out of view too: they may be scrolled to.
 void AddTable(const QTableView &table, QVector<SVisibleText> &texts)
 {
     const QHeaderView &header = *table.horizontalHeader();
+    const int margins = GetCellMargins(table);
     for (int column = 0; column < header.count(); ++column) {
-        const int margins = 2 * (table.style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
         const QString title = table.model()->headerData(column, Qt::Horizontal).toString();
         texts.append({title, header.sectionSizeHint(column), header.sectionSize(column)});
         for (int row = 0; row < table.model()->rowCount(); ++row) {
