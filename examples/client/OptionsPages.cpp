@@ -1,11 +1,11 @@
 #include "OptionsPages.h"
 
 #include "Look.h"
+#include "PictureChooser.h"
 
 #include <common/FormField.h>
 #include <common/SettingsPage.h>
 #include <files/Pathes.h>
-#include <models/UserInfo.h>
 #include <sound/SoundManager.h>
 #include <time/CasinoTime.h>
 #include <translation/Translation.h>
@@ -13,12 +13,10 @@
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QSlider>
-#include <QSpinBox>
 
 namespace {
 
 constexpr int MAX_VOLUME = 100; // per cent
-constexpr int MAX_AVATAR = 999999;
 constexpr char SOUNDS_SWITCH[] = "soundsenabled";
 const QString SAMPLE = QStringLiteral("sounds/sample.wav");
 
@@ -71,22 +69,10 @@ Field *CreateNumber(QWidget *parent, int maximum, QLabel *label)
     return field;
 }
 
-// The user's own picture, by its number. It is downloaded when the number is applied.
+// The user's own picture.
 QWidget *CreateAvatar(QWidget *parent)
 {
-    auto *picture = CreateField<QLabel>(parent, "ownPicture");
-    auto *number = CreateNumber<QSpinBox>(parent, MAX_AVATAR, picture);
-    number->parentWidget()->layout()->setAlignment(number, Qt::AlignTop); // where the form's label is
-    const auto show = [=] {
-        const QPixmap pixmap(Pathes::CustomAvatar(static_cast<unsigned int>(number->value())));
-        picture->setPixmap(pixmap);
-        picture->setVisible(!pixmap.isNull());
-    };
-    QObject::connect(number, qOverload<int>(&QSpinBox::valueChanged), picture, show);
-    if (const CPlayerModel *own = CUserInfo::GetInstance()->GetPlayerModel())
-        QObject::connect(own, &CPlayerModel::signal_CustomAvatarChanged, picture, show);
-    show();
-    return number;
+    return CreatePictureChooser(parent);
 }
 
 QString GetPercent(int value)

@@ -144,6 +144,8 @@ private:
     void ChooseNextTab() const;
     bool ChoosePlayer(const QString &nickname) const;
     void ChangePlayer(const QString &nickname, const QString &value) const;
+    void ChoosePicture(const QString &number) const;
+    QString SeeOffer(const QString &picture);
     void ChooseAvatar(const QString &nickname, const QString &number) const;
     QString SeePlayer(const QString &nickname, const QString &value);
     QString SeeAvatar(const QString &nickname, const QString &number) const;

@@ -43,7 +43,8 @@ void CTour::ShowNotes()
     Do({"The user chooses a filter", "filter", "", "omaha"});
     MakeRules();
     StartWebServer();
-    Do({"The user chooses an own avatar", "choose avatar", OWN, OWN_AVATAR});
+    Do({"The options offer pictures, which the web server has", "offer pictures", OWN_AVATAR, "options-picture"});
+    Do({"The user chooses an own one", "choose avatar", OWN, OWN_AVATAR});
     See("The web server has it all"_s, [this] {
         return SeeServerRows(
             {"Robin|Bluffs on the river", "selectedlanguage|3", "ringgamefilter|omaha", "customcurrent|1001"});
@@ -51,7 +52,7 @@ void CTour::ShowNotes()
     ShowSecondMachine();
     ShowLostWebServer();
     Do({"The user goes back to English", "language", "", "English"});
-    Do({"And chooses a picture for another player", "choose avatar", OTHER, OTHER_AVATAR});
+    Do({"Another player gets a picture", "choose avatar", OTHER, OTHER_AVATAR});
     Do({"A picture of the tab of the players", "picture", "", "players"});
     ChooseNextTab();
     Do({"And to no filter", "filter", "", ""});

@@ -2,7 +2,7 @@
 
 #include <common/Texts.h>
 #include <files/Pathes.h>
-#include <models/UserInfo.h>
+#include <models/PlayerModel.h>
 #include <settings/Settings.h>
 
 #include <QAction>
@@ -15,7 +15,6 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QSocketNotifier>
-#include <QSpinBox>
 #include <QTabWidget>
 #include <QTextStream>
 #include <QtTest>
@@ -108,6 +107,7 @@ void CTour::TakeStep(const QStringList &step)
         {"lack player", {nothing, [&] { return ChoosePlayer(subject) ? QString() : "not in the list"_s; }}},
         {"see player", {nothing, [&] { return SeePlayer(subject, value); }}},
         {"note", {[&] { ChangePlayer(subject, value); }, [&] { return SeePlayerRow(subject, value); }}},
+        {"offer pictures", {[&] { ChoosePicture(subject); }, [&] { return SeeOffer(value); }}},
         {"see avatar", {nothing, [&] { return SeeAvatar(subject, value); }}},
         {"choose avatar", {[&] { ChooseAvatar(subject, value); }, [&] { return SeeAvatar(subject, value); }}},
         {"see filter", {nothing, [&] { return SeeFilter(value); }}},
@@ -163,17 +163,31 @@ void CTour::ChangePlayer(const QString &nickname, const QString &value) const
         QTest::keyClick(buddy, Qt::Key_Space);
 }
 
+// Opens the options, and chooses the user's picture with keys.
+void CTour::ChoosePicture(const QString &number) const
+{
+    Find<QAction>("openOptions")->trigger();
+    auto *box = Find<QComboBox>("customcurrent");
+    for (int i = 0; i < box->count() && box->currentData().toString() != number; ++i)
+        QTest::keyClick(box, Qt::Key_Down);
+}
+
+// All pictures are there.
+QString CTour::SeeOffer(const QString &picture)
+{
+    auto *box = Find<QComboBox>("customcurrent");
+    bool isSeen = box && box->count() > 1;
+    for (int entry = 1; isSeen && entry < box->count(); ++entry)
+        isSeen = box->itemIcon(entry).cacheKey() != box->itemIcon(0).cacheKey();
+    return isSeen ? SaveScreenshot(*box->window(), picture) : QString();
+}
+
 void CTour::ChooseAvatar(const QString &nickname, const QString &number) const
 {
-    const bool isOwn = nickname == FIRST_NICKNAME; // whose avatar is an option
-    if (isOwn)
-        Find<QAction>("openOptions")->trigger();
+    if (nickname == FIRST_NICKNAME) // whose options are open
+        QTest::keyClick(Find<QComboBox>("customcurrent"), Qt::Key_Return);
     else
-        ChoosePlayer(nickname);
-    auto *field = Find<QSpinBox>(isOwn ? "customcurrent" : "avatar");
-    field->selectAll();
-    QTest::keyClicks(field, number);
-    QTest::keyClick(field, Qt::Key_Return);
+        CPlayerModel::GetInstance(nickname)->SetCustomAvatar(number.toUInt());
 }
 
 QString CTour::SeePlayer(const QString &nickname, const QString &value)
@@ -190,11 +204,10 @@ QString CTour::SeePlayer(const QString &nickname, const QString &value)
 QString CTour::SeeAvatar(const QString &nickname, const QString &number) const
 {
     const bool isOwn = nickname == FIRST_NICKNAME;
-    const auto *user = CUserInfo::GetInstance()->GetPlayerModel();
-    const bool isChosen = isOwn ? user->GetCustomAvatar() == number.toUInt()
-                                : ChoosePlayer(nickname) && Find<QSpinBox>("avatar")->text() == number;
-    const QPixmap picture = isOwn ? QPixmap(Pathes::CustomAvatar(user->GetCustomAvatar()))
-                                  : Find<QLabel>("picture")->pixmap(Qt::ReturnByValue);
+    const unsigned int id = CPlayerModel::GetInstance(nickname)->GetCustomAvatar();
+    const bool isChosen = id == number.toUInt() && (isOwn || ChoosePlayer(nickname));
+    const QPixmap picture =
+        isOwn ? QPixmap(Pathes::CustomAvatar(id)) : Find<QLabel>("picture")->pixmap(Qt::ReturnByValue);
     const bool isSeen = isChosen && !picture.isNull();
     return isSeen ? "%1, %2 by %3 pixels"_s.arg(number).arg(picture.width()).arg(picture.height()) : QString();
 }

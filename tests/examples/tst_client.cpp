@@ -3,6 +3,7 @@
 #include <client/ConsoleWindow.h>
 #include <client/Host.h>
 #include <client/NewFile.h>
+#include <client/PictureChooser.h>
 
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
@@ -10,6 +11,7 @@
 #include <support/Singletons.h>
 #include <support/StubPlugin.h>
 
+#include <QComboBox>
 #include <QTableView>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -157,6 +159,20 @@ private Q_SLOTS:
         QTEST(folder.relativeFilePath(file), "file");
         QCOMPARE(ReadFile(file), "new");
         QCOMPARE(ReadFile(own), "own");
+    }
+
+    // The user may have one that the brand doesn't offer, or no more.
+    void PicturesOfTheUser()
+    {
+        const CInstallationTree tree;
+        tree.WriteFile("Resources/brand/Qt/common/Qt/client/pictures.json"_s, R"([7, 1001, "x", -3, 7])");
+        CSettings::GetInstance()->SetCustomCurrent(4242);
+        const QScopedPointer<QComboBox> box(CreatePictureChooser(nullptr));
+        CSettings::GetInstance()->SetCustomCurrent(5);
+        QStringList numbers;
+        for (int entry = 0; entry < box->count(); ++entry)
+            numbers.append(box->itemData(entry).toString());
+        QCOMPARE(numbers.join(u' '), "0 7 1001 4242 5"_s);
     }
 
     void OnlyWebPagesAreOpened()
