@@ -144,6 +144,9 @@ private:
     void ChooseNextTab() const;
     bool ChoosePlayer(const QString &nickname) const;
     void ChangePlayer(const QString &nickname, const QString &value) const;
+    void Rate(const QString &nickname, int stars) const;
+    QString SeeStars(const QString &nickname, int stars) const;
+    QString SeeFound(const QString &nicknames);
     void ChoosePicture(const QString &number) const;
     QString SeeOffer(const QString &picture);
     void ChooseAvatar(const QString &nickname, const QString &number) const;

@@ -38,6 +38,12 @@ void CTour::ShowNotes()
     Do({"The own name is refused", "add player", OWN, "PLAYERS_YOURSELF"});
     Do({"With a message", "answer", "OPTIONS_OK"});
     Do({"The user notes something of another player", "note", OTHER, FIRST_NOTE});
+    Do({"And gives stars, first with a key and then with the mouse", "rate", OTHER, "4"});
+    Do({"A search for what nobody is called and no note says", "search", "raises", ""});
+    Do({"A picture of that", "picture", "", "players-no-match"});
+    Do({"A search for a word of a note", "search", " RIVER", OTHER});
+    Do({"Without a search all are back", "search", "", OTHER});
+    Do({"The row has the tag's colour and the mark of a buddy", "see player", OTHER, FIRST_NOTE});
     for (const char *language : {"Français", "English", "Deutsch"})
         Do({"All that fits in every language", "language", "", language});
     Do({"The user chooses a filter", "filter", "", "omaha"});
@@ -79,9 +85,9 @@ void CTour::ShowLostWebServer()
     m_webServer.Kill();
     Do({"Without the web server this machine changes a note", "note", "Fern", "Folds|tag 1|"});
     Do({"And the filter", "filter", "", "stud"});
-    DoThere({"The other one changes another note", "note", "Old Tom", "Calls|tag 5|"});
+    DoThere({"The other one changes another note", "note", "Old Tom", "Calls|tag 5|buddy"});
     StartWebServer();
-    Do({"What the other machine has changed comes", "see player", "Old Tom", "Calls|tag 5|"});
+    Do({"What the other machine has changed comes", "see player", "Old Tom", "Calls|tag 5|buddy"});
     DoThere({"What the first machine has changed comes", "see player", "Fern", "Folds|tag 1|"});
     DoThere({"And its filter", "see filter", "", "stud"});
     Do({"The user removes a player, and is asked", "remove player", "Fern", "PLAYERS_REMOVE_NOTED"});

@@ -5,6 +5,7 @@
 #include <models/PlayerModel.h>
 #include <settings/Settings.h>
 
+#include <QAbstractSlider>
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -14,6 +15,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSocketNotifier>
 #include <QTabWidget>
 #include <QTextStream>
@@ -43,11 +45,16 @@ QString SeeText(const QWidget &window, const QString &key)
     return isSeen ? text : QString();
 }
 
+void TypeInto(QLineEdit *field, const QString &text)
+{
+    field->clear();
+    QTest::keyClicks(field, text);
+}
+
 void AddPlayer(const QWidget &window, const QString &nickname)
 {
     auto *field = window.findChild<QLineEdit *>("newPlayer"_s);
-    field->clear();
-    QTest::keyClicks(field, nickname);
+    TypeInto(field, nickname);
     QTest::keyClick(field, Qt::Key_Return);
 }
 
@@ -107,6 +114,8 @@ void CTour::TakeStep(const QStringList &step)
         {"lack player", {nothing, [&] { return ChoosePlayer(subject) ? QString() : "not in the list"_s; }}},
         {"see player", {nothing, [&] { return SeePlayer(subject, value); }}},
         {"note", {[&] { ChangePlayer(subject, value); }, [&] { return SeePlayerRow(subject, value); }}},
+        {"rate", {[&] { Rate(subject, value.toInt()); }, [&] { return SeeStars(subject, value.toInt()); }}},
+        {"search", {[&] { TypeInto(Find<QLineEdit>("playerSearch"), subject); }, [&] { return SeeFound(value); }}},
         {"offer pictures", {[&] { ChoosePicture(subject); }, [&] { return SeeOffer(value); }}},
         {"see avatar", {nothing, [&] { return SeeAvatar(subject, value); }}},
         {"choose avatar", {[&] { ChooseAvatar(subject, value); }, [&] { return SeeAvatar(subject, value); }}},
@@ -163,6 +172,39 @@ void CTour::ChangePlayer(const QString &nickname, const QString &value) const
         QTest::keyClick(buddy, Qt::Key_Space);
 }
 
+void CTour::Rate(const QString &nickname, int stars) const
+{
+    ChoosePlayer(nickname);
+    auto *field = Find<QAbstractSlider>("rating");
+    QTest::keyClick(field, Qt::Key_9); // too many
+    QTest::keyClick(field, Qt::Key_1);
+    const int size = field->width() / field->maximum();
+    if (field->value() == 1)
+        QTest::mouseClick(field, Qt::LeftButton, Qt::NoModifier, QPoint(stars * size - size / 2, size / 2));
+}
+
+QString CTour::SeeStars(const QString &nickname, int stars) const
+{
+    const bool isSeen = CPlayerModel::GetInstance(nickname)->GetRating() == stars &&
+                        Find<QAbstractSlider>("rating")->value() == stars;
+    return isSeen ? "%1 stars"_s.arg(stars) : QString();
+}
+
+// The list says so if nobody is found.
+QString CTour::SeeFound(const QString &nicknames)
+{
+    QStringList found;
+    auto *players = Find<QListWidget>("players");
+    for (int row = 0; row < players->count(); ++row) {
+        if (!players->item(row)->isHidden())
+            found.append(players->item(row)->text());
+    }
+    m_strFault = found.join(u',');
+    const bool isSeen =
+        m_strFault == nicknames && Find<QPushButton>("clearSearch")->isVisible() == nicknames.isEmpty();
+    return isSeen ? "found %1"_s.arg(found.isEmpty() ? "nobody"_s : m_strFault) : QString();
+}
+
 // Opens the options, and chooses the user's picture with keys.
 void CTour::ChoosePicture(const QString &number) const
 {
@@ -190,14 +232,22 @@ void CTour::ChooseAvatar(const QString &nickname, const QString &number) const
         CPlayerModel::GetInstance(nickname)->SetCustomAvatar(number.toUInt());
 }
 
+// A reader of the list hears of tag and buddy, too.
 QString CTour::SeePlayer(const QString &nickname, const QString &value)
 {
     if (!ChoosePlayer(nickname))
         return QString();
-    m_strFault =
-        "%1|tag %2|"_s.arg(Find<QPlainTextEdit>("note")->toPlainText()).arg(Find<QComboBox>("tag")->currentIndex()) +
-        (Find<QCheckBox>("buddy")->isChecked() ? "buddy"_s : QString());
-    return m_strFault == value ? nickname + QLatin1String(": ") + value : QString();
+    const auto *tag = Find<QComboBox>("tag");
+    const bool isBuddy = Find<QCheckBox>("buddy")->isChecked();
+    m_strFault = "%1|tag %2|"_s.arg(Find<QPlainTextEdit>("note")->toPlainText()).arg(tag->currentIndex()) +
+                 (isBuddy ? "buddy"_s : QString());
+    const QListWidgetItem *row = Find<QListWidget>("players")->currentItem();
+    const QString marks = row->data(Qt::AccessibleTextRole).toString();
+    const bool isSeen = m_strFault == value &&
+                        row->icon().cacheKey() == tag->itemIcon(tag->currentIndex()).cacheKey() &&
+                        marks.contains(tag->currentText()) == (tag->currentIndex() > 0) &&
+                        marks.count(u',') == int(isBuddy) + int(tag->currentIndex() > 0);
+    return isSeen ? marks + QLatin1String(": ") + value : QString();
 }
 
 // The picture is there too.

@@ -34,13 +34,13 @@ public:
     {
         QStringList names;
         for (int row = 0; row < m_pPlayers->count(); ++row)
-            names.append(m_pPlayers->item(row)->text());
+            names += m_pPlayers->item(row)->isHidden() ? QStringList() : QStringList{m_pPlayers->item(row)->text()};
         return names.join(u' ') + (m_pPlayers->isVisible() ? ""_s : " (off)"_s);
     }
     // Returns what is left in the field.
     QString Type(const QString &nickname) const
     {
-        auto *field = Find<QLineEdit>();
+        auto *field = Find<QLineEdit>("newPlayer"_s);
         field->clear();
         QTest::keyClicks(field, nickname);
         QTest::keyClick(field, Qt::Key_Return);
@@ -143,6 +143,29 @@ private Q_SLOTS:
         QCOMPARE(view.See(), ""_s);
     }
 
+    void Searched_data()
+    {
+        AddRows<QString, QString>({"words", "found"}, {{"a nickname", "TO"_s, "Tom"_s},
+                                                       {"a note", "river"_s, "Fern"_s},
+                                                       {"nothing", " "_s, "Fern Tom"_s},
+                                                       {"nobody", "raises"_s, ""_s}});
+    }
+    void Searched()
+    {
+        QFETCH(QString, words);
+        const CNotesView view;
+        view.LogIn("Magnolia"_s);
+        view.Type("Tom"_s);
+        view.Type("Fern"_s);
+        QTest::keyClicks(view.Find<QPlainTextEdit>(), "On the River"_s);
+        QTest::keyClicks(view.Find<QLineEdit>("playerSearch"_s), words);
+        QTEST(view.See(), "found");
+        QCOMPARE(view.Find<QPushButton>("clearSearch"_s)->isVisible(), view.See().isEmpty());
+        QCOMPARE(view.Find<QPlainTextEdit>() != nullptr, view.See().contains("Fern"_s)); // who was chosen
+        view.Type("Tim"_s); // a search that would hide the new player ends
+        QCOMPARE(view.See(), "Fern Tim Tom"_s);
+    }
+
     void Removed()
     {
         QTest::ignoreMessage(QtWarningMsg, "This plugin does not support propagateSizeHints()");
@@ -152,7 +175,9 @@ private Q_SLOTS:
         view.Type("Tom"_s);
         QTest::keyClicks(view.Find<QPlainTextEdit>(), "Bluffs"_s);
         view.Find<QCheckBox>()->click();
-        view.Find<QSpinBox>("rating"_s)->setValue(3);
+        auto *rating = view.Find<QAbstractSlider>("rating"_s);
+        QTest::keyClick(rating, Qt::Key_3);
+        QCOMPARE(QAccessible::queryAccessibleInterface(rating)->valueInterface()->currentValue(), QVariant(3));
         view.PressDelete();
         QCOMPARE(view.Answer(QMessageBox::Cancel), "example/players_remove_noted"_s);
         QCOMPARE(view.See(), "Tom"_s);

@@ -45,9 +45,11 @@ cp "$sources"/examples/minimal/* . # README shows them as they are
 follow README.md build/host >answer 2>&1
 await answer 'the game server has 3 tables'
 
-# The plugin in the pieces in which the page shows them.
+# The plugin in the pieces in which the page shows them, and the files that it shows as a whole.
 cd "$HOME/notes"
-cp "$sources/examples/plugins/notes/CMakeLists.txt" .
+for file in $(sed -n 's|^@include ||p' "$sources/docs/tutorial.md"); do
+    cp "$sources/examples/$file" .
+done
 for piece in $(sed -n 's|^@snippet plugins/notes/NotesPlugin.cpp ||p' "$sources/docs/tutorial.md"); do
     awk "/\/\/! .*\[$piece\]/ {on = !on; next} on && !/\/\/! \[/" "$sources/examples/plugins/notes/NotesPlugin.cpp"
 done >NotesPlugin.cpp

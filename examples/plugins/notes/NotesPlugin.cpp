@@ -1,11 +1,14 @@
 //! [includes]
+#include "Fields.h"
+#include "PlayerList.h"
+#include "StarField.h"
+
 #include <files/Pathes.h>
 #include <models/PlayerLists.h>
 #include <models/PlayerTaggingModel.h>
 #include <models/UserInfo.h>
 #include <plugin/PluginInterface.h>
 #include <settings/PlayerInfo.h>
-#include <translation/Translation.h>
 
 #include <QtWidgets>
 
@@ -13,53 +16,7 @@
 
 namespace {
 
-//! [includes] [texts]
-// Calls a function now and each time that the user chooses another language, while the object exists.
-template <typename Function>
-void FollowLanguage(QObject *object, const Function &function)
-{
-    QObject::connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, object, function);
-    function();
-}
-
-// Passes a text of the catalogue to a setter of the widget, in the user's language.
-template <typename Widget, typename Setter>
-void BindText(Widget *widget, Setter setter, const char *key)
-{
-    FollowLanguage(widget, [=] {
-        const QString area = QStringLiteral("EXAMPLE");
-        (widget->*setter)(CTranslation::GetInstance()->GetTranslatedString(QLatin1String(key), area, -1));
-    });
-}
-
-// Adds a field to a form, with a label, and with an object name, by which tests find it.
-template <typename Field>
-Field *AddField(QFormLayout *form, const char *key, const char *name)
-{
-    auto *field = new Field;
-    field->setObjectName(QLatin1String(name));
-    auto *label = new QLabel;
-    label->setBuddy(field);
-    BindText(label, &QLabel::setText, key);
-    form->addRow(label, field);
-    return field;
-}
-
-// Opens a message about a player, and doesn't wait for the answer. Its texts are given by their keys.
-QMessageBox *OpenMessage(QWidget *parent, const QString &nickname, const char *key,
-                         const QVector<QPair<QMessageBox::StandardButton, const char *>> &buttons)
-{
-    auto *message = new QMessageBox(parent);
-    message->setAttribute(Qt::WA_DeleteOnClose);
-    message->setWindowTitle(nickname);
-    BindText(message, &QMessageBox::setText, key);
-    for (const auto &[button, text] : buttons)
-        BindText(message->addButton(button), &QPushButton::setText, text);
-    message->open();
-    return message;
-}
-
-//! [texts] [payload]
+//! [includes] [payload]
 // Returns the speaker of a line that somebody has said, or an empty text if the payload isn't such a line. It has a
 // tag, the table's number in 32 bits, the line and the speaker, and more. A text has its number of bytes in 16 bits.
 QString GetSpeaker(const QByteArray &payload)
@@ -138,27 +95,27 @@ private:
     QWidget *CreatePlayers()
     {
         auto *page = new QWidget;
-        m_pPlayers = new QListWidget;
+        QLineEdit *search = CreateLine("PLAYERS_SEARCH", "playerSearch");
+        search->setClearButtonEnabled(true);
+        m_pPlayers = new CPlayerList(search);
         m_pPlayers->setObjectName(QStringLiteral("players"));
-        m_pPlayers->setSortingEnabled(true);
         BindText(m_pPlayers.data(), &QWidget::setAccessibleName, "PLAYERS_TITLE");
-        auto *nickname = new QLineEdit;
-        nickname->setObjectName(QStringLiteral("newPlayer"));
-        BindText(nickname, &QLineEdit::setPlaceholderText, "PLAYERS_NICKNAME");
-        BindText(nickname, &QWidget::setAccessibleName, "PLAYERS_NICKNAME");
+        QLineEdit *nickname = CreateLine("PLAYERS_NICKNAME", "newPlayer");
         auto *remove = new QPushButton;
         BindText(remove, &QPushButton::setText, "PLAYERS_REMOVE");
         auto *deleteKey = new QShortcut(QKeySequence(Qt::Key_Delete), m_pPlayers);
         deleteKey->setContext(Qt::WidgetShortcut); // in all other widgets the key deletes text
+        auto *findKey = new QShortcut(QKeySequence::Find, page);
         auto *layout = new QGridLayout(page);
         layout->setColumnStretch(0, 1);
         layout->setColumnStretch(1, 2);
-        layout->addWidget(m_pPlayers, 0, 0);
-        layout->addWidget(remove, 1, 0);
-        layout->addWidget(nickname, 2, 0);
+        layout->addWidget(search, 0, 0);
+        layout->addWidget(m_pPlayers, 1, 0);
+        layout->addWidget(remove, 2, 0);
+        layout->addWidget(nickname, 3, 0);
         const auto showChosen = [this, layout, remove] {
             delete m_pForm;
-            layout->addWidget(m_pForm = new QWidget, 0, 1, 3, 1);
+            layout->addWidget(m_pForm = new QWidget, 0, 1, -1, 1);
             const QListWidgetItem *chosen = m_pPlayers->currentItem();
             remove->setEnabled(chosen != nullptr);
             if (chosen)
@@ -169,6 +126,7 @@ private:
         connect(nickname, &QLineEdit::returnPressed, page, [this, nickname] { AddTyped(nickname); });
         connect(remove, &QPushButton::clicked, page, [this] { AskToRemove(m_pPlayers->currentItem()->text()); });
         connect(deleteKey, &QShortcut::activated, remove, &QPushButton::click);
+        connect(findKey, &QShortcut::activated, search, [search] { search->setFocus(Qt::ShortcutFocusReason); });
         return page;
     }
 
@@ -179,7 +137,7 @@ private:
         m_pView->setCurrentIndex(user->IsLoggedIn() ? 1 : 0);
         if (!user->IsLoggedIn()) {
             m_items.clear();
-            m_pPlayers->clear(); // removes the current player, which deletes the form
+            m_pPlayers->Forget(); // removes the current player, which deletes the form
             return;
         }
         const auto rows = PlayerInfo::GetSyncList(user->GetNickname(), 0);
@@ -187,13 +145,14 @@ private:
             if (!m_items.contains(row.strPlayer) && IsNoted(CPlayerModel::GetInstance(row.strPlayer)))
                 Add(row.strPlayer);
         }
+        m_pPlayers->ShowMarks(); // no signal announces a buddy from another machine
     }
 
     QListWidgetItem *Add(const QString &nickname)
     {
         const bool isAllowed = CUserInfo::GetInstance()->IsLoggedIn() && IsNickname(nickname) && !IsUser(nickname);
         if (isAllowed && !m_items.contains(nickname))
-            m_items.insert(nickname, new QListWidgetItem(nickname, m_pPlayers));
+            m_items.insert(nickname, m_pPlayers->AddPlayer(nickname));
         return m_items.value(nickname);
     }
 
@@ -205,7 +164,7 @@ private:
             OpenMessage(m_pView, field->text(), reason, {{QMessageBox::Ok, "OPTIONS_OK"}});
             return;
         }
-        m_pPlayers->setCurrentItem(player);
+        m_pPlayers->Choose(player);
         field->clear();
     }
 
@@ -242,31 +201,51 @@ private:
     }
 
     //! [removal] [form]
-    static void FillForm(QFormLayout *form, CPlayerModel *player)
+    // Returns the label for the picture.
+    static QLabel *AddHeading(QFormLayout *form, const QString &nickname)
     {
-        auto *note = AddField<QPlainTextEdit>(form, "PLAYERS_NOTE", "note");
-        note->setTabChangesFocus(true);
+        auto *picture = new QLabel;
+        picture->setObjectName(QStringLiteral("picture"));
+        picture->setFixedSize(64, 64); // whatever the file has
+        picture->setScaledContents(true);
+        BindText(picture, &QWidget::setAccessibleName, "PLAYERS_PICTURE");
+        auto *name = new QLabel(nickname);
+        name->setTextFormat(Qt::PlainText); // another user chooses it
+        name->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        QFont font = name->font();
+        font.setPointSizeF(1.5 * QFontInfo(font).pointSizeF());
+        name->setFont(font);
+        auto *heading = new QHBoxLayout;
+        heading->addWidget(picture);
+        heading->addWidget(name, 1);
+        form->addRow(heading);
+        return picture;
+    }
+
+    void FillForm(QFormLayout *form, CPlayerModel *player)
+    {
+        form->setContentsMargins(form->contentsMargins().left(), 0, 0, 0);
+        QLabel *picture = AddHeading(form, player->GetNickname());
         auto *tag = AddField<QComboBox>(form, "PLAYERS_TAG", "tag");
         CPlayerTaggingModel *tags = CPlayerTaggingModel::GetInstance();
         for (unsigned int id = 0; id < CPlayerTaggingModel::ulMaxPlayerTags; ++id)
             tag->addItem(tags->GetIcon(id), tags->GetText(id));
         auto *buddy = AddField<QCheckBox>(form, "PLAYERS_BUDDY", "buddy");
-        auto *rating = AddField<QSpinBox>(form, "PLAYERS_RATING", "rating");
-        rating->setMaximum(5);
-        auto *avatar = AddField<QSpinBox>(form, "PLAYERS_AVATAR", "avatar");
-        avatar->setMaximum(999999);
-        avatar->setKeyboardTracking(false); // each value is one picture to download
-        auto *picture = AddField<QLabel>(form, "PLAYERS_PICTURE", "picture");
+        auto *rating = AddField<CStarField>(form, "PLAYERS_RATING", "rating");
+        auto *note = AddField<QPlainTextEdit>(form, "PLAYERS_NOTE", "note");
+        note->setTabChangesFocus(true);
         //! [form] [bindings]
+        const auto showBuddy = [=] { buddy->setChecked(IsBuddy(player)); };
         const auto show = [=] {
-            const QSignalBlocker blockers[] = {QSignalBlocker(note), QSignalBlocker(rating), QSignalBlocker(avatar)};
+            const QSignalBlocker blockers[] = {QSignalBlocker(note), QSignalBlocker(rating)};
             if (note->toPlainText() != player->GetNotes()) // otherwise the cursor would move
                 note->setPlainText(player->GetNotes());
             tag->setCurrentIndex(static_cast<int>(player->GetTagID()));
-            buddy->setChecked(IsBuddy(player));
             rating->setValue(player->GetRating());
-            avatar->setValue(static_cast<int>(player->GetCustomAvatar()));
-            picture->setPixmap(QPixmap(Pathes::CustomAvatar(player->GetCustomAvatar())));
+            const QPixmap pixmap(Pathes::CustomAvatar(player->GetCustomAvatar()));
+            picture->setPixmap(pixmap);
+            picture->setVisible(!pixmap.isNull());
+            showBuddy();
         };
         show();
         connect(player, &CPlayerModel::signal_NotesChanged, form, show);
@@ -274,20 +253,14 @@ private:
         connect(player, &CPlayerModel::signal_BuddyChanged, form, show);
         connect(player, &CPlayerModel::signal_RatingChanged, form, show);
         connect(player, &CPlayerModel::signal_CustomAvatarChanged, form, show);
+        connect(&m_look, &QTimer::timeout, form, showBuddy); // from another machine, as above
         connect(note, &QPlainTextEdit::textChanged, player, [=] { player->SetNotes(note->toPlainText()); });
         connect(tag, qOverload<int>(&QComboBox::activated), player, [=](int id) { player->SetTagID(uint(id)); });
-        connect(rating, &QSpinBox::textChanged, player, [=] { player->SetRating(uchar(rating->value())); });
-        connect(avatar, &QSpinBox::textChanged, player, [=] { player->SetCustomAvatar(uint(avatar->value())); });
+        connect(rating, &CStarField::valueChanged, player, [=](int stars) { player->SetRating(uchar(stars)); });
         connect(buddy, &QCheckBox::clicked, player, [=](bool on) { SetBuddy(player, on); });
     }
 
-    // A buddy of an earlier login is only in the list.
-    static bool IsBuddy(CPlayerModel *player)
-    {
-        return player->GetBuddy() || CPlayerLists::GetInstance()->GetBuddyList()->contains(player);
-    }
-
-    static void SetBuddy(CPlayerModel *player, bool on)
+    void SetBuddy(CPlayerModel *player, bool on)
     {
         CPlayerLists *lists = CPlayerLists::GetInstance();
         while (lists->GetBuddyList()->contains(player))
@@ -296,10 +269,11 @@ private:
             lists->AddNewBuddy(player);
         else
             player->SetBuddy(false);
+        m_pPlayers->ShowMarks(); // a buddy of an earlier login ends without a signal
     }
 
     QPointer<QStackedWidget> m_pView;          // which the host owns
-    QPointer<QListWidget> m_pPlayers;          // a child of the view
+    QPointer<CPlayerList> m_pPlayers;          // a child of the view
     QPointer<QWidget> m_pForm;                 // a child of the view
     QHash<QString, QListWidgetItem *> m_items; // of the list, by nickname
     QTimer m_look;                             // finds players from another machine, whom no signal announces
