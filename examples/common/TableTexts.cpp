@@ -4,12 +4,15 @@
 
 #include <money/MoneyStrings.h>
 
+#include <QGuiApplication>
 #include <QHash>
 
 namespace TableTexts {
 
 namespace {
 
+constexpr ushort LEFT_TO_RIGHT = 0x2066; // Unicode's isolates
+constexpr ushort END_OF_DIRECTION = 0x2069;
 const QHash<int, const char *> TYPE_KEYS{{GlobalDefines::TT_PRIVATE, "LOBBY_TYPE_PRIVATE"},
                                          {GlobalDefines::TT_RESTRICTED, "LOBBY_TYPE_RESTRICTED"},
                                          {GlobalDefines::TT_SITANDGO, "LOBBY_TYPE_SIT_AND_GO"},
@@ -51,7 +54,9 @@ QString GetStakes(const LobbyProtocol::STable &table)
     if (IsTournament(table) && table.mvLow == 0 && table.mvHigh == 0)
         return Texts::Get("LOBBY_FREE");
     const QString separator = IsTournament(table) ? QStringLiteral(" + ") : QStringLiteral("/");
-    return AmountText(table.eMoney, table.mvLow) + separator + AmountText(table.eMoney, table.mvHigh);
+    const QString stakes = AmountText(table.eMoney, table.mvLow) + separator + AmountText(table.eMoney, table.mvHigh);
+    // Where texts run from right to left, signs and digits alone would take the other order.
+    return QGuiApplication::isRightToLeft() ? QChar(LEFT_TO_RIGHT) + stakes + QChar(END_OF_DIRECTION) : stakes;
 }
 
 } // namespace TableTexts

@@ -10,6 +10,7 @@
 #include <QElapsedTimer>
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QPalette>
 #include <QScopedValueRollback>
 
 #include <algorithm>
