@@ -37,6 +37,8 @@ constexpr const char *PIECES[] = {
     "import QtQuick.Controls 2.15; Pane {}",
     "import QtQuick.Controls 2.15; TextField {}",
     "import QtQuick.Controls 2.15; ComboBox {}",
+    "import QtQuick.Controls 2.15; Button {}",
+    "import QtQuick.Controls 2.15; ToolTip {}",
     "import QtQuick.Controls 2.15; ScrollBar {}",
 };
 

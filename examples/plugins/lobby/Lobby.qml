@@ -8,7 +8,8 @@ Pane {
     focus: true
 
     readonly property real rowHeight: Math.ceil(metrics.height * 1.4)
-    readonly property var neededWidths: columns.needed
+    // Copies, because a list of C++ is read as a whole for each element.
+    readonly property var neededWidths: columns.needed.map(width => width)
     readonly property real neededWidth: neededWidths.reduce((sum, width) => sum + width, 0)
     // What each cell needs, looked up once.
     readonly property real cellPadding: metrics.height / 4
@@ -17,7 +18,7 @@ Pane {
     readonly property color text: palette.text
     readonly property color highlight: palette.highlight
     readonly property color highlightedText: palette.highlightedText
-    readonly property var widths: columns.widths
+    readonly property var widths: columns.widths.map(width => width)
 
     function choose(row) {
         tables.chosenRow = Math.max(0, Math.min(row, list.rows - 1))
@@ -153,7 +154,7 @@ Pane {
                 id: list
                 objectName: "quickTables"
                 readonly property real room: frame.height - 2 * frame.border.width
-                readonly property int rowsAtOnce: 8
+                readonly property int rowsAtOnce: 6
                 property int begunRows: 0
                 onRowsChanged: begunRows = Math.min(begunRows, rows + rowsAtOnce)
                 height: Math.min(room, begunRows * root.rowHeight)
