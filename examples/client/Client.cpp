@@ -31,7 +31,6 @@
 #include <ui/OptionsDialogManager.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QTextStream>
 
 namespace {
@@ -54,7 +53,7 @@ void DestroyInstances()
 CClient::CShared::CShared()
 {
     QObject::connect(CConsole::GetInstance(), &CConsole::signal_MessageAdded, &PrintMessage);
-    QDir().mkpath(Pathes::Tmp());
+    Installation::MakeUserFolder();
     for (CLocalDB *database : Installation::GetDatabases())
         database->Init();
     CConfig::GetInstance();
@@ -64,9 +63,7 @@ CClient::CShared::CShared()
     CCasinoTime::GetInstance();
     CCasinoInfo::GetInstance()->InitCasinoInfo();
     Globals::SetApplicationProxy();
-    // Transfers connect directly, so any server that asks for the proxy's password isn't the proxy.
-    CNetworkAccessManager *manager = CNetworkAccessManager::GetInstance();
-    QObject::disconnect(manager, &QNetworkAccessManager::proxyAuthenticationRequired, manager, nullptr);
+    CNetworkAccessManager::GetInstance()->SetProxyCredentialsGuarded(true);
 }
 
 // Called when window and plugins are destroyed. Each object is destroyed before those that it uses. The settings
@@ -97,6 +94,9 @@ CClient::CClient(const QString &server, quint16 port)
     const auto problems = Installation::FindProblems(m_host.GetPluginManager());
     for (const Installation::SProblem &problem : problems)
         Note(problem.strText, CConsole::MC_General);
+    const QStringList openFiles = Installation::FindOpenFiles();
+    for (const QString &file : openFiles)
+        Note(QStringLiteral("Other users of this machine can open %1").arg(file), CConsole::MC_Database);
     const auto open = [this] {
         m_window.show();
         m_host.OpenLink();

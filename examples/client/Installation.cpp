@@ -88,6 +88,22 @@ void FindPluginProblems(const CPluginManager &plugins, QVector<Installation::SPr
 
 } // namespace
 
+void Installation::MakeUserFolder()
+{
+    const QString folder = Pathes::Tmp();
+    if (!QDir(folder).exists() && QDir().mkpath(folder))
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+QStringList Installation::FindOpenFiles()
+{
+    constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    QStringList files{Pathes::SettingsDB(), Pathes::PlayerInfoDB(), Pathes::LobbyListDB(), Pathes::HandHistoryDB()};
+    const auto isPrivate = [=](const QString &file) { return !(QFile::permissions(file) & others); };
+    files.erase(std::remove_if(files.begin(), files.end(), isPrivate), files.end());
+    return files;
+}
+
 QVector<CLocalDB *> Installation::GetDatabases()
 {
     return {CConfigDB::GetInstance(),     CTranslationDB::GetInstance(), CSettingsDB::GetInstance(),

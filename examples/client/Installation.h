@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <functional>
@@ -11,6 +11,11 @@ class QWidget;
 
 /// The files with which the client works, and what is wrong with them.
 namespace Installation {
+
+/// Makes the folder of the user's files unless it is there, so that no other user of the machine can open it.
+void MakeUserFolder();
+/// Returns the user's databases that other users of the machine can open, such as those of older clients.
+QStringList FindOpenFiles();
 
 /// Returns all databases. The configuration is first, because the settings need it.
 QVector<CLocalDB *> GetDatabases();

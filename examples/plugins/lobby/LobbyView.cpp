@@ -167,7 +167,7 @@ void CLobbyView::SetUpTable()
 void CLobbyView::MeasureColumns()
 {
     QHeaderView *header = m_pTable->horizontalHeader();
-    const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1); // of a cell
+    const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);  // of a cell
     const int mark = style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, header); // of the sort indicator
     int sum = m_pTable->verticalScrollBar()->sizeHint().width() + margins;
     QList<qreal> needed;
