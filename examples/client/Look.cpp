@@ -60,8 +60,6 @@ void Apply(bool isDark)
     palette.setColor(QPalette::Highlight, QColor(BRAND_GREEN));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     QApplication::setPalette(palette);
-    if (QGuiApplication::isRightToLeft()) // the menus begin where the brand's mark would be
-        styleSheet += QStringLiteral("QMenuBar { image-position: center left; }");
     qApp->setStyleSheet(styleSheet);
 }
 

@@ -14,6 +14,7 @@ constexpr const char *NICKNAMES[] = {"Bluebell", "Captain Kit", "Dorothea", "Eag
 constexpr quint32 PICTURES = 8; // stock pictures from 1 on
 
 constexpr quint32 CHIPS_OF_A_TOURNAMENT = 1500;
+constexpr quint32 STAKE_OF_A_TOURNAMENT = 30;
 // Stacks of ring games, in higher stakes.
 constexpr quint32 SMALLEST_STACK = 20;
 constexpr quint32 STACK_OF_USERS = 50;
@@ -74,7 +75,7 @@ bool CSeats::PlayHand(quint32 draw)
     TableProtocol::SSeat &wins = m_seats[players.at(winner)].seat;
     TableProtocol::SSeat &loses = m_seats[players.at((winner + 1) % int(players.size()))].seat;
     // Whole stakes, and never the last one of a stack.
-    const quint32 stake = IsTournament(m_table) ? CHIPS_OF_A_TOURNAMENT / STACK_OF_USERS : m_table.mvHigh;
+    const quint32 stake = IsTournament(m_table) ? STAKE_OF_A_TOURNAMENT : m_table.mvHigh;
     const quint32 pot = std::min(stake * (1 + draw / 16 % 4), loses.uiStack - std::min(stake, loses.uiStack));
     wins.uiStack += pot;
     loses.uiStack -= pot;
