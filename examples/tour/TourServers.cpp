@@ -4,6 +4,8 @@
 #include <QTextStream>
 #include <QtTest>
 
+#include <csignal>
+
 namespace {
 
 constexpr int START_LIMIT_MS = 10000;
@@ -25,6 +27,11 @@ QString CServerProcess::Start(const QString &program, const QStringList &argumen
             return QString();
     }
     return QString::fromUtf8(m_process.readLine()).trimmed();
+}
+
+void CServerProcess::Pause(bool on)
+{
+    ::kill(static_cast<pid_t>(m_process.processId()), on ? SIGSTOP : SIGCONT);
 }
 
 void CServerProcess::Kill()

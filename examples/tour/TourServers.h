@@ -13,6 +13,8 @@ public:
     QString Start(const QString &program, const QStringList &arguments);
     /// Ends it at once, wherever it is.
     void Kill();
+    /// Stops it where it is, or lets it go on.
+    void Pause(bool on);
 
 private:
     QProcess m_process;

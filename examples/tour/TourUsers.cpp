@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QTableView>
 #include <QToolButton>
 #include <QtTest>
@@ -51,8 +52,20 @@ void CTour::ShowCancelledLogin()
         "The user is asked for a nickname"_s, [this] { Find<QToolButton>("logInButton")->click(); },
         [this] { return SeeDialog(); });
     Step(
+        "A server that doesn't answer keeps the user waiting"_s,
+        [this] {
+            m_gameServer.Pause(true);
+            TypeLogin(FIRST_NICKNAME, FIRST_PASSWORD);
+        },
+        [this] {
+            return Find<QProgressBar>("loginBusy")->isVisible()
+                       ? SaveScreenshot(*Find<CLoginDialog>(), "login-waiting"_s)
+                       : QString();
+        });
+    Step(
         "The user gives it up"_s, [this] { QTest::keyClick(Find<CLoginDialog>(), Qt::Key_Escape); },
         [this] { return SeeUser(Texts::Get(NOBODY)); });
+    m_gameServer.Pause(false); // its answer comes too late
 }
 
 void CTour::ShowLogin()
