@@ -1,11 +1,23 @@
 #include "Tour.h"
 
+#include <ui/TableView.h>
+
 #include <QAction>
 #include <QCheckBox>
+#include <QJSValue>
+#include <QMouseEvent>
 #include <QQuickItem>
 #include <QQuickWidget>
 #include <QTableView>
 #include <QtTest>
+
+#include <cmath>
+
+namespace {
+
+constexpr int DRAG = 20; // pixels
+
+} // namespace
 
 void CTour::ShowQml()
 {
@@ -51,6 +63,26 @@ void CTour::ShowQml()
     Step(
         "The window is in front again"_s, [this] { m_window.activateWindow(); },
         [this] { return m_window.isActiveWindow() ? m_window.windowTitle() : QString(); });
+    double width = 0; // of the first column
+    const auto readWidth = [&] {
+        const QVariant widths = findView()->rootObject()->property("widths");
+        return widths.value<QJSValue>().toVariant().toList().value(0).toDouble();
+    };
+    const auto drag = [&] {
+        width = readWidth();
+        const auto *rows = findView()->rootObject()->findChild<QQuickItem *>("quickTables"_s);
+        const QPoint edge = rows->mapToScene(QPointF(width, -m_window.fontMetrics().height())).toPoint();
+        QTest::mousePress(findView(), Qt::LeftButton, {}, edge);
+        const QPoint end = edge + QPoint(DRAG, 0);
+        QMouseEvent move(QEvent::MouseMove, end, findView()->mapToGlobal(end), Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(findView(), &move);
+        QTest::mouseRelease(findView(), Qt::LeftButton, {}, end);
+    };
+    Step("A column is dragged, which is stored"_s, drag, [&] {
+        m_strFault = "%1 to %2"_s.arg(width).arg(readWidth());
+        const bool isStored = TableView::Load("lobby"_s).value(0) == std::floor(readWidth());
+        return isStored && qAbs(readWidth() - width - DRAG) < 2 ? m_strFault : QString();
+    });
     Step("A filter is typed"_s, typeFilter,
          [&] { return widgets->model()->rowCount() < 100 ? seeTables() : QString(); });
     const auto choose = [&] { press({Qt::Key_Return, Qt::Key_End, Qt::Key_Up, Qt::Key_Return}); };
