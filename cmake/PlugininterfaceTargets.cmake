@@ -253,6 +253,7 @@ function(plugininterface_test name)
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp"
         FAIL_REGULAR_EXPRESSION "QWARN  :|QCRITICAL:|QSYSTEM:"
         RUN_SERIAL ${ARG_SERIAL}
+        LABELS "$<$<BOOL:${ARG_SERIAL}>:serial>"
         PROCESSORS ${processors})
 endfunction()
 
