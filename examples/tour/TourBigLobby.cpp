@@ -14,7 +14,7 @@ constexpr int TABLES = 10000;
 constexpr double LONGEST_TURN_MS = 16;
 // Of QML with Qt 6, in which a text takes half as long again: when rows come or go, all cells are set up anew.
 constexpr double LONGEST_QUICK_TURN_MS = QT_VERSION < QT_VERSION_CHECK(6, 0, 0) ? LONGEST_TURN_MS : 32;
-constexpr int TRIES = 5;
+constexpr int TRIES = 3;
 
 bool IsInTime(const CWatchedApplication::SEvent &busiest)
 {
