@@ -83,37 +83,42 @@ Pane {
         }
 
         // HorizontalHeaderView isn't used because it stays connected to the model after its own destruction.
-        Row {
+        // It is created after the rest, in pieces, since buttons take long.
+        Loader {
             Layout.leftMargin: frame.border.width
             Layout.preferredWidth: 0 // otherwise the columns' spare width would widen the window, and so on
-            Repeater {
-                model: root.neededWidths.length
-                Button {
-                    readonly property bool isOrder: index === tables.orderColumn
-                    readonly property bool isAscending: tables.order === Qt.AscendingOrder
-                    readonly property string title: texts.current ? tables.headerData(index, Qt.Horizontal) : ""
-                    text: title + (!isOrder ? "" : isAscending ? " \u25b4" : " \u25be")
-                    Accessible.name: title
-                    width: root.widths[index] || 0
-                    z: -index // the handles lie upon the next title
-                    padding: metrics.height / 4
-                    flat: true
-                    contentItem: Label {
-                        text: parent.text
-                        horizontalAlignment: index < 3 ? Text.AlignLeft : Text.AlignRight
-                    }
-                    onClicked: tables.sort(index, isOrder && isAscending ? Qt.DescendingOrder : Qt.AscendingOrder)
+            Layout.minimumHeight: 1.5 * metrics.height
+            asynchronous: true
+            sourceComponent: Row {
+                Repeater {
+                    model: root.neededWidths.length
+                    Button {
+                        readonly property bool isOrder: index === tables.orderColumn
+                        readonly property bool isAscending: tables.order === Qt.AscendingOrder
+                        readonly property string title: texts.current ? tables.headerData(index, Qt.Horizontal) : ""
+                        text: title + (!isOrder ? "" : isAscending ? " \u25b4" : " \u25be")
+                        Accessible.name: title
+                        width: root.widths[index] || 0
+                        z: -index // the handles lie upon the next title
+                        padding: metrics.height / 4
+                        flat: true
+                        contentItem: Label {
+                            text: parent.text
+                            horizontalAlignment: index < 3 ? Text.AlignLeft : Text.AlignRight
+                        }
+                        onClicked: tables.sort(index, isOrder && isAscending ? Qt.DescendingOrder : Qt.AscendingOrder)
 
-                    MouseArea {
-                        readonly property bool isLast: index === root.neededWidths.length - 1
-                        visible: !isLast
-                        width: 2 * root.cellPadding
-                        height: parent.height
-                        x: parent.width - width / 2
-                        z: 1
-                        cursorShape: Qt.SplitHCursor
-                        preventStealing: true
-                        onPositionChanged: mouse => columns.Drag(index, mapToItem(parent, mouse.x, 0).x)
+                        MouseArea {
+                            readonly property bool isLast: index === root.neededWidths.length - 1
+                            visible: !isLast
+                            width: 2 * root.cellPadding
+                            height: parent.height
+                            x: parent.width - width / 2
+                            z: 1
+                            cursorShape: Qt.SplitHCursor
+                            preventStealing: true
+                            onPositionChanged: mouse => columns.Drag(index, mapToItem(parent, mouse.x, 0).x)
+                        }
                     }
                 }
             }
