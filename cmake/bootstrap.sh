@@ -45,9 +45,13 @@ build() {
 # take_tour PRESET: drives the example client, and saves screenshots in build/PRESET/tour.
 take_tour() {
     say "The tour, $1"
-    local build=$PWD/build/$1 data=$PWD/examples/data
+    local build=$PWD/build/$1 data=$PWD/examples/data keys=$PWD/build/$1/keys folder
+    for folder in "$keys" "$keys/impostor"; do
+        "$build"/bin/plugininterface-data* certificate make "$folder" --force --host 127.0.0.1 >/dev/null
+    done
     tests/support/on_desktop 2560x1800 "$build/installation/Contents/Client/tour.exe" "$build/tour" \
         --game-server "$build/bin/gameserver" --tables "$data/tables.json" --accounts "$data/accounts.json" \
-        --web-server "$build/bin/webserver" --pictures "$data/pictures" || return
+        --web-server "$build/bin/webserver" --pictures "$data/pictures" \
+        --keys "$keys" || return
     echo "Screenshots: build/$1/tour"
 }

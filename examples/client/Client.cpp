@@ -83,15 +83,19 @@ CClient::CShared::~CShared()
 }
 //! [shared]
 
-CClient::CClient(const QString &server, quint16 port)
-    : m_host(server, port)
+CClient::CClient(const SServer &server)
+    : m_host(server.strHost, server.usPort)
     , m_window(m_host)
 {
+    QString trustError;
+    const CServerTrust trust = Installation::ReadTrust(server.strAuthority, &trustError);
+    CNetworkAccessManager::GetInstance()->SetServerTrust(trust);
+    m_host.SetTrust(trust, server.bPlain);
     QObject::connect(&m_host, &CHost::signal_PageRequested, &WebPages::Open);
     Look::Follow(&m_window);
     m_host.StartPlugins(Pathes::Plugins());
     m_window.CreateViews();
-    const auto problems = Installation::FindProblems(m_host.GetPluginManager());
+    const auto problems = Installation::FindProblems(m_host.GetPluginManager(), trustError);
     for (const Installation::SProblem &problem : problems)
         Note(problem.strText, CConsole::MC_General);
     const QStringList openFiles = Installation::FindOpenFiles();

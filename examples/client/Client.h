@@ -12,9 +12,17 @@
 class CClient
 {
 public:
+    struct SServer
+    {
+        QString strHost;
+        quint16 usPort = 0;
+        QString strAuthority = QString(); ///< See Installation::ReadTrust().
+        bool bPlain = false;              ///< The connection isn't encrypted.
+    };
+
     /// Starts the plugins, shows the window, and connects to the game server; the latter two only when the user has
     /// answered the dialog, if there is one.
-    CClient(const QString &server, quint16 port);
+    explicit CClient(const SServer &server);
     ~CClient();
 
     CHost &GetHost() { return m_host; }

@@ -5,8 +5,10 @@
 #include <common/Note.h>
 #include <common/Texts.h>
 #include <models/UserInfo.h>
+#include <network/NetworkAccessManager.h>
 
 #include <QDataStream>
+#include <QNetworkReply>
 #include <QtEndian>
 
 #include <algorithm>
@@ -54,6 +56,14 @@ CHost::CHost(const QString &server, quint16 port)
             [this](const QString &key) { DeliverToPlugins(QStringLiteral("LGNF"), Texts::Get(key).toUtf8()); });
     connect(&m_plugins, &CPluginManager::signal_PluginDropped, this,
             [this](CPluginInterface *plugin) { m_router.Unregister(plugin); });
+    connect(CNetworkAccessManager::GetInstance(), &QNetworkAccessManager::finished, this, &CHost::OnWebReply);
+}
+
+void CHost::SetTrust(const CServerTrust &trust, bool isPlain)
+{
+    m_link.SetTrust(trust);
+    if (isPlain)
+        m_link.SetPlain();
 }
 
 void CHost::StartPlugins(const QString &directory)
@@ -93,7 +103,7 @@ void CHost::Shutdown()
 {
     // This also stores the latest notes.
     if (CUserInfo::GetInstance()->IsLoggedIn())
-        m_session.LogOut();
+        m_session.Leave();
     m_link.Close();
     const auto &plugins = m_plugins.GetPlugins();
     std::for_each(plugins.rbegin(), plugins.rend(), [](CPluginInterface *plugin) { plugin->Shutdown(); });
@@ -127,7 +137,7 @@ void CHost::OnSendEvent(CEvent e)
 void CHost::OnConnectionStateChanged(EConnectionState::type state)
 {
     // The session comes first, so that the server knows the user when a plugin sends a request.
-    m_session.SetConnectionState(state);
+    m_session.SetConnectionState(state, m_link.IsEncrypted());
     DeliverToPlugins(QStringLiteral("SCOC"), LittleEndianBytes<qint32>(state));
     // The number of connections so far lets a plugin tell the first from a later one.
     if (state == EConnectionState::Connected)
@@ -151,6 +161,16 @@ void CHost::OnPacketReceived(CPacketLayerWrapper packet)
         if (!m_synchronisation.HandleRecord(event) && !m_session.HandleRecord(event))
             Deliver(event);
     }
+}
+
+void CHost::OnWebReply(const QNetworkReply *reply)
+{
+    if (reply->error() != QNetworkReply::SslHandshakeFailedError)
+        return;
+    Note(QStringLiteral("%1 isn't the server that it should be, and is told nothing: %2")
+             .arg(reply->url().authority(), CNetworkAccessManager::GetError(*reply)),
+         CConsole::MC_Network);
+    Q_EMIT signal_WebServerIsImpostor(reply->url().host());
 }
 
 void CHost::ConnectPlugin(CPluginInterface *plugin)

@@ -9,6 +9,8 @@
 #include <QObject>
 #include <QUrl>
 
+class QNetworkReply;
+
 /// The host's side of the bus: loads the plugins, keeps the connection to the game server and the user's session,
 /// synchronises the user's data with the web server, and serves the plugins' requests. Plugins have no connection to
 /// a web server: packets for it, and all other events that can't be served, are written to the console.
@@ -19,6 +21,9 @@ class CHost : public QObject
 public:
     CHost(const QString &server, quint16 port);
 
+    /// Sets whom the game server has to be vouched for by, and whether its connection isn't encrypted, over which
+    /// nobody can log in. By default the system's authorities count, and it is. Called before OpenLink().
+    void SetTrust(const CServerTrust &trust, bool isPlain);
     /// Loads the plugins of \a directory and starts them, each after those it depends on.
     void StartPlugins(const QString &directory);
     /// Connects a plugin to the bus and lets it register for events; StartPlugins() does so with those that it loads.
@@ -46,6 +51,8 @@ Q_SIGNALS:
     void signal_ShutDownRequested();
     /// Emitted when a plugin asks to show a page, whose address is always http or https with a host.
     void signal_PageRequested(const QUrl &url);
+    /// Emitted when a web server, which is told nothing then, couldn't prove who it is.
+    void signal_WebServerIsImpostor(const QString &host);
     /// Emitted for each event on the bus: \a sender has sent it or, if null, it is about to be delivered to plugins.
     void signal_EventPassed(const CEvent &event, const CPluginInterface *sender);
 
@@ -53,6 +60,7 @@ private:
     void OnSendEvent(CEvent e);
     void OnConnectionStateChanged(EConnectionState::type state);
     void OnPacketReceived(CPacketLayerWrapper packet);
+    void OnWebReply(const QNetworkReply *reply);
     void Deliver(const CEvent &event);
     void DeliverToPlugins(const QString &tag2, const QByteArray &data);
 

@@ -104,6 +104,16 @@ QStringList Installation::FindOpenFiles()
     return files;
 }
 
+CServerTrust Installation::ReadTrust(const QString &fileName, QString *error)
+{
+    CServerTrust trust;
+    const QString usual = Pathes::Resources() + QLatin1String("/authority.pem");
+    const bool isGiven = !fileName.isEmpty() || QFile::exists(usual);
+    if (!isGiven || !trust.AddFile(fileName.isEmpty() ? usual : fileName, QString(), error))
+        trust.Add(QSslConfiguration::systemCaCertificates());
+    return trust;
+}
+
 QVector<CLocalDB *> Installation::GetDatabases()
 {
     return {CConfigDB::GetInstance(),     CTranslationDB::GetInstance(), CSettingsDB::GetInstance(),
@@ -111,7 +121,7 @@ QVector<CLocalDB *> Installation::GetDatabases()
 }
 
 // Plugins of Qt come first: the linker doesn't notice when they are missing.
-QVector<Installation::SProblem> Installation::FindProblems(const CPluginManager &plugins)
+QVector<Installation::SProblem> Installation::FindProblems(const CPluginManager &plugins, const QString &trustError)
 {
     QVector<SProblem> problems;
     if (!HasQtPlugins(QStringLiteral("mediaservice")) && !HasQtPlugins(QStringLiteral("multimedia"))) // 5, and 6
@@ -127,6 +137,10 @@ QVector<Installation::SProblem> Installation::FindProblems(const CPluginManager 
     for (const QString &sheet : sheets)
         problems.append(
             {GetFileText("PROBLEM_SHEET", "#file# is missing or damaged: the client looks plain.", sheet)});
+    if (!trustError.isEmpty())
+        problems.append({GetCatalogueText("PROBLEM_AUTHORITY", "Nobody can tell who the servers are: #reason#.")
+                             .replace(QLatin1String("#reason#"), trustError),
+                         false, true});
     FindPluginProblems(plugins, problems);
     return problems;
 }

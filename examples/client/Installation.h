@@ -1,5 +1,7 @@
 #pragma once
 
+#include <network/ServerTrust.h>
+
 #include <QStringList>
 #include <QVector>
 
@@ -17,6 +19,11 @@ void MakeUserFolder();
 /// Returns the user's databases that other users of the machine can open, such as those of older clients.
 QStringList FindOpenFiles();
 
+/// Reads the certificates of the authorities that vouch for the operator's servers from a PEM file, by default
+/// "authority.pem" beside the configuration. Without that one, those count that the system trusts. Returns the latter
+/// also if the file can't be read; \a error is then the reason.
+CServerTrust ReadTrust(const QString &fileName, QString *error);
+
 /// Returns all databases. The configuration is first, because the settings need it.
 QVector<CLocalDB *> GetDatabases();
 
@@ -28,8 +35,9 @@ struct SProblem
 };
 
 /// Returns what the client misses of Qt and of its installation, once \a plugins have been loaded, and which files of
-/// the user it can't use. The texts are English where the catalogue has none.
-QVector<SProblem> FindProblems(const CPluginManager &plugins);
+/// the user it can't use. \a trustError is the error of ReadTrust(), if there was one. The texts are English where
+/// the catalogue has none.
+QVector<SProblem> FindProblems(const CPluginManager &plugins, const QString &trustError = QString());
 
 /// Shows the problems in a dialog of \a window and returns at once. If the user goes on all the same, which hopeless
 /// problems don't allow, \a goOn is called; otherwise the program quits.

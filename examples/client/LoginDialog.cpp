@@ -6,6 +6,7 @@
 #include <models/UserInfo.h>
 #include <settings/Settings.h>
 
+#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -30,6 +31,11 @@ CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     m_pNickname->setMinimumWidth(fontMetrics().averageCharWidth() * FIELD_CHARACTERS);
     m_pPassword = AddFormField<QLineEdit>(form, "LOGIN_PASSWORD", "loginPassword");
     m_pPassword->setEchoMode(QLineEdit::Password);
+    m_pPassword->setMaxLength(AccountProtocol::MAX_PASSWORD_LENGTH);
+    m_pRemember = CreateField<QCheckBox>(this, "loginRemember");
+    Texts::Bind(m_pRemember, &QCheckBox::setText, "LOGIN_REMEMBER");
+    m_pRemember->setChecked(CSettings::GetInstance()->GetRememberPassword());
+    form->addRow(m_pRemember);
     m_pMessage->setWordWrap(true);
     m_pMessage->setMinimumHeight(fontMetrics().lineSpacing() * MESSAGE_LINES);
     form->addRow(m_pMessage);
@@ -52,14 +58,18 @@ CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     Texts::Bind(this, &QWidget::setWindowTitle, "LOGIN_TITLE");
     Texts::Follow(this, [this] { ShowMessage(m_strMessageKey); });
     const auto showLink = [this] {
-        const bool stands = m_host.GetServerLink().GetState() == EConnectionState::Connected;
-        ShowMessage(stands ? QString() : QStringLiteral("LOGIN_NO_LINK"));
+        const CServerLink &link = m_host.GetServerLink();
+        const bool stands = link.GetState() == EConnectionState::Connected;
+        const char *trouble = link.IsImpostor() ? "LOGIN_IMPOSTOR" : "LOGIN_NO_LINK";
+        ShowMessage(stands ? QString() : QString::fromLatin1(trouble));
     };
     connect(&host, &CHost::signal_ConnectionStateChanged, this, showLink);
+    connect(&host.GetServerLink(), &CServerLink::signal_ImpostorChanged, this, showLink);
     showLink();
     connect(&host.GetSession(), &CSession::signal_LoginRefused, this, &CLoginDialog::ShowRefusal);
     connect(&host.GetSession(), &CSession::signal_LoggedIn, this, [this] {
         CSettings::GetInstance()->SetLastUserName(CUserInfo::GetInstance()->GetNickname());
+        CSettings::GetInstance()->SetRememberPassword(m_pRemember->isChecked());
         QDialog::accept();
     });
 }
@@ -70,7 +80,7 @@ void CLoginDialog::accept()
         return ShowRefusal(QStringLiteral("LOGIN_BAD_NICKNAME"));
     ShowMessage(QStringLiteral("LOGIN_ASKING"));
     SetAsking(true);
-    m_host.GetSession().LogIn(m_pNickname->text(), AccountProtocol::HashPassword(m_pPassword->text()));
+    m_host.GetSession().LogIn(m_pNickname->text(), m_pPassword->text(), m_pRemember->isChecked());
 }
 
 void CLoginDialog::reject()
@@ -82,8 +92,8 @@ void CLoginDialog::reject()
 
 void CLoginDialog::SetAsking(bool isAsking)
 {
-    for (QWidget *field :
-         {static_cast<QWidget *>(m_pNickname), static_cast<QWidget *>(m_pPassword), static_cast<QWidget *>(m_pLogIn)})
+    for (QWidget *field : {static_cast<QWidget *>(m_pNickname), static_cast<QWidget *>(m_pPassword),
+                           static_cast<QWidget *>(m_pRemember), static_cast<QWidget *>(m_pLogIn)})
         field->setEnabled(!isAsking);
     m_pBusy->setVisible(isAsking);
 }

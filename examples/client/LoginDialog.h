@@ -3,13 +3,15 @@
 #include <QDialog>
 
 class CHost;
+class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
 
-/// Asks for nickname and password and logs in. The dialog stays open, with its fields disabled, until the server has
-/// answered, and shows the reason of a refusal. Closing it cancels the login, also one that waits for its answer.
+/// Asks for nickname and password, and whether the user wants to stay logged in, and logs in. The dialog stays open,
+/// with its fields disabled, until the server has answered, and shows the reason of a refusal. Closing it cancels the
+/// login, also one that waits for its answer.
 class CLoginDialog : public QDialog
 {
     Q_OBJECT
@@ -29,6 +31,7 @@ private:
     CHost &m_host;
     QLineEdit *m_pNickname; // this and the next ones are children
     QLineEdit *m_pPassword;
+    QCheckBox *m_pRemember;
     QLabel *m_pMessage;
     QProgressBar *m_pBusy;
     QPushButton *m_pLogIn;

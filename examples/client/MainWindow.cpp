@@ -88,6 +88,9 @@ CMainWindow::CMainWindow(CHost &host)
         if (!m_pLoginDialog || !m_pLoginDialog->isVisible()) // the dialog itself shows the result of its login
             ShowMessage(Texts::MakeItem(key.toLatin1()), MESSAGE_MS);
     });
+    connect(&host, &CHost::signal_WebServerIsImpostor, this, [this](const QString &server) {
+        ShowMessage(Texts::MakeItem("WEB_IMPOSTOR", {{"#host#", server}}), MESSAGE_MS);
+    });
     connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this, [this] {
         m_message.ReTranslate();
         if (!statusBar()->currentMessage().isEmpty())
@@ -114,10 +117,13 @@ void CMainWindow::CreateAccountMenu()
     auto *logIn =
         AddEntry(id, "ACTION_LOG_IN", "logIn", QStringLiteral("Ctrl+L"), [this](QAction *) { OpenLogin(); });
     auto *logOut = AddEntry(id, "ACTION_LOG_OUT", "logOut", {}, [this](QAction *) { m_host.GetSession().LogOut(); });
+    auto *everywhere = AddEntry(id, "ACTION_LOG_OUT_EVERYWHERE", "logOutEverywhere", {},
+                                [this](QAction *) { m_host.GetSession().LogOutEverywhere(); });
     const CUserInfo *user = CUserInfo::GetInstance();
     const auto enable = [=] {
         logIn->setEnabled(!user->IsLoggedIn());
         logOut->setEnabled(user->IsLoggedIn());
+        everywhere->setEnabled(user->IsLoggedIn());
     };
     Texts::Follow(this, enable, user, &CUserInfo::signal_LoginStateChanged);
     AddEntry(id, "ACTION_QUIT", "quit", QStringLiteral("Ctrl+Q"), [this](QAction *) { close(); });

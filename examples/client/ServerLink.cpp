@@ -1,6 +1,8 @@
 #include "ServerLink.h"
 
 #include <QElapsedTimer>
+#include <QSslCipher>
+#include <QSslConfiguration>
 #include <QtEndian>
 
 #include <algorithm>
@@ -27,11 +29,18 @@ CServerLink::CServerLink(const QString &server, quint16 port)
 {
     m_packetTimer.setSingleShot(true);
     m_packetTimer.setInterval(PACKET_LIMIT_MS);
-    connect(&m_packetTimer, &QTimer::timeout, this, [this] { GiveUp(QStringLiteral("doesn't finish a packet")); });
+    connect(&m_packetTimer, &QTimer::timeout, this, [this] {
+        GiveUp(m_eState == EConnectionState::Connected ? QStringLiteral("doesn't finish a packet")
+                                                       : QStringLiteral("doesn't finish the handshake"));
+    });
     m_retryTimer.setSingleShot(true);
     connect(&m_retryTimer, &QTimer::timeout, this, &CServerLink::Connect);
-    connect(&m_socket, &QTcpSocket::stateChanged, this, &CServerLink::OnSocketStateChanged);
-    connect(&m_socket, &QTcpSocket::readyRead, this, &CServerLink::OnReadyRead);
+    connect(&m_socket, &QAbstractSocket::stateChanged, this, &CServerLink::OnSocketStateChanged);
+    connect(&m_socket, &QSslSocket::encrypted, this, &CServerLink::OnReady);
+    connect(&m_socket, QOverload<const QList<QSslError> &>::of(&QSslSocket::sslErrors), this,
+            &CServerLink::OnSslErrors);
+    connect(&m_socket, &QAbstractSocket::errorOccurred, this, &CServerLink::OnError);
+    connect(&m_socket, &QIODevice::readyRead, this, &CServerLink::OnReadyRead);
 }
 
 CServerLink::~CServerLink()
@@ -83,7 +92,10 @@ void CServerLink::OnSocketStateChanged(QAbstractSocket::SocketState state)
     if (m_eState == EConnectionState::Disconnected)
         return;
     if (state == QAbstractSocket::ConnectedState) {
-        SetState(EConnectionState::Connected);
+        if (m_bPlain)
+            OnReady();
+        else
+            m_packetTimer.start();
     } else if (state == QAbstractSocket::UnconnectedState) {
         // The pause grows until a server has sent a packet, so that a server that only accepts connections isn't
         // called in a tight loop.
@@ -92,6 +104,41 @@ void CServerLink::OnSocketStateChanged(QAbstractSocket::SocketState state)
         m_iRetryMs = std::min(m_iRetryMs * 2, LAST_RETRY_MS);
         SetState(EConnectionState::Reconnecting);
     }
+}
+
+void CServerLink::OnReady()
+{
+    m_packetTimer.stop();
+    SetImpostor(false);
+    SetState(EConnectionState::Connected);
+}
+
+void CServerLink::OnSslErrors(const QList<QSslError> &errors)
+{
+    if (!m_trust.IsEmpty() && m_trust.Excuses(errors, m_socket.peerCertificate(), m_strServer)) {
+        m_socket.ignoreSslErrors();
+        return;
+    }
+    QStringList faults;
+    for (const QSslError &error : errors)
+        faults.append(error.errorString());
+    m_strFaults = faults.join(QLatin1String(", "));
+}
+
+// The connection ends after this.
+void CServerLink::OnError(QAbstractSocket::SocketError error)
+{
+    if (error != QAbstractSocket::SslHandshakeFailedError && error != QAbstractSocket::SslInvalidUserDataError)
+        return;
+    Q_EMIT signal_Problem(QStringLiteral("%1 isn't the server that it should be, and is told nothing: %2")
+                              .arg(GetAddress(), m_strFaults.isEmpty() ? m_socket.errorString() : m_strFaults));
+    SetImpostor(true);
+}
+
+QString CServerLink::GetEncryption() const
+{
+    const QSslCipher cipher = m_socket.sessionCipher();
+    return IsEncrypted() ? cipher.protocolString() + QLatin1String(", ") + cipher.name() : QString();
 }
 
 void CServerLink::OnReadyRead()
@@ -125,7 +172,16 @@ void CServerLink::GiveUp(const QString &reason)
 void CServerLink::Connect()
 {
     m_stream.Reset();
-    m_socket.connectToHost(m_strServer, m_usPort);
+    m_strFaults.clear();
+    if (m_bPlain) {
+        m_socket.connectToHost(m_strServer, m_usPort);
+    } else {
+        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+        configuration.setProtocol(QSsl::TlsV1_2OrLater);
+        m_trust.Protect(&configuration, m_strServer);
+        m_socket.setSslConfiguration(configuration);
+        m_socket.connectToHostEncrypted(m_strServer, m_usPort);
+    }
     // If the proxy's type doesn't support such connections, the socket refuses without a change of its state.
     if (m_socket.state() == QAbstractSocket::UnconnectedState && !m_retryTimer.isActive()) {
         Q_EMIT signal_Problem(GetAddress() + QLatin1String(": ") + m_socket.errorString());
@@ -139,4 +195,12 @@ void CServerLink::SetState(EConnectionState::type state)
         return;
     m_eState = state;
     Q_EMIT signal_StateChanged(state);
+}
+
+void CServerLink::SetImpostor(bool isImpostor)
+{
+    if (m_bImpostor == isImpostor)
+        return;
+    m_bImpostor = isImpostor;
+    Q_EMIT signal_ImpostorChanged(isImpostor);
 }

@@ -1,5 +1,7 @@
 #include "Session.h"
 
+#include "RememberedLogin.h"
+
 #include <common/Note.h>
 #include <models/CasinoInfo.h>
 #include <models/UserInfo.h>
@@ -14,7 +16,10 @@ constexpr int ANSWER_LIMIT_MS = 10000;
 // Keys of texts by reason; all other reasons have one text.
 const QHash<int, const char *> REFUSAL_KEYS{{AccountProtocol::RF_BAD_NICKNAME, "LOGIN_BAD_NICKNAME"},
                                             {AccountProtocol::RF_NO_ACCOUNT, "LOGIN_NO_ACCOUNT"},
-                                            {AccountProtocol::RF_WRONG_PASSWORD, "LOGIN_WRONG_PASSWORD"}};
+                                            {AccountProtocol::RF_WRONG_PASSWORD, "LOGIN_WRONG_PASSWORD"},
+                                            {AccountProtocol::RF_TOO_MANY, "LOGIN_TOO_MANY"},
+                                            {AccountProtocol::RF_TOKEN_ENDED, "LOGIN_TOKEN_ENDED"},
+                                            {AccountProtocol::RF_UNPROTECTED, "LOGIN_UNPROTECTED"}};
 
 void SetMoney(const AccountProtocol::SAccount &account)
 {
@@ -25,11 +30,11 @@ void SetMoney(const AccountProtocol::SAccount &account)
 }
 
 // The data of the account is set before the login is signalled. At a logout it is emptied before, too.
-void SetAccount(const AccountProtocol::SAccount &account, const QString &hash, quint32 loginTime)
+void SetAccount(const AccountProtocol::SAccount &account, const QString &token, quint32 loginTime)
 {
     CUserInfo *user = CUserInfo::GetInstance();
     user->SetUsername(account.strNickname);
-    user->SetPasswordHashed(hash);
+    user->SetPasswordHashed(token);
     user->SetLoginTime(loginTime);
     user->SetLoginBalance(account.mvReal);
     SetMoney(account);
@@ -49,18 +54,23 @@ CSession::CSession(const TSend &send)
     m_answerTimer.setSingleShot(true);
     m_answerTimer.setInterval(ANSWER_LIMIT_MS);
     connect(&m_answerTimer, &QTimer::timeout, this, [this] {
-        ++m_iGivenUp;
-        // An acceptance that is still on its way logs the user in on this link.
-        Send(AccountProtocol::LOGOUT);
+        EndOnServer(m_bAskedWithToken ? AccountProtocol::LEAVE : AccountProtocol::LOGOUT);
         Refuse("LOGIN_NO_ANSWER");
     });
 }
 
-void CSession::LogIn(const QString &nickname, const QString &hash)
+void CSession::LogIn(const QString &nickname, const QString &password, bool remember)
 {
     if (m_answerTimer.isActive())
         return;
-    Ask(nickname, hash);
+    if (m_bIsUnprotected) {
+        Refuse("LOGIN_UNPROTECTED");
+        return;
+    }
+    m_asked = {nickname, QString()};
+    m_bAskedWithToken = false;
+    m_bRemember = remember;
+    Ask(AccountProtocol::SLogin{nickname, password});
     if (!m_answerTimer.isActive())
         Refuse("LOGIN_NO_LINK");
 }
@@ -68,12 +78,30 @@ void CSession::LogIn(const QString &nickname, const QString &hash)
 void CSession::CancelLogin()
 {
     if (m_answerTimer.isActive() && !CUserInfo::GetInstance()->IsLoggedIn())
-        EndOnServer();
+        EndOnServer(m_bAskedWithToken ? AccountProtocol::LEAVE : AccountProtocol::LOGOUT);
 }
 
 void CSession::LogOut()
 {
-    EndOnServer();
+    EndOnServer(AccountProtocol::LOGOUT);
+    RememberedLogin::Forget();
+    EndLogin();
+}
+
+void CSession::LogOutEverywhere()
+{
+    EndOnServer(AccountProtocol::LOGOUT_EVERYWHERE);
+    RememberedLogin::Forget();
+    EndLogin();
+}
+
+void CSession::Leave()
+{
+    if (RememberedLogin::Get().strToken.isEmpty()) {
+        LogOut();
+        return;
+    }
+    EndOnServer(AccountProtocol::LEAVE);
     EndLogin();
 }
 
@@ -87,13 +115,17 @@ bool CSession::Send(const QByteArray &record) const
     return m_send(Payload::ToPackets(AccountProtocol::GROUP, {record}));
 }
 
-void CSession::SetConnectionState(EConnectionState::type state)
+void CSession::SetConnectionState(EConnectionState::type state, bool isEncrypted)
 {
     m_iGivenUp = 0;
+    m_bIsUnprotected = state == EConnectionState::Connected && !isEncrypted;
     CUserInfo *user = CUserInfo::GetInstance();
     if (state == EConnectionState::Connected) {
+        const AccountProtocol::STokenLogin remembered = RememberedLogin::Get();
         if (user->IsLoggedIn())
-            Ask(user->GetNickname(), user->GetPasswordHashed());
+            AskWithToken(user->GetNickname(), user->GetPasswordHashed());
+        else if (!remembered.strToken.isEmpty())
+            AskWithToken(remembered.strNickname, remembered.strToken);
     } else if (user->IsLoggedIn()) {
         m_answerTimer.stop(); // the login is sent again on the next link
     } else if (m_answerTimer.isActive()) {
@@ -108,6 +140,7 @@ bool CSession::HandleRecord(const CEvent &record)
         return false;
     SAccount account;
     SRefusal refusal;
+    SToken token;
     STime time;
     SJackpot jackpot;
     if (Payload::Decode(record.data, account))
@@ -116,6 +149,8 @@ bool CSession::HandleRecord(const CEvent &record)
         OnRefused(refusal);
     else if (Payload::Decode(record.data, account, BALANCES))
         OnBalances(account);
+    else if (Payload::Decode(record.data, token))
+        OnToken(token);
     else if (Payload::Decode(record.data, time))
         CCasinoTime::GetInstance()->SetTimeUTCServer(time.uiSeconds);
     else if (Payload::Decode(record.data, jackpot))
@@ -134,18 +169,33 @@ void CSession::OnAccepted(const AccountProtocol::SAccount &account)
     CUserInfo *user = CUserInfo::GetInstance();
     if (user->GetNickname() == account.strNickname) {
         SetMoney(account);
+        user->SetPasswordHashed(m_asked.strToken);
     } else {
         if (user->IsLoggedIn())
             EndLogin();
-        SetAccount(account, m_asked.strHash, CCasinoTime::GetInstance()->GetTimeUTCServer());
+        SetAccount(account, m_asked.strToken, CCasinoTime::GetInstance()->GetTimeUTCServer());
     }
+    if (!m_bAskedWithToken && m_bRemember)
+        RememberedLogin::Store({account.strNickname, m_asked.strToken});
+    else if (!m_bAskedWithToken)
+        RememberedLogin::Forget();
     Q_EMIT signal_LoggedIn();
 }
 
 void CSession::OnRefused(const AccountProtocol::SRefusal &refusal)
 {
-    if (TakeAnswerTo(refusal.strNickname))
-        Refuse(REFUSAL_KEYS.value(refusal.eReason, "LOGIN_REFUSED"));
+    if (!TakeAnswerTo(refusal.strNickname))
+        return;
+    if (refusal.eReason == AccountProtocol::RF_TOKEN_ENDED)
+        RememberedLogin::Forget();
+    Refuse(REFUSAL_KEYS.value(refusal.eReason, "LOGIN_REFUSED"));
+}
+
+// It belongs to the answer that comes next, which may be to a login that was given up.
+void CSession::OnToken(const AccountProtocol::SToken &token)
+{
+    if (m_iGivenUp == 0 && m_answerTimer.isActive() && !m_bAskedWithToken)
+        m_asked.strToken = token.strToken;
 }
 
 // The user who has asked may have logged out since.
@@ -158,11 +208,23 @@ void CSession::OnBalances(const AccountProtocol::SAccount &account)
              CConsole::MC_Network);
 }
 
-void CSession::Ask(const QString &nickname, const QString &hash)
+template <typename Login>
+void CSession::Ask(const Login &login)
 {
-    m_asked = {nickname, hash};
-    if (Send(Payload::Encode(m_asked)))
+    if (Send(Payload::Encode(login)))
         m_answerTimer.start();
+}
+
+void CSession::AskWithToken(const QString &nickname, const QString &token)
+{
+    if (m_bIsUnprotected) // a client that has been started for a look at the bytes
+        return;
+    m_asked = {nickname, token};
+    m_bAskedWithToken = true;
+    if (token.isEmpty())
+        Refuse("LOGIN_TOKEN_ENDED");
+    else
+        Ask(m_asked);
 }
 
 // A user who was logged in on the former connection is logged out.
@@ -175,12 +237,12 @@ void CSession::Refuse(const char *key)
     Q_EMIT signal_LoginRefused(QString::fromLatin1(key));
 }
 
-// Nothing waits for the answer any more, if there is one to come.
-void CSession::EndOnServer()
+// Nothing waits for the answer any more, if there is one to come. If that accepts the login, the record ends it.
+void CSession::EndOnServer(const char *record)
 {
     m_iGivenUp += m_answerTimer.isActive() ? 1 : 0;
     m_answerTimer.stop();
-    Send(AccountProtocol::LOGOUT);
+    Send(record);
 }
 
 // Returns whether an answer is for the pending login: the server answers in turn, and may spell the nickname in

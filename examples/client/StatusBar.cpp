@@ -150,7 +150,9 @@ QWidget *CreateConnectionState(QWidget *parent, const CHost &host)
     const auto show = [=, &host] {
         const CServerLink &link = host.GetServerLink();
         state->setText(Texts::Get(STATE_KEYS[link.GetState()]));
-        view->setToolTip(link.GetAddress());
+        const QString encryption = link.GetEncryption();
+        view->setToolTip(encryption.isEmpty() ? link.GetAddress()
+                                              : link.GetAddress() + QLatin1Char('\n') + encryption);
         dot->setPixmap(MakeDot(STATE_COLOURS[link.GetState()], view));
     };
     Texts::Follow(view, show, &host, &CHost::signal_ConnectionStateChanged);
@@ -181,7 +183,10 @@ QWidget *CreateOfflineBanner(QWidget *parent, CHost &host)
     auto *text = CreateField<QLabel>(banner, "offlineText");
     text->setForegroundRole(QPalette::ToolTipText);
     text->setWordWrap(true);
-    Texts::Bind(text, &QLabel::setText, "OFFLINE");
+    const CServerLink *link = &host.GetServerLink();
+    Texts::Follow(
+        text, [=] { text->setText(Texts::Get(link->IsImpostor() ? "IMPOSTOR" : "OFFLINE")); }, link,
+        &CServerLink::signal_ImpostorChanged);
     auto *reconnect = CreateField<QPushButton>(banner, "reconnect");
     Texts::Bind(reconnect, &QPushButton::setText, "RECONNECT");
     QObject::connect(reconnect, &QPushButton::clicked, &host, &CHost::Reconnect);

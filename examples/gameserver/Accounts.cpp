@@ -1,17 +1,16 @@
 #include "Accounts.h"
 
 #include "JsonRows.h"
-
-#include <QRegularExpression>
+#include "Passwords.h"
 
 #include <limits>
 
 using AccountProtocol::SAccount;
-using AccountProtocol::SLogin;
 
 namespace {
 
 constexpr int MAX_ACCOUNTS = 10000;
+constexpr int MAX_HASH_LENGTH = 127;
 constexpr quint32 MAX_MONEY = std::numeric_limits<quint32>::max();
 const QLatin1String KEY_NICKNAME("nickname");
 const QLatin1String KEY_PASSWORD("password");
@@ -27,9 +26,8 @@ QString TakeNickname(CJsonRow &row)
 
 QString TakeHash(CJsonRow &row)
 {
-    static const QRegularExpression hash(QStringLiteral("\\A[0-9a-f]{%1}\\z").arg(AccountProtocol::HASH_LENGTH));
-    const QString text = row.TakeText(KEY_PASSWORD, 0, AccountProtocol::HASH_LENGTH);
-    row.Check(hash.match(text).hasMatch(), KEY_PASSWORD, QStringLiteral("a SHA-256 in lower-case hexadecimal"));
+    const QString text = row.TakeText(KEY_PASSWORD, 0, MAX_HASH_LENGTH);
+    row.Check(Passwords::IsHash(text), KEY_PASSWORD, QStringLiteral("a hash that gameserver --hash-password prints"));
     return text;
 }
 
@@ -62,27 +60,31 @@ QString CAccounts::AddEntry(const SEntry &entry)
     return QString();
 }
 
-std::optional<AccountProtocol::ERefusal> CAccounts::LogIn(const SLogin &login, SAccount &account) const
+std::optional<AccountProtocol::ERefusal> CAccounts::Find(const QString &nickname, SAccount &account) const
 {
-    if (!AccountProtocol::IsNickname(login.strNickname))
+    if (!AccountProtocol::IsNickname(nickname))
         return AccountProtocol::RF_BAD_NICKNAME;
-    const std::optional<SEntry> found = Find(login.strNickname);
+    const std::optional<SEntry> found = FindEntry(nickname);
     if (!found)
         return AccountProtocol::RF_NO_ACCOUNT;
-    if (login.strHash != found->strHash)
-        return AccountProtocol::RF_WRONG_PASSWORD;
     account = found->account;
     return std::nullopt;
 }
 
 SAccount CAccounts::GetAccount(const QString &nickname) const
 {
-    const std::optional<SEntry> found = Find(nickname);
+    const std::optional<SEntry> found = FindEntry(nickname);
     return found ? found->account : SAccount();
 }
 
+QString CAccounts::GetHash(const QString &nickname) const
+{
+    const std::optional<SEntry> found = FindEntry(nickname);
+    return found ? found->strHash : QString();
+}
+
 // The account of a newcomer gets the nickname.
-std::optional<CAccounts::SEntry> CAccounts::Find(const QString &nickname) const
+std::optional<CAccounts::SEntry> CAccounts::FindEntry(const QString &nickname) const
 {
     const auto known = m_entries.constFind(nickname.toLower());
     if (known != m_entries.constEnd())

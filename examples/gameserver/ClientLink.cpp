@@ -16,7 +16,7 @@ constexpr int REFUSAL_PAUSE_MS = 500;
 
 } // namespace
 
-CClientLink::CClientLink(QTcpSocket *socket, int halfSentLimit, QObject *parent)
+CClientLink::CClientLink(QSslSocket *socket, int halfSentLimit, QObject *parent)
     : QObject(parent)
     , m_pSocket(socket)
     , m_strPeer(QStringLiteral("%1:%2").arg(socket->peerAddress().toString()).arg(socket->peerPort()))
@@ -28,9 +28,16 @@ CClientLink::CClientLink(QTcpSocket *socket, int halfSentLimit, QObject *parent)
     connect(&m_refusalPause, &QTimer::timeout, this, &CClientLink::OnRefusalDue);
     m_halfSent.setSingleShot(true);
     m_halfSent.setInterval(halfSentLimit);
-    connect(&m_halfSent, &QTimer::timeout, this, [this] { End(QStringLiteral("dropped: left a packet half-sent")); });
-    connect(m_pSocket, &QTcpSocket::readyRead, this, &CClientLink::OnReadyRead);
-    connect(m_pSocket, &QTcpSocket::disconnected, this, [this] { End(m_pSocket->errorString()); });
+    const bool isToBeEncrypted = m_pSocket->mode() == QSslSocket::SslServerMode;
+    connect(&m_halfSent, &QTimer::timeout, this, [this, isToBeEncrypted] {
+        Drop(isToBeEncrypted && !IsEncrypted() ? QStringLiteral("didn't finish the handshake")
+                                               : QStringLiteral("left a packet half-sent"));
+    });
+    if (isToBeEncrypted)
+        m_halfSent.start();
+    connect(m_pSocket, &QSslSocket::encrypted, &m_halfSent, &QTimer::stop);
+    connect(m_pSocket, &QIODevice::readyRead, this, &CClientLink::OnReadyRead);
+    connect(m_pSocket, &QAbstractSocket::disconnected, this, [this] { End(m_pSocket->errorString()); });
     Log(QStringLiteral("connected"));
 }
 
@@ -39,29 +46,37 @@ void CClientLink::Send(const QByteArray &packets)
     if (m_bEnded)
         return;
     m_pSocket->write(packets);
-    if (m_pSocket->bytesToWrite() > MAX_UNSENT_BYTES)
-        End(QStringLiteral("dropped: doesn't read what is sent to it"));
+    if (m_pSocket->bytesToWrite() + m_pSocket->encryptedBytesToWrite() > MAX_UNSENT_BYTES)
+        Drop(QStringLiteral("doesn't read what is sent to it"));
 }
 
-void CClientLink::Accept(const AccountProtocol::SAccount &account)
+void CClientLink::Accept(const AccountProtocol::SAccount &account, const QString &token, bool isNewToken)
 {
-    SetUser(account.strNickname);
-    Send(Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(account)}));
+    m_bLoginPends = false;
+    SetUser(account.strNickname, token);
+    QVector<QByteArray> records{Payload::Encode(account)};
+    if (isNewToken && !token.isEmpty())
+        records.prepend(Payload::Encode(AccountProtocol::SToken{token}));
+    Send(Payload::ToPackets(AccountProtocol::GROUP, records));
+    QTimer::singleShot(0, this, &CClientLink::OnReadyRead);
 }
 
 void CClientLink::Refuse(const AccountProtocol::SRefusal &refusal)
 {
+    m_bLoginPends = false;
     SetUser(QString());
     m_refusal = Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(refusal)});
     m_refusalPause.start();
 }
 
-void CClientLink::SetUser(const QString &nickname)
+void CClientLink::SetUser(const QString &nickname, const QString &token)
 {
     const QList<quint32> tables = m_places.keys();
     for (const quint32 table : tables)
         LeaveTable(table);
     m_strNickname = nickname;
+    m_strToken = token;
+    m_machines.clear();
     ++m_iLogins;
 }
 
@@ -73,19 +88,20 @@ void CClientLink::OnRefusalDue()
 
 void CClientLink::OnReadyRead()
 {
-    if (m_bEnded || m_refusalPause.isActive())
+    if (m_bEnded || IsPaused())
         return;
     m_stream.Append(m_pSocket->readAll());
     CPacketLayerWrapper packet;
-    while (!m_bEnded && !m_refusalPause.isActive() && m_stream.TakePacket(packet)) {
+    while (!m_bEnded && !IsPaused() && m_stream.TakePacket(packet)) {
+        m_bSilent = false;
         m_halfSent.stop();
         const QString fault = HandlePacket(packet);
         if (!fault.isEmpty())
-            End(QStringLiteral("dropped: ") + fault);
+            Drop(fault);
     }
     if (m_stream.IsBroken())
-        End(QStringLiteral("dropped: a size that no packet has, or records that don't fill it"));
-    else if (!m_bEnded && !m_refusalPause.isActive() && m_stream.HasPartialPacket() && !m_halfSent.isActive())
+        Drop(QStringLiteral("a size that no packet has, or records that don't fill it"));
+    else if (!m_bEnded && !IsPaused() && m_stream.HasPartialPacket() && !m_halfSent.isActive())
         m_halfSent.start();
 }
 
@@ -131,18 +147,27 @@ QString CClientLink::HandleLobbyRecord(const QByteArray &payload)
 QString CClientLink::HandleAccountRecord(const QByteArray &payload)
 {
     AccountProtocol::SLogin login;
+    AccountProtocol::STokenLogin tokenLogin;
     AccountProtocol::SWebRequest request;
-    if (Payload::Decode(payload, login))
+    if (Payload::Decode(payload, login)) {
+        m_bLoginPends = true;
         Q_EMIT signal_LoginRequested(login);
-    else if (payload == AccountProtocol::LOGOUT)
+    } else if (Payload::Decode(payload, tokenLogin)) {
+        m_bLoginPends = true;
+        Q_EMIT signal_TokenLoginRequested(tokenLogin);
+    } else if (payload == AccountProtocol::LOGOUT || payload == AccountProtocol::LOGOUT_EVERYWHERE) {
+        Q_EMIT signal_LogoutRequested(payload == AccountProtocol::LOGOUT_EVERYWHERE);
         SetUser(QString());
-    else if (payload == AccountProtocol::GET_BALANCES)
+    } else if (payload == AccountProtocol::LEAVE) {
+        SetUser(QString());
+    } else if (payload == AccountProtocol::GET_BALANCES) {
         Q_EMIT signal_BalancesRequested();
-    else if (Payload::Decode(payload, request) &&
-             (request.ucLink == WebLinks::SettingsSyncFetch || request.ucLink == WebLinks::SettingsSyncSend))
+    } else if (Payload::Decode(payload, request) &&
+               (request.ucLink == WebLinks::SettingsSyncFetch || request.ucLink == WebLinks::SettingsSyncSend)) {
         Q_EMIT signal_WebSessionRequested(request);
-    else
+    } else {
         return QStringLiteral("an unknown or malformed record on the account");
+    }
     return QString();
 }
 

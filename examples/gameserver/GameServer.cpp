@@ -1,6 +1,8 @@
 #include "GameServer.h"
 
 #include "ClientLink.h"
+#include "Passwords.h"
+#include "Tokens.h"
 
 #include <protocol/Payload.h>
 
@@ -21,6 +23,9 @@ constexpr int TIME_PACKETS_MS = 1000;
 constexpr int WEB_LIMIT_MS = 10000;
 // Well below the number of descriptors of a process: once accepting has failed for lack of one, it stays off.
 constexpr int MAX_CLIENTS = 500;
+// Who has connected and said nothing makes way for those who come later.
+constexpr int MAX_SILENT_CLIENTS = 100;
+constexpr int HASHING_THREADS = 2; // of 64 MiB each
 // In cents. At the limit somebody wins the jackpot, and it starts again.
 constexpr quint32 JACKPOT_BEGIN = 1234567;
 constexpr quint32 JACKPOT_LIMIT = 5000000;
@@ -47,13 +52,16 @@ QByteArray CountPackets(const QVector<SPlayerCount> &changes)
 
 } // namespace
 
-CGameServer::CGameServer(const QVector<STable> &tables, const CAccounts &accounts, quint32 seed, int halfSentLimit)
+CGameServer::CGameServer(const QVector<STable> &tables, const CAccounts &accounts, CTokens &tokens, quint32 seed,
+                         int halfSentLimit)
     : m_tables(tables)
     , m_accounts(accounts)
     , m_random(seed)
     , m_uiJackpot(JACKPOT_BEGIN)
     , m_iHalfSentLimit(halfSentLimit)
+    , m_tokens(tokens)
 {
+    m_hashing.setMaxThreadCount(HASHING_THREADS);
     connect(&m_server, &QTcpServer::newConnection, this, &CGameServer::OnNewConnection);
     connect(&m_tick, &QTimer::timeout, this, &CGameServer::OnTick);
     m_tick.start(TICK_MS);
@@ -61,9 +69,16 @@ CGameServer::CGameServer(const QVector<STable> &tables, const CAccounts &account
     m_timePackets.start(TIME_PACKETS_MS);
 }
 
+CGameServer::~CGameServer()
+{
+    m_hashing.waitForDone(); // what it calls then is dropped with this object
+}
+
 void CGameServer::OnNewConnection()
 {
-    while (QTcpSocket *socket = m_server.nextPendingConnection()) {
+    while (auto *socket = static_cast<QSslSocket *>(m_server.nextPendingConnection())) {
+        if (CClientLink *silent = FindSilent())
+            silent->Drop(QStringLiteral("says nothing, and others want to"));
         if (m_clients.size() < MAX_CLIENTS) {
             AddClient(socket);
             continue;
@@ -74,7 +89,17 @@ void CGameServer::OnNewConnection()
     }
 }
 
-void CGameServer::AddClient(QTcpSocket *socket)
+// Returns the one that has been silent for the longest time, if there are too many of them, or of all.
+CClientLink *CGameServer::FindSilent() const
+{
+    const auto isSilent = [](const CClientLink *client) { return client->IsSilent(); };
+    const auto first = std::find_if(m_clients.begin(), m_clients.end(), isSilent);
+    const bool isCrowded =
+        m_clients.size() >= MAX_CLIENTS || std::count_if(first, m_clients.end(), isSilent) >= MAX_SILENT_CLIENTS;
+    return isCrowded && first != m_clients.end() ? *first : nullptr;
+}
+
+void CGameServer::AddClient(QSslSocket *socket)
 {
     auto *client = new CClientLink(socket, m_iHalfSentLimit, this);
     m_clients.append(client);
@@ -86,6 +111,10 @@ void CGameServer::AddClient(QTcpSocket *socket)
             [this, client](const TableProtocol::SLine &line) { PassOn(client, line); });
     connect(client, &CClientLink::signal_LoginRequested, this,
             [this, client](const AccountProtocol::SLogin &login) { LogIn(client, login); });
+    connect(client, &CClientLink::signal_TokenLoginRequested, this,
+            [this, client](const AccountProtocol::STokenLogin &login) { LogInWithToken(client, login); });
+    connect(client, &CClientLink::signal_LogoutRequested, this,
+            [this, client](bool everywhere) { LogOut(client, everywhere); });
     connect(client, &CClientLink::signal_BalancesRequested, this, [this, client] { GiveBalances(client); });
     connect(client, &CClientLink::signal_WebSessionRequested, this,
             [this, client](const AccountProtocol::SWebRequest &request) { GiveWebSession(client, request); });
@@ -102,14 +131,87 @@ void CGameServer::SendList(CClientLink *client) const
     client->Send(Payload::ToPackets(LobbyProtocol::GROUP, payloads) + JackpotPacket());
 }
 
-void CGameServer::LogIn(CClientLink *client, const AccountProtocol::SLogin &login) const
+// The password is looked at on another thread, since that takes long on purpose.
+void CGameServer::LogIn(CClientLink *client, const AccountProtocol::SLogin &login)
+{
+    const QString &nickname = login.strNickname;
+    AccountProtocol::SAccount account;
+    auto refusal = m_accounts.Find(nickname, account);
+    if (!client->IsEncrypted())
+        refusal = AccountProtocol::RF_UNPROTECTED;
+    else if (!refusal && !m_guard.Begin(nickname))
+        refusal = AccountProtocol::RF_TOO_MANY;
+    if (refusal) {
+        client->Refuse({nickname, *refusal});
+        return;
+    }
+    m_hashing.start([this, link = QPointer<CClientLink>(client), nickname, password = login.strPassword,
+                     hash = m_accounts.GetHash(nickname)] {
+        const bool isRight = Passwords::Matches(password, hash);
+        QMetaObject::invokeMethod(
+            this, [=] { EndLogin(link, nickname, isRight); }, Qt::QueuedConnection);
+    });
+}
+
+// The client may be gone by now.
+void CGameServer::EndLogin(const QPointer<CClientLink> &client, const QString &nickname, bool isRight)
+{
+    m_guard.End(nickname, isRight);
+    if (!client)
+        return;
+    if (!isRight) {
+        client->Refuse({nickname, AccountProtocol::RF_WRONG_PASSWORD});
+        return;
+    }
+    const AccountProtocol::SAccount account = m_accounts.GetAccount(nickname);
+    QString token;
+    if (!m_tokens.Add(account.strNickname, &token)) {
+        std::fprintf(stderr, "%s got no token: the file of tokens can't be written\n",
+                     qUtf8Printable(account.strNickname));
+        token.clear(); // so the user gives the password again after each loss of the connection
+    }
+    client->Accept(account, token, true);
+}
+
+void CGameServer::LogInWithToken(CClientLink *client, const AccountProtocol::STokenLogin &login)
 {
     AccountProtocol::SAccount account;
-    const auto refusal = m_accounts.LogIn(login, account);
+    auto refusal = m_accounts.Find(login.strNickname, account);
+    if (!client->IsEncrypted()) {
+        refusal = AccountProtocol::RF_UNPROTECTED;
+    } else if (!refusal) {
+        const std::optional<bool> isGood = m_tokens.Use(login.strNickname, login.strToken);
+        if (!isGood)
+            refusal = AccountProtocol::RF_UNKNOWN;
+        else if (!*isGood)
+            refusal = AccountProtocol::RF_TOKEN_ENDED;
+    }
     if (refusal)
         client->Refuse({login.strNickname, *refusal});
     else
-        client->Accept(account);
+        client->Accept(account, login.strToken, false);
+}
+
+// Who else uses a token that is taken back, be it a thief, doesn't stay logged in by it.
+void CGameServer::LogOut(CClientLink *client, bool everywhere)
+{
+    const QString nickname = client->GetNickname();
+    const QString token = client->GetToken();
+    if (nickname.isEmpty())
+        return;
+    if (everywhere)
+        m_tokens.RemoveAll(nickname);
+    else
+        m_tokens.Remove(token);
+    EndWebSessions(client);
+    const QVector<CClientLink *> clients = m_clients; // dropping one removes it from the member
+    for (CClientLink *other : clients) {
+        const bool isSameUser = other->GetNickname().compare(nickname, Qt::CaseInsensitive) == 0;
+        if (other != client && isSameUser && (everywhere || other->GetToken() == token)) {
+            EndWebSessions(other);
+            other->Drop(QStringLiteral("its login has been taken back"));
+        }
+    }
 }
 
 void CGameServer::GiveBalances(CClientLink *client) const
@@ -120,31 +222,51 @@ void CGameServer::GiveBalances(CClientLink *client) const
     client->Send(Payload::ToPackets(AccountProtocol::GROUP, {Payload::Encode(account, AccountProtocol::BALANCES)}));
 }
 
-void CGameServer::SetWebServer(const QString &address, const QString &key)
+void CGameServer::SetWebServer(const QUrl &address, const QString &key, const CServerTrust &trust)
 {
-    m_strWebServer = address;
+    m_webServer = address;
     m_strWebKey = key;
+    m_webTrust = trust;
     m_network.setTransferTimeout(WEB_LIMIT_MS);
 }
 
 void CGameServer::GiveWebSession(CClientLink *client, const AccountProtocol::SWebRequest &request)
 {
     const quint8 link = request.ucLink;
-    if (client->GetNickname().isEmpty() || m_strWebServer.isEmpty()) {
+    if (client->GetNickname().isEmpty() || m_webServer.isEmpty()) {
         client->Send(WebSessionPacket(link, QByteArray()));
         return;
     }
-    QNetworkRequest web(QUrl(QStringLiteral("http://%1/sessions").arg(m_strWebServer)));
-    web.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/x-www-form-urlencoded"));
-    QNetworkReply *reply = m_network.post(web, "key=" + QUrl::toPercentEncoding(m_strWebKey) +
-                                                   "&nickname=" + QUrl::toPercentEncoding(client->GetNickname()) +
-                                                   "&machine=" + QUrl::toPercentEncoding(request.strMachine));
-    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    client->AddMachine(request.strMachine);
+    QNetworkReply *reply = AskWebServer(QStringLiteral("/sessions"), client->GetNickname(), request.strMachine);
     // Only if the same user is logged in, and while the link exists.
     connect(reply, &QNetworkReply::finished, client, [client, reply, link, login = client->GetLoginCount()] {
         const bool good = client->GetLoginCount() == login && reply->error() == QNetworkReply::NoError;
+        if (reply->error() != QNetworkReply::NoError)
+            std::fprintf(stderr, "no web session: %s\n", qUtf8Printable(reply->errorString()));
         client->Send(WebSessionPacket(link, good ? reply->readAll() : QByteArray()));
     });
+}
+
+void CGameServer::EndWebSessions(const CClientLink *client)
+{
+    for (const QString &machine : client->GetMachines())
+        AskWebServer(QStringLiteral("/sessions/end"), client->GetNickname(), machine);
+}
+
+// The reply deletes itself when it has finished.
+QNetworkReply *CGameServer::AskWebServer(const QString &path, const QString &nickname, const QString &machine)
+{
+    QNetworkRequest request(QUrl(m_webServer.toString() + path));
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/x-www-form-urlencoded"));
+    QSslConfiguration configuration = request.sslConfiguration();
+    m_webTrust.Protect(&configuration, m_webServer.host());
+    request.setSslConfiguration(configuration);
+    QNetworkReply *reply = m_network.post(request, "key=" + QUrl::toPercentEncoding(m_strWebKey) +
+                                                       "&nickname=" + QUrl::toPercentEncoding(nickname) +
+                                                       "&machine=" + QUrl::toPercentEncoding(machine));
+    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    return reply;
 }
 
 STable *CGameServer::FindTable(quint32 tableID)

@@ -1,42 +1,52 @@
 #pragma once
 
 #include "Accounts.h"
+#include "LinkServer.h"
+#include "LoginGuard.h"
 #include "Seats.h"
 
+#include <network/ServerTrust.h>
 #include <protocol/LobbyProtocol.h>
 #include <protocol/TableProtocol.h>
 
 #include <QHash>
 #include <QNetworkAccessManager>
 #include <QObject>
-#include <QTcpServer>
+#include <QPointer>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <random>
 
 class CClientLink;
+class CTokens;
 
 /// Serves the list of tables to clients on this machine, simulates players who enter and leave and a jackpot that
-/// grows, manages logins and seats, passes on what users say, and sends the time.
+/// grows, manages logins and seats, passes on what users say, and sends the time. Nobody can log in over a connection
+/// that isn't encrypted.
 class CGameServer : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Constructs the server. The same \a seed gives the same players and jackpot. For \a halfSentLimit see
-    /// CClientLink.
-    CGameServer(const QVector<LobbyProtocol::STable> &tables, const CAccounts &accounts, quint32 seed,
-                int halfSentLimit);
+    /// Constructs the server. \a tokens outlives it. The same \a seed gives the same players and jackpot. For
+    /// \a halfSentLimit see CClientLink.
+    CGameServer(const QVector<LobbyProtocol::STable> &tables, const CAccounts &accounts, CTokens &tokens,
+                quint32 seed, int halfSentLimit);
+    ~CGameServer() override;
 
     /// Lets players enter or leave each table in each second, instead of one table in ten.
     void MovePlayersEverywhere() { m_uiTablesForAMove = 1; }
-    /// Sets the web server from which users get their web sessions, as "host:port"; without it they get none. \a key
-    /// is the secret that the web server expects.
-    void SetWebServer(const QString &address, const QString &key);
+    /// Encrypts the connections with this certificate and key.
+    void SetTls(const QSslConfiguration &configuration) { m_server.SetConfiguration(configuration); }
+    /// Sets the web server from which users get their web sessions, by the beginning of its addresses; without it
+    /// they get none. \a key is the secret that the web server expects. Over https it goes only to a server that \a
+    /// trust trusts or, if that is empty, the system.
+    void SetWebServer(const QUrl &address, const QString &key, const CServerTrust &trust);
 
     /// Listens on 127.0.0.1; with \a port 0 on any free port. Returns false, with the reason in GetError(), on
     /// failure.
-    bool Listen(quint16 port) { return m_server.listen(QHostAddress::LocalHost, port); }
+    bool Listen(quint16 port) { return m_server.Listen(port); }
     quint16 GetPort() const { return m_server.serverPort(); }
     QString GetError() const { return m_server.errorString(); }
 
@@ -44,9 +54,15 @@ private:
     void OnNewConnection();
     void OnTick();
     void SendTime() const;
-    void AddClient(QTcpSocket *socket);
+    void AddClient(QSslSocket *socket);
+    CClientLink *FindSilent() const;
     void SendList(CClientLink *client) const;
-    void LogIn(CClientLink *client, const AccountProtocol::SLogin &login) const;
+    void LogIn(CClientLink *client, const AccountProtocol::SLogin &login);
+    void EndLogin(const QPointer<CClientLink> &client, const QString &nickname, bool isRight);
+    void LogInWithToken(CClientLink *client, const AccountProtocol::STokenLogin &login);
+    void LogOut(CClientLink *client, bool everywhere);
+    void EndWebSessions(const CClientLink *client);
+    QNetworkReply *AskWebServer(const QString &path, const QString &nickname, const QString &machine);
     void GiveBalances(CClientLink *client) const;
     void GiveWebSession(CClientLink *client, const AccountProtocol::SWebRequest &request);
     LobbyProtocol::STable *FindTable(quint32 tableID);
@@ -69,9 +85,13 @@ private:
     quint32 m_uiJackpot;             // in cents
     int m_iHalfSentLimit;
     QNetworkAccessManager m_network;
-    QString m_strWebServer;
+    QUrl m_webServer;
     QString m_strWebKey;
-    QTcpServer m_server;
+    CServerTrust m_webTrust;
+    CTokens &m_tokens;
+    CLoginGuard m_guard;
+    QThreadPool m_hashing; // of passwords
+    CLinkServer m_server;
     QTimer m_tick;
     QTimer m_timePackets;
     QVector<CClientLink *> m_clients; // children of this object, until they end

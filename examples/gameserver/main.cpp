@@ -1,11 +1,14 @@
 #include "GameServer.h"
 #include "MadeTables.h"
+#include "Passwords.h"
 #include "TableFile.h"
+#include "Tokens.h"
 
 #include <protocol/Options.h>
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QTextStream>
 
 #include <cstdio>
 #include <limits>
@@ -22,42 +25,82 @@ struct SOptions
 {
     QString strData;
     QString strAccounts;
-    QString strWebServer;
+    QString strTokens;
+    QUrl webServer;
     QString strWebKey;
+    CServerTrust webTrust;
+    QSslConfiguration tls;
     quint32 uiTables = 0;
     quint32 uiPort = 0;
     quint32 uiSeed = 0;
     quint32 uiIdle = 0;
+    bool bHashes = false;
 };
+
+QCommandLineOption Option(const char *name, const char *meaning, const char *value = "", const char *byDefault = "")
+{
+    return {QString::fromLatin1(name), QString::fromLatin1(meaning), QString::fromLatin1(value),
+            QString::fromLatin1(byDefault)};
+}
+
+// The connections are encrypted, or somebody has asked for plain ones.
+bool ReadTls(const QCommandLineParser &parser, SOptions &options, QString &error)
+{
+    const QString certificate = parser.value(QStringLiteral("certificate"));
+    const QString privateKey = parser.value(QStringLiteral("private-key"));
+    const bool isPlain = parser.isSet(QStringLiteral("plain"));
+    if (isPlain ? !certificate.isEmpty() || !privateKey.isEmpty() : certificate.isEmpty() || privateKey.isEmpty()) {
+        error = QStringLiteral("wants --certificate and --private-key, or --plain; see --help");
+        return false;
+    }
+    return isPlain || CLinkServer::ReadConfiguration(certificate, privateKey, options.tls, error);
+}
+
+bool ReadWebServer(const QCommandLineParser &parser, SOptions &options, QString &error)
+{
+    const QString authority = parser.value(QStringLiteral("authority"));
+    options.webServer = QUrl(parser.value(QStringLiteral("web-server")), QUrl::StrictMode);
+    options.strWebKey = parser.value(QStringLiteral("web-key"));
+    const QString scheme = options.webServer.scheme();
+    const bool isWeb = scheme == QLatin1String("https") || scheme == QLatin1String("http");
+    if (parser.isSet(QStringLiteral("web-server")) && (!isWeb || options.webServer.host().isEmpty())) {
+        error = QStringLiteral("--web-server wants an address such as https://127.0.0.1:17174");
+        return false;
+    }
+    return authority.isEmpty() || options.webTrust.AddFile(authority, QString(), &error);
+}
 
 bool ReadOptions(const QCoreApplication &application, SOptions &options, QString &error)
 {
-    const QCommandLineOption data(QStringLiteral("data"), QStringLiteral("JSON file with the tables."),
-                                  QStringLiteral("file"));
-    const QCommandLineOption made(
-        QStringLiteral("tables"),
-        QStringLiteral("Serve at least this many tables, of which those that the file lacks "
-                       "are made up, and let players move at each of them in each second. "
-                       "At most 10000. Without it, --data is required."),
-        QStringLiteral("number"), QStringLiteral("0"));
-    const QCommandLineOption accounts(QStringLiteral("accounts"),
-                                      QStringLiteral("JSON file with the accounts; nobody can log in without it."),
-                                      QStringLiteral("file"));
-    const QCommandLineOption port(QStringLiteral("port"),
-                                  QStringLiteral("Port on 127.0.0.1; 0, the default, is any."),
-                                  QStringLiteral("number"), QStringLiteral("0"));
-    const QCommandLineOption seed(
-        QStringLiteral("seed"),
-        QStringLiteral("Seed for made-up tables, the players' moves and the jackpot; default 1."),
-        QStringLiteral("number"), QStringLiteral("1"));
-    const QCommandLineOption idle(QStringLiteral("idle-ms"),
-                                  QStringLiteral("Milliseconds that a packet may stay half-sent; default 15000."),
-                                  QStringLiteral("number"), QStringLiteral("15000"));
-    const QCommandLineOption web(QStringLiteral("web-server"),
-                                 QStringLiteral("Web server that gives sessions; without it nobody gets one."),
-                                 QStringLiteral("host:port"));
-    const QCommandLineOption webKey(QStringLiteral("web-key"), QStringLiteral("Secret that it shares with that."),
-                                    QStringLiteral("text"));
+    const auto data = Option("data", "JSON file with the tables.", "file");
+    const auto made = Option("tables",
+                             "Serve at least this many tables, of which those that the file lacks are made up, and "
+                             "let players move at each of them in each second. At most 10000. Without it, --data is "
+                             "required.",
+                             "number", "0");
+    const auto accounts = Option("accounts", "JSON file with the accounts; nobody can log in without it.", "file");
+    const auto tokens = Option("tokens",
+                               "SQLite file of the logins that users have remembered; without it those end "
+                               "with the server.",
+                               "file");
+    const auto hashes =
+        Option("hash-password", "Read a password from the standard input, print its hash for the file "
+                                "of accounts, and end.");
+    const auto certificate =
+        Option("certificate", "PEM file with the certificate, for encrypted connections.", "file");
+    const auto privateKey = Option("private-key", "PEM file with its key.", "file");
+    const auto plain = Option("plain", "Don't encrypt the connections, over which nobody can log in then.");
+    const auto port = Option("port", "Port on 127.0.0.1; 0, the default, is any.", "number", "0");
+    const auto seed =
+        Option("seed", "Seed for made-up tables, the players' moves and the jackpot; default 1.", "number", "1");
+    const auto idle =
+        Option("idle-ms", "Milliseconds that a packet may stay half-sent; default 15000.", "number", "15000");
+    const auto web = Option("web-server", "Web server that gives sessions; without it nobody gets one.", "address");
+    const auto webKey = Option("web-key", "Secret that it shares with that.", "text");
+    const auto authority = Option("authority",
+                                  "PEM file of the authorities that vouch for it; by default the "
+                                  "system's.",
+                                  "file");
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Serves a list of poker tables, and the accounts of their players, to clients on this machine\n"
@@ -65,22 +108,36 @@ bool ReadOptions(const QCoreApplication &application, SOptions &options, QString
         "Prints \"listening on PORT\" once clients can connect. Clients that come and go, and why, are\n"
         "told on standard error. The exit code is 1 if the server cannot start."));
     parser.addHelpOption();
-    parser.addOptions({data, made, accounts, port, seed, idle, web, webKey});
+    parser.addOptions({data, made, accounts, tokens, hashes, certificate, privateKey, plain, port, seed, idle, web,
+                       webKey, authority});
     parser.process(application);
 
     options.strData = parser.value(data);
     options.strAccounts = parser.value(accounts);
-    options.strWebServer = parser.value(web);
-    options.strWebKey = parser.value(webKey);
+    options.strTokens = parser.isSet(tokens) ? parser.value(tokens) : QStringLiteral(":memory:");
+    options.bHashes = parser.isSet(hashes);
+    if (options.bHashes)
+        return true;
     if (options.strData.isEmpty() && !parser.isSet(made))
         error = QStringLiteral("--data is missing; see --help");
     else if (!parser.positionalArguments().isEmpty())
         error = QStringLiteral("unknown argument \"%1\"; see --help").arg(parser.positionalArguments().constFirst());
-    return error.isEmpty() &&
+    return error.isEmpty() && ReadTls(parser, options, error) && ReadWebServer(parser, options, error) &&
            Options::ReadNumber(parser, made, 0, LobbyProtocol::MAX_TABLES, options.uiTables, error) &&
            Options::ReadNumber(parser, port, 0, std::numeric_limits<quint16>::max(), options.uiPort, error) &&
            Options::ReadNumber(parser, seed, 0, std::numeric_limits<quint32>::max(), options.uiSeed, error) &&
            Options::ReadNumber(parser, idle, 1, std::numeric_limits<qint32>::max(), options.uiIdle, error);
+}
+
+int PrintHash()
+{
+    QTextStream input(stdin);
+    const QString password = input.readLine();
+    const QString hash = Passwords::Hash(password);
+    if (password.isEmpty() || password.size() > AccountProtocol::MAX_PASSWORD_LENGTH || hash.isEmpty())
+        return Fail(QStringLiteral("a password has 1 to %1 characters").arg(AccountProtocol::MAX_PASSWORD_LENGTH));
+    std::printf("%s\n", qUtf8Printable(hash));
+    return 0;
 }
 
 } // namespace
@@ -93,16 +150,23 @@ int main(int argc, char *argv[])
     CAccounts accounts;
     QString error;
     const auto now = static_cast<quint32>(QDateTime::currentSecsSinceEpoch());
-    if (!ReadOptions(application, options, error) ||
-        (!options.strData.isEmpty() && !LoadTables(options.strData, now, tables, error)) ||
+    if (!ReadOptions(application, options, error))
+        return Fail(error);
+    if (options.bHashes)
+        return PrintHash();
+    if ((!options.strData.isEmpty() && !LoadTables(options.strData, now, tables, error)) ||
         (!options.strAccounts.isEmpty() && !accounts.Load(options.strAccounts, error)))
         return Fail(error);
+    CTokens tokens(options.strTokens);
+    if (!tokens.Init())
+        return Fail(QStringLiteral("%1 can't be opened as a database").arg(options.strTokens));
     AddMadeTables(static_cast<int>(options.uiTables), options.uiSeed, now, tables);
 
-    CGameServer server(tables, accounts, options.uiSeed, static_cast<int>(options.uiIdle));
+    CGameServer server(tables, accounts, tokens, options.uiSeed, static_cast<int>(options.uiIdle));
     if (options.uiTables > 0)
         server.MovePlayersEverywhere();
-    server.SetWebServer(options.strWebServer, options.strWebKey);
+    server.SetTls(options.tls);
+    server.SetWebServer(options.webServer, options.strWebKey, options.webTrust);
     if (!server.Listen(static_cast<quint16>(options.uiPort)))
         return Fail(QStringLiteral("port %1: %2").arg(options.uiPort).arg(server.GetError()));
 

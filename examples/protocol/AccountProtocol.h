@@ -10,18 +10,22 @@
 /// The records that the client and the game server exchange about the user's account in packets of the group "ACCT",
 /// the server's clock in packets of the group "TIME", and the jackpot in packets of the group "CASI".
 ///
-/// The client logs in with SLogin, the only record of its packet, and the server answers with SAccount or SRefusal.
-/// From then on the connection belongs to the user, until LOGOUT, another SLogin, or its end. The server sends STime
-/// without a request: as the first packet of a connection, and at intervals. It sends an SJackpot to each client that
-/// has requested the list of tables whenever the jackpot has grown. For a web page that has to know its user, the
-/// client sends SWebRequest, and the server answers with SWebSession when the web server has answered it. It answers
-/// GET_BALANCES with the balances of the logged-in user, or not at all if there is none.
+/// The client logs in with SLogin or STokenLogin, the only record of its packet, and the server answers with SAccount
+/// or SRefusal. Before an SAccount that answers a password it sends SToken, with which the client logs in from then
+/// on. The connection belongs to the user until LOGOUT or LOGOUT_EVERYWHERE, another login, or its end. The first two
+/// take back the token of the login, or all of the user's, and end the connections that use them. The server sends
+/// STime without a request: as the first packet of a connection, and at intervals. It sends an SJackpot to each
+/// client that has requested the list of tables whenever the jackpot has grown. For a web page that has to know its
+/// user, the client sends SWebRequest, and the server answers with SWebSession when the web server has answered it.
+/// It answers GET_BALANCES with the balances of the logged-in user, or not at all if there is none.
 ///
 /// The records are in the form of Payload.h.
 namespace AccountProtocol {
 
 inline constexpr char GROUP[] = "ACCT";
-inline constexpr char LOGOUT[] = "LGOT";       // no fields: the tag is the whole payload
+inline constexpr char LOGOUT[] = "LGOT"; // no fields: the tag is the whole payload
+inline constexpr char LOGOUT_EVERYWHERE[] = "LGOA";
+inline constexpr char LEAVE[] = "LGLV";
 inline constexpr char GET_BALANCES[] = "BALQ"; // no fields either
 inline constexpr char BALANCES[] = "BALS";     // one SAccount
 inline constexpr char TIME_GROUP[] = "TIME";
@@ -29,22 +33,51 @@ inline constexpr char CASINO_GROUP[] = "CASI";
 
 /// The longest nickname, in UTF-16 code units. Encoding cuts a longer one, and a payload with one doesn't decode.
 inline constexpr int MAX_NICKNAME_LENGTH = 32;
-/// The length of a hash that HashPassword() returns.
-inline constexpr int HASH_LENGTH = 64;
+/// The longest password, in UTF-16 code units.
+inline constexpr int MAX_PASSWORD_LENGTH = 128;
+/// The length of a token, in hexadecimal digits.
+inline constexpr int TOKEN_LENGTH = 64;
 /// The longest name of a machine, and the longest web session.
 inline constexpr int MAX_WEB_TEXT_LENGTH = 64;
 
+/// Logs in with the password itself: only over a connection that nobody else can read.
 struct SLogin
 {
     static constexpr char TAG[] = "LGIN";
 
     QString strNickname;
-    QString strHash;
+    QString strPassword;
 
     auto Fields()
     {
-        return Payload::List(Payload::SText{strNickname, MAX_NICKNAME_LENGTH}, Payload::SText{strHash, HASH_LENGTH});
+        return Payload::List(Payload::SText{strNickname, MAX_NICKNAME_LENGTH},
+                             Payload::SText{strPassword, MAX_PASSWORD_LENGTH});
     }
+};
+
+/// Logs in with the token of an earlier login.
+struct STokenLogin
+{
+    static constexpr char TAG[] = "LGTK";
+
+    QString strNickname;
+    QString strToken;
+
+    auto Fields()
+    {
+        return Payload::List(Payload::SText{strNickname, MAX_NICKNAME_LENGTH},
+                             Payload::SText{strToken, TOKEN_LENGTH});
+    }
+};
+
+/// What stands for the user's password on one machine: random, of no use elsewhere, and for the server to take back.
+struct SToken
+{
+    static constexpr char TAG[] = "LGTN";
+
+    QString strToken;
+
+    auto Fields() { return Payload::List(Payload::SText{strToken, TOKEN_LENGTH, TOKEN_LENGTH}); }
 };
 
 struct SAccount
@@ -68,6 +101,9 @@ enum ERefusal : char {
     RF_BAD_NICKNAME = 'B',
     RF_NO_ACCOUNT = 'N',
     RF_WRONG_PASSWORD = 'P',
+    RF_TOO_MANY = 'M',    ///< Too many wrong passwords: the server doesn't look at this one. Later it will.
+    RF_TOKEN_ENDED = 'T', ///< The token is too old, or has been taken back.
+    RF_UNPROTECTED = 'U', ///< Others may be able to read the connection.
 };
 
 struct SRefusal
@@ -124,13 +160,5 @@ struct SJackpot
 
 /// Returns whether a nickname is allowed: 1 to 32 printable characters, without a space at either end.
 bool IsNickname(const QString &text);
-
-/// Returns the SHA-256 hash of the password's UTF-8 as 64 lower-case hexadecimal digits. The client sends it and the
-/// server stores it, so that neither reveals a password that its user may also use elsewhere.
-///
-/// It protects nothing else. The connection isn't encrypted, and an eavesdropper can log in with the hash as with the
-/// password itself. It is neither salted nor slow to compute, so a weak password can be found from it. A real server
-/// has an encrypted connection and stores a salted hash made for passwords.
-QString HashPassword(const QString &password);
 
 } // namespace AccountProtocol

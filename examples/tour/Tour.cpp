@@ -1,6 +1,7 @@
 #include "Tour.h"
 #include "VisibleTexts.h"
 
+#include <common/Texts.h>
 #include <database/ConfigDB.h>
 #include <files/Pathes.h>
 
@@ -108,7 +109,7 @@ void CTour::ShowAll()
     ShowReturn();
 }
 
-void CTour::MakeInstallation(const QString &folder, quint16 webPort)
+void CTour::MakeInstallation(const QString &folder, quint16 webPort, const QString &keys)
 {
     const QDir client(GetClientFolder(folder));
     QDir(QDir::cleanPath(client.filePath(".."_s))).removeRecursively();
@@ -119,6 +120,7 @@ void CTour::MakeInstallation(const QString &folder, quint16 webPort)
     const QFileInfoList shared = QDir(Pathes::Resources()).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot);
     for (const QFileInfo &file : shared)
         QFile::link(file.canonicalFilePath(), resources.filePath(file.fileName()));
+    QFile::copy(keys + "/authority.pem"_s, resources.filePath("authority.pem"_s));
     const QString config = resources.filePath(QFileInfo(Pathes::ConfigDB()).fileName());
     QFile::remove(config);
     QFile::copy(Pathes::ConfigDB(), config);
@@ -218,6 +220,7 @@ void CTour::ShowLobby()
         "The game server starts after the client"_s, [this] { StartGameServer(); },
         [this] { return m_strServerLine; });
     See("The client connects"_s, [this] { return SeeState(EConnectionState::Connected); });
+    See("Nobody else can read the connection"_s, [this] { return m_host.GetServerLink().GetEncryption(); });
     See("Its tables fill the lobby, and the keyboard is the filter's"_s,
         [this] { return Find<QLineEdit>("lobbyFilter")->hasFocus() ? SeeFilledLobby() : QString(); });
     Step(
@@ -239,6 +242,15 @@ void CTour::ShowLostServer()
             return Find<QWidget>("offline")->isVisible() ? SeeState(EConnectionState::Reconnecting) : QString();
         });
     TakePicture(m_window, "lobby-offline"_s);
+    Step(
+        "A server in its place that can't prove who it is gets nothing, and the user is told"_s,
+        [this] { StartGameServer(GetKeyArguments("/impostor"_s)); },
+        [this] {
+            const QString text = Find<QLabel>("offlineText")->text();
+            return text == Texts::Get("IMPOSTOR") ? text : QString();
+        });
+    TakePicture(m_window, "lobby-impostor"_s);
+    m_gameServer.Kill();
 }
 
 void CTour::ShowReturn()
@@ -258,14 +270,24 @@ void CTour::ShowReturn()
         [this] { return m_window.isVisible() ? QString() : "no window"_s; });
 }
 
+QStringList CTour::GetKeyArguments(const QString &folder) const
+{
+    const QString keys = m_options.strKeys + folder;
+    return {"--certificate"_s, keys + "/server.pem"_s, "--private-key"_s, keys + "/server.key"_s};
+}
+
 void CTour::StartGameServer(const QStringList &further)
 {
     const QStringList arguments{"--data"_s,       m_options.strTables,
                                 "--accounts"_s,   m_options.strAccounts,
                                 "--port"_s,       QString::number(m_options.usPort),
-                                "--web-server"_s, "127.0.0.1:%1"_s.arg(m_options.usWebPort),
-                                "--web-key"_s,    WEB_KEY};
-    m_strServerLine = m_gameServer.Start(m_options.strGameServer, arguments + further);
+                                "--web-server"_s, "https://127.0.0.1:%1"_s.arg(m_options.usWebPort),
+                                "--web-key"_s,    WEB_KEY,
+                                "--tokens"_s,     GetFolder("tokens.sqlite"_s),
+                                "--authority"_s,  m_options.strKeys + "/authority.pem"_s};
+    m_strServerLine =
+        m_gameServer.Start(m_options.strGameServer,
+                           arguments + (further.contains("--certificate"_s) ? further : GetKeyArguments() + further));
 }
 
 QString CTour::SeeState(EConnectionState::type state) const

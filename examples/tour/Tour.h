@@ -31,8 +31,11 @@ struct STourOptions
     QString strGameServer; ///< Program.
     QString strTables;     ///< Its data files.
     QString strAccounts;
-    QString strWebServer;  ///< Program.
-    QString strPictures;   ///< Its folder of avatars.
+    QString strWebServer; ///< Program.
+    QString strPictures;  ///< Its folder of avatars.
+    /// Folder with the servers' certificate and key, and "authority.pem"; in its folder "impostor", those of another
+    /// authority.
+    QString strKeys;
     quint16 usPort = 0;    ///< Where the client looks for the game server.
     quint16 usWebPort = 0; ///< Where both look for the web server.
     /// A client that another one's tour has started, in an installation of its own in \a strOutput, for the steps
@@ -66,8 +69,9 @@ public:
     int Run();
 
     /// Makes an installation in \a folder that shares all but what changes at run time with the one that the process
-    /// runs in, and has none of that yet. Its web server is on \a webPort.
-    static void MakeInstallation(const QString &folder, quint16 webPort);
+    /// runs in, and has none of that yet. Its web server is on \a webPort, and the authority in \a keys vouches for
+    /// its servers.
+    static void MakeInstallation(const QString &folder, quint16 webPort, const QString &keys);
     /// Lets the process run in the installation in \a folder, and have its documents there too.
     static void EnterInstallation(const QString &folder);
     /// Of an installation in \a folder.
@@ -127,6 +131,7 @@ private:
     void UseBigLobby(const QString &view);
     void ShowReturn();
 
+    QStringList GetKeyArguments(const QString &folder = QString()) const;
     void StartGameServer(const QStringList &further = {});
     void StartWebServer();
     void MakeRules() const;

@@ -185,6 +185,8 @@ void CTour::ShowBareStart()
     DoThere({"There is nothing to do but to quit", "answer problems", "", "&Quit"});
     EndSecondMachine();
     QFile::link(QDir(Pathes::Plugins()).canonicalPath(), GetClientFolder(folder) + "/Plugins"_s);
+    QDir().mkpath(GetClientFolder(folder) + "/../Resources"_s);
+    QFile::copy(m_options.strKeys + "/authority.pem"_s, GetClientFolder(folder) + "/../Resources/authority.pem"_s);
     if (!m_bFailed)
         m_secondMachine.Start(folder, m_options.usPort);
     DoThere({"With its plugins it leaves a choice", "see problems", "", "&Quit &Go on anyway"});

@@ -104,11 +104,13 @@ void CTour::StartWebServer()
         "The web server starts"_s,
         [this] {
             QDir().mkpath(GetFolder(SERVER_FOLDER));
-            m_strServerLine =
-                m_webServer.Start(m_options.strWebServer,
-                                  {"--database"_s, GetFolder(SERVER_FILE), "--pictures"_s, m_options.strPictures,
-                                   "--files"_s, GetFolder("files"_s), "--rate"_s, QString::number(FILE_RATE),
-                                   "--port"_s, QString::number(m_options.usWebPort), "--key"_s, WEB_KEY});
+            const QStringList arguments{"--database"_s, GetFolder(SERVER_FILE),
+                                        "--pictures"_s, m_options.strPictures,
+                                        "--files"_s,    GetFolder("files"_s),
+                                        "--rate"_s,     QString::number(FILE_RATE),
+                                        "--port"_s,     QString::number(m_options.usWebPort),
+                                        "--key"_s,      WEB_KEY};
+            m_strServerLine = m_webServer.Start(m_options.strWebServer, arguments + GetKeyArguments());
         },
         [this] { return m_strServerLine; });
 }
@@ -117,7 +119,7 @@ void CTour::StartSecondMachine(const QString &name)
 {
     if (m_bFailed)
         return;
-    MakeInstallation(GetFolder(name), m_options.usWebPort);
+    MakeInstallation(GetFolder(name), m_options.usWebPort, m_options.strKeys);
     m_secondMachine.Start(GetFolder(name), m_options.usPort);
     DoThere({"Another client starts and connects", "connect"});
 }

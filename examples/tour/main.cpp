@@ -22,6 +22,7 @@ bool ReadOptions(const QApplication &application, STourOptions &options)
     const auto accounts = make("accounts", "Its accounts.", "file");
     const auto webServer = make("web-server", "Program to start as web server.", "program");
     const auto pictures = make("pictures", "Its avatars.", "folder");
+    const auto keys = make("keys", "Their certificate and key, and authority.pem, which vouches for it.", "folder");
     const auto port = make("second-machine", "Another tour's client: takes the steps that its input names.", "port");
     const QCommandLineOption bigLobby(QStringLiteral("big-lobby"),
                                       QStringLiteral("Only the steps with very many tables."));
@@ -31,7 +32,7 @@ bool ReadOptions(const QApplication &application, STourOptions &options)
         "The exit code is 1 if something doesn't happen."));
     parser.addHelpOption();
     parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("For screenshots and installations."));
-    parser.addOptions({gameServer, tables, accounts, webServer, pictures, port, bigLobby});
+    parser.addOptions({gameServer, tables, accounts, webServer, pictures, keys, port, bigLobby});
     parser.process(application);
     const auto path = [&](const QCommandLineOption &option) { return QDir().absoluteFilePath(parser.value(option)); };
     const bool isSecond = parser.isSet(port);
@@ -41,6 +42,7 @@ bool ReadOptions(const QApplication &application, STourOptions &options)
                path(accounts),
                path(webServer),
                path(pictures),
+               path(keys),
                isSecond ? static_cast<quint16>(parser.value(port).toUInt()) : CTour::FindFreePort(),
                CTour::FindFreePort(),
                isSecond,
@@ -61,9 +63,9 @@ int main(int argc, char *argv[])
     }
     QDir::setCurrent(QApplication::applicationDirPath());
     if (!options.bSecondMachine)
-        CTour::MakeInstallation(options.strOutput, options.usWebPort);
+        CTour::MakeInstallation(options.strOutput, options.usWebPort, options.strKeys);
     CTour::EnterInstallation(options.strOutput);
     GlobalDefines::RegisterQML();
-    CClient client(QStringLiteral("127.0.0.1"), options.usPort);
+    CClient client({QStringLiteral("127.0.0.1"), options.usPort});
     return CTour(options, client.GetHost(), client.GetWindow()).Run();
 }

@@ -88,6 +88,13 @@ bool CSyncStore::AddSession(const SOwner &owner, QString &session)
                 now + SESSION_SECONDS});
 }
 
+bool CSyncStore::EndSessions(const SOwner &owner)
+{
+    TQuery query;
+    return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_cUser = ? AND SES_cMachine = ?"),
+               {owner.strUser, owner.strMachine});
+}
+
 bool CSyncStore::FindSession(const QString &session, SOwner &owner)
 {
     TQuery query;

@@ -48,6 +48,8 @@ public:
 
     /// \a session gets a new one, for a day.
     bool AddSession(const SOwner &owner, QString &session);
+    /// Ends all sessions of the user on this machine.
+    bool EndSessions(const SOwner &owner);
     /// \a session may be its first half alone. False also if there is none, or it has expired.
     bool FindSession(const QString &session, SOwner &owner);
 

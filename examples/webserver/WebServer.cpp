@@ -22,6 +22,15 @@ QString GetParameter(const httplib::Request &request, const char *name)
     return QString::fromStdString(request.get_param_value(name));
 }
 
+std::unique_ptr<httplib::Server> MakeTlsServer(const CWebServer::SOptions &options)
+{
+    auto server = std::make_unique<httplib::SSLServer>(QFile::encodeName(options.strCertificate).constData(),
+                                                       QFile::encodeName(options.strPrivateKey).constData());
+    if (server->is_valid())
+        SSL_CTX_set_min_proto_version(server->ssl_context(), TLS1_2_VERSION);
+    return server;
+}
+
 bool IsName(const QString &text)
 {
     return !text.isEmpty() && text.size() <= MAX_TEXT;
@@ -36,8 +45,7 @@ CWebServer::CWebServer(CSyncStore &store, const SOptions &options)
     if (options.strCertificate.isEmpty())
         m_pServer = std::make_unique<httplib::Server>();
     else
-        m_pServer = std::make_unique<httplib::SSLServer>(QFile::encodeName(options.strCertificate).constData(),
-                                                         QFile::encodeName(options.strPrivateKey).constData());
+        m_pServer = MakeTlsServer(options);
     m_pServer->new_task_queue = [] { return new httplib::ThreadPool(THREADS); };
     m_pServer->set_keep_alive_max_count(1); // else who keeps a connection keeps a thread
     m_pServer->set_payload_max_length(options.uiBodyLimit);
@@ -87,6 +95,7 @@ void CWebServer::AddHandlers()
         };
     };
     m_pServer->Post("/sessions", with(&CWebServer::GiveSession, "text/plain"));
+    m_pServer->Post("/sessions/end", with(&CWebServer::EndSessions, "text/plain"));
     m_pServer->Get("/sync", with(&CWebServer::Fetch, JSON_TYPE));
     m_pServer->Get(R"(/pictures/(\d{1,9})/(\d{1,9})\.png)", with(&CWebServer::ReadPicture, "image/png"));
     m_pServer->Get(R"(/files/(\w[\w.-]*))",
@@ -112,17 +121,30 @@ bool CWebServer::ReadBody(const TReader &reader, httplib::Response &response, st
     return whole;
 }
 
-int CWebServer::GiveSession(const httplib::Request &request, std::string &text)
+int CWebServer::ReadOwner(const httplib::Request &request, SOwner &owner) const
 {
-    const SOwner owner{GetParameter(request, "nickname"), GetParameter(request, "machine")};
+    owner = {GetParameter(request, "nickname"), GetParameter(request, "machine")};
     if (GetParameter(request, "key") != m_options.strKey)
         return 403;
-    if (!IsName(owner.strUser) || !IsName(owner.strMachine))
-        return 400;
+    return IsName(owner.strUser) && IsName(owner.strMachine) ? 200 : 400;
+}
+
+int CWebServer::GiveSession(const httplib::Request &request, std::string &text)
+{
+    SOwner owner;
     QString session;
-    const bool good = m_store.AddSession(owner, session);
+    int status = ReadOwner(request, owner);
+    if (status == 200 && !m_store.AddSession(owner, session))
+        status = 500;
     text = session.toStdString();
-    return good ? 200 : 500;
+    return status;
+}
+
+int CWebServer::EndSessions(const httplib::Request &request, std::string &)
+{
+    SOwner owner;
+    const int status = ReadOwner(request, owner);
+    return status == 200 && !m_store.EndSessions(owner) ? 500 : status;
 }
 
 int CWebServer::Fetch(const httplib::Request &request, std::string &json)

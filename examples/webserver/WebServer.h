@@ -22,7 +22,7 @@ public:
     {
         QString strPictures;
         QString strFiles;
-        QString strKey; ///< Who knows it may ask for a session for any user.
+        QString strKey; ///< Who knows it may ask for a session for any user, and end it.
         QString strCertificate;
         QString strPrivateKey; ///< Plain HTTP without both.
         quint32 uiBodyLimit = 0;
@@ -41,6 +41,8 @@ private:
     void AddHandlers();
     // In the thread of this object; each answers the status.
     int GiveSession(const httplib::Request &request, std::string &text);
+    int EndSessions(const httplib::Request &request, std::string &text);
+    int ReadOwner(const httplib::Request &request, SOwner &owner) const;
     int Fetch(const httplib::Request &request, std::string &json);
     int Merge(const httplib::Request &request, std::string &json);
     int ReadPicture(const httplib::Request &request, std::string &picture);

@@ -213,6 +213,7 @@ private Q_SLOTS:
         QTcpServer server;
         QVERIFY(server.listen(QHostAddress::LocalHost));
         CHost host("127.0.0.1"_s, server.serverPort());
+        host.SetTrust({}, true);
         CTestPlugin plugin;
         host.ConnectPlugin(&plugin);
         for (const QString &group : {"LOBB"_s, "ACCT"_s})
@@ -254,6 +255,7 @@ private Q_SLOTS:
         const quint16 port = server.serverPort();
         server.close();
         CServerLink link("127.0.0.1"_s, port);
+        link.SetPlain();
         link.SetPacketLimit(200);
         link.Open(); // before there is a server
         QTRY_COMPARE(link.GetState(), EConnectionState::Reconnecting);

@@ -2,6 +2,9 @@
 
 #include <client/Synchronisation.h>
 
+#include <database/SettingsDB.h>
+#include <files/Pathes.h>
+
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
 #include <support/Rows.h>
@@ -10,6 +13,12 @@
 #include <QtTest>
 
 using namespace AccountProtocol;
+
+namespace {
+
+const QString TOKEN(TOKEN_LENGTH, u'7');
+
+} // namespace
 
 class tst_session : public QObject
 {
@@ -38,7 +47,7 @@ private Q_SLOTS:
         const auto balances = [](const QString &nickname) {
             return Payload::Encode(SAccount{nickname, GlobalDefines::MONEYTYPE_DOLLAR, 600, 8}, BALANCES);
         };
-        m_pSession->LogIn("magnolia"_s, "hash"_s);
+        m_pSession->LogIn("magnolia"_s, "river"_s, false);
         Receive(Payload::Encode(SAccount{"Robin"_s, {}}));
         QVERIFY(!user->IsLoggedIn());
         Receive(Accepted(500));
@@ -69,10 +78,10 @@ private Q_SLOTS:
         const QByteArray end(QTest::currentDataTag());
         QSignalSpy refused(m_pSession.data(), &CSession::signal_LoginRefused);
         m_pSession->SetAnswerLimit(end == "no answer" ? 1 : 60000);
-        m_pSession->LogIn("Magnolia"_s, "hash"_s);
+        m_pSession->LogIn("Magnolia"_s, "river"_s, false);
         Receive(record);
         if (end == "link lost")
-            m_pSession->SetConnectionState(EConnectionState::Reconnecting);
+            m_pSession->SetConnectionState(EConnectionState::Reconnecting, true);
         QTRY_COMPARE(refused.size(), 1);
         QTEST(refused.at(0).at(0).toString(), "key");
         Receive(Accepted(500)); // too late
@@ -84,10 +93,10 @@ private Q_SLOTS:
     void LoginIsGivenUp()
     {
         QSignalSpy refused(m_pSession.data(), &CSession::signal_LoginRefused);
-        m_pSession->LogIn("Magnolia"_s, "right"_s);
+        m_pSession->LogIn("Magnolia"_s, "right"_s, false);
         m_pSession->CancelLogin();
         QCOMPARE(m_sent.last(), Payload::ToPackets(GROUP, {LOGOUT}));
-        m_pSession->LogIn("Magnolia"_s, "wrong"_s);
+        m_pSession->LogIn("Magnolia"_s, "wrong"_s, false);
         Receive(Accepted(500));
         QVERIFY(!CUserInfo::GetInstance()->IsLoggedIn());
         QVERIFY(refused.isEmpty());
@@ -104,14 +113,83 @@ private Q_SLOTS:
         LogIn();
         QSignalSpy states(user, &CUserInfo::signal_LoginStateChanged);
         for (const QByteArray &answer : {Accepted(300), Payload::Encode(SRefusal{"Magnolia"_s, RF_WRONG_PASSWORD})}) {
-            m_pSession->SetConnectionState(EConnectionState::Reconnecting);
+            m_pSession->SetConnectionState(EConnectionState::Reconnecting, true);
             QVERIFY(user->IsLoggedIn());
-            m_pSession->SetConnectionState(EConnectionState::Connected);
-            QCOMPARE(m_sent.last(), Payload::ToPackets(GROUP, {Payload::Encode(SLogin{"Magnolia"_s, "hash"_s})}));
+            m_pSession->SetConnectionState(EConnectionState::Connected, true);
+            QCOMPARE(m_sent.last(), Payload::ToPackets(GROUP, {Payload::Encode(STokenLogin{"Magnolia"_s, TOKEN})}));
             QVERIFY(states.isEmpty());
             Receive(answer);
         }
         QCOMPARE(states, (QList<QVariantList>{{false}}));
+    }
+
+    // With a token, in settings that an older client has left open to others. The password is nowhere.
+    void LoginIsRemembered_data()
+    {
+        AddRows<bool>({"isKept"}, {{"client ends", true},
+                                   {"logout", false},
+                                   {"logout everywhere", false},
+                                   {"another user logs in", false},
+                                   {"token is taken back", false}});
+    }
+    void LoginIsRemembered()
+    {
+        QFETCH(bool, isKept);
+        const QByteArray end(QTest::currentDataTag());
+        const CInstallationTree tree;
+        CSettingsDB::GetInstance()->Init();
+        QVERIFY(
+            QFile::setPermissions(Pathes::SettingsDB(), QFile::permissions(Pathes::SettingsDB()) | QFile::ReadOther));
+        m_pSession->LogIn("Magnolia"_s, "river"_s, true);
+        Receive(Payload::Encode(SToken{TOKEN}));
+        Receive(Accepted(500));
+        CSettings::GetInstance()->slot_SaveSettings(true);
+        QVERIFY(!(QFile::permissions(Pathes::SettingsDB()) & QFile::ReadOther));
+        const QByteArray stored = ReadFile(Pathes::SettingsDB()) + ReadFile(Pathes::SettingsDB() + "-wal"_s);
+        QVERIFY(stored.contains(TOKEN.toLatin1()));
+        QVERIFY(!stored.contains("river"));
+
+        if (end == "client ends") {
+            m_pSession->Leave();
+            QCOMPARE(m_sent.last(), Payload::ToPackets(GROUP, {LEAVE}));
+        } else if (end == "logout") {
+            m_pSession->LogOut();
+        } else if (end == "logout everywhere") {
+            m_pSession->LogOutEverywhere();
+            QCOMPARE(m_sent.last(), Payload::ToPackets(GROUP, {LOGOUT_EVERYWHERE}));
+        } else if (end == "another user logs in") {
+            m_pSession->LogIn("Robin"_s, "guest"_s, false);
+            Receive(Payload::Encode(SToken{QString(TOKEN).replace(0, 1, u'8')}));
+            Receive(Payload::Encode(SAccount{"Robin"_s, {}}));
+            m_pSession->Leave();
+        } else {
+            m_pSession->SetConnectionState(EConnectionState::Connected, true);
+            Receive(Payload::Encode(SRefusal{"Magnolia"_s, RF_TOKEN_ENDED}));
+        }
+        QVERIFY(!CUserInfo::GetInstance()->IsLoggedIn());
+        CSettings::GetInstance()->slot_SaveSettings(true);
+        m_pSession.reset(); // the client ends
+        DestroySingletons();
+        CSettingsDB::GetInstance()->Init();
+        init();
+        m_sent.clear();
+        m_pSession->SetConnectionState(EConnectionState::Connected, true);
+        const QByteArray login = Payload::ToPackets(GROUP, {Payload::Encode(STokenLogin{"Magnolia"_s, TOKEN})});
+        QCOMPARE(m_sent, isKept ? QVector<QByteArray>{login} : QVector<QByteArray>());
+    }
+
+    // Over a connection that others can read neither a password goes out nor a token.
+    void NothingSecretGoesUnprotected()
+    {
+        QSignalSpy refused(m_pSession.data(), &CSession::signal_LoginRefused);
+        LogIn();
+        m_sent.clear();
+        m_pSession->SetConnectionState(EConnectionState::Connected, false);
+        CSettings::GetInstance()->SetLastUserPwd(TOKEN);
+        m_pSession->LogOut();
+        m_pSession->LogIn("Magnolia"_s, "river"_s, false);
+        QCOMPARE(refused, (QList<QVariantList>{{"LOGIN_UNPROTECTED"_s}}));
+        QCOMPARE(m_sent, (QVector<QByteArray>{Payload::ToPackets(GROUP, {LOGOUT})}));
     }
 
     void MalformedRecordsChangeNothing_data()
@@ -123,7 +201,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, record);
         LogIn();
-        m_pSession->SetConnectionState(EConnectionState::Connected); // so that answers are waited for
+        m_pSession->SetConnectionState(EConnectionState::Connected, true); // so that answers are waited for
         for (const QByteArray &wrong : {record.left(4), record.chopped(1), record + 'x'})
             Receive(wrong);
         QCOMPARE(CConsole::GetMessages().size(), 3);
@@ -158,7 +236,8 @@ private:
 
     void LogIn()
     {
-        m_pSession->LogIn("Magnolia"_s, "hash"_s);
+        m_pSession->LogIn("Magnolia"_s, "river"_s, false);
+        Receive(Payload::Encode(SToken{TOKEN}));
         Receive(Accepted(500));
     }
 

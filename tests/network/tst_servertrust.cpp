@@ -1,9 +1,8 @@
-#include "TlsServer.h"
-
 #include <network/Download.h>
 #include <network/NetworkAccessManager.h>
 
 #include <support/Rows.h>
+#include <support/TlsServer.h>
 
 #include <QtTest>
 

@@ -1,0 +1,52 @@
+#include "LoginGuard.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int FREE_TRIES = 3;
+constexpr int MOST_AT_ONCE = 50; // of all users: each costs a processor a tenth of a second
+constexpr qint64 FIRST_PAUSE_MS = 1000;
+constexpr qint64 LONGEST_PAUSE_MS = 60000;
+constexpr qint64 MEMORY_MS = 15 * 60000;
+constexpr int FEW_NICKNAMES = 1000; // which needn't be looked through for old ones
+
+} // namespace
+
+bool CLoginGuard::Begin(const QString &nickname)
+{
+    ForgetOld();
+    if (m_iBegun >= MOST_AT_ONCE)
+        return false;
+    STries &tries = m_tries[nickname.toLower()];
+    // Those that have begun may all be wrong.
+    const bool isFree = tries.iWrong + tries.iBegun < FREE_TRIES;
+    if (!isFree && (tries.iBegun > 0 || !tries.pause.hasExpired()))
+        return false;
+    ++tries.iBegun;
+    ++m_iBegun;
+    return true;
+}
+
+void CLoginGuard::End(const QString &nickname, bool isRight)
+{
+    STries &tries = m_tries[nickname.toLower()];
+    --tries.iBegun;
+    --m_iBegun;
+    tries.iWrong = isRight ? 0 : tries.iWrong + 1;
+    tries.memory.setRemainingTime(MEMORY_MS);
+    if (tries.iWrong >= FREE_TRIES) {
+        const qint64 doubled = FIRST_PAUSE_MS << std::min(tries.iWrong - FREE_TRIES, 10);
+        tries.pause.setRemainingTime(std::min(doubled, LONGEST_PAUSE_MS));
+    }
+}
+
+void CLoginGuard::ForgetOld()
+{
+    if (m_tries.size() < FEW_NICKNAMES)
+        return;
+    for (auto tries = m_tries.begin(); tries != m_tries.end();) {
+        const bool isOld = tries->iBegun == 0 && (tries->iWrong == 0 || tries->memory.hasExpired());
+        tries = isOld ? m_tries.erase(tries) : std::next(tries);
+    }
+}

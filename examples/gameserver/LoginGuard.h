@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QHash>
+#include <QString>
+
+/// Slows down those who try passwords. The first few wrong ones for a nickname cost nothing. After each further one
+/// nobody can try the next for a pause, which doubles up to a minute, from however many connections. A right one, or
+/// a quarter of an hour without any, forgets them.
+///
+/// An attacker can thus keep a user from logging in with the password, but not with a token.
+class CLoginGuard
+{
+public:
+    /// Begins to try a password for the nickname, in any case. Returns false if it mustn't be looked at; otherwise
+    /// the caller calls End() once it is known whether it is right.
+    bool Begin(const QString &nickname);
+    void End(const QString &nickname, bool isRight);
+
+private:
+    struct STries
+    {
+        int iWrong = 0;
+        int iBegun = 0;        // and not ended
+        QDeadlineTimer pause;  // until the next one
+        QDeadlineTimer memory; // until they are forgotten
+    };
+
+    void ForgetOld();
+
+    QHash<QString, STries> m_tries; // by nickname in lower case
+    int m_iBegun = 0;
+};
