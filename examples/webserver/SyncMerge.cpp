@@ -10,11 +10,19 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSync
     , m_strID(place.strList)
     , m_list(list)
     , m_machine(machine)
-    , m_write(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_row VALUES (?, ?, ?, ?, ?)")))
-    , m_remember(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_past VALUES (?, ?, ?, ?, ?)")))
+    , m_write(
+          store.Prepare(QStringLiteral("INSERT INTO tbl_row VALUES (?, ?, ?, ?, ?) ON CONFLICT (ROW_cList, ROW_cKey)"
+                                       " DO UPDATE SET ROW_cContent = excluded.ROW_cContent, ROW_iChanged ="
+                                       " excluded.ROW_iChanged, ROW_iStamp = excluded.ROW_iStamp")))
+    , m_remember(
+          store.Prepare(QStringLiteral("INSERT INTO tbl_past VALUES (?, ?, ?, ?, ?) ON CONFLICT (PST_cList, PST_cKey,"
+                                       " PST_iTime, %digest(PST_cContent)) DO UPDATE SET PST_iUntil ="
+                                       " excluded.PST_iUntil")))
     , m_drop(store.Prepare(QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"
                                           " AND HLD_cKey = ?")))
-    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?, 0, ?)")))
+    , m_hold(store.Prepare(QStringLiteral("INSERT INTO tbl_held VALUES (?, ?, ?, ?, ?, 0, ?) ON CONFLICT (HLD_cList,"
+                                          " HLD_cMachine, HLD_cKey, %digest(HLD_cContent)) DO UPDATE SET HLD_iOffer ="
+                                          " excluded.HLD_iOffer, HLD_bEmpty = 0, HLD_iSent = excluded.HLD_iSent")))
     , m_findPast(store.Prepare(QStringLiteral("SELECT 1 FROM tbl_past WHERE PST_cList = ? AND PST_cKey = ?"
                                               " AND PST_cContent = ? AND PST_iTime = ?")))
 {
@@ -44,7 +52,8 @@ bool CSyncMerge::ReadNewest()
 {
     CSyncStore::TQuery query;
     if (!m_store.Run(query,
-                     QStringLiteral("SELECT MAX(MAX(MAC_iBase), MAX(MAC_iOffered)),"
+                     QStringLiteral("SELECT MAX(CASE WHEN MAC_iBase > MAC_iOffered THEN MAC_iBase"
+                                    " ELSE MAC_iOffered END),"
                                     " (SELECT MAX(ROW_iStamp) FROM tbl_row WHERE ROW_cList = ?)"
                                     " FROM tbl_machine WHERE MAC_cList = ?"),
                      {m_strID, m_strID}) ||
@@ -62,7 +71,7 @@ bool CSyncMerge::ReadSentRows()
                                        " WHERE ROW_cList = ? AND ROW_cKey = ?"));
     bool good = true;
     for (auto sent = m_list.rows.cbegin(); good && sent != m_list.rows.cend(); ++sent) {
-        good = CSyncStore::Execute(query, {m_strID, sent->strKey});
+        good = m_store.Execute(query, {m_strID, sent->strKey});
         if (good && query->next())
             m_rows.insert(sent->strKey,
                           {query->value(0).toString(), query->value(1).toLongLong(), query->value(2).toLongLong()});
@@ -95,7 +104,7 @@ bool CSyncMerge::ReadSentBefore()
                                        " AND HLD_cMachine = ? AND HLD_cKey = ? AND HLD_iSent > 0"));
     bool good = true;
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
-        good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
+        good = good && m_store.Execute(query, {m_strID, m_place.strMachine, sent.strKey});
         if (good && query->next())
             m_sentBefore.insert(sent.strKey, {query->value(0).toString(), query->value(1).toLongLong()});
     }
@@ -132,7 +141,7 @@ bool CSyncMerge::ReadHeld()
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
         const QVariantList place{m_strID, m_place.strMachine, sent.strKey};
         bool empty = false;
-        good = good && CSyncStore::Execute(query, place);
+        good = good && m_store.Execute(query, place);
         while (good && query->next()) {
             m_held[sent.strKey].insert(query->value(0).toString());
             empty |= query->value(1).toBool();
@@ -140,7 +149,7 @@ bool CSyncMerge::ReadHeld()
         if (empty && sent.strContent == SyncJson::NO_NOTE)
             m_held[sent.strKey].insert(SyncJson::NO_NOTE);
         else if (empty)
-            good = good && CSyncStore::Execute(fill, place);
+            good = good && m_store.Execute(fill, place);
     }
     return good;
 }
@@ -178,8 +187,8 @@ bool CSyncMerge::Hold(const SSyncRow &sent, qint64 stamp)
     if (!m_place.bStampedAnew && !m_bAddsOnly)
         return true;
     const bool drops = !m_place.bStampedAnew || m_held.contains(sent.strKey);
-    return (!drops || CSyncStore::Execute(m_drop, place)) &&
-           CSyncStore::Execute(m_hold, place + QVariantList{sent.strContent, stamp, std::max<qint64>(sent.iTime, 1)});
+    return (!drops || m_store.Execute(m_drop, place)) &&
+           m_store.Execute(m_hold, place + QVariantList{sent.strContent, stamp, std::max<qint64>(sent.iTime, 1)});
 }
 
 // Whether what is here is what the machine itself has sent, so that it knew of it when it changed the row.
@@ -204,7 +213,7 @@ bool CSyncMerge::IsEcho(const SSyncRow &sent, const SRow &row)
     if (sent.strContent == row.strContent && (sent.iTime == row.iStamp || sent.iTime == row.iChanged))
         return true;
     const bool echo =
-        CSyncStore::Execute(m_findPast, {m_strID, sent.strKey, sent.strContent, sent.iTime}) && m_findPast->next();
+        m_store.Execute(m_findPast, {m_strID, sent.strKey, sent.strContent, sent.iTime}) && m_findPast->next();
     m_findPast->finish();
     return echo;
 }
@@ -273,12 +282,12 @@ bool CSyncMerge::Forget()
 
 bool CSyncMerge::Write(const QString &key, const SRow &row)
 {
-    return CSyncStore::Execute(m_write, {m_strID, key, row.strContent, row.iChanged, row.iStamp});
+    return m_store.Execute(m_write, {m_strID, key, row.strContent, row.iChanged, row.iStamp});
 }
 
 bool CSyncMerge::Remember(const QString &key, const SRow &row, qint64 until)
 {
-    return CSyncStore::Execute(m_remember, {m_strID, key, row.strContent, row.iStamp, until}) &&
+    return m_store.Execute(m_remember, {m_strID, key, row.strContent, row.iStamp, until}) &&
            (row.iChanged == row.iStamp ||
-            CSyncStore::Execute(m_remember, {m_strID, key, row.strContent, row.iChanged, until}));
+            m_store.Execute(m_remember, {m_strID, key, row.strContent, row.iChanged, until}));
 }

@@ -24,7 +24,7 @@ QString GetParameter(const httplib::Request &request, const char *name)
 
 bool IsName(const QString &text)
 {
-    return !text.isEmpty() && text.size() <= MAX_TEXT;
+    return !text.isEmpty() && text.size() <= MAX_TEXT && !text.contains(QChar::Null); // which not all databases keep
 }
 
 } // namespace

@@ -21,10 +21,26 @@ QCommandLineOption Option(const char *name, const char *meaning, const char *val
             QString::fromLatin1(byDefault)};
 }
 
+// A file or an address, which is in no message: it may have a password.
+QString ReadPlace(const QString &file, const QString &address, QString &error)
+{
+    const QString store = !address.isEmpty() || !file.isEmpty() ? address : qEnvironmentVariable("WEBSERVER_STORE");
+    if (!file.isEmpty() && !store.isEmpty())
+        error = QStringLiteral("--database and --store exclude each other");
+    else if (!store.isEmpty() && !CStoreDatabase::IsAddress(store))
+        error = QStringLiteral("--store begins with postgres:// or postgresql://; for a file there is --database");
+    return store.isEmpty() ? file : store;
+}
+
 bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &options, QString &database, quint32 &port,
                  QString &error)
 {
-    const auto file = Option("database", "SQLite file with sessions, settings and notes; required.", "file");
+    const auto file = Option("database", "SQLite file with sessions, settings and notes.", "file");
+    const auto address =
+        Option("store",
+               "Instead of it, postgres://USER@HOST:PORT/DATABASE, which servers can share; by default"
+               " what is in the environment variable WEBSERVER_STORE.",
+               "address");
     const auto pictures = Option("pictures", "Folder with the players' pictures.", "folder");
     const auto files = Option("files", "Folder with the files to download.", "folder");
     const auto rate = Option("rate", "Bytes a second of such a file; 0, the default, is no limit.", "number", "0");
@@ -40,9 +56,9 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
         "Prints \"listening on PORT\" once clients can connect. Each request is a line on standard error. The exit\n"
         "code is 1 if the server cannot start."));
     parser.addHelpOption();
-    parser.addOptions({file, pictures, files, rate, number, key, limit, certificate, privateKey});
+    parser.addOptions({file, address, pictures, files, rate, number, key, limit, certificate, privateKey});
     parser.process(application);
-    database = parser.value(file);
+    database = ReadPlace(parser.value(file), parser.value(address), error);
     options = {parser.value(pictures),
                parser.value(files),
                parser.value(key),
@@ -50,8 +66,8 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
                parser.value(privateKey),
                0,
                0};
-    if (database.isEmpty() || options.strKey.isEmpty())
-        error = QStringLiteral("--database or --key is missing; see --help");
+    if (error.isEmpty() && (database.isEmpty() || options.strKey.isEmpty()))
+        error = QStringLiteral("--database, --store or --key is missing; see --help");
     else if (options.strCertificate.isEmpty() != options.strPrivateKey.isEmpty())
         error = QStringLiteral("--certificate and --private-key go together");
     else if (!parser.positionalArguments().isEmpty())
@@ -73,9 +89,9 @@ int main(int argc, char *argv[])
     QString error;
     if (!ReadOptions(application, options, database, port, error))
         return Fail(error);
-    CSyncStore store(database);
+    CSyncStore store(CStoreDatabase::Make(database));
     if (!store.Init())
-        return Fail(QStringLiteral("%1 can't be opened as a database").arg(database));
+        return Fail(store.GetError());
     CWebServer server(store, options);
     const int listening = server.Listen(static_cast<int>(port));
     if (listening == 0)

@@ -40,7 +40,7 @@ public:
             !m_server.listen(QHostAddress::LocalHost) || !store.Init())
             qFatal("no ground for a town");
         for (const QString &pragma : {"PRAGMA journal_mode = MEMORY"_s, "PRAGMA synchronous = OFF"_s})
-            store.Exec(pragma); // nobody kills it here
+            store.GetQuery().exec(pragma); // nobody kills it here
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("LD_BIND_NOW"_s, "1"_s); // once, before it forks
         m_program.setProcessEnvironment(environment);
@@ -99,7 +99,7 @@ public:
     }
 
     QTemporaryDir dir{QDir("/dev/shm"_s).exists() ? "/dev/shm/town-XXXXXX"_s : QDir::tempPath() + "/town-XXXXXX"_s};
-    CSyncStore store{dir.filePath("web.sqlite"_s)};
+    CSyncStore store{CStoreDatabase::Make(dir.filePath("web.sqlite"_s))};
     int iTowns = 0;
     bool bTells = false; ///< What happens.
 
