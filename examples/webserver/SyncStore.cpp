@@ -27,7 +27,7 @@ CSyncStore::~CSyncStore() = default;
 bool CSyncStore::IsReady()
 {
     TQuery query;
-    const bool good = Run(query, QStringLiteral("SELECT 1"), {});
+    const bool good = Run(query, QStringLiteral("SELECT COUNT(*) FROM tbl_dbinfo"), {});
     if (good)
         query->finish();
     return good;

@@ -62,6 +62,7 @@ public:
     bool IsReady();
     /// Whether the last operation was false because the database failed it, or couldn't be reached.
     bool HasFailed() const { return m_error.isValid(); }
+    void ResetFailure() { m_error = QSqlError(); }
     /// How often an operation had to wait for another one of its user, or to be tried again after others.
     quint64 GetConflicts() const { return m_uiConflicts; }
 

@@ -3,9 +3,13 @@
 #include <protocol/Options.h>
 
 #include <QCoreApplication>
+#include <QSocketNotifier>
 
+#include <csignal>
 #include <cstdio>
 #include <limits>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -52,9 +56,11 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Gives the game server web sessions for its users, keeps their settings and notes in step over their\n"
-        "machines, and serves pictures and files, until a signal ends it.\n"
-        "Prints \"listening on PORT\" once clients can connect. Each request is a line on standard error. The exit\n"
-        "code is 1 if the server cannot start."));
+        "machines, and serves pictures and files, until SIGTERM or SIGINT ends it; it answers what has been asked "
+        "before.\n"
+        "Prints \"listening on PORT\" once clients can connect. Each request is a line of JSON on standard error.\n"
+        "GET /healthz tells that it lives, /readyz whether it can reach its store, /metrics its counters.\n"
+        "The exit code is 1 if the server cannot start."));
     parser.addHelpOption();
     parser.addOptions({file, address, pictures, files, rate, number, key, limit, certificate, privateKey});
     parser.process(application);
@@ -78,6 +84,27 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
            Options::ReadNumber(parser, limit, 1, std::numeric_limits<qint32>::max(), options.uiBodyLimit, error);
 }
 
+int signalSocket = -1; // to which a handler writes
+
+// The first SIGTERM or SIGINT lets the server end what it has begun, the second one ends it.
+void EndOnSignals(CWebServer &server)
+{
+    int sockets[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
+        return; // the default action loses no more than answers
+    signalSocket = sockets[1];
+    auto *notifier = new QSocketNotifier(sockets[0], QSocketNotifier::Read, &server);
+    QObject::connect(notifier, &QSocketNotifier::activated, &server, [notifier, &server] {
+        notifier->setEnabled(false);
+        server.End();
+    });
+    struct sigaction action = {};
+    action.sa_handler = [](int) { [[maybe_unused]] const auto written = write(signalSocket, "", 1); };
+    action.sa_flags = int(SA_RESETHAND | SA_RESTART);
+    sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGINT, &action, nullptr);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -97,7 +124,7 @@ int main(int argc, char *argv[])
     if (listening == 0)
         return Fail(QStringLiteral("port %1 is taken, or the certificate and its key are no good").arg(port));
 
-    // Nothing is kept that a signal could lose, so the default action of SIGTERM and SIGINT is the right end.
+    EndOnSignals(server);
     std::printf("listening on %d\n", listening);
     std::fflush(stdout);
     return QCoreApplication::exec();

@@ -6,6 +6,7 @@
 #include <support/Literal.h>
 #include <support/Rows.h>
 
+#include <QTcpSocket>
 #include <QtTest>
 
 #include <httplib.h>
@@ -102,7 +103,7 @@ private Q_SLOTS:
         json(400, "\"playerinfos\":[", "\"playerinfos\":[7,");
         json(400, "}]}", "}]");
         json(413, "}]}", "}]}" + QByteArray(100000, ' '));
-        for (const char *path : {"pictures/5/5001.png", "files/5001.png"})
+        for (const char *path : {"pictures/5/5001.png", "files/5001.png", "healthz", "readyz", "metrics"})
             row(200, "GET /" + QByteArray(path) + " ");
         for (const char *path : {"../secret.png", "..%2F..%2Fsecret.png", ".", "", "5"})
             row(404, "GET /files/" + QByteArray(path) + " ");
@@ -201,6 +202,55 @@ private Q_SLOTS:
         QCOMPARE(Fetch(AskForSession("Lyra"_s, "new"_s), 0), "x=2"_s);
     }
 
+    // Who asks meanwhile is told so, and can ask the same again.
+    void StoreGoesAwayAndComesBack()
+    {
+        const QByteArray session = AskForSession("Altair"_s, "desk"_s);
+        QCOMPARE(Send(session, "x 1 100"_s), 200);
+        CLocalDB lock(m_dir.filePath("db"_s), true, true);
+        QVERIFY(m_pPostgres ? m_pPostgres->Tell("kill") : lock.Init() && lock.Exec("BEGIN EXCLUSIVE"_s));
+        m_pWeb->set_read_timeout(20); // the server waits 5 s for a file
+        QCOMPARE(Send(session, "x 2 110"_s), 503);
+        QCOMPARE(m_pWeb->Get("/readyz")->status, 503);
+        QCOMPARE(m_pWeb->Get("/healthz")->status, 200);
+        QVERIFY(m_pPostgres ? m_pPostgres->Tell("start") : lock.Exec("ROLLBACK"_s));
+        QTRY_COMPARE(m_pWeb->Get("/readyz")->status, 200);
+        QCOMPARE(Send(session, "x 2 110"_s), 200);
+        QCOMPARE(Fetch(AskForSession("Altair"_s, "new"_s), 0), "x=2"_s);
+    }
+
+    // A request that has begun is answered. What the server has told of all of them has no secrets.
+    void EndsInOrder()
+    {
+        const QByteArray session = AskForSession("Deneb"_s, "desk"_s);
+        QCOMPARE(Fetch(session, 0), QString());
+        const QByteArray body = "session=" + session +
+                                R"(&json={"usersettingstime":"100","playerinfostime":"0",)"
+                                R"("usersettings":[{"area":"a","key":"k","value":"v","time":"100"}]})";
+        QTcpSocket socket;
+        socket.connectToHost("127.0.0.1"_s, m_uiPort);
+        QVERIFY(socket.waitForConnected());
+        socket.write("POST /sync HTTP/1.1\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n");
+        socket.write(body.left(100));
+        QVERIFY(socket.waitForBytesWritten());
+        QTRY_VERIFY(m_pWeb->Get("/healthz")); // taken after it
+        QVERIFY(m_pWeb->Get("/metrics")->body.find("path=\"/sync\",status=\"503\"} 1\n") != std::string::npos);
+        m_server.terminate();
+        QTRY_VERIFY(!m_pWeb->Get("/healthz"));
+        socket.write(body.mid(100));
+        QVERIFY(socket.waitForReadyRead());
+        QVERIFY(socket.readAll().startsWith("HTTP/1.1 200"));
+        QVERIFY(m_server.waitForFinished());
+        QCOMPARE(m_server.exitCode(), 0);
+        QJsonObject last;
+        const QList<QByteArray> lines = m_server.readAllStandardError().trimmed().split('\n');
+        for (const QByteArray &line : lines) {
+            last = QJsonDocument::fromJson(line).object();
+            QVERIFY2(last.contains("status"_s) && !line.contains(session.left(32)), line.constData());
+        }
+        QCOMPARE(last["path"_s].toString() + u' ' + QString::number(last["rowsin"_s].toInt()), "/sync 1"_s);
+    }
+
 private:
     QByteArray AskForSession(const QString &user, const QString &machine) const
     {
@@ -261,6 +311,7 @@ private:
                                           m_dir.filePath("pictures"_s), "--files"_s, m_dir.filePath("pictures/5"_s),
                                           "--key"_s, "k &"_s, "--body-limit"_s, "100000"_s});
         QVERIFY(port != 0);
+        m_uiPort = port;
         m_pWeb = std::make_unique<httplib::Client>("127.0.0.1", port);
     }
 
@@ -268,6 +319,7 @@ private:
     std::unique_ptr<CPostgres> m_pPostgres; // none: a file
     QString m_strAddress;
     QProcess m_server;
+    quint16 m_uiPort = 0;
     std::unique_ptr<httplib::Client> m_pWeb;
 };
 
