@@ -161,6 +161,17 @@ bool CPostgresDatabase::Reopen()
     return open;
 }
 
+// With the offset, the planner searches the table for each text, by an index. Else it would read the whole list for
+// each, as long as it has no statistics.
+QString CPostgresDatabase::Adapt(QString sql) const
+{
+    return sql.replace(QLatin1String("%digest("), QLatin1String("md5("))
+        .replace(QLatin1String("%texts(?)"), QLatin1String("json_array_elements_text(CAST(? AS JSON))"))
+        .replace(QLatin1String("%join"), QLatin1String("CROSS JOIN LATERAL (SELECT * FROM"))
+        .replace(QLatin1String("%end"), QLatin1String("OFFSET 0) AS found"))
+        .replace(QLatin1String("%rows(?)"), QLatin1String("json_array_elements(CAST(? AS JSON))"));
+}
+
 bool CPostgresDatabase::Open()
 {
     const QString driver = QString::fromLatin1(DRIVER);

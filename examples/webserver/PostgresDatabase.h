@@ -31,7 +31,7 @@ public:
     bool End(bool commit, QSqlError &error) override;
     EFailure GetFailure(const QSqlError &error) const override;
     bool Reopen() override;
-    QString GetDigest() const override { return QStringLiteral("md5"); } // else no more than 2700 bytes can be held
+    QString Adapt(QString sql) const override;
 
 private:
     QSqlDatabase GetConnection() const { return QSqlDatabase::database(m_strConnection, false); }

@@ -80,6 +80,15 @@ bool CSqliteDatabase::End(bool commit, QSqlError &error)
     return false;
 }
 
+QString CSqliteDatabase::Adapt(QString sql) const
+{
+    return sql.remove(QLatin1String("%digest"))
+        .replace(QLatin1String("%texts("), QLatin1String("json_each("))
+        .replace(QLatin1String("%join"), QLatin1String("CROSS JOIN"))
+        .remove(QLatin1String("%end"))
+        .replace(QLatin1String("%rows("), QLatin1String("json_each("));
+}
+
 bool CSqliteDatabase::Exec(const char *sql, QSqlError &error)
 {
     QSqlQuery query = m_file.GetQuery();

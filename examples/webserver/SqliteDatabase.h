@@ -22,7 +22,7 @@ public:
     bool End(bool commit, QSqlError &error) override;
     EFailure GetFailure(const QSqlError &) const override { return EFailure::Final; }
     bool Reopen() override { return false; }
-    QString GetDigest() const override { return {}; }
+    QString Adapt(QString sql) const override;
 
 private:
     class CFile : public CLocalDB

@@ -46,6 +46,9 @@ public:
     virtual EFailure GetFailure(const QSqlError &error) const = 0;
     /// Opens a lost connection again. Queries from before answer nothing any more.
     virtual bool Reopen() = 0;
-    /// The function by which a unique index holds long texts, as a prefix to a column in parentheses.
-    virtual QString GetDigest() const = 0;
+    /// The SQL in the database's own words. Of the store's, these are others in each: "%digest(COLUMN)" is by what a
+    /// unique index holds a long text, "%texts(?)" a table of the texts in a JSON array, and "%rows(?)" of the arrays
+    /// in one, with the column "value"; "TEXTS %join TABLE WHERE CONDITION %end" searches the table for each of the
+    /// texts.
+    virtual QString Adapt(QString sql) const = 0;
 };

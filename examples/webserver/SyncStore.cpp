@@ -270,7 +270,7 @@ CSyncStore::TQuery CSyncStore::Prepare(const QString &sql)
     if (query)
         return query;
     query = TQuery::create(m_pDatabase->GetQuery());
-    if (query->prepare(QString(sql).replace(QLatin1String("%digest"), m_pDatabase->GetDigest())))
+    if (query->prepare(m_pDatabase->Adapt(sql)))
         m_queries.insert(sql, query);
     else
         NoteFailure(query);
