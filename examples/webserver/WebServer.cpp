@@ -1,6 +1,7 @@
 #include "WebServer.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFile>
 
 #include <chrono>
@@ -138,12 +139,14 @@ void CWebServer::AddReports()
 
 bool CWebServer::ReadBody(const TReader &reader, httplib::Response &response, std::string &body) const
 {
+    const QDeadlineTimer limit(std::chrono::seconds(m_options.uiBodySeconds)); // else a slow one keeps a thread
     const bool whole = reader([&](const char *data, std::size_t size) {
         body.append(data, size);
-        return body.size() <= m_options.uiBodyLimit; // which the library asks of an announced length only
+        // The library asks this of an announced length only.
+        return body.size() <= m_options.uiBodyLimit && !limit.hasExpired();
     });
     if (!whole)
-        response.status = body.size() > m_options.uiBodyLimit ? 413 : std::max(response.status, 400);
+        response.status = body.size() > m_options.uiBodyLimit ? 413 : response.status > 400 ? response.status : 408;
     return whole;
 }
 

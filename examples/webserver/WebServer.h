@@ -28,7 +28,8 @@ public:
         QString strCertificate;
         QString strPrivateKey; ///< Plain HTTP without both.
         quint32 uiBodyLimit = 0;
-        quint32 uiRate = 0; ///< Bytes a second of a file; 0 for as many as it can.
+        quint32 uiRate = 0;         ///< Bytes a second of a file; 0 for as many as it can.
+        quint32 uiBodySeconds = 60; ///< In which a request body has to come.
     };
 
     CWebServer(CSyncStore &store, const SOptions &options);

@@ -51,6 +51,7 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
     const auto number = Option("port", "Port on 127.0.0.1; 0, the default, is any.", "number", "0");
     const auto key = Option("key", "Secret that it shares with the game server; required.", "text");
     const auto limit = Option("body-limit", "The longest request body; default 33554432.", "bytes", "33554432");
+    const auto seconds = Option("body-seconds", "In which a request body has to come; default 60.", "number", "60");
     const auto certificate = Option("certificate", "PEM file; with it and its key it serves https.", "file");
     const auto privateKey = Option("private-key", "PEM file.", "file");
     QCommandLineParser parser;
@@ -62,7 +63,7 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
         "GET /healthz tells that it lives, /readyz whether it can reach its store, /metrics its counters.\n"
         "The exit code is 1 if the server cannot start."));
     parser.addHelpOption();
-    parser.addOptions({file, address, pictures, files, rate, number, key, limit, certificate, privateKey});
+    parser.addOptions({file, address, pictures, files, rate, number, key, limit, seconds, certificate, privateKey});
     parser.process(application);
     database = ReadPlace(parser.value(file), parser.value(address), error);
     options = {parser.value(pictures),
@@ -81,7 +82,8 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
     return error.isEmpty() &&
            Options::ReadNumber(parser, number, 0, std::numeric_limits<quint16>::max(), port, error) &&
            Options::ReadNumber(parser, rate, 0, std::numeric_limits<qint32>::max(), options.uiRate, error) &&
-           Options::ReadNumber(parser, limit, 1, std::numeric_limits<qint32>::max(), options.uiBodyLimit, error);
+           Options::ReadNumber(parser, limit, 1, std::numeric_limits<qint32>::max(), options.uiBodyLimit, error) &&
+           Options::ReadNumber(parser, seconds, 1, 3600, options.uiBodySeconds, error);
 }
 
 int signalSocket = -1; // to which a handler writes

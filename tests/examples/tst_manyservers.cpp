@@ -15,6 +15,7 @@
 #include <atomic>
 #include <future>
 #include <map>
+#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -22,12 +23,13 @@ namespace {
 constexpr int USERS = 4;
 constexpr int SERVERS = 4; // the last of which begins late
 constexpr int EXCHANGES = 500;
+constexpr int SILENT = 10000;
 constexpr int FIRST_TIME = 1000000;
 const char FORM[] = "application/x-www-form-urlencoded";
 
 // A request may come twice, whatever its method: so the balancer asks the next server if one says nothing.
 const QString BALANCER = QStringLiteral("daemon off;\nmaster_process off;\npid %1/pid;\nerror_log %1/error;\n"
-                                        "events {}\n"
+                                        "worker_rlimit_nofile 15000;\nevents { worker_connections 12000; }\n"
                                         "http {\n  access_log off;\n  client_body_temp_path %1/body;\n"
                                         "  proxy_temp_path %1/proxy;\n  fastcgi_temp_path %1/fastcgi;\n"
                                         "  uwsgi_temp_path %1/uwsgi;\n  scgi_temp_path %1/scgi;\n"
@@ -219,6 +221,33 @@ private Q_SLOTS:
               repeated);
         const auto metrics = httplib::Client("127.0.0.1", m_ports[SERVERS - 1]).Get("/metrics");
         QVERIFY(metrics && metrics->body.find("path=\"/sync\",status=\"200\"}") != std::string::npos);
+    }
+
+    // They are the balancer's business, and the servers answer the others as before.
+    void SilentConnectionsHinderNobody()
+    {
+        rlimit files{};
+        QVERIFY(getrlimit(RLIMIT_NOFILE, &files) == 0);
+        files.rlim_cur = files.rlim_max;
+        QVERIFY(setrlimit(RLIMIT_NOFILE, &files) == 0);
+        sockaddr_in there{};
+        there.sin_family = AF_INET;
+        there.sin_port = htons(m_uiPort);
+        there.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        std::vector<int> silent;
+        for (int i = 0; i < SILENT; ++i) {
+            silent.push_back(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+            QVERIFY(::connect(silent.back(), reinterpret_cast<sockaddr *>(&there), sizeof there) == 0);
+        }
+        QElapsedTimer clock;
+        clock.start();
+        CUser user(m_uiPort, USERS + 1);
+        user.Run();
+        qInfo("%lld ms for %d exchanges beside %d silent connections", clock.elapsed(), EXCHANGES, SILENT);
+        for (const int one : silent)
+            close(one);
+        QCOMPARE(QString::fromStdString(user.strFault), QString());
+        QVERIFY(clock.elapsed() < 30000);
     }
 
 private:

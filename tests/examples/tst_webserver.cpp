@@ -219,6 +219,20 @@ private Q_SLOTS:
         QCOMPARE(Fetch(AskForSession("Altair"_s, "new"_s), 0), "x=2"_s);
     }
 
+    void SlowBodyIsRefused()
+    {
+        QTcpSocket socket;
+        socket.connectToHost("127.0.0.1"_s, m_uiPort);
+        QVERIFY(socket.waitForConnected());
+        socket.write("POST /sync HTTP/1.1\r\nContent-Length: 1000\r\n\r\n");
+        QElapsedTimer clock;
+        clock.start();
+        while (!socket.waitForReadyRead(200) && clock.elapsed() < 8000)
+            socket.write("s");
+        QVERIFY(socket.readAll().startsWith("HTTP/1.1 408"));
+        QVERIFY(clock.elapsed() < 4000);
+    }
+
     // A request that has begun is answered. What the server has told of all of them has no secrets.
     void EndsInOrder()
     {
@@ -305,11 +319,11 @@ private:
 
     void Start()
     {
-        const quint16 port = StartServer(m_server, QStringLiteral(WEBSERVER_PATH),
-                                         {m_pPostgres ? "--store"_s : "--database"_s,
-                                          m_pPostgres ? m_strAddress : m_dir.filePath("db"_s), "--pictures"_s,
-                                          m_dir.filePath("pictures"_s), "--files"_s, m_dir.filePath("pictures/5"_s),
-                                          "--key"_s, "k &"_s, "--body-limit"_s, "100000"_s});
+        const quint16 port = StartServer(
+            m_server, QStringLiteral(WEBSERVER_PATH),
+            {m_pPostgres ? "--store"_s : "--database"_s, m_pPostgres ? m_strAddress : m_dir.filePath("db"_s),
+             "--pictures"_s, m_dir.filePath("pictures"_s), "--files"_s, m_dir.filePath("pictures/5"_s), "--key"_s,
+             "k &"_s, "--body-limit"_s, "100000"_s, "--body-seconds"_s, "2"_s});
         QVERIFY(port != 0);
         m_uiPort = port;
         m_pWeb = std::make_unique<httplib::Client>("127.0.0.1", port);
