@@ -70,7 +70,7 @@ int CWebServer::Listen(int port)
         m_thread = std::thread([this] {
             m_pServer->listen_after_bind();
             const int code = m_bEnding ? 0 : 1; // it can't accept any more
-            QMetaObject::invokeMethod(qApp, [code] { QCoreApplication::exit(code); });
+            QMetaObject::invokeMethod(QCoreApplication::instance(), [code] { QCoreApplication::exit(code); });
         });
     return port;
 }
