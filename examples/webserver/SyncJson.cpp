@@ -9,6 +9,7 @@
 namespace {
 
 constexpr qint64 TIME_LIMIT = 4102444800;
+constexpr int MAX_KEY = 2000; // bytes, which an index of any database can hold
 const QString TIME = QStringLiteral("time");
 
 // The fields of each list's rows.
@@ -22,9 +23,9 @@ const std::array<SShape, SyncJson::LISTS.size()> SHAPES{
     {{{QStringLiteral("area"), QStringLiteral("key")}, {QStringLiteral("value")}, {}},
      {{QStringLiteral("nick")}, {QStringLiteral("note")}, {QStringLiteral("tag"), QStringLiteral("flags")}}}};
 
-QString ToText(const QJsonObject &object)
+QByteArray ToText(const QJsonObject &object)
 {
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
 bool Copy(const QJsonObject &from, const QStringList &names, QJsonObject &to)
@@ -42,9 +43,10 @@ bool ReadRow(const QJsonObject &object, const SShape &shape, SSyncRow &row)
                 SyncJson::ReadTime(object.value(TIME).toString(), row.iTime);
     for (auto name = shape.numbers.begin(); good && name != shape.numbers.end(); ++name)
         content.insert(*name, static_cast<qint64>(object.value(*name).toString().toUInt(&good)));
-    row.strKey = ToText(key);
-    row.strContent = ToText(content);
-    return good;
+    const QByteArray text = ToText(key);
+    row.strKey = QString::fromUtf8(text);
+    row.strContent = QString::fromUtf8(ToText(content));
+    return good && text.size() <= MAX_KEY;
 }
 
 bool ReadList(const QJsonValue &rows, const SShape &shape, QVector<SSyncRow> &list)

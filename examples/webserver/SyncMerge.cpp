@@ -1,8 +1,20 @@
 #include "SyncMerge.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QVariant>
 
 #include <algorithm>
+
+namespace {
+
+// All rows that a request is about go to the database in an array, and come from it in one result.
+QString ToText(const QJsonArray &array)
+{
+    return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
+}
+
+} // namespace
 
 CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSyncList &list, SMachine &machine)
     : m_store(store)
@@ -10,11 +22,6 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSync
     , m_strID(place.strList)
     , m_list(list)
     , m_machine(machine)
-    , m_write(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_row VALUES (?, ?, ?, ?, ?)")))
-    , m_remember(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_past VALUES (?, ?, ?, ?, ?)")))
-    , m_drop(store.Prepare(QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"
-                                          " AND HLD_cKey = ?")))
-    , m_hold(store.Prepare(QStringLiteral("INSERT OR REPLACE INTO tbl_held VALUES (?, ?, ?, ?, ?, 0, ?)")))
     , m_findPast(store.Prepare(QStringLiteral("SELECT 1 FROM tbl_past WHERE PST_cList = ? AND PST_cKey = ?"
                                               " AND PST_cContent = ? AND PST_iTime = ?")))
 {
@@ -22,6 +29,10 @@ CSyncMerge::CSyncMerge(CSyncStore &store, const CSyncStore::SPlace &place, SSync
 
 bool CSyncMerge::Run()
 {
+    QJsonArray keys;
+    for (const SSyncRow &sent : qAsConst(m_list.rows))
+        keys.append(sent.strKey);
+    m_strKeys = ToText(keys);
     if (!ReadNewest() || !ReadSentRows() || !ReadHeld() || !ReadMissing())
         return false;
     // A new machine's rows are defaults, or older than what it has lost. It isn't new any more if it has been offered
@@ -30,11 +41,9 @@ bool CSyncMerge::Run()
     m_bAddsOnly =
         !offered || (!m_machine.bCaughtUp && std::any_of(m_list.rows.begin(), m_list.rows.end(),
                                                          [this](const auto &row) { return IsOverwritten(row); }));
-    for (const SSyncRow &sent : qAsConst(m_list.rows)) {
-        if (!Take(sent))
-            return false;
-    }
-    const bool good = m_bAddsOnly || SendAgain();
+    for (const SSyncRow &sent : qAsConst(m_list.rows))
+        Take(sent);
+    const bool good = (m_bAddsOnly || SendAgain()) && Store() && (m_bAddsOnly || Forget());
     m_machine = {m_list.iTime, m_bAddsOnly ? 0 : m_list.iTime, !m_bAddsOnly && !m_bMissing, true};
     m_list.rows.clear();
     return good;
@@ -44,7 +53,8 @@ bool CSyncMerge::ReadNewest()
 {
     CSyncStore::TQuery query;
     if (!m_store.Run(query,
-                     QStringLiteral("SELECT MAX(MAX(MAC_iBase), MAX(MAC_iOffered)),"
+                     QStringLiteral("SELECT MAX(CASE WHEN MAC_iBase > MAC_iOffered THEN MAC_iBase"
+                                    " ELSE MAC_iOffered END),"
                                     " (SELECT MAX(ROW_iStamp) FROM tbl_row WHERE ROW_cList = ?)"
                                     " FROM tbl_machine WHERE MAC_cList = ?"),
                      {m_strID, m_strID}) ||
@@ -57,16 +67,15 @@ bool CSyncMerge::ReadNewest()
 
 bool CSyncMerge::ReadSentRows()
 {
-    CSyncStore::TQuery query =
-        m_store.Prepare(QStringLiteral("SELECT ROW_cContent, ROW_iChanged, ROW_iStamp FROM tbl_row"
-                                       " WHERE ROW_cList = ? AND ROW_cKey = ?"));
-    bool good = true;
-    for (auto sent = m_list.rows.cbegin(); good && sent != m_list.rows.cend(); ++sent) {
-        good = CSyncStore::Execute(query, {m_strID, sent->strKey});
-        if (good && query->next())
-            m_rows.insert(sent->strKey,
-                          {query->value(0).toString(), query->value(1).toLongLong(), query->value(2).toLongLong()});
-    }
+    CSyncStore::TQuery query;
+    const bool good = m_store.Run(query,
+                                  QStringLiteral("SELECT ROW_cKey, ROW_cContent, ROW_iChanged, ROW_iStamp"
+                                                 " FROM %texts(?) AS sent %join tbl_row"
+                                                 " WHERE ROW_cList = ? AND ROW_cKey = sent.value %end"),
+                                  {m_strKeys, m_strID});
+    while (good && query->next())
+        m_rows.insert(query->value(0).toString(),
+                      {query->value(1).toString(), query->value(2).toLongLong(), query->value(3).toLongLong()});
     return good;
 }
 
@@ -90,15 +99,15 @@ bool CSyncMerge::ReadOtherRows(qint64 after, qint64 last)
 
 bool CSyncMerge::ReadSentBefore()
 {
-    CSyncStore::TQuery query =
-        m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_iSent FROM tbl_held WHERE HLD_cList = ?"
-                                       " AND HLD_cMachine = ? AND HLD_cKey = ? AND HLD_iSent > 0"));
-    bool good = true;
-    for (const SSyncRow &sent : qAsConst(m_list.rows)) {
-        good = good && CSyncStore::Execute(query, {m_strID, m_place.strMachine, sent.strKey});
-        if (good && query->next())
-            m_sentBefore.insert(sent.strKey, {query->value(0).toString(), query->value(1).toLongLong()});
-    }
+    CSyncStore::TQuery query;
+    const bool good = m_store.Run(query,
+                                  QStringLiteral("SELECT HLD_cKey, HLD_cContent, HLD_iSent"
+                                                 " FROM %texts(?) AS sent %join tbl_held WHERE HLD_cList = ?"
+                                                 " AND HLD_cMachine = ? AND HLD_cKey = sent.value AND HLD_iSent > 0"
+                                                 " %end"),
+                                  {m_strKeys, m_strID, m_place.strMachine});
+    while (good && query->next())
+        m_sentBefore.insert(query->value(0).toString(), {query->value(1).toString(), query->value(2).toLongLong()});
     return good;
 }
 
@@ -122,25 +131,28 @@ bool CSyncMerge::ReadHeld()
 {
     if (!m_place.bStampedAnew)
         return m_machine.bCaughtUp || ReadSentBefore();
-    bool good = ReadSentBefore() && ReadArrival();
-    CSyncStore::TQuery query =
-        m_store.Prepare(QStringLiteral("SELECT HLD_cContent, HLD_bEmpty FROM tbl_held WHERE HLD_cList = ?"
-                                       " AND HLD_cMachine = ? AND HLD_cKey = ?"));
+    CSyncStore::TQuery query;
+    if (!ReadSentBefore() || !ReadArrival() ||
+        !m_store.Run(query,
+                     QStringLiteral("SELECT HLD_cKey, HLD_cContent, HLD_bEmpty FROM %texts(?) AS sent %join tbl_held"
+                                    " WHERE HLD_cList = ? AND HLD_cMachine = ? AND HLD_cKey = sent.value %end"),
+                     {m_strKeys, m_strID, m_place.strMachine}))
+        return false;
+    QSet<QString> empty;
+    while (query->next()) {
+        m_held[query->value(0).toString()].insert(query->value(1).toString());
+        if (query->value(2).toInt() != 0)
+            empty.insert(query->value(0).toString());
+    }
     const CSyncStore::TQuery fill =
         m_store.Prepare(QStringLiteral("UPDATE tbl_held SET HLD_bEmpty = 0 WHERE HLD_cList = ? AND HLD_cMachine = ?"
                                        " AND HLD_cKey = ?"));
+    bool good = true;
     for (const SSyncRow &sent : qAsConst(m_list.rows)) {
-        const QVariantList place{m_strID, m_place.strMachine, sent.strKey};
-        bool empty = false;
-        good = good && CSyncStore::Execute(query, place);
-        while (good && query->next()) {
-            m_held[sent.strKey].insert(query->value(0).toString());
-            empty |= query->value(1).toBool();
-        }
-        if (empty && sent.strContent == SyncJson::NO_NOTE)
+        if (empty.contains(sent.strKey) && sent.strContent == SyncJson::NO_NOTE)
             m_held[sent.strKey].insert(SyncJson::NO_NOTE);
-        else if (empty)
-            good = good && CSyncStore::Execute(fill, place);
+        else if (empty.contains(sent.strKey))
+            good = good && m_store.Execute(fill, {m_strID, m_place.strMachine, sent.strKey});
     }
     return good;
 }
@@ -172,14 +184,15 @@ bool CSyncMerge::IsHeld(const SSyncRow &sent) const
 
 // The machine has changed the row to that, so no earlier offer of it can arrive any more. Of settings it only matters
 // what a new machine has sent.
-bool CSyncMerge::Hold(const SSyncRow &sent, qint64 stamp)
+void CSyncMerge::Hold(const SSyncRow &sent, qint64 stamp)
 {
-    const QVariantList place{m_strID, m_place.strMachine, sent.strKey};
     if (!m_place.bStampedAnew && !m_bAddsOnly)
-        return true;
-    const bool drops = !m_place.bStampedAnew || m_held.contains(sent.strKey);
-    return (!drops || CSyncStore::Execute(m_drop, place)) &&
-           CSyncStore::Execute(m_hold, place + QVariantList{sent.strContent, stamp, std::max<qint64>(sent.iTime, 1)});
+        return;
+    if (!m_place.bStampedAnew || m_held.contains(sent.strKey)) {
+        m_dropped.insert(sent.strKey);
+        m_holds.remove(sent.strKey);
+    }
+    m_holds[sent.strKey].insert(sent.strContent, {stamp, std::max<qint64>(sent.iTime, 1)});
 }
 
 // Whether what is here is what the machine itself has sent, so that it knew of it when it changed the row.
@@ -203,40 +216,43 @@ bool CSyncMerge::IsEcho(const SSyncRow &sent, const SRow &row)
 {
     if (sent.strContent == row.strContent && (sent.iTime == row.iStamp || sent.iTime == row.iChanged))
         return true;
+    if (m_past.value(sent.strKey).contains({sent.strContent, sent.iTime}))
+        return true;
     const bool echo =
-        CSyncStore::Execute(m_findPast, {m_strID, sent.strKey, sent.strContent, sent.iTime}) && m_findPast->next();
+        m_store.Execute(m_findPast, {m_strID, sent.strKey, sent.strContent, sent.iTime}) && m_findPast->next();
     m_findPast->finish();
     return echo;
 }
 
-bool CSyncMerge::Take(const SSyncRow &sent)
+void CSyncMerge::Take(const SSyncRow &sent)
 {
     const SRow taken{sent.strContent, sent.iTime, sent.iTime > m_iNewest ? sent.iTime : m_iNewest + 1, true};
     const auto row = m_rows.find(sent.strKey);
     const bool held = IsHeld(sent);
     if (row == m_rows.end() && held)
-        return true;
+        return;
     const bool own = row != m_rows.end() && IsOwn(sent, *row);
     const bool addsOnly = m_bAddsOnly && !own;
-    if (!held && (row == m_rows.end() || !addsOnly || m_place.bStampedAnew) && !Hold(sent, taken.iStamp))
-        return false;
+    if (!held && (row == m_rows.end() || !addsOnly || m_place.bStampedAnew))
+        Hold(sent, taken.iStamp);
     if (row == m_rows.end()) {
         m_rows.insert(sent.strKey, taken);
-        return Write(sent.strKey, taken);
+        m_changed.insert(sent.strKey);
+        return;
     }
     const bool alike = row->strContent == sent.strContent;
     row->bSent = alike;
     if (addsOnly || held || sent.iTime < row->iChanged || IsEcho(sent, *row)) {
         row->bLacked = !alike;
-        return true;
+        return;
     }
-    if (alike)
+    if (alike) {
         row->iChanged = sent.iTime; // made so again: what came in between doesn't win any more
-    else if (Remember(sent.strKey, *row, taken.iStamp))
+    } else {
+        Remember(sent.strKey, *row, taken.iStamp);
         *row = taken;
-    else
-        return false;
-    return Write(sent.strKey, *row);
+    }
+    m_changed.insert(sent.strKey);
 }
 
 // The machine's newest time may now be beyond rows that it never got, since it had changes of its own. They get a
@@ -245,19 +261,20 @@ bool CSyncMerge::Take(const SSyncRow &sent)
 bool CSyncMerge::SendAgain()
 {
     const qint64 had = m_machine.bCaughtUp ? m_machine.iBase : m_bArrived ? m_machine.iOffered : 0;
-    bool good = ReadOtherRows(had, m_list.iTime);
+    if (!ReadOtherRows(had, m_list.iTime))
+        return false;
     qint64 beyond = std::max(m_iNewest, m_list.iTime);
     for (const SRow &row : qAsConst(m_rows))
         beyond = std::max(beyond, row.iStamp);
     ++beyond;
-    for (auto row = m_rows.begin(); good && row != m_rows.end(); ++row) {
+    for (auto row = m_rows.begin(); row != m_rows.end(); ++row) {
         if (row->bSent || (row->iStamp <= had && !row->bLacked) || row->iStamp > m_list.iTime)
             continue;
-        good = Remember(row.key(), *row, beyond);
+        Remember(row.key(), *row, beyond);
         row->iStamp = beyond;
-        good = good && Write(row.key(), *row);
+        m_changed.insert(row.key());
     }
-    return good && Forget();
+    return true;
 }
 
 // What rows have been is of no use once all machines have the rows that came in its place.
@@ -271,14 +288,69 @@ bool CSyncMerge::Forget()
                        {m_strID, m_strID});
 }
 
-bool CSyncMerge::Write(const QString &key, const SRow &row)
+void CSyncMerge::Remember(const QString &key, const SRow &row, qint64 until)
 {
-    return CSyncStore::Execute(m_write, {m_strID, key, row.strContent, row.iChanged, row.iStamp});
+    m_past[key].insert({row.strContent, row.iStamp}, until);
+    m_past[key].insert({row.strContent, row.iChanged}, until);
 }
 
-bool CSyncMerge::Remember(const QString &key, const SRow &row, qint64 until)
+bool CSyncMerge::Store()
 {
-    return CSyncStore::Execute(m_remember, {m_strID, key, row.strContent, row.iStamp, until}) &&
-           (row.iChanged == row.iStamp ||
-            CSyncStore::Execute(m_remember, {m_strID, key, row.strContent, row.iChanged, until}));
+    QJsonArray rows;
+    for (const QString &key : qAsConst(m_changed)) {
+        const SRow row = m_rows.value(key);
+        rows.append(QJsonArray{key, row.strContent, row.iChanged, row.iStamp});
+    }
+    QJsonArray past;
+    for (auto key = m_past.cbegin(); key != m_past.cend(); ++key) {
+        for (auto was = key->cbegin(); was != key->cend(); ++was)
+            past.append(QJsonArray{key.key(), was.key().first, was.key().second, *was});
+    }
+    return StoreHeld() &&
+           StoreAll(
+               rows,
+               QStringLiteral("INSERT INTO tbl_row SELECT ?, value ->> 0, value ->> 1, CAST(value ->> 2 AS BIGINT),"
+                              " CAST(value ->> 3 AS BIGINT) FROM %rows(?) WHERE 1 = 1"
+                              " ON CONFLICT (ROW_cList, ROW_cKey) DO UPDATE SET ROW_cContent ="
+                              " excluded.ROW_cContent, ROW_iChanged = excluded.ROW_iChanged,"
+                              " ROW_iStamp = excluded.ROW_iStamp"),
+               {m_strID}) &&
+           StoreAll(
+               past,
+               QStringLiteral("INSERT INTO tbl_past SELECT ?, value ->> 0, value ->> 1, CAST(value ->> 2 AS BIGINT),"
+                              " CAST(value ->> 3 AS BIGINT) FROM %rows(?) WHERE 1 = 1"
+                              " ON CONFLICT (PST_cList, PST_cKey, PST_iTime, %digest(PST_cContent)) DO UPDATE"
+                              " SET PST_iUntil = excluded.PST_iUntil"),
+               {m_strID});
+}
+
+bool CSyncMerge::StoreHeld()
+{
+    const CSyncStore::TQuery drop =
+        m_store.Prepare(QStringLiteral("DELETE FROM tbl_held WHERE HLD_cList = ? AND HLD_cMachine = ?"
+                                       " AND HLD_cKey = ?"));
+    bool good = true;
+    for (const QString &key : qAsConst(m_dropped))
+        good = good && m_store.Execute(drop, {m_strID, m_place.strMachine, key});
+    QJsonArray held;
+    for (auto key = m_holds.cbegin(); key != m_holds.cend(); ++key) {
+        for (auto content = key->cbegin(); content != key->cend(); ++content)
+            held.append(QJsonArray{key.key(), content.key(), content->first, content->second});
+    }
+    return good &&
+           StoreAll(held,
+                    QStringLiteral("INSERT INTO tbl_held SELECT ?, ?, value ->> 0, value ->> 1,"
+                                   " CAST(value ->> 2 AS BIGINT), 0, CAST(value ->> 3 AS BIGINT) FROM %rows(?)"
+                                   " WHERE 1 = 1 ON CONFLICT (HLD_cList, HLD_cMachine, HLD_cKey,"
+                                   " %digest(HLD_cContent)) DO UPDATE SET HLD_iOffer = excluded.HLD_iOffer,"
+                                   " HLD_bEmpty = 0, HLD_iSent = excluded.HLD_iSent"),
+                    {m_strID, m_place.strMachine});
+}
+
+// Does nothing if there are none.
+bool CSyncMerge::StoreAll(const QJsonArray &rows, const QString &sql, QVariantList values)
+{
+    CSyncStore::TQuery query;
+    values.append(ToText(rows));
+    return rows.isEmpty() || m_store.Run(query, sql, values);
 }

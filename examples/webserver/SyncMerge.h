@@ -3,7 +3,10 @@
 #include "SyncStore.h"
 
 #include <QHash>
+#include <QPair>
 #include <QSet>
+
+class QJsonArray;
 
 /// Takes in the rows that a machine sends of one list, in a transaction of the store's.
 ///
@@ -44,30 +47,34 @@ private:
     bool ReadHeld();
     bool ReadMissing();
     bool IsHeld(const SSyncRow &sent) const;
-    bool Hold(const SSyncRow &sent, qint64 stamp);
+    void Hold(const SSyncRow &sent, qint64 stamp);
     bool IsOwn(const SSyncRow &sent, const SRow &row) const;
-    bool Take(const SSyncRow &sent);
+    void Take(const SSyncRow &sent);
     bool SendAgain();
     bool Forget();
-    bool Write(const QString &key, const SRow &row);
-    bool Remember(const QString &key, const SRow &row, qint64 until);
+    void Remember(const QString &key, const SRow &row, qint64 until);
+    bool Store();
+    bool StoreHeld();
+    bool StoreAll(const QJsonArray &rows, const QString &sql, QVariantList values);
 
     CSyncStore &m_store;
     const CSyncStore::SPlace m_place;
     const QString m_strID;
     SSyncList &m_list;
     SMachine &m_machine;
-    CSyncStore::TQuery m_write;
-    CSyncStore::TQuery m_remember;
-    CSyncStore::TQuery m_drop;
-    CSyncStore::TQuery m_hold;
     CSyncStore::TQuery m_findPast;
+    QString m_strKeys;                    // that the machine sends, as a JSON array
     QHash<QString, SRow> m_rows;          // of those that the machine sends or lacks, by key
     QHash<QString, QSet<QString>> m_held; // contents by key
     QHash<QString, SSent> m_sentBefore;   // what the machine has sent last, by key
-    qint64 m_iNewest = 0;                 // that any machine may have had
-    bool m_bArrived = false;              // the offer has, as what is sent shows
-    bool m_bMissing = false;              // a row of the offer there
-    bool m_bEmpty = false;                // nothing was here
+    // To be stored, by key.
+    QSet<QString> m_changed;                                       // of the rows
+    QHash<QString, QHash<QPair<QString, qint64>, qint64>> m_past;  // until when, by content and time
+    QSet<QString> m_dropped;                                       // of what was held
+    QHash<QString, QHash<QString, QPair<qint64, qint64>>> m_holds; // offer and time of sending, by content
+    qint64 m_iNewest = 0;                                          // that any machine may have had
+    bool m_bArrived = false;                                       // the offer has, as what is sent shows
+    bool m_bMissing = false;                                       // a row of the offer there
+    bool m_bEmpty = false;                                         // nothing was here
     bool m_bAddsOnly = false;
 };

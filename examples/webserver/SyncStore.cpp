@@ -12,67 +12,25 @@ namespace {
 constexpr int WORDS = 8; // of 32 bits, in a session
 constexpr int ID_LENGTH = 32;
 constexpr qint64 SESSION_SECONDS = qint64(24) * 60 * 60;
-
-// A list is called by its user, in lower case since case tells no users apart, and by which it is. The past is what
-// rows have been, until they got a later stamp. MAC_bMet is SMachine::bCaughtUp.
-const QLatin1String SCHEMA[] = {
-    QLatin1String("CREATE TABLE tbl_session (SES_cID TEXT PRIMARY KEY, SES_cRest TEXT, SES_cUser TEXT,\n"
-                  "  SES_cMachine TEXT, SES_iExpiry INTEGER)"),
-    QLatin1String("CREATE TABLE tbl_machine (MAC_cList TEXT, MAC_cMachine TEXT, MAC_iBase INTEGER,\n"
-                  "  MAC_iOffered INTEGER, MAC_bMet INTEGER, PRIMARY KEY(MAC_cList, MAC_cMachine))"),
-    QLatin1String("CREATE TABLE tbl_row (ROW_cList TEXT, ROW_cKey TEXT, ROW_cContent TEXT, ROW_iChanged INTEGER,\n"
-                  "  ROW_iStamp INTEGER, PRIMARY KEY(ROW_cList, ROW_cKey))"),
-    QLatin1String("CREATE INDEX idx_row_stamp ON tbl_row (ROW_cList, ROW_iStamp)"),
-    QLatin1String("CREATE TABLE tbl_past (PST_cList TEXT, PST_cKey TEXT, PST_cContent TEXT, PST_iTime INTEGER,\n"
-                  "  PST_iUntil INTEGER, PRIMARY KEY(PST_cList, PST_cKey, PST_iTime, PST_cContent))")};
-
-// What a machine may hold of a row: what it has sent, and what it has been offered since, by how far the offer goes.
-// In version 2 a row with an offer of 0 says that it may hold none yet.
-const QLatin1String HELD_SCHEMA("CREATE TABLE tbl_held (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT,\n"
-                                "  HLD_cContent TEXT, HLD_iOffer INTEGER,\n"
-                                "  PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent))");
-
-// From version 3 on a flag says so, which halves what a new machine costs.
-const QLatin1String FLAG_SCHEMA[] = {
-    QLatin1String("ALTER TABLE tbl_held RENAME TO tbl_heldbefore"),
-    QLatin1String("CREATE TABLE tbl_held (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT, HLD_cContent TEXT,\n"
-                  "  HLD_iOffer INTEGER, HLD_bEmpty INTEGER,\n"
-                  "  PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent)) WITHOUT ROWID"),
-    QLatin1String("INSERT INTO tbl_held SELECT HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent, HLD_iOffer,\n"
-                  "  EXISTS (SELECT 1 FROM tbl_heldbefore AS empty WHERE empty.HLD_cList = held.HLD_cList\n"
-                  "    AND empty.HLD_cMachine = held.HLD_cMachine AND empty.HLD_cKey = held.HLD_cKey\n"
-                  "    AND empty.HLD_iOffer = 0)\n"
-                  "  FROM tbl_heldbefore AS held WHERE HLD_iOffer > 0"),
-    QLatin1String("DROP TABLE tbl_heldbefore")};
-
-// From version 4 on the sessions are numbered, and what a machine has sent itself has the time with which it did.
-const QLatin1String SESSION_SCHEMA[] = {
-    QLatin1String("ALTER TABLE tbl_held ADD COLUMN HLD_iSent INTEGER DEFAULT 0"),
-    QLatin1String("ALTER TABLE tbl_session RENAME TO tbl_sessionbefore"),
-    QLatin1String("CREATE TABLE tbl_session (SES_iNumber INTEGER PRIMARY KEY AUTOINCREMENT, SES_cID TEXT UNIQUE,\n"
-                  "  SES_cRest TEXT, SES_cUser TEXT, SES_cMachine TEXT, SES_iExpiry INTEGER)"),
-    QLatin1String("INSERT INTO tbl_session SELECT NULL, SES_cID, SES_cRest, SES_cUser, SES_cMachine, SES_iExpiry\n"
-                  "  FROM tbl_sessionbefore ORDER BY SES_iExpiry, rowid"),
-    QLatin1String("DROP TABLE tbl_sessionbefore"),
-    QLatin1String("ALTER TABLE tbl_machine ADD COLUMN MAC_iSession INTEGER DEFAULT 0")};
+constexpr int MOST_TRIES = 4;
+const QSqlError CLOSED(QString(), QStringLiteral("the connection is closed"), QSqlError::ConnectionError);
 
 } // namespace
 
-CSyncStore::CSyncStore(const QString &path)
-    : CLocalDB(path, false, false)
+CSyncStore::CSyncStore(std::unique_ptr<CStoreDatabase> database)
+    : m_pDatabase(std::move(database))
 {
 }
 
-bool CSyncStore::CreateDBVersion(unsigned int version)
+CSyncStore::~CSyncStore() = default;
+
+bool CSyncStore::IsReady()
 {
-    const auto exec = [this](const auto &sql) { return Exec(sql); };
-    if (version == 4)
-        return std::all_of(std::begin(SESSION_SCHEMA), std::end(SESSION_SCHEMA), exec);
-    if (version == 3)
-        return std::all_of(std::begin(FLAG_SCHEMA), std::end(FLAG_SCHEMA), exec);
-    if (version == 2)
-        return Exec(HELD_SCHEMA);
-    return std::all_of(std::begin(SCHEMA), std::end(SCHEMA), exec);
+    TQuery query;
+    const bool good = Run(query, QStringLiteral("SELECT COUNT(*) FROM tbl_dbinfo"), {});
+    if (good)
+        query->finish();
+    return good;
 }
 
 bool CSyncStore::AddSession(const SOwner &owner, QString &session)
@@ -83,7 +41,9 @@ bool CSyncStore::AddSession(const SOwner &owner, QString &session)
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     TQuery query;
     return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_iExpiry <= ?"), {now}) &&
-           Run(query, QStringLiteral("INSERT INTO tbl_session VALUES (NULL, ?, ?, ?, ?, ?)"),
+           Run(query,
+               QStringLiteral("INSERT INTO tbl_session (SES_cID, SES_cRest, SES_cUser, SES_cMachine, SES_iExpiry)"
+                              " VALUES (?, ?, ?, ?, ?)"),
                {session.left(ID_LENGTH), session.mid(ID_LENGTH), owner.strUser, owner.strMachine,
                 now + SESSION_SECONDS});
 }
@@ -98,16 +58,17 @@ bool CSyncStore::EndSessions(const SOwner &owner)
 bool CSyncStore::FindSession(const QString &session, SOwner &owner)
 {
     TQuery query;
-    const QString rest = session.mid(ID_LENGTH);
     if (!Run(query,
              QStringLiteral("SELECT SES_cUser, SES_cMachine, SES_cRest, SES_iNumber FROM tbl_session"
                             " WHERE SES_cID = ? AND SES_iExpiry > ?"),
-             {session.left(ID_LENGTH), QDateTime::currentSecsSinceEpoch()}) ||
-        !query->next() || (!rest.isEmpty() && rest != query->value(2).toString()))
+             {session.left(ID_LENGTH), QDateTime::currentSecsSinceEpoch()}))
         return false;
-    owner = {query->value(0).toString(), query->value(1).toString(), query->value(3).toLongLong()};
+    const QString rest = session.mid(ID_LENGTH);
+    const bool found = query->next() && (rest.isEmpty() || rest == query->value(2).toString());
+    if (found)
+        owner = {query->value(0).toString(), query->value(1).toString(), query->value(3).toLongLong()};
     query->finish();
-    return true;
+    return found;
 }
 
 bool CSyncStore::Fetch(const SOwner &owner, SyncJson::TLists &lists)
@@ -123,35 +84,93 @@ bool CSyncStore::Merge(const SOwner &owner, SyncJson::TLists &lists)
     });
 }
 
-// Both lists or none. A machine that asks with a time that has gone back has lost its rows and is new again, unless
-// the request has come late. What it sends with one has come late, and all of it has come with something later.
+// Both lists or none.
 bool CSyncStore::ForLists(const SOwner &owner, SyncJson::TLists &lists, bool asks, const TOnList &work)
 {
-    bool good = Exec(QStringLiteral("BEGIN IMMEDIATE"));
-    for (std::size_t i = 0; good && i < lists.size(); ++i) {
-        const QString id = owner.strUser.toLower() + QLatin1Char('/') + QLatin1String(SyncJson::LISTS[i]);
-        const SPlace place{id, owner.strMachine, SyncJson::STAMPED_ANEW[i]};
-        SMachine machine;
-        good = ReadMachine(owner, place, machine);
-        const bool back = machine.bKnown && lists[i].iTime < machine.iBase;
-        if (good && back && (!asks || owner.iSession < machine.iSession)) {
-            lists[i] = {machine.iBase, {}};
-            continue;
+    const QString user = owner.strUser.toLower();
+    const SyncJson::TLists asked = lists;
+    return Transact(user, [&] {
+        lists = asked;
+        bool good = true;
+        for (std::size_t i = 0; good && i < lists.size(); ++i) {
+            const QString id = user + QLatin1Char('/') + QLatin1String(SyncJson::LISTS[i]);
+            good = ForList(owner, {id, owner.strMachine, SyncJson::STAMPED_ANEW[i]}, lists[i], asks, work);
         }
-        const qint64 session = std::max(owner.iSession, machine.iSession);
-        if (back)
-            machine = SMachine();
-        TQuery query;
-        good = good && (machine.bKnown || ForgetHeld(place)) && work(place, machine, lists[i]) &&
-               Run(query, QStringLiteral("INSERT OR REPLACE INTO tbl_machine VALUES (?, ?, ?, ?, ?, ?)"),
-                   {id, owner.strMachine, machine.iBase, machine.iOffered, machine.bCaughtUp, session});
+        return good;
+    });
+}
+
+// A machine that asks with a time that has gone back has lost its rows and is new again, unless the request has come
+// late. What it sends with one has come late, and all of it has come with something later.
+bool CSyncStore::ForList(const SOwner &owner, const SPlace &place, SSyncList &list, bool asks, const TOnList &work)
+{
+    SMachine machine;
+    if (!ReadMachine(owner, place, machine))
+        return false;
+    const bool back = machine.bKnown && list.iTime < machine.iBase;
+    if (back && (!asks || owner.iSession < machine.iSession)) {
+        list = {machine.iBase, {}};
+        return true;
     }
-    for (const TQuery &query : qAsConst(m_queries))
-        query->finish(); // or it would go on reading beyond the transaction
-    good = good && Exec(QStringLiteral("COMMIT"));
-    if (!good)
-        Exec(QStringLiteral("ROLLBACK"));
-    return good;
+    const qint64 session = std::max(owner.iSession, machine.iSession);
+    if (back)
+        machine = SMachine();
+    TQuery query;
+    return (machine.bKnown || ForgetHeld(place)) && work(place, machine, list) &&
+           Run(query,
+               QStringLiteral("INSERT INTO tbl_machine VALUES (?, ?, ?, ?, ?, ?)"
+                              " ON CONFLICT (MAC_cList, MAC_cMachine) DO UPDATE SET MAC_iBase = excluded.MAC_iBase,"
+                              " MAC_iOffered = excluded.MAC_iOffered, MAC_bMet = excluded.MAC_bMet,"
+                              " MAC_iSession = excluded.MAC_iSession"),
+               {place.strList, owner.strMachine, machine.iBase, machine.iOffered, int(machine.bCaughtUp), session});
+}
+
+// Whatever fails for no fault of the work is tried again, for requests may come twice anyway: so a commit whose
+// answer has been lost does no harm.
+bool CSyncStore::Transact(const QString &user, const std::function<bool()> &work)
+{
+    for (int tries = 1;; ++tries) {
+        bool waited = false;
+        bool good = IsOpen() && m_pDatabase->Begin(user, waited, m_error);
+        m_uiConflicts += waited ? 1 : 0;
+        if (good) {
+            m_bTransaction = true;
+            good = work() && !m_error.isValid();
+            for (const TQuery &query : qAsConst(m_queries))
+                query->finish(); // or it would go on reading beyond the transaction
+            m_bTransaction = false;
+            QSqlError error;
+            const bool ended = m_pDatabase->End(good, error);
+            if (good && !ended)
+                m_error = error.isValid() ? error : CLOSED;
+            good = ended;
+        }
+        if (good || !IsWorthRepeating(tries))
+            return good;
+    }
+}
+
+// For a new operation, which has no error yet.
+bool CSyncStore::IsOpen()
+{
+    const bool open = m_pDatabase->IsOpen();
+    m_error = open ? QSqlError() : CLOSED;
+    return open;
+}
+
+// Whether what has failed with the last error may succeed now.
+bool CSyncStore::IsWorthRepeating(int tries)
+{
+    const auto failure = m_error.isValid() ? m_pDatabase->GetFailure(m_error) : CStoreDatabase::EFailure::Final;
+    if (tries == MOST_TRIES || failure == CStoreDatabase::EFailure::Final)
+        return false;
+    if (failure == CStoreDatabase::EFailure::Repeat) {
+        ++m_uiConflicts;
+        return true;
+    }
+    const bool open = m_pDatabase->Reopen();
+    m_queries.clear();
+    return open;
 }
 
 bool CSyncStore::ReadMachine(const SOwner &owner, const SPlace &place, SMachine &machine)
@@ -223,10 +242,12 @@ bool CSyncStore::Offer(const SPlace &place, const SMachine &machine, const SSync
     const qint64 oldest = list.rows.first().iTime; // all from there on are offered
     TQuery query;
     return Run(query,
-               QStringLiteral("INSERT INTO tbl_held SELECT ROW_cList, ?, ROW_cKey, ROW_cContent, ?, NOT EXISTS"
-                              " (SELECT 1 FROM tbl_held WHERE HLD_cList = ROW_cList AND HLD_cMachine = ?"
-                              " AND HLD_cKey = ROW_cKey), 0 FROM tbl_row WHERE ROW_cList = ? AND ROW_iStamp >= ?"
-                              " ON CONFLICT DO UPDATE SET HLD_iOffer = excluded.HLD_iOffer"),
+               QStringLiteral("INSERT INTO tbl_held SELECT ROW_cList, ?, ROW_cKey, ROW_cContent, CAST(? AS BIGINT),"
+                              " CASE WHEN EXISTS (SELECT 1 FROM tbl_held WHERE HLD_cList = ROW_cList"
+                              " AND HLD_cMachine = ? AND HLD_cKey = ROW_cKey) THEN 0 ELSE 1 END, 0"
+                              " FROM tbl_row WHERE ROW_cList = ? AND ROW_iStamp >= ?"
+                              " ON CONFLICT (HLD_cList, HLD_cMachine, HLD_cKey, %digest(HLD_cContent))"
+                              " DO UPDATE SET HLD_iOffer = excluded.HLD_iOffer"),
                {place.strMachine, machine.iOffered, place.strMachine, place.strList, oldest});
 }
 
@@ -244,31 +265,56 @@ bool CSyncStore::Confirm(const SPlace &place, qint64 offer)
                QStringLiteral("DELETE FROM tbl_held") + ofMachine + QStringLiteral(" AND HLD_iOffer < ?") + inOffer,
                {place.strList, place.strMachine, offer, offer, offer}) &&
            Run(query,
-               QStringLiteral("UPDATE tbl_held SET HLD_bEmpty = 0") + ofMachine + QStringLiteral(" AND HLD_bEmpty") +
-                   inOffer,
+               QStringLiteral("UPDATE tbl_held SET HLD_bEmpty = 0") + ofMachine +
+                   QStringLiteral(" AND HLD_bEmpty = 1") + inOffer,
                {place.strList, place.strMachine, offer, offer});
 }
 
-// Each statement once, for it takes longer to prepare than to run.
+// Each statement once, for it takes longer to prepare than to run. One that can't be prepared fails when it is run.
 CSyncStore::TQuery CSyncStore::Prepare(const QString &sql)
 {
-    TQuery &query = m_queries[sql];
-    if (!query) {
-        query = TQuery::create(GetQuery());
-        query->prepare(sql);
-    }
+    TQuery query = m_queries.value(sql);
+    if (query)
+        return query;
+    query = TQuery::create(m_pDatabase->GetQuery());
+    if (query->prepare(m_pDatabase->Adapt(sql)))
+        m_queries.insert(sql, query);
+    else
+        NoteFailure(query);
     return query;
 }
 
 bool CSyncStore::Run(TQuery &query, const QString &sql, const QVariantList &values)
 {
-    query = Prepare(sql);
-    return Execute(query, values);
+    if (m_bTransaction) {
+        query = Prepare(sql);
+        return Execute(query, values);
+    }
+    for (int tries = 1;; ++tries) {
+        if (IsOpen()) {
+            query = Prepare(sql);
+            if (Execute(query, values))
+                return true;
+            query.reset();
+        }
+        if (!IsWorthRepeating(tries))
+            return false;
+    }
 }
 
 bool CSyncStore::Execute(const TQuery &query, const QVariantList &values)
 {
     for (int i = 0; i < values.size(); ++i)
         query->bindValue(i, values.at(i));
-    return query->exec();
+    const bool good = !m_error.isValid() && query->exec();
+    if (!good)
+        NoteFailure(query);
+    return good;
+}
+
+// The first one tells why; those that follow in the transaction only that it is no good any more.
+void CSyncStore::NoteFailure(const TQuery &query)
+{
+    if (!m_error.isValid())
+        m_error = query->lastError().isValid() ? query->lastError() : CLOSED;
 }

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "StoreDatabase.h"
 #include "SyncJson.h"
-
-#include <database/LocalDB.h>
 
 #include <QHash>
 #include <QSharedPointer>
 #include <QSqlQuery>
 
 #include <functional>
+#include <memory>
 
 /// Whose request it is, and from where.
 struct SOwner
@@ -40,11 +40,31 @@ struct SMachine
 /// change, by which the later change wins, and a stamp, with which the row is sent and which lies beyond whatever a
 /// machine may have had before, so that each machine's newest time tells which rows it lacks.
 ///
-/// Every operation is false if the file fails it; nothing of it is stored then. For the thread that calls Init().
-class CSyncStore : public CLocalDB
+/// Any number of servers may have the same database, if it is one that they can share: each operation on a user's
+/// rows sees all of those before it, in whatever server.
+///
+/// Every operation is false if the database fails it; nothing of it is stored then, but for a commit whose answer was
+/// lost. What has failed by chance, or because the connection was lost, is tried again before. For the thread that
+/// calls Init().
+class CSyncStore
 {
 public:
-    explicit CSyncStore(const QString &path);
+    explicit CSyncStore(std::unique_ptr<CStoreDatabase> database);
+    ~CSyncStore();
+    Q_DISABLE_COPY_MOVE(CSyncStore)
+
+    bool Init() { return m_pDatabase->Init(); }
+    /// Why Init() has failed.
+    QString GetError() const { return m_pDatabase->GetError(); }
+    /// A query on the database, which has to be open.
+    QSqlQuery GetQuery() { return m_pDatabase->GetQuery(); }
+    /// Whether the database can be asked just now.
+    bool IsReady();
+    /// Whether the last operation was false because the database failed it, or couldn't be reached.
+    bool HasFailed() const { return m_error.isValid(); }
+    void ResetFailure() { m_error = QSqlError(); }
+    /// How often an operation had to wait for another one of its user, or to be tried again after others.
+    quint64 GetConflicts() const { return m_uiConflicts; }
 
     /// \a session gets a new one, for a day.
     bool AddSession(const SOwner &owner, QString &session);
@@ -58,10 +78,6 @@ public:
     bool Fetch(const SOwner &owner, SyncJson::TLists &lists);
     /// Takes in what a machine sends. \a lists keeps nothing but the times.
     bool Merge(const SOwner &owner, SyncJson::TLists &lists);
-
-protected:
-    unsigned int GetMaxVersion() override { return 4; }
-    bool CreateDBVersion(unsigned int version) override;
 
 private:
     friend class CSyncMerge;
@@ -77,6 +93,10 @@ private:
     using TOnList = std::function<bool(const SPlace &place, SMachine &machine, SSyncList &list)>;
 
     bool ForLists(const SOwner &owner, SyncJson::TLists &lists, bool asks, const TOnList &work);
+    bool ForList(const SOwner &owner, const SPlace &place, SSyncList &list, bool asks, const TOnList &work);
+    bool Transact(const QString &user, const std::function<bool()> &work);
+    bool IsOpen();
+    bool IsWorthRepeating(int tries);
     bool ReadMachine(const SOwner &owner, const SPlace &place, SMachine &machine);
     bool ForgetHeld(const SPlace &place);
     bool FetchList(const SPlace &place, SMachine &machine, SSyncList &list);
@@ -84,7 +104,12 @@ private:
     bool Confirm(const SPlace &place, qint64 offer);
     TQuery Prepare(const QString &sql);
     bool Run(TQuery &query, const QString &sql, const QVariantList &values);
-    static bool Execute(const TQuery &query, const QVariantList &values);
+    bool Execute(const TQuery &query, const QVariantList &values);
+    void NoteFailure(const TQuery &query);
 
-    QHash<QString, TQuery> m_queries; ///< Prepared, by their SQL.
+    QHash<QString, TQuery> m_queries; ///< Prepared, by their SQL. They end after the database, which they'd speak to.
+    const std::unique_ptr<CStoreDatabase> m_pDatabase;
+    QSqlError m_error; ///< The first one of the operation.
+    quint64 m_uiConflicts = 0;
+    bool m_bTransaction = false;
 };

@@ -1,10 +1,11 @@
 #include "WebServer.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFile>
 
 #include <chrono>
-#include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -33,7 +34,7 @@ std::unique_ptr<httplib::Server> MakeTlsServer(const CWebServer::SOptions &optio
 
 bool IsName(const QString &text)
 {
-    return !text.isEmpty() && text.size() <= MAX_TEXT;
+    return !text.isEmpty() && text.size() <= MAX_TEXT && !text.contains(QChar::Null); // which not all databases keep
 }
 
 } // namespace
@@ -53,10 +54,8 @@ CWebServer::CWebServer(CSyncStore &store, const SOptions &options)
         const int on = 1;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     });
-    m_pServer->set_logger([](const httplib::Request &request, const httplib::Response &response) {
-        std::fprintf(stderr, "%s %s %d\n", request.method.c_str(), request.path.c_str(), response.status);
-    });
     AddHandlers();
+    AddReports();
 }
 
 CWebServer::~CWebServer()
@@ -78,9 +77,17 @@ int CWebServer::Listen(int port)
     if (port != 0)
         m_thread = std::thread([this] {
             m_pServer->listen_after_bind();
-            QMetaObject::invokeMethod(qApp, [] { QCoreApplication::exit(1); }); // it can't accept any more
+            const int code = m_bEnding ? 0 : 1; // it can't accept any more
+            QMetaObject::invokeMethod(QCoreApplication::instance(), [code] { QCoreApplication::exit(code); });
         });
     return port;
+}
+
+// The event loop runs on meanwhile, for the requests need it.
+void CWebServer::End()
+{
+    m_bEnding = true;
+    m_pServer->stop();
 }
 
 void CWebServer::AddHandlers()
@@ -89,13 +96,25 @@ void CWebServer::AddHandlers()
     const auto with = [this](TWork work, const char *type) {
         return [this, work, type](const httplib::Request &request, httplib::Response &response) {
             std::string text;
-            const auto answer = [&] { response.status = (this->*work)(request, text); };
+            SRows rows;
+            const auto answer = [&] {
+                m_store.ResetFailure();
+                response.status = (this->*work)(request, text);
+                if (m_store.HasFailed()) {
+                    ++m_uiFailures;
+                    response.status = 503; // whatever it looks like without an answer of the store's
+                }
+                rows = std::exchange(m_rows, {});
+            };
             QMetaObject::invokeMethod(this, answer, Qt::BlockingQueuedConnection);
+            CRequestLog::CountRows(rows.uiIn, rows.uiOut);
             response.set_content(text, type);
         };
     };
     m_pServer->Post("/sessions", with(&CWebServer::GiveSession, "text/plain"));
     m_pServer->Post("/sessions/end", with(&CWebServer::EndSessions, "text/plain"));
+    m_pServer->Get("/readyz", with(&CWebServer::TellReady, "text/plain"));
+    m_pServer->Get("/metrics", with(&CWebServer::TellMetrics, "text/plain; version=0.0.4"));
     m_pServer->Get("/sync", with(&CWebServer::Fetch, JSON_TYPE));
     m_pServer->Get(R"(/pictures/(\d{1,9})/(\d{1,9})\.png)", with(&CWebServer::ReadPicture, "image/png"));
     m_pServer->Get(R"(/files/(\w[\w.-]*))",
@@ -110,14 +129,33 @@ void CWebServer::AddHandlers()
         });
 }
 
+// Of the server itself, for a balancer and a monitor; none of them is a secret of a user's.
+void CWebServer::AddReports()
+{
+    m_pServer->Get("/healthz", [](const httplib::Request &, httplib::Response &response) {
+        response.set_content("alive\n", "text/plain");
+    });
+    m_pServer->set_pre_routing_handler([](const auto &, auto &) {
+        CRequestLog::Begin();
+        return httplib::Server::HandlerResponse::Unhandled;
+    });
+    m_pServer->set_logger([this](const httplib::Request &request, const httplib::Response &response) {
+        const std::size_t size = response.body.empty() ? response.content_length_ : response.body.size();
+        m_log.End(request.method, request.path, response.status,
+                  std::size_t(request.get_header_value<uint64_t>("Content-Length")), size);
+    });
+}
+
 bool CWebServer::ReadBody(const TReader &reader, httplib::Response &response, std::string &body) const
 {
+    const QDeadlineTimer limit(std::chrono::seconds(m_options.uiBodySeconds)); // else a slow one keeps a thread
     const bool whole = reader([&](const char *data, std::size_t size) {
         body.append(data, size);
-        return body.size() <= m_options.uiBodyLimit; // which the library asks of an announced length only
+        // The library asks this of an announced length only.
+        return body.size() <= m_options.uiBodyLimit && !limit.hasExpired();
     });
     if (!whole)
-        response.status = body.size() > m_options.uiBodyLimit ? 413 : std::max(response.status, 400);
+        response.status = body.size() > m_options.uiBodyLimit ? 413 : response.status > 400 ? response.status : 408;
     return whole;
 }
 
@@ -159,6 +197,8 @@ int CWebServer::Fetch(const httplib::Request &request, std::string &json)
     }
     if (!m_store.Fetch(owner, lists))
         return 500;
+    for (const SSyncList &list : lists)
+        m_rows.uiOut += quint64(list.rows.size());
     json = SyncJson::WriteLists(lists).toStdString();
     return 200;
 }
@@ -174,9 +214,26 @@ int CWebServer::Merge(const httplib::Request &request, std::string &json)
         return 403;
     if (!SyncJson::ReadLists(body.mid(end + JSON.size()), lists))
         return 400;
+    quint64 rows = 0;
+    for (const SSyncList &list : lists)
+        rows += quint64(list.rows.size());
     if (!m_store.Merge(owner, lists))
         return 500;
+    m_rows.uiIn += rows;
     json = SyncJson::WriteLists(lists).toStdString();
+    return 200;
+}
+
+int CWebServer::TellReady(const httplib::Request &, std::string &text)
+{
+    const bool ready = !m_bEnding && m_store.IsReady();
+    text = ready ? "ready\n" : "not ready\n";
+    return ready ? 200 : 503;
+}
+
+int CWebServer::TellMetrics(const httplib::Request &, std::string &text)
+{
+    text = m_log.GetMetrics(m_store.GetConflicts(), m_uiFailures).toStdString();
     return 200;
 }
 

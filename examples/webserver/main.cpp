@@ -3,9 +3,13 @@
 #include <protocol/Options.h>
 
 #include <QCoreApplication>
+#include <QSocketNotifier>
 
+#include <csignal>
 #include <cstdio>
 #include <limits>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -21,28 +25,47 @@ QCommandLineOption Option(const char *name, const char *meaning, const char *val
             QString::fromLatin1(byDefault)};
 }
 
+// A file or an address, which is in no message: it may have a password.
+QString ReadPlace(const QString &file, const QString &address, QString &error)
+{
+    const QString store = !address.isEmpty() || !file.isEmpty() ? address : qEnvironmentVariable("WEBSERVER_STORE");
+    if (!file.isEmpty() && !store.isEmpty())
+        error = QStringLiteral("--database and --store exclude each other");
+    else if (!store.isEmpty() && !CStoreDatabase::IsAddress(store))
+        error = QStringLiteral("--store begins with postgres:// or postgresql://; for a file there is --database");
+    return store.isEmpty() ? file : store;
+}
+
 bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &options, QString &database, quint32 &port,
                  QString &error)
 {
-    const auto file = Option("database", "SQLite file with sessions, settings and notes; required.", "file");
+    const auto file = Option("database", "SQLite file with sessions, settings and notes.", "file");
+    const auto address =
+        Option("store",
+               "Instead of it, postgres://USER@HOST:PORT/DATABASE, which servers can share; by default"
+               " what is in the environment variable WEBSERVER_STORE.",
+               "address");
     const auto pictures = Option("pictures", "Folder with the players' pictures.", "folder");
     const auto files = Option("files", "Folder with the files to download.", "folder");
     const auto rate = Option("rate", "Bytes a second of such a file; 0, the default, is no limit.", "number", "0");
     const auto number = Option("port", "Port on 127.0.0.1; 0, the default, is any.", "number", "0");
     const auto key = Option("key", "Secret that it shares with the game server; required.", "text");
     const auto limit = Option("body-limit", "The longest request body; default 33554432.", "bytes", "33554432");
+    const auto seconds = Option("body-seconds", "In which a request body has to come; default 60.", "number", "60");
     const auto certificate = Option("certificate", "PEM file; with it and its key it serves https.", "file");
     const auto privateKey = Option("private-key", "PEM file.", "file");
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Gives the game server web sessions for its users, keeps their settings and notes in step over their\n"
-        "machines, and serves pictures and files, until a signal ends it.\n"
-        "Prints \"listening on PORT\" once clients can connect. Each request is a line on standard error. The exit\n"
-        "code is 1 if the server cannot start."));
+        "machines, and serves pictures and files, until SIGTERM or SIGINT ends it; it answers what has been asked "
+        "before.\n"
+        "Prints \"listening on PORT\" once clients can connect. Each request is a line of JSON on standard error.\n"
+        "GET /healthz tells that it lives, /readyz whether it can reach its store, /metrics its counters.\n"
+        "The exit code is 1 if the server cannot start."));
     parser.addHelpOption();
-    parser.addOptions({file, pictures, files, rate, number, key, limit, certificate, privateKey});
+    parser.addOptions({file, address, pictures, files, rate, number, key, limit, seconds, certificate, privateKey});
     parser.process(application);
-    database = parser.value(file);
+    database = ReadPlace(parser.value(file), parser.value(address), error);
     options = {parser.value(pictures),
                parser.value(files),
                parser.value(key),
@@ -50,8 +73,8 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
                parser.value(privateKey),
                0,
                0};
-    if (database.isEmpty() || options.strKey.isEmpty())
-        error = QStringLiteral("--database or --key is missing; see --help");
+    if (error.isEmpty() && (database.isEmpty() || options.strKey.isEmpty()))
+        error = QStringLiteral("--database, --store or --key is missing; see --help");
     else if (options.strCertificate.isEmpty() != options.strPrivateKey.isEmpty())
         error = QStringLiteral("--certificate and --private-key go together");
     else if (!parser.positionalArguments().isEmpty())
@@ -59,7 +82,29 @@ bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &opti
     return error.isEmpty() &&
            Options::ReadNumber(parser, number, 0, std::numeric_limits<quint16>::max(), port, error) &&
            Options::ReadNumber(parser, rate, 0, std::numeric_limits<qint32>::max(), options.uiRate, error) &&
-           Options::ReadNumber(parser, limit, 1, std::numeric_limits<qint32>::max(), options.uiBodyLimit, error);
+           Options::ReadNumber(parser, limit, 1, std::numeric_limits<qint32>::max(), options.uiBodyLimit, error) &&
+           Options::ReadNumber(parser, seconds, 1, 3600, options.uiBodySeconds, error);
+}
+
+int signalSocket = -1; // to which a handler writes
+
+// The first SIGTERM or SIGINT lets the server end what it has begun, the second one ends it.
+void EndOnSignals(CWebServer &server)
+{
+    int sockets[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
+        return; // the default action loses no more than answers
+    signalSocket = sockets[1];
+    auto *notifier = new QSocketNotifier(sockets[0], QSocketNotifier::Read, &server);
+    QObject::connect(notifier, &QSocketNotifier::activated, &server, [notifier, &server] {
+        notifier->setEnabled(false);
+        server.End();
+    });
+    struct sigaction action = {};
+    action.sa_handler = [](int) { [[maybe_unused]] const auto written = write(signalSocket, "", 1); };
+    action.sa_flags = int(SA_RESETHAND | SA_RESTART);
+    sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGINT, &action, nullptr);
 }
 
 } // namespace
@@ -73,15 +118,15 @@ int main(int argc, char *argv[])
     QString error;
     if (!ReadOptions(application, options, database, port, error))
         return Fail(error);
-    CSyncStore store(database);
+    CSyncStore store(CStoreDatabase::Make(database));
     if (!store.Init())
-        return Fail(QStringLiteral("%1 can't be opened as a database").arg(database));
+        return Fail(store.GetError());
     CWebServer server(store, options);
     const int listening = server.Listen(static_cast<int>(port));
     if (listening == 0)
         return Fail(QStringLiteral("port %1 is taken, or the certificate and its key are no good").arg(port));
 
-    // Nothing is kept that a signal could lose, so the default action of SIGTERM and SIGINT is the right end.
+    EndOnSignals(server);
     std::printf("listening on %d\n", listening);
     std::fflush(stdout);
     return QCoreApplication::exec();

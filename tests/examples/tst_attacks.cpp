@@ -153,7 +153,7 @@ private Q_SLOTS:
             QTRY_VERIFY2_WITH_TIMEOUT((log += client.readAllStandardError()).contains(message), log.constData(),
                                       20000);
         } else if (isForwarded) { // it has logged in, and talks to the web server
-            QTRY_VERIFY2_WITH_TIMEOUT((log += m_webServer.readAllStandardError()).contains("GET /sync 200"),
+            QTRY_VERIFY2_WITH_TIMEOUT((log += m_webServer.readAllStandardError()).contains("\"path\":\"/sync\""),
                                       log.constData(), 20000);
         } else {
             QTRY_VERIFY_WITH_TIMEOUT(!encrypted.m_received.isEmpty(), 20000);

@@ -1,5 +1,6 @@
 #include <database/PlayerInfoDB.h>
 #include <database/SettingsDB.h>
+#include <examples/Postgres.h>
 #include <examples/ServerProcess.h>
 #include <models/UserInfo.h>
 #include <network/Download.h>
@@ -24,8 +25,11 @@ class tst_manynotes : public QObject
 private Q_SLOTS:
     void SecondMachineHasThemSoon()
     {
+        CPostgres postgres;
         QProcess server;
-        const QStringList options{"--database"_s, m_tree.GetPath("web.sqlite"_s), "--key"_s, "k"_s};
+        QStringList options{"--key"_s, "k"_s, "--database"_s, m_tree.GetPath("web.sqlite"_s)};
+        if (qEnvironmentVariable("PLUGININTERFACE_STORE") == "postgres"_s)
+            options = options.mid(0, 2) + QStringList{"--store"_s, postgres.Start()};
         m_strServer = "http://127.0.0.1:%1"_s.arg(StartServer(server, QStringLiteral(WEBSERVER_PATH), options));
         UseMachine("first"_s);
         const QString more =

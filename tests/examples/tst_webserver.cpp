@@ -1,3 +1,4 @@
+#include "Postgres.h"
 #include "ServerProcess.h"
 
 #include <database/LocalDB.h>
@@ -5,6 +6,7 @@
 #include <support/Literal.h>
 #include <support/Rows.h>
 
+#include <QTcpSocket>
 #include <QtTest>
 
 #include <httplib.h>
@@ -13,8 +15,39 @@ namespace {
 
 const char FORM[] = "application/x-www-form-urlencoded";
 
+// The store as servers of those versions have left it.
+const QStringList FROM_5_TO_4{"DROP INDEX idx_session_expiry"_s, "DROP INDEX idx_session_owner"_s,
+                              "UPDATE tbl_dbinfo SET DBI_cValue = '4' WHERE DBI_cKey = 'version'"_s};
+const QStringList FROM_4_TO_2{
+    "CREATE TABLE held2 (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT, HLD_cContent TEXT,"
+    " HLD_iOffer INTEGER, PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent))"_s,
+    "INSERT INTO held2 SELECT HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent, HLD_iOffer FROM tbl_held"_s,
+    "INSERT OR IGNORE INTO held2 SELECT HLD_cList, HLD_cMachine, HLD_cKey,"
+    " '{\"flags\":0,\"note\":\"\",\"tag\":0}', 0 FROM tbl_held WHERE HLD_bEmpty"_s,
+    "DROP TABLE tbl_held"_s,
+    "ALTER TABLE held2 RENAME TO tbl_held"_s,
+    "CREATE TABLE session2 (SES_cID TEXT PRIMARY KEY, SES_cRest TEXT, SES_cUser TEXT, SES_cMachine TEXT,"
+    " SES_iExpiry INTEGER)"_s,
+    "INSERT INTO session2 SELECT SES_cID, SES_cRest, SES_cUser, SES_cMachine, SES_iExpiry"
+    " FROM tbl_session"_s,
+    "DROP TABLE tbl_session"_s,
+    "ALTER TABLE session2 RENAME TO tbl_session"_s,
+    "ALTER TABLE tbl_machine DROP COLUMN MAC_iSession"_s,
+    "UPDATE tbl_dbinfo SET DBI_cValue = '2' WHERE DBI_cKey = 'version'"_s};
+
+// In which nothing comes twice, so that it stays long however it is kept.
+QString MakeLongNote()
+{
+    QString note = "'\\\\\"\u00e9$1?"_s;
+    for (int i = 0; i < 100; ++i)
+        note += QString::fromLatin1(
+            QCryptographicHash::hash(QByteArray::number(i), QCryptographicHash::Sha256).toBase64());
+    return note.remove(u'=');
+}
+
 } // namespace
 
+// PLUGININTERFACE_STORE=postgres has the store there, instead of in a file.
 class tst_webserver : public QObject
 {
     Q_OBJECT
@@ -26,6 +59,11 @@ private Q_SLOTS:
         for (const QString &name : {"pictures/5/5001.png"_s, "pictures/5/4999.png"_s, "secret.png"_s}) {
             QFile file(m_dir.filePath(name));
             QVERIFY(file.open(QIODevice::WriteOnly) && file.write("png") == 3);
+        }
+        if (qEnvironmentVariable("PLUGININTERFACE_STORE") == "postgres"_s) {
+            m_pPostgres = std::make_unique<CPostgres>();
+            m_strAddress = m_pPostgres->Start();
+            QVERIFY(!m_strAddress.isEmpty());
         }
         Start();
     }
@@ -51,6 +89,7 @@ private Q_SLOTS:
         row(403, "POST /sessions key=x&nickname=a&machine=m");
         row(400, "POST /sessions key=k+%26&nickname=&machine=m");
         row(400, "POST /sessions key=k+%26&nickname=a&machine=" + QByteArray(65, 'm'));
+        row(400, "POST /sessions key=k+%26&nickname=a%00&machine=m");
         row(403, "GET /sync?session=s&playerinfos=0&usersettings=0 ");
         for (const char *time : {"", "x", "-1", "1.5", "4102444800"})
             row(400, "GET /sync?session=S&playerinfos=0&usersettings=" + QByteArray(time) + " ");
@@ -60,10 +99,11 @@ private Q_SLOTS:
         json(400, "\"7\"", "7");
         json(400, "\"tag\":\"1\"", "\"tag\":\"x\"");
         json(400, "\"note\":\"\",", "");
+        json(400, "\"nick\":\"n", "\"nick\":\"" + QByteArray(3000, 'n'));
         json(400, "\"playerinfos\":[", "\"playerinfos\":[7,");
         json(400, "}]}", "}]");
         json(413, "}]}", "}]}" + QByteArray(100000, ' '));
-        for (const char *path : {"pictures/5/5001.png", "files/5001.png"})
+        for (const char *path : {"pictures/5/5001.png", "files/5001.png", "healthz", "readyz", "metrics"})
             row(200, "GET /" + QByteArray(path) + " ");
         for (const char *path : {"../secret.png", "..%2F..%2Fsecret.png", ".", "", "5"})
             row(404, "GET /files/" + QByteArray(path) + " ");
@@ -89,9 +129,7 @@ private Q_SLOTS:
     void SessionsExpire()
     {
         const QByteArray session = AskForSession("Vega"_s, "desk"_s);
-        CLocalDB database(m_dir.filePath("db"_s), true, true);
-        QVERIFY(database.Init());
-        QVERIFY(database.Exec("UPDATE tbl_session SET SES_iExpiry = 1"_s));
+        Exec({"UPDATE tbl_session SET SES_iExpiry = 1"_s});
         QCOMPARE(Fetch(session, 0), "403"_s);
         QCOMPARE(Send(session, "x 1 100"_s), 403);
     }
@@ -108,6 +146,7 @@ private Q_SLOTS:
                            "b 0|;a x 1 101;b y 1 100;b 100|x=1 y=1;b y 1 102;b x ~ 110;new 0|y=1 x="_s},
                           {"its own second doesn't tell that an answer has come",
                            "b 0|;a x 1 100;b 0|x=1;b 100|;b y 1 100;b 100|y=1 x=1"_s},
+                          {"a note may be long, and have any signs", "a x %1 100;b 0|x=%1"_s.arg(MakeLongNote())},
                           {"who has shown a note can take it off",
                            "a x 1 100;b y 1 110;b 110|x=1 y=1;b x 1 100 y 1 110;b x ~ 120;new 0|y=1 x="_s}});
     }
@@ -144,7 +183,7 @@ private Q_SLOTS:
 
     // What machines may hold is known as before, and is no change when they send it as new: one has loaded its note
     // again, and the other has none, for the answer with what it has been offered was lost.
-    void OlderFileIsUpgraded()
+    void OlderStoreIsUpgraded()
     {
         const QByteArray first = AskForSession("Lyra"_s, "first"_s);
         const QByteArray holding = AskForSession("Lyra"_s, "holding"_s);
@@ -156,11 +195,74 @@ private Q_SLOTS:
         QCOMPARE(Fetch(offered, 0), "x=2"_s);
         m_server.kill();
         QVERIFY(m_server.waitForFinished());
-        MakeVersion2();
+        Exec(m_pPostgres ? FROM_5_TO_4 : FROM_5_TO_4 + FROM_4_TO_2);
         Start();
         QCOMPARE(Send(holding, "x 1 120"_s), 200);
         QCOMPARE(Send(offered, "x ~ 130"_s), 200);
         QCOMPARE(Fetch(AskForSession("Lyra"_s, "new"_s), 0), "x=2"_s);
+    }
+
+    // Who asks meanwhile is told so, and can ask the same again.
+    void StoreGoesAwayAndComesBack()
+    {
+        const QByteArray session = AskForSession("Altair"_s, "desk"_s);
+        QCOMPARE(Send(session, "x 1 100"_s), 200);
+        CLocalDB lock(m_dir.filePath("db"_s), true, true);
+        QVERIFY(m_pPostgres ? m_pPostgres->Tell("kill") : lock.Init() && lock.Exec("BEGIN EXCLUSIVE"_s));
+        m_pWeb->set_read_timeout(20); // the server waits 5 s for a file
+        QCOMPARE(Send(session, "x 2 110"_s), 503);
+        QCOMPARE(m_pWeb->Get("/readyz")->status, 503);
+        QCOMPARE(m_pWeb->Get("/healthz")->status, 200);
+        QVERIFY(m_pPostgres ? m_pPostgres->Tell("start") : lock.Exec("ROLLBACK"_s));
+        QTRY_COMPARE(m_pWeb->Get("/readyz")->status, 200);
+        QCOMPARE(Send(session, "x 2 110"_s), 200);
+        QCOMPARE(Fetch(AskForSession("Altair"_s, "new"_s), 0), "x=2"_s);
+    }
+
+    void SlowBodyIsRefused()
+    {
+        QTcpSocket socket;
+        socket.connectToHost("127.0.0.1"_s, m_uiPort);
+        QVERIFY(socket.waitForConnected());
+        socket.write("POST /sync HTTP/1.1\r\nContent-Length: 1000\r\n\r\n");
+        QElapsedTimer clock;
+        clock.start();
+        while (!socket.waitForReadyRead(200) && clock.elapsed() < 8000)
+            socket.write("s");
+        QVERIFY(socket.readAll().startsWith("HTTP/1.1 408"));
+        QVERIFY(clock.elapsed() < 4000);
+    }
+
+    // A request that has begun is answered. What the server has told of all of them has no secrets.
+    void EndsInOrder()
+    {
+        const QByteArray session = AskForSession("Deneb"_s, "desk"_s);
+        QCOMPARE(Fetch(session, 0), QString());
+        const QByteArray body = "session=" + session +
+                                R"(&json={"usersettingstime":"100","playerinfostime":"0",)"
+                                R"("usersettings":[{"area":"a","key":"k","value":"v","time":"100"}]})";
+        QTcpSocket socket;
+        socket.connectToHost("127.0.0.1"_s, m_uiPort);
+        QVERIFY(socket.waitForConnected());
+        socket.write("POST /sync HTTP/1.1\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n");
+        socket.write(body.left(100));
+        QVERIFY(socket.waitForBytesWritten());
+        QTRY_VERIFY(m_pWeb->Get("/healthz")); // taken after it
+        QVERIFY(m_pWeb->Get("/metrics")->body.find("path=\"/sync\",status=\"503\"} 1\n") != std::string::npos);
+        m_server.terminate();
+        QTRY_VERIFY(!m_pWeb->Get("/healthz"));
+        socket.write(body.mid(100));
+        QVERIFY(socket.waitForReadyRead());
+        QVERIFY(socket.readAll().startsWith("HTTP/1.1 200"));
+        QVERIFY(m_server.waitForFinished());
+        QCOMPARE(m_server.exitCode(), 0);
+        QJsonObject last;
+        const QList<QByteArray> lines = m_server.readAllStandardError().trimmed().split('\n');
+        for (const QByteArray &line : lines) {
+            last = QJsonDocument::fromJson(line).object();
+            QVERIFY2(last.contains("status"_s) && !line.contains(session.left(32)), line.constData());
+        }
+        QCOMPARE(last["path"_s].toString() + u' ' + QString::number(last["rowsin"_s].toInt()), "/sync 1"_s);
     }
 
 private:
@@ -207,40 +309,31 @@ private:
         return answer ? answer->status : 0;
     }
 
-    // Of the file, as servers of that version have left it.
-    void MakeVersion2() const
+    void Exec(const QStringList &statements) const
     {
         CLocalDB database(m_dir.filePath("db"_s), true, true);
-        QVERIFY(database.Init());
-        for (const QString &sql :
-             {"CREATE TABLE held2 (HLD_cList TEXT, HLD_cMachine TEXT, HLD_cKey TEXT, HLD_cContent TEXT,"
-              " HLD_iOffer INTEGER, PRIMARY KEY(HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent))"_s,
-              "INSERT INTO held2 SELECT HLD_cList, HLD_cMachine, HLD_cKey, HLD_cContent, HLD_iOffer FROM tbl_held"_s,
-              "INSERT OR IGNORE INTO held2 SELECT HLD_cList, HLD_cMachine, HLD_cKey,"
-              " '{\"flags\":0,\"note\":\"\",\"tag\":0}', 0 FROM tbl_held WHERE HLD_bEmpty"_s,
-              "DROP TABLE tbl_held"_s, "ALTER TABLE held2 RENAME TO tbl_held"_s,
-              "CREATE TABLE session2 (SES_cID TEXT PRIMARY KEY, SES_cRest TEXT, SES_cUser TEXT, SES_cMachine TEXT,"
-              " SES_iExpiry INTEGER)"_s,
-              "INSERT INTO session2 SELECT SES_cID, SES_cRest, SES_cUser, SES_cMachine, SES_iExpiry"
-              " FROM tbl_session"_s,
-              "DROP TABLE tbl_session"_s, "ALTER TABLE session2 RENAME TO tbl_session"_s,
-              "ALTER TABLE tbl_machine DROP COLUMN MAC_iSession"_s,
-              "UPDATE tbl_dbinfo SET DBI_cValue = '2' WHERE DBI_cKey = 'version'"_s})
-            QVERIFY2(database.Exec(sql), qPrintable(sql));
+        QVERIFY(m_pPostgres || database.Init());
+        for (const QString &sql : statements)
+            QVERIFY2(m_pPostgres ? m_pPostgres->Exec(sql) : database.Exec(sql), qPrintable(sql));
     }
 
     void Start()
     {
-        const quint16 port = StartServer(m_server, QStringLiteral(WEBSERVER_PATH),
-                                         {"--database"_s, m_dir.filePath("db"_s), "--pictures"_s,
-                                          m_dir.filePath("pictures"_s), "--files"_s, m_dir.filePath("pictures/5"_s),
-                                          "--key"_s, "k &"_s, "--body-limit"_s, "100000"_s});
+        const quint16 port = StartServer(
+            m_server, QStringLiteral(WEBSERVER_PATH),
+            {m_pPostgres ? "--store"_s : "--database"_s, m_pPostgres ? m_strAddress : m_dir.filePath("db"_s),
+             "--pictures"_s, m_dir.filePath("pictures"_s), "--files"_s, m_dir.filePath("pictures/5"_s), "--key"_s,
+             "k &"_s, "--body-limit"_s, "100000"_s, "--body-seconds"_s, "2"_s});
         QVERIFY(port != 0);
+        m_uiPort = port;
         m_pWeb = std::make_unique<httplib::Client>("127.0.0.1", port);
     }
 
     QTemporaryDir m_dir;
+    std::unique_ptr<CPostgres> m_pPostgres; // none: a file
+    QString m_strAddress;
     QProcess m_server;
+    quint16 m_uiPort = 0;
     std::unique_ptr<httplib::Client> m_pWeb;
 };
 

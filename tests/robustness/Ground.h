@@ -1,7 +1,6 @@
 #pragma once
 
-#include <support/Literal.h>
-#include <webserver/SyncStore.h>
+#include "Servers.h"
 
 #include <QDir>
 #include <QJsonDocument>
@@ -26,21 +25,21 @@ struct SHttp
     QByteArray body;
 };
 
-/// What stays from town to town: the web server, and the program of which all machines are forks.
+/// What stays from town to town: the web servers, and the program of which all machines are forks.
 class CGround
 {
 public:
-    CGround()
+    /// \a order: of what belongs to one user, where servers share a store.
+    explicit CGround(CServers::EOrder order = CServers::EOrder::OneByOne)
+        : servers(dir.filePath("web.sqlite"_s), qEnvironmentVariable("PLUGININTERFACE_STORE") == "postgres"_s, order)
     {
         sockaddr_un here{};
         here.sun_family = AF_UNIX;
         const QString path = dir.filePath("socket"_s);
         std::strncpy(here.sun_path, QFile::encodeName(path).constData(), sizeof here.sun_path - 1);
         if (bind(m_iSocket, reinterpret_cast<sockaddr *>(&here), sizeof here) != 0 || listen(m_iSocket, 9) != 0 ||
-            !m_server.listen(QHostAddress::LocalHost) || !store.Init())
+            !m_server.listen(QHostAddress::LocalHost))
             qFatal("no ground for a town");
-        for (const QString &pragma : {"PRAGMA journal_mode = MEMORY"_s, "PRAGMA synchronous = OFF"_s})
-            store.Exec(pragma); // nobody kills it here
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("LD_BIND_NOW"_s, "1"_s); // once, before it forks
         m_program.setProcessEnvironment(environment);
@@ -99,7 +98,7 @@ public:
     }
 
     QTemporaryDir dir{QDir("/dev/shm"_s).exists() ? "/dev/shm/town-XXXXXX"_s : QDir::tempPath() + "/town-XXXXXX"_s};
-    CSyncStore store{dir.filePath("web.sqlite"_s)};
+    CServers servers;
     int iTowns = 0;
     bool bTells = false; ///< What happens.
 

@@ -140,6 +140,7 @@ private:
         bool bAtOnce = false; // the server takes it
         qint64 iRelease = 0;
         SyncJson::TLists lists; // of the answer
+        bool bTaken = false;    // by a server, which has it
     };
     struct SMachine
     {
@@ -235,7 +236,8 @@ private:
                                              at.iNow,
                                              fate != Answered && fate != Refused,
                                              fate == Lost ? NEVER : usual,
-                                             {}});
+                                             {},
+                                             false});
             }
         }
     }
@@ -388,9 +390,45 @@ private:
         SetFull(at, false);
     }
 
+    // With another one of the user under way, if there is one and a second server.
     void Serve(SRequest &request)
     {
+        SRequest *other = m_ground.servers.AreTwo() ? FindOther(request) : nullptr;
+        const auto work = Take(request);
+        const bool good = other ? m_ground.servers.Do(work, Take(*other)) : m_ground.servers.Do(work);
+        TellTaken(request);
+        if (other)
+            TellTaken(*other);
+        if (!good)
+            m_ledger.Fail("a server refuses %1"_s.arg(QString::fromUtf8(request.http.target)));
+    }
+
+    void TellTaken(const SRequest &request) const
+    {
+        const QByteArray &body = request.http.body;
+        if (m_ground.bTells)
+            qInfo("%lld: %s%s -> %s", m_iNow, request.http.target.constData(),
+                  body.mid(body.indexOf("&json=")).constData(), SyncJson::WriteLists(request.lists).constData());
+    }
+
+    // That a server may take now.
+    SRequest *FindOther(const SRequest &request)
+    {
+        for (SMachine &at : m_machines) {
+            for (SRequest &other : at.requests) {
+                if (&other != &request && other.owner.strUser == request.owner.strUser && other.iBegin <= m_iNow &&
+                    (other.bAtOnce || (other.eFate == Answered && !other.bTaken)))
+                    return &other;
+            }
+        }
+        return nullptr;
+    }
+
+    // What a server does with it.
+    CServers::TWork Take(SRequest &request)
+    {
         request.bAtOnce = false;
+        request.bTaken = true;
         request.lists = {};
         const SHttp &http = request.http;
         const auto json = http.body.indexOf("&json=");
@@ -400,17 +438,14 @@ private:
             const QUrlQuery query(QUrl(QString::fromUtf8(http.target)));
             for (std::size_t i = 0; i < lists.size(); ++i)
                 good &= SyncJson::ReadTime(query.queryItemValue(QLatin1String(SyncJson::LISTS[i])), lists[i].iTime);
-            good = good && m_ground.store.Fetch(request.owner, lists);
         } else {
             good = SyncJson::ReadLists(http.body.mid(json + 6), lists);
             Keep(request.owner, lists);
-            good = good && m_ground.store.Merge(request.owner, lists);
         }
-        if (!good)
-            m_ledger.Fail("the server refuses %1"_s.arg(QString::fromUtf8(http.target)));
-        if (m_ground.bTells)
-            qInfo("%lld: %s%s -> %s", m_iNow, http.target.constData(), http.body.mid(json).constData(),
-                  SyncJson::WriteLists(lists).constData());
+        return [&request, good, json](CSyncStore &store) {
+            return good &&
+                   (json < 0 ? store.Fetch(request.owner, request.lists) : store.Merge(request.owner, request.lists));
+        };
     }
 
     // What a machine has sent won't die with it.
@@ -428,7 +463,7 @@ private:
     void Release(SMachine &at, const QString &id)
     {
         SRequest request = at.requests.take(id);
-        if (request.eFate == Answered || request.eFate == Twice)
+        if ((request.eFate == Answered && !request.bTaken) || request.eFate == Twice)
             Serve(request);
         const QByteArray body = request.eFate == Refused ? "no" : SyncJson::WriteLists(request.lists);
         QTcpSocket &socket = *request.http.pSocket;
@@ -483,7 +518,7 @@ private:
         QMap<QString, QString> rows;
         for (const QString &row : m_rows)
             rows.insert(row, GetNothing(row));
-        QSqlQuery query = m_ground.store.GetQuery();
+        QSqlQuery query = m_ground.servers.GetQuery();
         query.exec("SELECT ROW_cList, ROW_cKey, ROW_cContent FROM tbl_row"
                    " WHERE ROW_cList > 't%1u' AND ROW_cList < 't%1v'"_s.arg(m_ground.iTowns));
         while (query.next()) {

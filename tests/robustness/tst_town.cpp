@@ -3,6 +3,7 @@
 //
 // PLUGININTERFACE_TOWNS=100000 lives so many instead of some hundreds; PLUGININTERFACE_TOWN=7 is the first seed, so
 // that two processes can share them; PLUGININTERFACE_TELL=1 tells what happens in a town that fails.
+// PLUGININTERFACE_STORE=postgres has two web servers that share a PostgreSQL.
 
 #include "Town.h"
 
@@ -22,9 +23,12 @@ constexpr int MOST_STEPS = 30;
 constexpr int SHRINK_MS = 20000;
 
 constexpr int MOST_FAILURES = 3;
+const bool ON_POSTGRES = qEnvironmentVariable("PLUGININTERFACE_STORE") == "postgres"_s;
+constexpr int MOST_UNORDERED = 1000;
 const int TOWNS = qEnvironmentVariableIsSet("PLUGININTERFACE_TOWNS")
                       ? qEnvironmentVariableIntValue("PLUGININTERFACE_TOWNS")
-                      : USUAL_TOWNS;
+                  : ON_POSTGRES ? USUAL_TOWNS * 2 / 5
+                                : USUAL_TOWNS;
 const int ONCE_LOST[] = {24041, 52748, 64799, 67155, 69167, 72133, 73196, 86071};
 const int FIRST = qEnvironmentVariableIntValue("PLUGININTERFACE_TOWN");
 const bool SAME_HASHES =
@@ -235,7 +239,8 @@ int LiveAll(int begin, int end)
         }
         qInfo("seed %d: %s\n%s", seed, qPrintable(fault), qPrintable(Tell(life)));
     }
-    qInfo("seeds %d to %d in %lld ms", begin, seed - 1, clock.elapsed());
+    qInfo("seeds %d to %d in %lld ms, %d times two requests of a user at once", begin, seed - 1, clock.elapsed(),
+          ground.servers.GetAtOnce());
     return failed;
 }
 
@@ -255,5 +260,33 @@ private Q_SLOTS:
     void NothingIsLost() { QCOMPARE(LiveAll(FIRST, FIRST + TOWNS), 0); }
 };
 
-QTEST_GUILESS_MAIN(tst_town)
+// The same with two web servers that share a PostgreSQL.
+class tst_servers : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void NothingIsLost() { QCOMPARE(LiveAll(FIRST, FIRST + TOWNS), 0); }
+
+    // Or the towns wouldn't tell whether they keep out of each other's way. It takes some tens of seeds.
+    void InEachOthersWayTheyAreNoticed()
+    {
+        CGround ground(CServers::EOrder::AsTheyCome);
+        QString fault;
+        int seed = 0;
+        for (; seed < MOST_UNORDERED && fault.isEmpty(); ++seed)
+            fault = Live(ground, DrawLife(seed));
+        qInfo("%d seeds, %d times two requests of a user at once: %s", seed, ground.servers.GetAtOnce(),
+              qPrintable(fault.left(200)));
+        QVERIFY(!fault.isEmpty());
+    }
+};
+
+int main(int count, char **arguments)
+{
+    const QCoreApplication application(count, arguments);
+    tst_town town;
+    tst_servers servers;
+    return QTest::qExec(ON_POSTGRES ? static_cast<QObject *>(&servers) : &town, count, arguments);
+}
 #include "tst_town.moc"
