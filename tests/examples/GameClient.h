@@ -44,13 +44,16 @@ public:
         return isExpected ? record : ReadRecord(limit);
     }
 
-    // The letter of the refusal of what is sent; nothing if it is accepted, or not answered.
-    char GetRefusal(const QByteArray &login)
+    // The letter of the refusal of what is sent, '+' if it is accepted, '?' if it isn't answered.
+    char LogIn(const QByteArray &login)
     {
         write(login);
-        AccountProtocol::SRefusal refusal{QString(), AccountProtocol::ERefusal()};
-        Payload::Decode(ReadRecord(), refusal);
-        return refusal.eReason;
+        const QByteArray answer = ReadRecord();
+        AccountProtocol::SAccount account;
+        AccountProtocol::SRefusal refusal;
+        if (Payload::Decode(answer, account))
+            return '+';
+        return Payload::Decode(answer, refusal) ? char(refusal.eReason) : '?';
     }
 
     // Takes a seat, and returns the place.

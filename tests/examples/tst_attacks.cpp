@@ -11,17 +11,13 @@
 #include <support/InstallationTree.h>
 #include <support/Literal.h>
 #include <support/Rows.h>
+#include <support/SilentConnections.h>
 #include <support/Singletons.h>
 #include <support/TlsServer.h>
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QtTest>
-
-#include <netinet/in.h>
-#include <sys/resource.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 using namespace AccountProtocol;
 
@@ -85,7 +81,7 @@ private Q_SLOTS:
                                                     m_certificates.GetFile("A.pem"_s)});
         QVERIFY(webPort != 0 && m_usPort != 0);
         CGameClient client(m_usPort);
-        QCOMPARE(client.GetRefusal(CGameClient::Login(NICKNAME, PASSWORD)), '\0');
+        QCOMPARE(client.LogIn(CGameClient::Login(NICKNAME, PASSWORD)), '+');
         m_strToken = client.m_token.strToken;
     }
 
@@ -173,7 +169,7 @@ private Q_SLOTS:
     void SessionIsReplayed()
     {
         CGameClient client(m_usPort);
-        QCOMPARE(client.GetRefusal(CGameClient::Login("Old Tom"_s, "turn"_s)), '\0');
+        QCOMPARE(client.LogIn(CGameClient::Login("Old Tom"_s, "turn"_s)), '+');
         client.write(CGameClient::OnAccount(Payload::Encode(SWebRequest{WebLinks::SettingsSyncFetch, "desk"_s})));
         SWebSession session;
         QVERIFY(Payload::Decode(client.ReadRecord(), session));
@@ -187,15 +183,15 @@ private Q_SLOTS:
     void TokenIsStolen()
     {
         CGameClient owner(m_usPort);
-        QCOMPARE(owner.GetRefusal(CGameClient::Login(NICKNAME, PASSWORD)), '\0');
+        QCOMPARE(owner.LogIn(CGameClient::Login(NICKNAME, PASSWORD)), '+');
         const QByteArray login = CGameClient::TokenLogin(NICKNAME, owner.m_token.strToken);
         CGameClient thief(m_usPort);
-        QCOMPARE(thief.GetRefusal(login), '\0');
+        QCOMPARE(thief.LogIn(login), '+');
         owner.write(CGameClient::OnAccount(LOGOUT));
         QTRY_COMPARE(thief.state(), QAbstractSocket::UnconnectedState);
         CGameClient again(m_usPort);
-        QCOMPARE(again.GetRefusal(login), char(RF_TOKEN_ENDED));
-        QCOMPARE(again.GetRefusal(CGameClient::TokenLogin(NICKNAME, m_strToken)), '\0'); // of another machine
+        QCOMPARE(again.LogIn(login), char(RF_TOKEN_ENDED));
+        QCOMPARE(again.LogIn(CGameClient::TokenLogin(NICKNAME, m_strToken)), '+'); // of another machine
     }
 
     // From twenty connections. Hardly any of them is looked at, nor is the right one for a while; who has a token
@@ -213,34 +209,22 @@ private Q_SLOTS:
         QHash<char, int> refusals;
         for (const auto &client : clients) {
             for (int i = 0; i < TRIES; ++i)
-                ++refusals[client->GetRefusal(QByteArray())];
+                ++refusals[client->LogIn(QByteArray())];
         }
         QCOMPARE(refusals.value(RF_WRONG_PASSWORD) + refusals.value(RF_TOO_MANY), CONNECTIONS * TRIES);
         QVERIFY2(refusals.value(RF_WRONG_PASSWORD) <= 8, QByteArray::number(refusals.value(RF_WRONG_PASSWORD)));
-        QCOMPARE(clients[0]->GetRefusal(CGameClient::TokenLogin(NICKNAME, m_strToken)), '\0');
-        QCOMPARE(clients[1]->GetRefusal(CGameClient::Login(NICKNAME, PASSWORD)), char(RF_TOO_MANY));
-        QTRY_COMPARE_WITH_TIMEOUT(clients[1]->GetRefusal(CGameClient::Login(NICKNAME, PASSWORD)), '\0', 60000);
+        QCOMPARE(clients[0]->LogIn(CGameClient::TokenLogin(NICKNAME, m_strToken)), '+');
+        QCOMPARE(clients[1]->LogIn(CGameClient::Login(NICKNAME, PASSWORD)), char(RF_TOO_MANY));
+        QTRY_COMPARE_WITH_TIMEOUT(clients[1]->LogIn(CGameClient::Login(NICKNAME, PASSWORD)), '+', 60000);
     }
 
     // A thousand who say nothing are no reason to let a user wait.
     void ConnectionsAreKept()
     {
-        rlimit files{};
-        getrlimit(RLIMIT_NOFILE, &files);
-        files.rlim_cur = files.rlim_max;
-        setrlimit(RLIMIT_NOFILE, &files);
-        sockaddr_in server{};
-        server.sin_family = AF_INET;
-        server.sin_port = htons(m_usPort);
-        server.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        QVector<int> silent;
-        const auto close = qScopeGuard([&] { std::for_each(silent.begin(), silent.end(), &::close); });
-        for (int i = 0; i < 1000; ++i) {
-            silent.append(::socket(AF_INET, SOCK_STREAM, 0));
-            QCOMPARE(::connect(silent.last(), reinterpret_cast<sockaddr *>(&server), sizeof server), 0);
-        }
+        const CSilentConnections silent(m_usPort, 1000);
+        QCOMPARE(silent.Count(), 1000);
         CGameClient client(m_usPort);
-        QCOMPARE(client.GetRefusal(CGameClient::TokenLogin(NICKNAME, m_strToken)), '\0');
+        QCOMPARE(client.LogIn(CGameClient::TokenLogin(NICKNAME, m_strToken)), '+');
     }
 
 private:

@@ -112,7 +112,7 @@ private Q_SLOTS:
         CGameClient second(port);
         QString tokens[2];
         for (CGameClient *client : {&first, &second}) {
-            QCOMPARE(client->GetRefusal(Login("Magnolia"_s, "river"_s)), '\0');
+            QCOMPARE(client->LogIn(Login("Magnolia"_s, "river"_s)), '+');
             tokens[client == &second] = client->m_token.strToken;
         }
         QVERIFY(tokens[0].size() == TOKEN_LENGTH && tokens[0] != tokens[1]);
@@ -124,17 +124,17 @@ private Q_SLOTS:
         port = start(server);
         CGameClient again(port);
         CGameClient thief(port);
-        QCOMPARE(thief.GetRefusal(CGameClient::TokenLogin("Old Tom"_s, tokens[0])), char(RF_TOKEN_ENDED));
-        QCOMPARE(again.GetRefusal(CGameClient::TokenLogin("magnolia"_s, tokens[0])), '\0');
+        QCOMPARE(thief.LogIn(CGameClient::TokenLogin("Old Tom"_s, tokens[0])), char(RF_TOKEN_ENDED));
+        QCOMPARE(again.LogIn(CGameClient::TokenLogin("magnolia"_s, tokens[0])), '+');
         QVERIFY(again.m_token.strToken.isEmpty()); // it keeps the one that it has
         again.write(OnAccount(LEAVE));
-        QCOMPARE(again.GetRefusal(CGameClient::TokenLogin("magnolia"_s, tokens[0])), '\0');
-        QCOMPARE(thief.GetRefusal(CGameClient::TokenLogin("Magnolia"_s, tokens[1])), '\0');
+        QCOMPARE(again.LogIn(CGameClient::TokenLogin("magnolia"_s, tokens[0])), '+');
+        QCOMPARE(thief.LogIn(CGameClient::TokenLogin("Magnolia"_s, tokens[1])), '+');
         again.write(OnAccount(LOGOUT_EVERYWHERE));
         again.write(OnAccount(GET_BALANCES)); // of nobody
         QTRY_COMPARE(thief.state(), QAbstractSocket::UnconnectedState);
         for (const QString &token : tokens)
-            QCOMPARE(again.GetRefusal(CGameClient::TokenLogin("Magnolia"_s, token)), char(RF_TOKEN_ENDED));
+            QCOMPARE(again.LogIn(CGameClient::TokenLogin("Magnolia"_s, token)), char(RF_TOKEN_ENDED));
         server.close();
     }
 

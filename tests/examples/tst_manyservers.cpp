@@ -5,6 +5,7 @@
 #include "ServerProcess.h"
 
 #include <support/Literal.h>
+#include <support/SilentConnections.h>
 
 #include <QTcpServer>
 #include <QTemporaryDir>
@@ -15,7 +16,6 @@
 #include <atomic>
 #include <future>
 #include <map>
-#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -227,26 +227,13 @@ private Q_SLOTS:
     // They are the balancer's business, and the servers answer the others as before.
     void SilentConnectionsHinderNobody()
     {
-        rlimit files{};
-        QVERIFY(getrlimit(RLIMIT_NOFILE, &files) == 0);
-        files.rlim_cur = files.rlim_max;
-        QVERIFY(setrlimit(RLIMIT_NOFILE, &files) == 0);
-        sockaddr_in there{};
-        there.sin_family = AF_INET;
-        there.sin_port = htons(m_uiPort);
-        there.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        std::vector<int> silent;
-        for (int i = 0; i < SILENT; ++i) {
-            silent.push_back(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-            QVERIFY(::connect(silent.back(), reinterpret_cast<sockaddr *>(&there), sizeof there) == 0);
-        }
+        const CSilentConnections silent(m_uiPort, SILENT);
+        QCOMPARE(silent.Count(), SILENT);
         QElapsedTimer clock;
         clock.start();
         CUser user(m_uiPort, USERS + 1);
         user.Run();
         qInfo("%lld ms for %d exchanges beside %d silent connections", clock.elapsed(), EXCHANGES, SILENT);
-        for (const int one : silent)
-            close(one);
         QCOMPARE(QString::fromStdString(user.strFault), QString());
         QVERIFY(clock.elapsed() < 30000);
     }
