@@ -165,12 +165,16 @@ void CHost::OnPacketReceived(CPacketLayerWrapper packet)
 
 void CHost::OnWebReply(const QNetworkReply *reply)
 {
-    if (reply->error() != QNetworkReply::SslHandshakeFailedError)
+    const QString server = reply->url().authority();
+    if (reply->error() == QNetworkReply::NoError)
+        m_impostors.remove(server);
+    if (reply->error() != QNetworkReply::SslHandshakeFailedError || m_impostors.contains(server))
         return;
+    m_impostors.insert(server);
     Note(QStringLiteral("%1 isn't the server that it should be, and is told nothing: %2")
-             .arg(reply->url().authority(), CNetworkAccessManager::GetError(*reply)),
+             .arg(server, CNetworkAccessManager::GetError(*reply)),
          CConsole::MC_Network);
-    Q_EMIT signal_WebServerIsImpostor(reply->url().host());
+    Q_EMIT signal_WebServerIsImpostor(server);
 }
 
 void CHost::ConnectPlugin(CPluginInterface *plugin)

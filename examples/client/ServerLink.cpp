@@ -125,14 +125,27 @@ void CServerLink::OnSslErrors(const QList<QSslError> &errors)
     m_strFaults = faults.join(QLatin1String(", "));
 }
 
-// The connection ends after this.
+// The connection ends after this. A server that stays an impostor is told of once.
 void CServerLink::OnError(QAbstractSocket::SocketError error)
 {
-    if (error != QAbstractSocket::SslHandshakeFailedError && error != QAbstractSocket::SslInvalidUserDataError)
-        return;
-    Q_EMIT signal_Problem(QStringLiteral("%1 isn't the server that it should be, and is told nothing: %2")
-                              .arg(GetAddress(), m_strFaults.isEmpty() ? m_socket.errorString() : m_strFaults));
-    SetImpostor(true);
+    switch (error) {
+    case QAbstractSocket::SslHandshakeFailedError:
+    case QAbstractSocket::SslInvalidUserDataError:
+        if (!m_bImpostor)
+            Q_EMIT signal_Problem(
+                QStringLiteral("%1 isn't the server that it should be, and is told nothing: %2")
+                    .arg(GetAddress(), m_strFaults.isEmpty() ? m_socket.errorString() : m_strFaults));
+        SetImpostor(true);
+        break;
+    case QAbstractSocket::ConnectionRefusedError:
+    case QAbstractSocket::HostNotFoundError:
+    case QAbstractSocket::NetworkError:
+    case QAbstractSocket::SocketTimeoutError:
+        SetImpostor(false); // nobody is there
+        break;
+    default: // such as the end of a connection that has just failed
+        break;
+    }
 }
 
 QString CServerLink::GetEncryption() const

@@ -9,15 +9,16 @@ constexpr int MOST_AT_ONCE = 50; // of all users: each costs a processor a tenth
 constexpr qint64 FIRST_PAUSE_MS = 1000;
 constexpr qint64 LONGEST_PAUSE_MS = 60000;
 constexpr qint64 MEMORY_MS = 15 * 60000;
-constexpr int FEW_NICKNAMES = 1000; // which needn't be looked through for old ones
+constexpr int FEW_NICKNAMES = 1000;
 
 } // namespace
 
 bool CLoginGuard::Begin(const QString &nickname)
 {
-    ForgetOld();
     if (m_iBegun >= MOST_AT_ONCE)
         return false;
+    if (m_tries.size() >= m_iForgetAt)
+        ForgetOld();
     STries &tries = m_tries[nickname.toLower()];
     // Those that have begun may all be wrong.
     const bool isFree = tries.iWrong + tries.iBegun < FREE_TRIES;
@@ -43,10 +44,9 @@ void CLoginGuard::End(const QString &nickname, bool isRight)
 
 void CLoginGuard::ForgetOld()
 {
-    if (m_tries.size() < FEW_NICKNAMES)
-        return;
     for (auto tries = m_tries.begin(); tries != m_tries.end();) {
         const bool isOld = tries->iBegun == 0 && (tries->iWrong == 0 || tries->memory.hasExpired());
         tries = isOld ? m_tries.erase(tries) : std::next(tries);
     }
+    m_iForgetAt = std::max(FEW_NICKNAMES, 2 * int(m_tries.size())); // so that it costs little for each nickname
 }

@@ -29,5 +29,6 @@ private:
     void ForgetOld();
 
     QHash<QString, STries> m_tries; // by nickname in lower case
+    int m_iForgetAt = 0;            // so many of them are looked through for old ones
     int m_iBegun = 0;
 };
