@@ -50,8 +50,9 @@ CWebServer::CWebServer(CSyncStore &store, const SOptions &options)
     m_pServer->new_task_queue = [] { return new httplib::ThreadPool(THREADS); };
     m_pServer->set_keep_alive_max_count(1); // else who keeps a connection keeps a thread
     m_pServer->set_payload_max_length(options.uiBodyLimit);
-    m_pServer->set_socket_options([](socket_t socket) { // not the library's, which share a port that is taken
+    m_pServer->set_socket_options([this](socket_t socket) { // not the library's, which share a port that is taken
         const int on = 1;
+        m_socket = socket;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     });
     AddHandlers();
@@ -73,6 +74,9 @@ int CWebServer::Listen(int port)
     if (port == 0)
         port = std::max(m_pServer->bind_to_any_port(host), 0);
     else if (!m_pServer->bind_to_port(host, port))
+        port = 0;
+    // The library lets 5 connections wait, and the kernel resets some of a few more that come at once.
+    if (port != 0 && ::listen(m_socket, SOMAXCONN) != 0)
         port = 0;
     if (port != 0)
         m_thread = std::thread([this] {

@@ -71,5 +71,6 @@ private:
     SRows m_rows;             // of the request that is being answered
     std::atomic<bool> m_bEnding = false;
     std::unique_ptr<httplib::Server> m_pServer;
+    socket_t m_socket = INVALID_SOCKET; // that listens; the server's
     std::thread m_thread;
 };
