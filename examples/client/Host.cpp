@@ -166,15 +166,22 @@ void CHost::OnPacketReceived(CPacketLayerWrapper packet)
 void CHost::OnWebReply(const QNetworkReply *reply)
 {
     const QString server = reply->url().authority();
-    if (reply->error() == QNetworkReply::NoError)
-        m_impostors.remove(server);
-    if (reply->error() != QNetworkReply::SslHandshakeFailedError || m_impostors.contains(server))
+    const QUrl target = reply->url().resolved(reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl());
+    const bool isImpostor = reply->error() == QNetworkReply::SslHandshakeFailedError;
+    const bool leadsAway =
+        reply->url().scheme() == QLatin1String("https") && target.scheme() == QLatin1String("http");
+    if (reply->error() == QNetworkReply::NoError && !leadsAway)
+        m_mistrusted.remove(server);
+    if ((!isImpostor && !leadsAway) || m_mistrusted.contains(server))
         return;
-    m_impostors.insert(server);
-    Note(QStringLiteral("%1 isn't the server that it should be, and is told nothing: %2")
-             .arg(server, CNetworkAccessManager::GetError(*reply)),
+    m_mistrusted.insert(server);
+    Note(isImpostor ? QStringLiteral("%1 isn't the server that it should be, and is told nothing: %2")
+                          .arg(server, CNetworkAccessManager::GetError(*reply))
+                    : QStringLiteral("%1 leads to %2, which isn't encrypted and is told nothing")
+                          .arg(server, target.toDisplayString()),
          CConsole::MC_Network);
-    Q_EMIT signal_WebServerIsImpostor(server);
+    Q_EMIT signal_WebServerMistrusted(isImpostor ? QStringLiteral("WEB_IMPOSTOR") : QStringLiteral("WEB_LEADS_AWAY"),
+                                      server);
 }
 
 void CHost::ConnectPlugin(CPluginInterface *plugin)

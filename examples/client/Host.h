@@ -52,8 +52,10 @@ Q_SIGNALS:
     void signal_ShutDownRequested();
     /// Emitted when a plugin asks to show a page, whose address is always http or https with a host.
     void signal_PageRequested(const QUrl &url);
-    /// Emitted when a web server, which is told nothing then, couldn't prove who it is; again only after it could.
-    void signal_WebServerIsImpostor(const QString &server);
+    /// Emitted when a web server, which is told nothing then, couldn't prove who it is, or leads to one whose
+    /// connections aren't encrypted; again only after all was well. \a key is the key of the text to show, in the
+    /// area of Texts.
+    void signal_WebServerMistrusted(const QString &key, const QString &server);
     /// Emitted for each event on the bus: \a sender has sent it or, if null, it is about to be delivered to plugins.
     void signal_EventPassed(const CEvent &event, const CPluginInterface *sender);
 
@@ -78,6 +80,6 @@ private:
     CSession m_session;
     CSynchronisation m_synchronisation;
     CPluginManager m_plugins;
-    QSet<QString> m_impostors; // web servers
+    QSet<QString> m_mistrusted; // web servers
     quint16 m_usLinkCount = 0;
 };

@@ -88,8 +88,8 @@ CMainWindow::CMainWindow(CHost &host)
         if (!m_pLoginDialog || !m_pLoginDialog->isVisible()) // the dialog itself shows the result of its login
             ShowMessage(Texts::MakeItem(key.toLatin1()), MESSAGE_MS);
     });
-    connect(&host, &CHost::signal_WebServerIsImpostor, this, [this](const QString &server) {
-        ShowMessage(Texts::MakeItem("WEB_IMPOSTOR", {{"#host#", server}}), MESSAGE_MS);
+    connect(&host, &CHost::signal_WebServerMistrusted, this, [this](const QString &key, const QString &server) {
+        ShowMessage(Texts::MakeItem(key.toLatin1(), {{"#host#", server}}), MESSAGE_MS);
     });
     connect(CTranslation::GetInstance(), &CTranslation::signal_TranslationChanged, this, [this] {
         m_message.ReTranslate();

@@ -106,7 +106,7 @@ private Q_SLOTS:
              {"listens on the way", "game"_s, "listens"_s, QString()},
              {"another authority on the web", "web"_s, "B 127.0.0.1"_s, stranger + "The issuer certificate"_s},
              {"no encryption on the web", "web"_s, "plain"_s, stranger},
-             {"redirect to no encryption", "web"_s, "redirect"_s, QString()},
+             {"redirect to no encryption", "web"_s, "redirect"_s, "leads to http://127.0.0.1:"_s},
              {"trusted", "game"_s, "A 127.0.0.1"_s, QString()},
              {"trusted on the web", "web"_s, "A 127.0.0.1"_s, QString()}});
     }
