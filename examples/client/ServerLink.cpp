@@ -72,6 +72,7 @@ void CServerLink::Close()
     SetState(EConnectionState::Disconnected);
     m_packetTimer.stop();
     m_retryTimer.stop();
+    m_socket.flush(); // a logout, say, which waits to be encrypted
     m_socket.abort();
 }
 

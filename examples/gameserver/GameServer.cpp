@@ -207,7 +207,7 @@ void CGameServer::LogOut(CClientLink *client, bool everywhere)
     const QVector<CClientLink *> clients = m_clients; // dropping one removes it from the member
     for (CClientLink *other : clients) {
         const bool isSameUser = other->GetNickname().compare(nickname, Qt::CaseInsensitive) == 0;
-        if (other != client && isSameUser && (everywhere || other->GetToken() == token)) {
+        if (other != client && isSameUser && (everywhere || (!token.isEmpty() && other->GetToken() == token))) {
             EndWebSessions(other);
             other->Drop(QStringLiteral("its login has been taken back"));
         }
