@@ -37,12 +37,6 @@ struct SOptions
     bool bHashes = false;
 };
 
-QCommandLineOption Option(const char *name, const char *meaning, const char *value = "", const char *byDefault = "")
-{
-    return {QString::fromLatin1(name), QString::fromLatin1(meaning), QString::fromLatin1(value),
-            QString::fromLatin1(byDefault)};
-}
-
 // The connections are encrypted, or somebody has asked for plain ones.
 bool ReadTls(const QCommandLineParser &parser, SOptions &options, QString &error)
 {
@@ -72,35 +66,38 @@ bool ReadWebServer(const QCommandLineParser &parser, SOptions &options, QString 
 
 bool ReadOptions(const QCoreApplication &application, SOptions &options, QString &error)
 {
-    const auto data = Option("data", "JSON file with the tables.", "file");
-    const auto made = Option("tables",
-                             "Serve at least this many tables, of which those that the file lacks are made up, and "
-                             "let players move at each of them in each second. At most 10000. Without it, --data is "
-                             "required.",
-                             "number", "0");
-    const auto accounts = Option("accounts", "JSON file with the accounts; nobody can log in without it.", "file");
-    const auto tokens = Option("tokens",
-                               "SQLite file of the logins that users have remembered; without it those end "
-                               "with the server.",
-                               "file");
+    const auto data = Options::Make("data", "JSON file with the tables.", "file");
+    const auto made =
+        Options::Make("tables",
+                      "Serve at least this many tables, of which those that the file lacks are made up, and "
+                      "let players move at each of them in each second. At most 10000. Without it, --data is "
+                      "required.",
+                      "number", "0");
+    const auto accounts =
+        Options::Make("accounts", "JSON file with the accounts; nobody can log in without it.", "file");
+    const auto tokens = Options::Make("tokens",
+                                      "SQLite file of the logins that users have remembered; without it those end "
+                                      "with the server.",
+                                      "file");
     const auto hashes =
-        Option("hash-password", "Read a password from the standard input, print its hash for the file "
-                                "of accounts, and end.");
+        Options::Make("hash-password", "Read a password from the standard input, print its hash for the file "
+                                       "of accounts, and end.");
     const auto certificate =
-        Option("certificate", "PEM file with the certificate, for encrypted connections.", "file");
-    const auto privateKey = Option("private-key", "PEM file with its key.", "file");
-    const auto plain = Option("plain", "Don't encrypt the connections, over which nobody can log in then.");
-    const auto port = Option("port", "Port on 127.0.0.1; 0, the default, is any.", "number", "0");
-    const auto seed =
-        Option("seed", "Seed for made-up tables, the players' moves and the jackpot; default 1.", "number", "1");
+        Options::Make("certificate", "PEM file with the certificate, for encrypted connections.", "file");
+    const auto privateKey = Options::Make("private-key", "PEM file with its key.", "file");
+    const auto plain = Options::Make("plain", "Don't encrypt the connections, over which nobody can log in then.");
+    const auto port = Options::Make("port", "Port on 127.0.0.1; 0, the default, is any.", "number", "0");
+    const auto seed = Options::Make("seed", "Seed for made-up tables, the players' moves and the jackpot; default 1.",
+                                    "number", "1");
     const auto idle =
-        Option("idle-ms", "Milliseconds that a packet may stay half-sent; default 15000.", "number", "15000");
-    const auto web = Option("web-server", "Web server that gives sessions; without it nobody gets one.", "address");
-    const auto webKey = Option("web-key", "Secret that it shares with that.", "text");
-    const auto authority = Option("authority",
-                                  "PEM file of the authorities that vouch for it; by default the "
-                                  "system's.",
-                                  "file");
+        Options::Make("idle-ms", "Milliseconds that a packet may stay half-sent; default 15000.", "number", "15000");
+    const auto web =
+        Options::Make("web-server", "Web server that gives sessions; without it nobody gets one.", "address");
+    const auto webKey = Options::Make("web-key", "Secret that it shares with that.", "text");
+    const auto authority = Options::Make("authority",
+                                         "PEM file of the authorities that vouch for it; by default the "
+                                         "system's.",
+                                         "file");
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Serves a list of poker tables, and the accounts of their players, to clients on this machine\n"

@@ -19,12 +19,6 @@ int Fail(const QString &error)
     return 1;
 }
 
-QCommandLineOption Option(const char *name, const char *meaning, const char *value, const char *byDefault = "")
-{
-    return {QString::fromLatin1(name), QString::fromLatin1(meaning), QString::fromLatin1(value),
-            QString::fromLatin1(byDefault)};
-}
-
 // A file or an address, which is in no message: it may have a password.
 QString ReadPlace(const QString &file, const QString &address, QString &error)
 {
@@ -39,21 +33,24 @@ QString ReadPlace(const QString &file, const QString &address, QString &error)
 bool ReadOptions(const QCoreApplication &application, CWebServer::SOptions &options, QString &database, quint32 &port,
                  QString &error)
 {
-    const auto file = Option("database", "SQLite file with sessions, settings and notes.", "file");
+    const auto file = Options::Make("database", "SQLite file with sessions, settings and notes.", "file");
     const auto address =
-        Option("store",
-               "Instead of it, postgres://USER@HOST:PORT/DATABASE, which servers can share; by default"
-               " what is in the environment variable WEBSERVER_STORE.",
-               "address");
-    const auto pictures = Option("pictures", "Folder with the players' pictures.", "folder");
-    const auto files = Option("files", "Folder with the files to download.", "folder");
-    const auto rate = Option("rate", "Bytes a second of such a file; 0, the default, is no limit.", "number", "0");
-    const auto number = Option("port", "Port on 127.0.0.1; 0, the default, is any.", "number", "0");
-    const auto key = Option("key", "Secret that it shares with the game server; required.", "text");
-    const auto limit = Option("body-limit", "The longest request body; default 33554432.", "bytes", "33554432");
-    const auto seconds = Option("body-seconds", "In which a request body has to come; default 60.", "number", "60");
-    const auto certificate = Option("certificate", "PEM file; with it and its key it serves https.", "file");
-    const auto privateKey = Option("private-key", "PEM file.", "file");
+        Options::Make("store",
+                      "Instead of it, postgres://USER@HOST:PORT/DATABASE, which servers can share; by default"
+                      " what is in the environment variable WEBSERVER_STORE.",
+                      "address");
+    const auto pictures = Options::Make("pictures", "Folder with the players' pictures.", "folder");
+    const auto files = Options::Make("files", "Folder with the files to download.", "folder");
+    const auto rate =
+        Options::Make("rate", "Bytes a second of such a file; 0, the default, is no limit.", "number", "0");
+    const auto number = Options::Make("port", "Port on 127.0.0.1; 0, the default, is any.", "number", "0");
+    const auto key = Options::Make("key", "Secret that it shares with the game server; required.", "text");
+    const auto limit =
+        Options::Make("body-limit", "The longest request body; default 33554432.", "bytes", "33554432");
+    const auto seconds =
+        Options::Make("body-seconds", "In which a request body has to come; default 60.", "number", "60");
+    const auto certificate = Options::Make("certificate", "PEM file; with it and its key it serves https.", "file");
+    const auto privateKey = Options::Make("private-key", "PEM file.", "file");
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Gives the game server web sessions for its users, keeps their settings and notes in step over their\n"
