@@ -64,7 +64,8 @@ void CServerLink::Retry()
     m_iRetryMs = FIRST_RETRY_MS;
     m_socket.abort(); // an attempt that may wait for a network that is no more
     m_retryTimer.stop();
-    Connect();
+    if (m_eState != EConnectionState::Disconnected) // a slot may have closed the link
+        Connect();
 }
 
 void CServerLink::Close()
@@ -157,6 +158,8 @@ QString CServerLink::GetEncryption() const
 
 void CServerLink::OnReadyRead()
 {
+    if (m_eState != EConnectionState::Connected) // since the turn in which it was put off
+        return;
     m_stream.Append(m_socket.readAll());
     CPacketLayerWrapper packet;
     QElapsedTimer turn;
