@@ -112,7 +112,8 @@ void CServerLink::OnReady()
 {
     m_packetTimer.stop();
     SetImpostor(false);
-    SetState(EConnectionState::Connected);
+    if (m_eState != EConnectionState::Disconnected) // a slot may have closed the link
+        SetState(EConnectionState::Connected);
 }
 
 void CServerLink::OnSslErrors(const QList<QSslError> &errors)

@@ -41,7 +41,7 @@ public:
     bool IsEncrypted() const { return m_eState == EConnectionState::Connected && m_socket.isEncrypted(); }
     /// Returns the protocol and cipher of such a connection, for people.
     QString GetEncryption() const;
-    /// Returns whether the server couldn't prove who it is when the link last tried to connect.
+    /// Returns whether the last server that showed a certificate, or should have, couldn't prove who it is.
     bool IsImpostor() const { return m_bImpostor; }
     /// Returns the server as "host:port".
     QString GetAddress() const;

@@ -18,6 +18,7 @@ const QHash<int, const char *> REFUSAL_KEYS{{AccountProtocol::RF_BAD_NICKNAME, "
                                             {AccountProtocol::RF_NO_ACCOUNT, "LOGIN_NO_ACCOUNT"},
                                             {AccountProtocol::RF_WRONG_PASSWORD, "LOGIN_WRONG_PASSWORD"},
                                             {AccountProtocol::RF_TOO_MANY, "LOGIN_TOO_MANY"},
+                                            {AccountProtocol::RF_BUSY, "LOGIN_BUSY"},
                                             {AccountProtocol::RF_TOKEN_ENDED, "LOGIN_TOKEN_ENDED"},
                                             {AccountProtocol::RF_UNPROTECTED, "LOGIN_UNPROTECTED"}};
 
@@ -61,6 +62,8 @@ CSession::CSession(const TSend &send)
 
 void CSession::LogIn(const QString &nickname, const QString &password, bool remember)
 {
+    if (m_answerTimer.isActive() && m_bAskedWithToken && !CUserInfo::GetInstance()->IsLoggedIn())
+        EndOnServer(AccountProtocol::LEAVE); // the remembered login makes way for what the user wants now
     if (m_answerTimer.isActive())
         return;
     if (m_bIsUnprotected) {

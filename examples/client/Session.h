@@ -31,7 +31,7 @@ public:
 
     /// Requests a login; one of the two signals below is emitted when it ends, at once if there is no connection, or
     /// one that others can read. \a remember has the user stay logged in when the client ends. Does nothing while
-    /// another login waits for its answer.
+    /// another login waits for its answer, but for a remembered one, which it gives up.
     void LogIn(const QString &nickname, const QString &password, bool remember);
     /// Gives up the login that waits for its answer, without a signal. Does nothing if none does, or if the user is
     /// being logged in again on a new connection.

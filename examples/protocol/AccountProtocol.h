@@ -12,12 +12,12 @@
 ///
 /// The client logs in with SLogin or STokenLogin, the only record of its packet, and the server answers with SAccount
 /// or SRefusal. Before an SAccount that answers a password it sends SToken, with which the client logs in from then
-/// on. The connection belongs to the user until LOGOUT or LOGOUT_EVERYWHERE, another login, or its end. The first two
-/// take back the token of the login, or all of the user's, and end the connections that use them. The server sends
-/// STime without a request: as the first packet of a connection, and at intervals. It sends an SJackpot to each
-/// client that has requested the list of tables whenever the jackpot has grown. For a web page that has to know its
-/// user, the client sends SWebRequest, and the server answers with SWebSession when the web server has answered it.
-/// It answers GET_BALANCES with the balances of the logged-in user, or not at all if there is none.
+/// on. The connection belongs to the user until LOGOUT, LOGOUT_EVERYWHERE or LEAVE, another login, or its end. The
+/// first two take back the token of the login, or all of the user's, and end the connections that use them. The
+/// server sends STime without a request: as the first packet of a connection, and at intervals. It sends an SJackpot
+/// to each client that has requested the list of tables whenever the jackpot has grown. For a web page that has to
+/// know its user, the client sends SWebRequest, and the server answers with SWebSession when the web server has
+/// answered it. It answers GET_BALANCES with the balances of the logged-in user, or not at all if there is none.
 ///
 /// The records are in the form of Payload.h.
 namespace AccountProtocol {
@@ -25,7 +25,7 @@ namespace AccountProtocol {
 inline constexpr char GROUP[] = "ACCT";
 inline constexpr char LOGOUT[] = "LGOT"; // no fields: the tag is the whole payload
 inline constexpr char LOGOUT_EVERYWHERE[] = "LGOA";
-inline constexpr char LEAVE[] = "LGLV";
+inline constexpr char LEAVE[] = "LGLV";        // a logout that takes back nothing: the user's machine keeps its token
 inline constexpr char GET_BALANCES[] = "BALQ"; // no fields either
 inline constexpr char BALANCES[] = "BALS";     // one SAccount
 inline constexpr char TIME_GROUP[] = "TIME";
@@ -102,7 +102,8 @@ enum ERefusal : char {
     RF_NO_ACCOUNT = 'N',
     RF_WRONG_PASSWORD = 'P',
     RF_TOO_MANY = 'M',    ///< Too many wrong passwords: the server doesn't look at this one. Later it will.
-    RF_TOKEN_ENDED = 'T', ///< The token is too old, or has been taken back.
+    RF_BUSY = 'O',        ///< The server has too much to do to look at a password. Soon it will.
+    RF_TOKEN_ENDED = 'T', ///< The token is too old, has been taken back, or the password has changed.
     RF_UNPROTECTED = 'U', ///< Others may be able to read the connection.
 };
 

@@ -176,6 +176,15 @@ private Q_SLOTS:
         m_pSession->SetConnectionState(EConnectionState::Connected, true);
         const QByteArray login = Payload::ToPackets(GROUP, {Payload::Encode(STokenLogin{"Magnolia"_s, TOKEN})});
         QCOMPARE(m_sent, isKept ? QVector<QByteArray>{login} : QVector<QByteArray>());
+        if (!isKept)
+            return;
+        m_pSession->LogIn("Robin"_s, "guest"_s, false); // before the answer
+        QCOMPARE(m_sent.size(), 3);
+        QCOMPARE(m_sent.at(1), Payload::ToPackets(GROUP, {LEAVE}));
+        Receive(Accepted(500));
+        QVERIFY(!CUserInfo::GetInstance()->IsLoggedIn());
+        Receive(Payload::Encode(SAccount{"Robin"_s, {}}));
+        QCOMPARE(CUserInfo::GetInstance()->GetNickname(), "Robin"_s);
     }
 
     // Over a connection that others can read neither a password goes out nor a token.
