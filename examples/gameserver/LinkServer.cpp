@@ -1,10 +1,14 @@
 #include "LinkServer.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QSslCertificate>
 #include <QSslKey>
 #include <QSslSocket>
 
+#include <memory>
+
+#include <openssl/x509.h>
 #include <sys/socket.h>
 
 namespace {
@@ -18,6 +22,20 @@ QSslKey ReadKey(QFile &file)
             return key;
     }
     return QSslKey();
+}
+
+// Qt tells only when a client comes.
+bool IsKeyOf(const QSslCertificate &certificate, const QSslKey &key)
+{
+    const QByteArray certificateBytes = certificate.toDer();
+    const QByteArray keyBytes = key.toDer();
+    const auto *at = reinterpret_cast<const unsigned char *>(certificateBytes.constData());
+    const std::unique_ptr<X509, decltype(&X509_free)> x509(d2i_X509(nullptr, &at, certificateBytes.size()),
+                                                           &X509_free);
+    at = reinterpret_cast<const unsigned char *>(keyBytes.constData());
+    const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> pair(d2i_AutoPrivateKey(nullptr, &at, keyBytes.size()),
+                                                                   &EVP_PKEY_free);
+    return x509 && pair && X509_check_private_key(x509.get(), pair.get()) == 1;
 }
 
 } // namespace
@@ -52,6 +70,10 @@ bool CLinkServer::ReadConfiguration(const QString &certificate, const QString &p
         error = certificate + QStringLiteral(": not a PEM file of certificates");
     else if (key.isNull())
         error = privateKey + QStringLiteral(": not a PEM file of a private key");
+    else if (chain.constFirst().expiryDate() < QDateTime::currentDateTimeUtc())
+        error = certificate + QStringLiteral(": has expired");
+    else if (!IsKeyOf(chain.constFirst(), key))
+        error = privateKey + QStringLiteral(": isn't the key of ") + certificate;
     configuration.setLocalCertificateChain(chain);
     configuration.setPrivateKey(key);
     configuration.setProtocol(QSsl::TlsV1_2OrLater);
