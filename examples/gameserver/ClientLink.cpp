@@ -4,6 +4,7 @@
 
 #include <QHostAddress>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -13,6 +14,8 @@ constexpr qint64 MAX_UNSENT_BYTES = 4 << 20;
 // The socket's buffer while the link pauses; further bytes wait at the client.
 constexpr qint64 MAX_UNREAD_BYTES = 64 << 10;
 constexpr int REFUSAL_PAUSE_MS = 500;
+constexpr int MAX_WEB_REQUESTS = 8; // a client waits for two at most
+constexpr int MAX_MACHINES = 8;     // and has one
 
 } // namespace
 
@@ -35,10 +38,34 @@ CClientLink::CClientLink(QSslSocket *socket, int halfSentLimit, QObject *parent)
     });
     if (isToBeEncrypted)
         m_halfSent.start();
-    connect(m_pSocket, &QSslSocket::encrypted, &m_halfSent, &QTimer::stop);
+    connect(m_pSocket, &QSslSocket::encryptedBytesWritten, this, [this] { Reach(EProgress::Handshake); });
+    connect(m_pSocket, &QSslSocket::encrypted, this, [this] {
+        Reach(EProgress::Encrypted);
+        m_halfSent.stop();
+    });
     connect(m_pSocket, &QIODevice::readyRead, this, &CClientLink::OnReadyRead);
     connect(m_pSocket, &QAbstractSocket::disconnected, this, [this] { End(m_pSocket->errorString()); });
     Log(QStringLiteral("connected"));
+}
+
+void CClientLink::Reach(EProgress progress)
+{
+    m_eProgress = std::max(m_eProgress, progress);
+}
+
+CClientLink::EProgress CClientLink::GetProgress() const
+{
+    return m_strNickname.isEmpty() ? m_eProgress : EProgress::User;
+}
+
+bool CClientLink::BeginWebRequest(const QString &machine)
+{
+    const bool isKnown = m_machines.contains(machine);
+    if (m_iWebRequests >= MAX_WEB_REQUESTS || (!isKnown && m_machines.size() >= MAX_MACHINES))
+        return false;
+    m_machines.insert(machine);
+    ++m_iWebRequests;
+    return true;
 }
 
 void CClientLink::Send(const QByteArray &packets)
@@ -93,7 +120,7 @@ void CClientLink::OnReadyRead()
     m_stream.Append(m_pSocket->readAll());
     CPacketLayerWrapper packet;
     while (!m_bEnded && !IsPaused() && m_stream.TakePacket(packet)) {
-        m_bSilent = false;
+        Reach(EProgress::Packet);
         m_halfSent.stop();
         const QString fault = HandlePacket(packet);
         if (!fault.isEmpty())

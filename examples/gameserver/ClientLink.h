@@ -22,8 +22,15 @@ public:
     CClientLink(QSslSocket *socket, int halfSentLimit, QObject *parent);
 
     bool IsEncrypted() const { return m_pSocket->isEncrypted(); }
-    /// Returns whether the client hasn't sent a single packet.
-    bool IsSilent() const { return m_bSilent; }
+    /// How far the connection has got.
+    enum class EProgress {
+        Nothing,   // the client has sent nothing
+        Handshake, // it has begun the handshake
+        Encrypted, // and ended it
+        Packet,    // it has sent a packet
+        User,      // somebody is logged in
+    };
+    EProgress GetProgress() const;
 
     /// Returns whether the client has requested the list, and therefore receives changes.
     bool IsSubscribed() const { return m_bSubscribed; }
@@ -44,8 +51,11 @@ public:
     /// Ends the connection, for a reason that the log tells.
     void Drop(const QString &reason) { End(QStringLiteral("dropped: ") + reason); }
 
-    /// Notes that the user has a web session on one of the user's machines.
-    void AddMachine(const QString &machine) { m_machines.insert(machine); }
+    /// Begins to get a web session for one of the user's machines. Returns false if the link waits for too many
+    /// already, or the user has had some on too many machines; otherwise the caller calls EndWebRequest() afterwards.
+    bool BeginWebRequest(const QString &machine);
+    void EndWebRequest() { --m_iWebRequests; }
+    /// Returns the machines on which the user has web sessions.
     const QSet<QString> &GetMachines() const { return m_machines; }
 
     /// Returns the user's place at a table; 0 for none. The seat is given back with TableProtocol::SLeave, and when
@@ -71,6 +81,7 @@ Q_SIGNALS:
     void signal_Ended();
 
 private:
+    void Reach(EProgress progress);
     void SetUser(const QString &nickname, const QString &token = QString());
     void OnReadyRead();
     void OnRefusalDue();
@@ -94,7 +105,8 @@ private:
     QSet<QString> m_machines;
     QHash<quint32, quint16> m_places; // by table; never 0
     int m_iLogins = 0;
-    bool m_bSilent = true;
+    int m_iWebRequests = 0;                     // of all users of the link
+    EProgress m_eProgress = EProgress::Nothing; // at most Packet
     bool m_bLoginPends = false;
     bool m_bSubscribed = false;
     bool m_bEnded = false;

@@ -8,6 +8,7 @@
 
 #include <QDateTime>
 #include <QNetworkReply>
+#include <QRandomGenerator>
 
 #include <algorithm>
 #include <cstdio>
@@ -23,13 +24,15 @@ constexpr int TIME_PACKETS_MS = 1000;
 constexpr int WEB_LIMIT_MS = 10000;
 // Well below the number of descriptors of a process: once accepting has failed for lack of one, it stays off.
 constexpr int MAX_CLIENTS = 500;
-// Who has connected and said nothing makes way for those who come later.
+// That have sent no packet. Further ones make others of them make way.
 constexpr int MAX_SILENT_CLIENTS = 100;
 constexpr int HASHING_THREADS = 2; // of 64 MiB each
 // In cents. At the limit somebody wins the jackpot, and it starts again.
 constexpr quint32 JACKPOT_BEGIN = 1234567;
 constexpr quint32 JACKPOT_LIMIT = 5000000;
 constexpr quint32 JACKPOT_STEP = 250;
+
+const QString END_SESSIONS = QStringLiteral("/sessions/end");
 
 QByteArray TimePacket()
 {
@@ -62,7 +65,8 @@ CGameServer::CGameServer(const QVector<STable> &tables, const CAccounts &account
     , m_tokens(tokens)
 {
     m_hashing.setMaxThreadCount(HASHING_THREADS);
-    connect(&m_server, &QTcpServer::newConnection, this, &CGameServer::OnNewConnection);
+    // Queued, or who connects faster than that they are accepted would keep the server from everything else.
+    connect(&m_server, &QTcpServer::newConnection, this, &CGameServer::OnNewConnection, Qt::QueuedConnection);
     connect(&m_tick, &QTimer::timeout, this, &CGameServer::OnTick);
     m_tick.start(TICK_MS);
     connect(&m_timePackets, &QTimer::timeout, this, &CGameServer::SendTime);
@@ -77,8 +81,8 @@ CGameServer::~CGameServer()
 void CGameServer::OnNewConnection()
 {
     while (auto *socket = static_cast<QSslSocket *>(m_server.nextPendingConnection())) {
-        if (CClientLink *silent = FindSilent())
-            silent->Drop(QStringLiteral("says nothing, and others want to"));
+        if (CClientLink *client = ChooseWhoMakesWay())
+            client->Drop(QStringLiteral("makes way for another"));
         if (m_clients.size() < MAX_CLIENTS) {
             AddClient(socket);
             continue;
@@ -89,14 +93,26 @@ void CGameServer::OnNewConnection()
     }
 }
 
-// Returns the one that has been silent for the longest time, if there are too many of them, or of all.
-CClientLink *CGameServer::FindSilent() const
+// Returns one of those that have got least far if there is a crowd: at random, since whoever sends a flood could see
+// to it that his aren't the oldest, or the ones that are idle. Nobody who is logged in.
+CClientLink *CGameServer::ChooseWhoMakesWay() const
 {
-    const auto isSilent = [](const CClientLink *client) { return client->IsSilent(); };
-    const auto first = std::find_if(m_clients.begin(), m_clients.end(), isSilent);
-    const bool isCrowded =
-        m_clients.size() >= MAX_CLIENTS || std::count_if(first, m_clients.end(), isSilent) >= MAX_SILENT_CLIENTS;
-    return isCrowded && first != m_clients.end() ? *first : nullptr;
+    using EProgress = CClientLink::EProgress;
+    const auto count = std::count_if(m_clients.begin(), m_clients.end(), [](const CClientLink *client) {
+        return client->GetProgress() < EProgress::Packet;
+    });
+    if (m_clients.size() < MAX_CLIENTS && count < MAX_SILENT_CLIENTS)
+        return nullptr;
+    QVector<CClientLink *> least;
+    for (CClientLink *client : m_clients) {
+        if (!least.isEmpty() && client->GetProgress() < least.constFirst()->GetProgress())
+            least.clear();
+        if (least.isEmpty() || client->GetProgress() == least.constFirst()->GetProgress())
+            least.append(client);
+    }
+    if (least.constFirst()->GetProgress() == EProgress::User)
+        return nullptr;
+    return least.at(QRandomGenerator::global()->bounded(int(least.size())));
 }
 
 void CGameServer::AddClient(QSslSocket *socket)
@@ -139,33 +155,33 @@ void CGameServer::LogIn(CClientLink *client, const AccountProtocol::SLogin &logi
     auto refusal = m_accounts.Find(nickname, account);
     if (!client->IsEncrypted())
         refusal = AccountProtocol::RF_UNPROTECTED;
-    else if (!refusal && !m_guard.Begin(nickname))
-        refusal = AccountProtocol::RF_TOO_MANY;
+    else if (!refusal)
+        refusal = m_guard.Begin(nickname);
     if (refusal) {
         client->Refuse({nickname, *refusal});
         return;
     }
     m_hashing.start([this, link = QPointer<CClientLink>(client), nickname, password = login.strPassword,
                      hash = m_accounts.GetHash(nickname)] {
-        const bool isRight = Passwords::Matches(password, hash);
+        const std::optional<bool> isRight = Passwords::Matches(password, hash);
         QMetaObject::invokeMethod(
             this, [=] { EndLogin(link, nickname, isRight); }, Qt::QueuedConnection);
     });
 }
 
 // The client may be gone by now.
-void CGameServer::EndLogin(const QPointer<CClientLink> &client, const QString &nickname, bool isRight)
+void CGameServer::EndLogin(const QPointer<CClientLink> &client, const QString &nickname, std::optional<bool> isRight)
 {
     m_guard.End(nickname, isRight);
     if (!client)
         return;
-    if (!isRight) {
-        client->Refuse({nickname, AccountProtocol::RF_WRONG_PASSWORD});
+    if (!isRight || !*isRight) {
+        client->Refuse({nickname, isRight ? AccountProtocol::RF_WRONG_PASSWORD : AccountProtocol::RF_BUSY});
         return;
     }
     const AccountProtocol::SAccount account = m_accounts.GetAccount(nickname);
     QString token;
-    if (!m_tokens.Add(account.strNickname, &token)) {
+    if (!m_tokens.Add(account.strNickname, m_accounts.GetHash(nickname), &token)) {
         std::fprintf(stderr, "%s got no token: the file of tokens can't be written\n",
                      qUtf8Printable(account.strNickname));
         token.clear(); // so the user gives the password again after each loss of the connection
@@ -180,7 +196,8 @@ void CGameServer::LogInWithToken(CClientLink *client, const AccountProtocol::STo
     if (!client->IsEncrypted()) {
         refusal = AccountProtocol::RF_UNPROTECTED;
     } else if (!refusal) {
-        const std::optional<bool> isGood = m_tokens.Use(login.strNickname, login.strToken);
+        const std::optional<bool> isGood =
+            m_tokens.Use(login.strNickname, m_accounts.GetHash(login.strNickname), login.strToken);
         if (!isGood)
             refusal = AccountProtocol::RF_UNKNOWN;
         else if (!*isGood)
@@ -199,16 +216,20 @@ void CGameServer::LogOut(CClientLink *client, bool everywhere)
     const QString token = client->GetToken();
     if (nickname.isEmpty())
         return;
-    if (everywhere)
+    if (everywhere) {
         m_tokens.RemoveAll(nickname);
-    else
-        m_tokens.Remove(token);
-    EndWebSessions(client);
+        AskWebServer(END_SESSIONS, nickname, QString()); // on whatever machine
+    } else {
+        if (!token.isEmpty())
+            m_tokens.Remove(token);
+        EndWebSessions(client);
+    }
     const QVector<CClientLink *> clients = m_clients; // dropping one removes it from the member
     for (CClientLink *other : clients) {
         const bool isSameUser = other->GetNickname().compare(nickname, Qt::CaseInsensitive) == 0;
         if (other != client && isSameUser && (everywhere || (!token.isEmpty() && other->GetToken() == token))) {
-            EndWebSessions(other);
+            if (!everywhere)
+                EndWebSessions(other);
             other->Drop(QStringLiteral("its login has been taken back"));
         }
     }
@@ -237,10 +258,14 @@ void CGameServer::GiveWebSession(CClientLink *client, const AccountProtocol::SWe
         client->Send(WebSessionPacket(link, QByteArray()));
         return;
     }
-    client->AddMachine(request.strMachine);
+    if (!client->BeginWebRequest(request.strMachine)) {
+        client->Send(WebSessionPacket(link, QByteArray()));
+        return;
+    }
     QNetworkReply *reply = AskWebServer(QStringLiteral("/sessions"), client->GetNickname(), request.strMachine);
     // Only if the same user is logged in, and while the link exists.
     connect(reply, &QNetworkReply::finished, client, [client, reply, link, login = client->GetLoginCount()] {
+        client->EndWebRequest();
         const bool good = client->GetLoginCount() == login && reply->error() == QNetworkReply::NoError;
         if (reply->error() != QNetworkReply::NoError)
             std::fprintf(stderr, "no web session: %s\n", qUtf8Printable(reply->errorString()));
@@ -251,7 +276,7 @@ void CGameServer::GiveWebSession(CClientLink *client, const AccountProtocol::SWe
 void CGameServer::EndWebSessions(const CClientLink *client)
 {
     for (const QString &machine : client->GetMachines())
-        AskWebServer(QStringLiteral("/sessions/end"), client->GetNickname(), machine);
+        AskWebServer(END_SESSIONS, client->GetNickname(), machine);
 }
 
 // The reply deletes itself when it has finished.
@@ -368,6 +393,7 @@ void CGameServer::OnTick()
     GrowJackpot();
     SendToSubscribers(CountPackets(changes) + JackpotPacket());
     PlayHands();
+    m_tokens.WriteRemovals();
 }
 
 void CGameServer::GrowJackpot()

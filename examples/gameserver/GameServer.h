@@ -16,6 +16,7 @@
 #include <QThreadPool>
 #include <QTimer>
 
+#include <optional>
 #include <random>
 
 class CClientLink;
@@ -55,10 +56,10 @@ private:
     void OnTick();
     void SendTime() const;
     void AddClient(QSslSocket *socket);
-    CClientLink *FindSilent() const;
+    CClientLink *ChooseWhoMakesWay() const;
     void SendList(CClientLink *client) const;
     void LogIn(CClientLink *client, const AccountProtocol::SLogin &login);
-    void EndLogin(const QPointer<CClientLink> &client, const QString &nickname, bool isRight);
+    void EndLogin(const QPointer<CClientLink> &client, const QString &nickname, std::optional<bool> isRight);
     void LogInWithToken(CClientLink *client, const AccountProtocol::STokenLogin &login);
     void LogOut(CClientLink *client, bool everywhere);
     void EndWebSessions(const CClientLink *client);

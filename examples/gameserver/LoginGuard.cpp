@@ -13,28 +13,30 @@ constexpr int FEW_NICKNAMES = 1000;
 
 } // namespace
 
-bool CLoginGuard::Begin(const QString &nickname)
+std::optional<AccountProtocol::ERefusal> CLoginGuard::Begin(const QString &nickname)
 {
     if (m_iBegun >= MOST_AT_ONCE)
-        return false;
+        return AccountProtocol::RF_BUSY;
     if (m_tries.size() >= m_iForgetAt)
         ForgetOld();
     STries &tries = m_tries[nickname.toLower()];
     // Those that have begun may all be wrong.
     const bool isFree = tries.iWrong + tries.iBegun < FREE_TRIES;
     if (!isFree && (tries.iBegun > 0 || !tries.pause.hasExpired()))
-        return false;
+        return AccountProtocol::RF_TOO_MANY;
     ++tries.iBegun;
     ++m_iBegun;
-    return true;
+    return std::nullopt;
 }
 
-void CLoginGuard::End(const QString &nickname, bool isRight)
+void CLoginGuard::End(const QString &nickname, std::optional<bool> isRight)
 {
     STries &tries = m_tries[nickname.toLower()];
     --tries.iBegun;
     --m_iBegun;
-    tries.iWrong = isRight ? 0 : tries.iWrong + 1;
+    if (!isRight)
+        return;
+    tries.iWrong = *isRight ? 0 : tries.iWrong + 1;
     tries.memory.setRemainingTime(MEMORY_MS);
     if (tries.iWrong >= FREE_TRIES) {
         const qint64 doubled = FIRST_PAUSE_MS << std::min(tries.iWrong - FREE_TRIES, 10);

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <protocol/AccountProtocol.h>
+
 #include <QDeadlineTimer>
 #include <QHash>
 #include <QString>
+
+#include <optional>
 
 /// Slows down those who try passwords. The first few wrong ones for a nickname cost nothing. After each further one
 /// nobody can try the next for a pause, which doubles up to a minute, from however many connections. A right one, or
@@ -12,10 +16,11 @@
 class CLoginGuard
 {
 public:
-    /// Begins to try a password for the nickname, in any case. Returns false if it mustn't be looked at; otherwise
-    /// the caller calls End() once it is known whether it is right.
-    bool Begin(const QString &nickname);
-    void End(const QString &nickname, bool isRight);
+    /// Begins to try a password for the nickname, in any case. Returns the reason for which it mustn't be looked at;
+    /// if there is none, the caller calls End() afterwards.
+    std::optional<AccountProtocol::ERefusal> Begin(const QString &nickname);
+    /// Ends what Begin() began; \a isRight is nothing if it couldn't be found out.
+    void End(const QString &nickname, std::optional<bool> isRight);
 
 private:
     struct STries

@@ -22,9 +22,15 @@ bool Passwords::IsHash(const QString &text)
                                           crypto_pwhash_MEMLIMIT_INTERACTIVE) >= 0;
 }
 
-bool Passwords::Matches(const QString &password, const QString &hash)
+std::optional<bool> Passwords::Matches(const QString &password, const QString &hash)
 {
     const QByteArray text = password.toUtf8();
-    return sodium_init() >= 0 && crypto_pwhash_str_verify(hash.toLatin1().constData(), text.constData(),
-                                                          static_cast<unsigned long long>(text.size())) == 0;
+    if (sodium_init() < 0)
+        return std::nullopt;
+    if (crypto_pwhash_str_verify(hash.toLatin1().constData(), text.constData(),
+                                 static_cast<unsigned long long>(text.size())) == 0)
+        return true;
+    if (Hash(password).isEmpty()) // which the library doesn't tell from a wrong password
+        return std::nullopt;
+    return false;
 }

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 /// What the server keeps instead of passwords. Any thread.
 namespace Passwords {
 
@@ -13,7 +15,8 @@ QString Hash(const QString &password);
 /// Returns whether a text is in the form of Hash().
 bool IsHash(const QString &text);
 
-/// Returns whether it is the password of this hash. Takes as long as the hash says.
-bool Matches(const QString &password, const QString &hash);
+/// Returns whether it is the password of this hash; nothing if there isn't the memory to find out. Takes as long as
+/// the hash says, and twice as long for another password.
+std::optional<bool> Matches(const QString &password, const QString &hash);
 
 } // namespace Passwords

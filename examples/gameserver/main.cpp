@@ -130,9 +130,11 @@ int PrintHash()
 {
     QTextStream input(stdin);
     const QString password = input.readLine();
-    const QString hash = Passwords::Hash(password);
-    if (password.isEmpty() || password.size() > AccountProtocol::MAX_PASSWORD_LENGTH || hash.isEmpty())
+    if (password.isEmpty() || password.size() > AccountProtocol::MAX_PASSWORD_LENGTH)
         return Fail(QStringLiteral("a password has 1 to %1 characters").arg(AccountProtocol::MAX_PASSWORD_LENGTH));
+    const QString hash = Passwords::Hash(password);
+    if (hash.isEmpty())
+        return Fail(QStringLiteral("there isn't the memory to hash a password"));
     std::printf("%s\n", qUtf8Printable(hash));
     return 0;
 }
@@ -155,7 +157,7 @@ int main(int argc, char *argv[])
         (!options.strAccounts.isEmpty() && !accounts.Load(options.strAccounts, error)))
         return Fail(error);
     CTokens tokens(options.strTokens);
-    if (!tokens.Init())
+    if (!tokens.Open())
         return Fail(QStringLiteral("%1 can't be opened as a database").arg(options.strTokens));
     AddMadeTables(static_cast<int>(options.uiTables), options.uiSeed, now, tables);
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int WORDS = 8; // of 32 bits, in a session
 constexpr int ID_LENGTH = 32;
-constexpr qint64 SESSION_SECONDS = qint64(24) * 60 * 60;
+constexpr qint64 SESSION_SECONDS = 10 * 60;
 constexpr int MOST_TRIES = 4;
 const QSqlError CLOSED(QString(), QStringLiteral("the connection is closed"), QSqlError::ConnectionError);
 
@@ -51,6 +51,8 @@ bool CSyncStore::AddSession(const SOwner &owner, QString &session)
 bool CSyncStore::EndSessions(const SOwner &owner)
 {
     TQuery query;
+    if (owner.strMachine.isEmpty())
+        return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_cUser = ?"), {owner.strUser});
     return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_cUser = ? AND SES_cMachine = ?"),
                {owner.strUser, owner.strMachine});
 }

@@ -66,9 +66,9 @@ public:
     /// How often an operation had to wait for another one of its user, or to be tried again after others.
     quint64 GetConflicts() const { return m_uiConflicts; }
 
-    /// \a session gets a new one, for a day.
+    /// \a session gets a new one, which is good for ten minutes: a client gets one for each request.
     bool AddSession(const SOwner &owner, QString &session);
-    /// Ends all sessions of the user on this machine.
+    /// Ends all sessions of the user on this machine, or on all if it has no name.
     bool EndSessions(const SOwner &owner);
     /// \a session may be its first half alone. False also if there is none, or it has expired.
     bool FindSession(const QString &session, SOwner &owner);

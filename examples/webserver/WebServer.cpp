@@ -168,7 +168,7 @@ int CWebServer::ReadOwner(const httplib::Request &request, SOwner &owner) const
     owner = {GetParameter(request, "nickname"), GetParameter(request, "machine")};
     if (GetParameter(request, "key") != m_options.strKey)
         return 403;
-    return IsName(owner.strUser) && IsName(owner.strMachine) ? 200 : 400;
+    return IsName(owner.strUser) && (owner.strMachine.isEmpty() || IsName(owner.strMachine)) ? 200 : 400;
 }
 
 int CWebServer::GiveSession(const httplib::Request &request, std::string &text)
@@ -176,6 +176,8 @@ int CWebServer::GiveSession(const httplib::Request &request, std::string &text)
     SOwner owner;
     QString session;
     int status = ReadOwner(request, owner);
+    if (status == 200 && owner.strMachine.isEmpty())
+        status = 400;
     if (status == 200 && !m_store.AddSession(owner, session))
         status = 500;
     text = session.toStdString();
