@@ -112,7 +112,8 @@ void CServerLink::OnReady()
 {
     m_packetTimer.stop();
     SetImpostor(false);
-    if (m_eState != EConnectionState::Disconnected) // a slot may have closed the link
+    const bool isReady = m_bPlain || m_socket.isEncrypted();
+    if (isReady && m_eState != EConnectionState::Disconnected) // a slot may have closed the link, or begun anew
         SetState(EConnectionState::Connected);
 }
 

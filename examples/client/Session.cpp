@@ -55,6 +55,7 @@ CSession::CSession(const TSend &send)
     m_answerTimer.setSingleShot(true);
     m_answerTimer.setInterval(ANSWER_LIMIT_MS);
     connect(&m_answerTimer, &QTimer::timeout, this, [this] {
+        ++m_iGivenUp; // the timer isn't active any more
         EndOnServer(m_bAskedWithToken ? AccountProtocol::LEAVE : AccountProtocol::LOGOUT);
         Refuse("LOGIN_NO_ANSWER");
     });
@@ -80,8 +81,8 @@ void CSession::LogIn(const QString &nickname, const QString &password, bool reme
 
 void CSession::CancelLogin()
 {
-    if (m_answerTimer.isActive() && !CUserInfo::GetInstance()->IsLoggedIn())
-        EndOnServer(m_bAskedWithToken ? AccountProtocol::LEAVE : AccountProtocol::LOGOUT);
+    if (m_answerTimer.isActive() && !m_bAskedWithToken && !CUserInfo::GetInstance()->IsLoggedIn())
+        EndOnServer(AccountProtocol::LOGOUT);
 }
 
 void CSession::LogOut()
@@ -177,6 +178,8 @@ void CSession::OnAccepted(const AccountProtocol::SAccount &account)
         if (user->IsLoggedIn())
             EndLogin();
         SetAccount(account, m_asked.strToken, CCasinoTime::GetInstance()->GetTimeUTCServer());
+        if (user->GetNickname() != account.strNickname) // a slot has logged the user out
+            return;
     }
     if (!m_bAskedWithToken && m_bRemember)
         RememberedLogin::Store({account.strNickname, m_asked.strToken});

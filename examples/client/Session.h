@@ -33,8 +33,8 @@ public:
     /// one that others can read. \a remember has the user stay logged in when the client ends. Does nothing while
     /// another login waits for its answer, but for a remembered one, which it gives up.
     void LogIn(const QString &nickname, const QString &password, bool remember);
-    /// Gives up the login that waits for its answer, without a signal. Does nothing if none does, or if the user is
-    /// being logged in again on a new connection.
+    /// Gives up the login that waits for its answer, without a signal. Does nothing if none does, or if it is one
+    /// with a token: the remembered one, or that of a user on a new connection.
     void CancelLogin();
     /// Logs the user out. The server takes back the token, if there is a connection; otherwise the token ends later
     /// by itself.

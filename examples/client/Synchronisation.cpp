@@ -82,8 +82,7 @@ void CSynchronisation::RequestSession(WebLinks::id link)
     m_session.Send(Payload::Encode(AccountProtocol::SWebRequest{static_cast<quint8>(link), ReadMachine()}));
 }
 
-// The game server answers in the order of the packets, so an unexpected session belongs to a login that has ended
-// since.
+// The game server gives no sessions to a login that has ended, so an unexpected one was on its way when it ended.
 void CSynchronisation::UseSession(const AccountProtocol::SWebSession &session)
 {
     if (session.ucLink != m_eAsked)
