@@ -61,7 +61,7 @@ CClientLink::EProgress CClientLink::GetProgress() const
 bool CClientLink::BeginWebRequest(const QString &machine)
 {
     const bool isKnown = m_machines.contains(machine);
-    if (m_iWebRequests >= MAX_WEB_REQUESTS || (!isKnown && m_machines.size() >= MAX_MACHINES))
+    if (machine.isEmpty() || m_iWebRequests >= MAX_WEB_REQUESTS || (!isKnown && m_machines.size() >= MAX_MACHINES))
         return false;
     m_machines.insert(machine);
     ++m_iWebRequests;

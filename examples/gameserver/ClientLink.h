@@ -48,14 +48,17 @@ public:
     void Refuse(const AccountProtocol::SRefusal &refusal);
     /// Returns a number that changes at each login, refusal and logout, and so identifies the login.
     int GetLoginCount() const { return m_iLogins; }
+    /// Returns whether the link is no longer usable. It deletes itself when control returns to the event loop.
+    bool HasEnded() const { return m_bEnded; }
     /// Ends the connection, for a reason that the log tells.
     void Drop(const QString &reason) { End(QStringLiteral("dropped: ") + reason); }
 
-    /// Begins to get a web session for one of the user's machines. Returns false if the link waits for too many
-    /// already, or the user has had some on too many machines; otherwise the caller calls EndWebRequest() afterwards.
+    /// Begins to get a web session for one of the user's machines. Returns false if the machine has no name, the link
+    /// waits for too many already, or the user has asked for some for too many machines; otherwise the caller calls
+    /// EndWebRequest() afterwards.
     bool BeginWebRequest(const QString &machine);
     void EndWebRequest() { --m_iWebRequests; }
-    /// Returns the machines on which the user has web sessions.
+    /// Returns the machines for which the user has asked for web sessions.
     const QSet<QString> &GetMachines() const { return m_machines; }
 
     /// Returns the user's place at a table; 0 for none. The seat is given back with TableProtocol::SLeave, and when
@@ -77,7 +80,7 @@ Q_SIGNALS:
     void signal_LogoutRequested(bool everywhere);
     void signal_BalancesRequested();
     void signal_WebSessionRequested(const AccountProtocol::SWebRequest &request);
-    /// Emitted when the link is no longer usable; it deletes itself when control returns to the event loop.
+    /// Emitted when the link has ended.
     void signal_Ended();
 
 private:

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 using LobbyProtocol::SPlayerCount;
 using LobbyProtocol::STable;
@@ -93,26 +94,30 @@ void CGameServer::OnNewConnection()
     }
 }
 
-// Returns one of those that have got least far if there is a crowd: at random, since whoever sends a flood could see
-// to it that his aren't the oldest, or the ones that are idle. Nobody who is logged in.
+// Returns who makes way if there is a crowd: the one that has got less far of two that are chosen by chance. Were it
+// always the one that has got least far, those that stand or talk would be safe from whoever comes next; were it the
+// oldest, a flood would decide when a client's turn is. Nobody who is logged in.
 CClientLink *CGameServer::ChooseWhoMakesWay() const
 {
     using EProgress = CClientLink::EProgress;
-    const auto count = std::count_if(m_clients.begin(), m_clients.end(), [](const CClientLink *client) {
-        return client->GetProgress() < EProgress::Packet;
-    });
-    if (m_clients.size() < MAX_CLIENTS && count < MAX_SILENT_CLIENTS)
-        return nullptr;
-    QVector<CClientLink *> least;
-    for (CClientLink *client : m_clients) {
-        if (!least.isEmpty() && client->GetProgress() < least.constFirst()->GetProgress())
-            least.clear();
-        if (least.isEmpty() || client->GetProgress() == least.constFirst()->GetProgress())
-            least.append(client);
+    const auto before = [this](EProgress progress) {
+        QVector<CClientLink *> clients;
+        std::copy_if(m_clients.begin(), m_clients.end(), std::back_inserter(clients),
+                     [progress](const CClientLink *client) { return client->GetProgress() < progress; });
+        return clients;
+    };
+    QVector<CClientLink *> candidates = before(EProgress::Packet);
+    if (candidates.size() < MAX_SILENT_CLIENTS) {
+        if (m_clients.size() < MAX_CLIENTS)
+            return nullptr;
+        candidates = before(EProgress::User);
     }
-    if (least.constFirst()->GetProgress() == EProgress::User)
+    if (candidates.isEmpty())
         return nullptr;
-    return least.at(QRandomGenerator::global()->bounded(int(least.size())));
+    const auto choose = [&] { return candidates.at(QRandomGenerator::global()->bounded(int(candidates.size()))); };
+    CClientLink *one = choose();
+    CClientLink *other = choose();
+    return one->GetProgress() < other->GetProgress() ? one : other;
 }
 
 void CGameServer::AddClient(QSslSocket *socket)
@@ -173,7 +178,7 @@ void CGameServer::LogIn(CClientLink *client, const AccountProtocol::SLogin &logi
 void CGameServer::EndLogin(const QPointer<CClientLink> &client, const QString &nickname, std::optional<bool> isRight)
 {
     m_guard.End(nickname, isRight);
-    if (!client)
+    if (!client || client->HasEnded())
         return;
     if (!isRight || !*isRight) {
         client->Refuse({nickname, isRight ? AccountProtocol::RF_WRONG_PASSWORD : AccountProtocol::RF_BUSY});
@@ -216,17 +221,17 @@ void CGameServer::LogOut(CClientLink *client, bool everywhere)
     const QString token = client->GetToken();
     if (nickname.isEmpty())
         return;
-    if (everywhere) {
+    if (everywhere)
         m_tokens.RemoveAll(nickname);
+    else if (!token.isEmpty())
+        m_tokens.Remove(token);
+    if (everywhere && !m_webServer.isEmpty())
         AskWebServer(END_SESSIONS, nickname, QString()); // on whatever machine
-    } else {
-        if (!token.isEmpty())
-            m_tokens.Remove(token);
+    else
         EndWebSessions(client);
-    }
     const QVector<CClientLink *> clients = m_clients; // dropping one removes it from the member
     for (CClientLink *other : clients) {
-        const bool isSameUser = other->GetNickname().compare(nickname, Qt::CaseInsensitive) == 0;
+        const bool isSameUser = other->GetNickname().toLower() == nickname.toLower();
         if (other != client && isSameUser && (everywhere || (!token.isEmpty() && other->GetToken() == token))) {
             if (!everywhere)
                 EndWebSessions(other);
@@ -266,10 +271,8 @@ void CGameServer::GiveWebSession(CClientLink *client, const AccountProtocol::SWe
     // Only if the same user is logged in, and while the link exists.
     connect(reply, &QNetworkReply::finished, client, [client, reply, link, login = client->GetLoginCount()] {
         client->EndWebRequest();
-        const bool good = client->GetLoginCount() == login && reply->error() == QNetworkReply::NoError;
-        if (reply->error() != QNetworkReply::NoError)
-            std::fprintf(stderr, "no web session: %s\n", qUtf8Printable(reply->errorString()));
-        client->Send(WebSessionPacket(link, good ? reply->readAll() : QByteArray()));
+        if (client->GetLoginCount() == login)
+            client->Send(WebSessionPacket(link, reply->error() ? QByteArray() : reply->readAll()));
     });
 }
 
@@ -279,7 +282,7 @@ void CGameServer::EndWebSessions(const CClientLink *client)
         AskWebServer(END_SESSIONS, client->GetNickname(), machine);
 }
 
-// The reply deletes itself when it has finished.
+// The reply deletes itself when it has finished, and the log tells if it has failed.
 QNetworkReply *CGameServer::AskWebServer(const QString &path, const QString &nickname, const QString &machine)
 {
     QNetworkRequest request(QUrl(m_webServer.toString() + path));
@@ -290,7 +293,12 @@ QNetworkReply *CGameServer::AskWebServer(const QString &path, const QString &nic
     QNetworkReply *reply = m_network.post(request, "key=" + QUrl::toPercentEncoding(m_strWebKey) +
                                                        "&nickname=" + QUrl::toPercentEncoding(nickname) +
                                                        "&machine=" + QUrl::toPercentEncoding(machine));
-    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    connect(reply, &QNetworkReply::finished, reply, [reply] {
+        if (reply->error())
+            std::fprintf(stderr, "%s: %s\n", qUtf8Printable(reply->url().path()),
+                         qUtf8Printable(reply->errorString()));
+        reply->deleteLater();
+    });
     return reply;
 }
 

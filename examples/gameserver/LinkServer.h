@@ -14,8 +14,8 @@ public:
     bool Listen(quint16 port);
     bool IsEncrypted() const { return !m_configuration.localCertificate().isNull(); }
 
-    /// Reads them from two PEM files. Returns false, with the reason in \a error, if there is anything else in them,
-    /// or no client could trust them.
+    /// Reads them from two PEM files. Returns false, with the reason in \a error, if one of them lacks what it should
+    /// have, the certificate has expired, or the key is of another one.
     static bool ReadConfiguration(const QString &certificate, const QString &privateKey,
                                   QSslConfiguration &configuration, QString &error);
 

@@ -20,6 +20,8 @@ std::optional<AccountProtocol::ERefusal> CLoginGuard::Begin(const QString &nickn
     if (m_tries.size() >= m_iForgetAt)
         ForgetOld();
     STries &tries = m_tries[nickname.toLower()];
+    if (tries.iBegun == 0 && tries.memory.hasExpired())
+        tries.iWrong = 0;
     // Those that have begun may all be wrong.
     const bool isFree = tries.iWrong + tries.iBegun < FREE_TRIES;
     if (!isFree && (tries.iBegun > 0 || !tries.pause.hasExpired()))

@@ -13,13 +13,13 @@ QString Passwords::Hash(const QString &password)
     return isMade ? QString::fromLatin1(hash) : QString();
 }
 
-// The library knows its own form: only of that it can say whether it is as slow as wanted now.
+// The library knows its own form, and whether a hash is as slow as those that it makes now.
 bool Passwords::IsHash(const QString &text)
 {
     const QByteArray hash = text.toLatin1();
     return hash.size() < int(crypto_pwhash_STRBYTES) && sodium_init() >= 0 &&
            crypto_pwhash_str_needs_rehash(hash.constData(), crypto_pwhash_OPSLIMIT_INTERACTIVE,
-                                          crypto_pwhash_MEMLIMIT_INTERACTIVE) >= 0;
+                                          crypto_pwhash_MEMLIMIT_INTERACTIVE) == 0;
 }
 
 std::optional<bool> Passwords::Matches(const QString &password, const QString &hash)

@@ -12,7 +12,7 @@ namespace Passwords {
 /// text if there isn't the memory.
 QString Hash(const QString &password);
 
-/// Returns whether a text is in the form of Hash().
+/// Returns whether a text is in the form of Hash(), and as slow.
 bool IsHash(const QString &text);
 
 /// Returns whether it is the password of this hash; nothing if there isn't the memory to find out. Takes as long as

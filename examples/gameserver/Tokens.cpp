@@ -58,16 +58,19 @@ bool CTokens::Add(const QString &nickname, const QString &passwordHash, QString 
     *token = QString::fromLatin1(QByteArray(reinterpret_cast<const char *>(words), sizeof words).toHex());
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     const QString user = nickname.toLower();
-    return WriteRemovals() && // which would take back this one too
-           Exec(QStringLiteral("DELETE FROM tbl_token WHERE TOK_iExpiry <= %1").arg(now)) &&
-           Exec(QStringLiteral("DELETE FROM tbl_token WHERE TOK_cHash IN (SELECT TOK_cHash FROM tbl_token"
-                               " WHERE TOK_cUser = '%1' ORDER BY TOK_iExpiry DESC, rowid DESC LIMIT -1 OFFSET %2)")
-                    .arg(Escape(user))
-                    .arg(TOKENS_OF_A_USER - 1)) &&
-           Insert(TABLE, {{COLUMN_HASH, HashFast(*token)},
-                          {COLUMN_USER, user},
-                          {COLUMN_ACCOUNT, HashFast(passwordHash)},
-                          {COLUMN_EXPIRY, now + TOKEN_SECONDS}});
+    if (!WriteRemovals() || // which would take back this one too
+        !Insert(TABLE, {{COLUMN_HASH, HashFast(*token)},
+                        {COLUMN_USER, user},
+                        {COLUMN_ACCOUNT, HashFast(passwordHash)},
+                        {COLUMN_EXPIRY, now + TOKEN_SECONDS}}))
+        return false;
+    // What isn't deleted now is the next time. A clock that has gone ahead for a while deletes nothing.
+    Exec(QStringLiteral("DELETE FROM tbl_token WHERE TOK_iExpiry <= %1").arg(now - TOKEN_SECONDS));
+    Exec(QStringLiteral("DELETE FROM tbl_token WHERE TOK_cHash IN (SELECT TOK_cHash FROM tbl_token"
+                        " WHERE TOK_cUser = '%1' ORDER BY TOK_iExpiry DESC, rowid DESC LIMIT -1 OFFSET %2)")
+             .arg(Escape(user))
+             .arg(TOKENS_OF_A_USER));
+    return true;
 }
 
 std::optional<bool> CTokens::Use(const QString &nickname, const QString &passwordHash, const QString &token)
@@ -86,7 +89,9 @@ std::optional<bool> CTokens::Use(const QString &nickname, const QString &passwor
         return std::nullopt;
     const qint64 expiry = query.next() ? query.value(0).toLongLong() : 0;
     query.finish();
-    if (expiry < now + TOKEN_SECONDS - DAY_SECONDS && expiry > now) // a write a day is enough
+    // A write a day is enough, but for what was used while the clock was ahead.
+    const bool isOff = expiry < now + TOKEN_SECONDS - DAY_SECONDS || expiry > now + TOKEN_SECONDS;
+    if (isOff && expiry > now)
         Update(TABLE, {{COLUMN_EXPIRY, now + TOKEN_SECONDS}}, {{COLUMN_HASH, hash}});
     return expiry > now;
 }

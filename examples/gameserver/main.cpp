@@ -158,7 +158,8 @@ int main(int argc, char *argv[])
         return Fail(error);
     CTokens tokens(options.strTokens);
     if (!tokens.Open())
-        return Fail(QStringLiteral("%1 can't be opened as a database").arg(options.strTokens));
+        return Fail(QStringLiteral("%1 can't be opened as a database, or another program has locked it")
+                        .arg(options.strTokens));
     AddMadeTables(static_cast<int>(options.uiTables), options.uiSeed, now, tables);
 
     CGameServer server(tables, accounts, tokens, options.uiSeed, static_cast<int>(options.uiIdle));

@@ -12,12 +12,13 @@
 ///
 /// The client logs in with SLogin or STokenLogin, the only record of its packet, and the server answers with SAccount
 /// or SRefusal. Before an SAccount that answers a password it sends SToken, with which the client logs in from then
-/// on. The connection belongs to the user until LOGOUT, LOGOUT_EVERYWHERE or LEAVE, another login, or its end. The
-/// first two take back the token of the login, or all of the user's, and end the connections that use them. The
-/// server sends STime without a request: as the first packet of a connection, and at intervals. It sends an SJackpot
-/// to each client that has requested the list of tables whenever the jackpot has grown. For a web page that has to
-/// know its user, the client sends SWebRequest, and the server answers with SWebSession when the web server has
-/// answered it. It answers GET_BALANCES with the balances of the logged-in user, or not at all if there is none.
+/// on, unless it can't keep one. The connection belongs to the user until LOGOUT, LOGOUT_EVERYWHERE or LEAVE, another
+/// login, or its end. The first two take back the token of the login, or all of the user's, and end the connections
+/// that use them. The server sends STime without a request: as the first packet of a connection, and at intervals. It
+/// sends an SJackpot to each client that has requested the list of tables whenever the jackpot has grown. For a web
+/// page that has to know its user, the client sends SWebRequest, and the server answers with SWebSession when the web
+/// server has answered it, unless the login has ended by then. It answers GET_BALANCES with the balances of the
+/// logged-in user, or not at all if there is none.
 ///
 /// The records are in the form of Payload.h.
 namespace AccountProtocol {
@@ -103,7 +104,7 @@ enum ERefusal : char {
     RF_WRONG_PASSWORD = 'P',
     RF_TOO_MANY = 'M',    ///< Too many wrong passwords: the server doesn't look at this one. Later it will.
     RF_BUSY = 'O',        ///< The server has too much to do to look at a password. Soon it will.
-    RF_TOKEN_ENDED = 'T', ///< The token is too old, has been taken back, or the password has changed.
+    RF_TOKEN_ENDED = 'T', ///< The token is too old, or one of too many, or taken back, or of another password.
     RF_UNPROTECTED = 'U', ///< Others may be able to read the connection.
 };
 
@@ -132,8 +133,9 @@ struct SWebSession
 {
     static constexpr char TAG[] = "WEBS";
 
-    quint8 ucLink = 0;  ///< The purpose, as in the request.
-    QString strSession; ///< Empty if nobody is logged in, or the web server can't be reached or refuses.
+    quint8 ucLink = 0; ///< The purpose, as in the request.
+    QString
+        strSession; ///< Empty if nobody is logged in, the web server can't be reached or refuses, or for too many.
 
     auto Fields() { return Payload::List(ucLink, Payload::SText{strSession, MAX_WEB_TEXT_LENGTH}); }
 };

@@ -44,17 +44,18 @@ bool CSyncStore::AddSession(const SOwner &owner, QString &session)
            Run(query,
                QStringLiteral("INSERT INTO tbl_session (SES_cID, SES_cRest, SES_cUser, SES_cMachine, SES_iExpiry)"
                               " VALUES (?, ?, ?, ?, ?)"),
-               {session.left(ID_LENGTH), session.mid(ID_LENGTH), owner.strUser, owner.strMachine,
+               {session.left(ID_LENGTH), session.mid(ID_LENGTH), owner.strUser.toLower(), owner.strMachine,
                 now + SESSION_SECONDS});
 }
 
 bool CSyncStore::EndSessions(const SOwner &owner)
 {
     TQuery query;
+    const QString user = owner.strUser.toLower();
     if (owner.strMachine.isEmpty())
-        return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_cUser = ?"), {owner.strUser});
+        return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_cUser = ?"), {user});
     return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_cUser = ? AND SES_cMachine = ?"),
-               {owner.strUser, owner.strMachine});
+               {user, owner.strMachine});
 }
 
 bool CSyncStore::FindSession(const QString &session, SOwner &owner)
