@@ -137,7 +137,8 @@ if(PLUGININTERFACE_BUILD_EXAMPLES)
         SYNOPSIS "example of an online poker client with its plugins and servers"
         DESCRIPTION "A host with a lobby, tables and notes, a game server and a web server, built"
                     "with Qt ${QT_VERSION_MAJOR}, to try out and to start a client from. Nothing is played for money."
-        DEPENDS "${same_library}" "${PLUGININTERFACE_NAME}-tools" openssl gstreamer1.0-plugins-good ${qt_pictures} ${qml_modules})
+        DEPENDS "${same_library}" "${PLUGININTERFACE_NAME}-tools" openssl gstreamer1.0-plugins-good ${qt_pictures} ${qml_modules}
+        SUGGESTS libqt${QT_VERSION_MAJOR}sql${QT_VERSION_MAJOR}-psql)
 endif()
 
 include(CPack)
