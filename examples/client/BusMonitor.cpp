@@ -141,7 +141,7 @@ QWidget *CBusMonitor::CreateDetail()
     row->setContentsMargins(QMargins());
     row->addWidget(hex);
     row->addWidget(text);
-    connect(m_pView->selectionModel(), &QItemSelectionModel::selectionChanged, detail, [=] {
+    connect(m_pView->selectionModel(), &QItemSelectionModel::selectionChanged, detail, [this, hex, text] {
         const QModelIndex chosen = m_pView->selectionModel()->selectedRows().value(0);
         const QByteArray payload =
             chosen.isValid() ? GetValues(m_shown.mapToSource(chosen).row()).at(0).toByteArray() : QByteArray();

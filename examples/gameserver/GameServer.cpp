@@ -170,7 +170,7 @@ void CGameServer::LogIn(CClientLink *client, const AccountProtocol::SLogin &logi
                      hash = m_accounts.GetHash(nickname)] {
         const std::optional<bool> isRight = Passwords::Matches(password, hash);
         QMetaObject::invokeMethod(
-            this, [=] { EndLogin(link, nickname, isRight); }, Qt::QueuedConnection);
+            this, [this, link, nickname, isRight] { EndLogin(link, nickname, isRight); }, Qt::QueuedConnection);
     });
 }
 

@@ -4,6 +4,7 @@
 
 #include <QUrl>
 #include <QUrlQuery>
+#include <QVariant>
 
 #include <algorithm>
 #include <atomic>

@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QSharedPointer>
 #include <QSqlQuery>
+#include <QVariant>
 
 #include <functional>
 #include <memory>

@@ -15,7 +15,7 @@ class CShortLock
 public:
     explicit CShortLock(const QString &file, const QString &begin = QStringLiteral("BEGIN IMMEDIATE"),
                         unsigned long ms = 200)
-        : m_thread(std::async(std::launch::async, [=] {
+        : m_thread(std::async(std::launch::async, [this, file, begin, ms] {
             const QString name = QStringLiteral("short lock of ") + file;
             {
                 QSqlDatabase connection = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);

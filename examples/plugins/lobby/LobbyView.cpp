@@ -41,7 +41,7 @@ CLobbyView::CLobbyView(CLobbyTables *tables)
     layout->addWidget(status);
     SetUpTable();
     QWidget *noMatch = CreateNoMatch();
-    const auto showStatus = [=] {
+    const auto showStatus = [this, status, noMatch] {
         m_pCount->setText(m_pTables->GetCount());
         status->setText(m_pTables->GetStatus());
         noMatch->setVisible(m_pTables->AreAllFiltered());

@@ -257,7 +257,7 @@ private:
         connect(note, &QPlainTextEdit::textChanged, player, [=] { player->SetNotes(note->toPlainText()); });
         connect(tag, qOverload<int>(&QComboBox::activated), player, [=](int id) { player->SetTagID(uint(id)); });
         connect(rating, &CStarField::valueChanged, player, [=](int stars) { player->SetRating(uchar(stars)); });
-        connect(buddy, &QCheckBox::clicked, player, [=](bool on) { SetBuddy(player, on); });
+        connect(buddy, &QCheckBox::clicked, player, [this, player](bool on) { SetBuddy(player, on); });
     }
 
     void SetBuddy(CPlayerModel *player, bool on)
