@@ -68,8 +68,10 @@ CLoginDialog::CLoginDialog(CHost &host, QWidget *parent)
     showLink();
     connect(&host.GetSession(), &CSession::signal_LoginRefused, this, &CLoginDialog::ShowRefusal);
     connect(&host.GetSession(), &CSession::signal_LoggedIn, this, [this] {
-        CSettings::GetInstance()->SetLastUserName(CUserInfo::GetInstance()->GetNickname());
-        CSettings::GetInstance()->SetRememberPassword(m_pRemember->isChecked());
+        if (!m_pLogIn->isEnabled()) { // it has asked, and it isn't the remembered login
+            CSettings::GetInstance()->SetLastUserName(CUserInfo::GetInstance()->GetNickname());
+            CSettings::GetInstance()->SetRememberPassword(m_pRemember->isChecked());
+        }
         QDialog::accept();
     });
 }

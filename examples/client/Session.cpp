@@ -73,6 +73,7 @@ void CSession::LogIn(const QString &nickname, const QString &password, bool reme
     }
     m_asked = {nickname, QString()};
     m_bAskedWithToken = false;
+    m_bUsesRemembered = false;
     m_bRemember = remember;
     Ask(AccountProtocol::SLogin{nickname, password});
     if (!m_answerTimer.isActive())
@@ -128,7 +129,7 @@ void CSession::SetConnectionState(EConnectionState::type state, bool isEncrypted
         const AccountProtocol::STokenLogin remembered = RememberedLogin::Get();
         if (user->IsLoggedIn())
             AskWithToken(user->GetNickname(), user->GetPasswordHashed());
-        else if (!remembered.strToken.isEmpty())
+        else if (m_bUsesRemembered && !remembered.strToken.isEmpty())
             AskWithToken(remembered.strNickname, remembered.strToken);
     } else if (user->IsLoggedIn()) {
         m_answerTimer.stop(); // the login is sent again on the next link
@@ -178,8 +179,10 @@ void CSession::OnAccepted(const AccountProtocol::SAccount &account)
         if (user->IsLoggedIn())
             EndLogin();
         SetAccount(account, m_asked.strToken, CCasinoTime::GetInstance()->GetTimeUTCServer());
-        if (user->GetNickname() != account.strNickname) // a slot has logged the user out
-            return;
+    }
+    if (user->GetNickname() != account.strNickname) { // a slot has logged the user out
+        Refuse("LOGIN_REFUSED");
+        return;
     }
     if (!m_bAskedWithToken && m_bRemember)
         RememberedLogin::Store({account.strNickname, m_asked.strToken});

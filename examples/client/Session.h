@@ -14,8 +14,9 @@
 ///
 /// The user stays logged in while the connection is lost, and is logged in again when it is established, with a token
 /// that the server has given: CUserInfo holds it as the hashed password. If the user wants to stay logged in, the
-/// settings hold it too, and the next start of the client logs in with it. The password itself is kept nowhere.
-/// Unexpected answers to logins, and balances of another user, change nothing and are written to the console.
+/// settings hold it too, and the next start of the client logs in with it, unless the user logs in by hand first. The
+/// password itself is kept nowhere. Unexpected answers to logins, and balances of another user, change nothing and
+/// are written to the console.
 class CSession : public QObject
 {
     Q_OBJECT
@@ -78,6 +79,7 @@ private:
     TSend m_send;
     AccountProtocol::STokenLogin m_asked; // its token is empty while the server hasn't given one
     bool m_bAskedWithToken = false;
+    bool m_bUsesRemembered = true; // until the user logs in by hand
     bool m_bRemember = false;      // once the login is accepted
     bool m_bIsUnprotected = false; // the connection
     QTimer m_answerTimer;          // runs while m_asked waits for its answer

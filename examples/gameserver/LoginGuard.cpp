@@ -5,10 +5,10 @@
 namespace {
 
 constexpr int FREE_TRIES = 3;
-constexpr int MOST_AT_ONCE = 50; // of all users: each costs a processor a tenth of a second
+constexpr int MOST_AT_ONCE = 30; // of all users: each costs a processor a tenth of a second, or two
 constexpr qint64 FIRST_PAUSE_MS = 1000;
 constexpr qint64 LONGEST_PAUSE_MS = 60000;
-constexpr qint64 MEMORY_MS = 15 * 60000;
+constexpr qint64 MEMORY_MS = 900000;
 constexpr int FEW_NICKNAMES = 1000;
 
 } // namespace

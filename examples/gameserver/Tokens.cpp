@@ -64,8 +64,10 @@ bool CTokens::Add(const QString &nickname, const QString &passwordHash, QString 
                         {COLUMN_ACCOUNT, HashFast(passwordHash)},
                         {COLUMN_EXPIRY, now + TOKEN_SECONDS}}))
         return false;
-    // What isn't deleted now is the next time. A clock that has gone ahead for a while deletes nothing.
+    // What isn't done now is the next time. A clock that is ahead for some days deletes nothing that it shouldn't,
+    // and makes nothing last.
     Exec(QStringLiteral("DELETE FROM tbl_token WHERE TOK_iExpiry <= %1").arg(now - TOKEN_SECONDS));
+    Exec(QStringLiteral("UPDATE tbl_token SET TOK_iExpiry = %1 WHERE TOK_iExpiry > %1").arg(now + TOKEN_SECONDS));
     Exec(QStringLiteral("DELETE FROM tbl_token WHERE TOK_cHash IN (SELECT TOK_cHash FROM tbl_token"
                         " WHERE TOK_cUser = '%1' ORDER BY TOK_iExpiry DESC, rowid DESC LIMIT -1 OFFSET %2)")
              .arg(Escape(user))

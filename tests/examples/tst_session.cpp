@@ -180,11 +180,15 @@ private Q_SLOTS:
         QCOMPARE(m_sent, isKept ? QVector<QByteArray>{login} : QVector<QByteArray>());
         if (!isKept)
             return;
+        m_pSession->CancelLogin(); // of what the user did before
+        QCOMPARE(m_sent.size(), 1);
         m_pSession->LogIn("Robin"_s, "guest"_s, false); // before the answer
-        QCOMPARE(m_sent.size(), 3);
+        m_pSession->SetConnectionState(EConnectionState::Reconnecting, true);
+        m_pSession->SetConnectionState(EConnectionState::Connected, true);
+        QCOMPARE(m_sent.size(), 3); // not the remembered one again
+        m_pSession->LogIn("Robin"_s, "guest"_s, false);
+        QCOMPARE(m_sent.size(), 4);
         QCOMPARE(m_sent.at(1), Payload::ToPackets(GROUP, {LEAVE}));
-        Receive(Accepted(500));
-        QVERIFY(!CUserInfo::GetInstance()->IsLoggedIn());
         Receive(Payload::Encode(SAccount{"Robin"_s, {}}));
         QCOMPARE(CUserInfo::GetInstance()->GetNickname(), "Robin"_s);
     }
