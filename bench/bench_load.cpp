@@ -32,7 +32,7 @@ constexpr std::array<const char *, KindCount> NAMES{"logins", "notes", "settings
 constexpr std::array<int, KindCount> WEIGHTS{1, 5, 3, 1};
 
 // A user's rows of each list, like those that bench/load fills a store with.
-constexpr int ROWS = 10;
+constexpr std::size_t ROWS = 10;
 constexpr int NOTE_LENGTH = 40;
 constexpr int SESSION_LENGTH = 64;
 constexpr int SESSION_PART = 32; // of it, which is in an address
@@ -72,12 +72,12 @@ struct SMachine
     std::array<std::array<QString, ROWS>, 2> sent; // the values that have been acknowledged; null if unknown
 };
 
-QString RowKey(int list, int number)
+QString RowKey(std::size_t list, std::size_t number)
 {
     return (list == 0 ? QStringLiteral("key%1") : QStringLiteral("player%1")).arg(number + 1);
 }
 
-QJsonObject MakeRow(int list, int number, const QString &value, qint64 time)
+QJsonObject MakeRow(std::size_t list, std::size_t number, const QString &value, qint64 time)
 {
     QJsonObject row{{ROW_KEYS[list], RowKey(list, number)}, {ROW_VALUES[list], value}, {TIME, QString::number(time)}};
     if (list == 0)
@@ -146,8 +146,8 @@ public:
                 ++iUnchecked;
                 continue;
             }
-            for (int list = 0; list < 2; ++list) {
-                for (int i = 0; i < ROWS; ++i)
+            for (std::size_t list = 0; list < 2; ++list) {
+                for (std::size_t i = 0; i < ROWS; ++i)
                     iLost += machine.sent[list][i].isNull() || HasRow(answer, list, i, machine.sent[list][i]) ? 0 : 1;
             }
         }
@@ -198,9 +198,9 @@ private:
     }
 
     // A new value for one of the rows.
-    bool Change(SMachine &machine, int list)
+    bool Change(SMachine &machine, std::size_t list)
     {
-        const int number = Draw(ROWS);
+        const auto number = std::size_t(Draw(int(ROWS)));
         const QString value =
             QStringLiteral("%1-%2").arg(m_strName).arg(++m_iChanges).leftJustified(NOTE_LENGTH, u'.');
         QString &sent = machine.sent[list][number];
@@ -212,10 +212,10 @@ private:
         return true;
     }
 
-    bool Send(const SMachine &machine, int list, const QJsonObject &row)
+    bool Send(const SMachine &machine, std::size_t list, const QJsonObject &row)
     {
         QJsonObject lists{{LISTS[list], QJsonArray{row}}};
-        for (int i = 0; i < 2; ++i)
+        for (std::size_t i = 0; i < 2; ++i)
             lists.insert(TIMES[i], QString::number(machine.times[i]));
         const QByteArray body = "session=" + machine.strSession.toLatin1() +
                                 "&json=" + QJsonDocument(lists).toJson(QJsonDocument::Compact);
@@ -274,7 +274,7 @@ private:
         QJsonObject answer;
         bool good = LogIn(machine.uiUser, machine.strSession) && Fetch(machine.strSession, {}, answer);
         QJsonObject newest;
-        for (int list = 0; good && list < 2; ++list) {
+        for (std::size_t list = 0; good && list < 2; ++list) {
             const QJsonArray rows = answer.value(LISTS[list]).toArray();
             newest = rows.isEmpty() ? QJsonObject() : rows.last().toObject();
             machine.times[list] = qint64(newest.value(TIME).toDouble());
@@ -285,13 +285,13 @@ private:
             good = Fetch(machine.strSession, machine.times, answer) && Send(machine, 1, newest);
         }
         good = good && Fetch(machine.strSession, machine.times, answer);
-        for (int list = 0; list < 2; ++list)
+        for (std::size_t list = 0; list < 2; ++list)
             good = good && answer.value(LISTS[list]).toArray().isEmpty() &&
                    qint64(answer.value(TIMES[list]).toDouble()) == machine.times[list];
         return good || Fail(QStringLiteral("a machine isn't in step"));
     }
 
-    static bool HasRow(const QJsonObject &answer, int list, int number, const QString &value)
+    static bool HasRow(const QJsonObject &answer, std::size_t list, std::size_t number, const QString &value)
     {
         const QJsonArray rows = answer.value(LISTS[list]).toArray();
         return std::any_of(rows.begin(), rows.end(), [&](const QJsonValue &row) {

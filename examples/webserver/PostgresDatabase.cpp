@@ -2,9 +2,11 @@
 
 #include "StoreTables.h"
 
+#include <QCryptographicHash>
 #include <QUrl>
 #include <QUrlQuery>
 #include <QVariant>
+#include <QtEndian>
 
 #include <algorithm>
 #include <atomic>
@@ -235,8 +237,11 @@ bool CPostgresDatabase::IsUtf8()
 bool CPostgresDatabase::BringToVersion()
 {
     unsigned int version = 0;
-    bool good = Exec(QStringLiteral("BEGIN ISOLATION LEVEL READ COMMITTED")) && Exec(LOCK_TABLES) &&
-                Exec(INFO_TABLE) && ReadVersion(version);
+    // Another server may be upgrading a store that is large.
+    bool good = Exec(QStringLiteral("BEGIN ISOLATION LEVEL READ COMMITTED")) &&
+                Exec(QStringLiteral("SET LOCAL lock_timeout = 0")) &&
+                Exec(QStringLiteral("SET LOCAL statement_timeout = 0")) && Exec(LOCK_TABLES) && Exec(INFO_TABLE) &&
+                ReadVersion(version);
     for (unsigned int step = std::max(version + 1, FIRST_VERSION); good && step <= VERSION; ++step) {
         good = CreateVersion(step) &&
                Exec(QStringLiteral("INSERT INTO tbl_dbinfo VALUES ('version', '%1') ON CONFLICT (DBI_cKey)"
@@ -286,10 +291,12 @@ bool CPostgresDatabase::Exec(const QString &sql)
 
 bool CPostgresDatabase::Lock(const QString &function, const QString &user, bool &taken, QSqlError &error)
 {
+    // Not prepared, which would take three messages instead of one.
+    const QByteArray hash = QCryptographicHash::hash(user.toUtf8(), QCryptographicHash::Sha256);
     QSqlQuery query = GetQuery();
-    query.prepare(QStringLiteral("SELECT %1(hashtextextended(?, 0))").arg(function));
-    query.bindValue(0, user);
-    const bool good = query.exec() && query.next();
+    const bool good =
+        query.exec(QStringLiteral("SELECT %1(%2)").arg(function).arg(qFromBigEndian<qint64>(hash.constData()))) &&
+        query.next();
     if (good)
         taken = query.value(0).toBool();
     else

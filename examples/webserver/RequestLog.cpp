@@ -14,7 +14,8 @@ using TClock = std::chrono::steady_clock;
 
 struct SRequest
 {
-    TClock::time_point begin = TClock::now();
+    TClock::time_point begin; // never, if its head can't be read
+    std::size_t uiBytesIn = 0;
     quint64 uiRowsIn = 0;
     quint64 uiRowsOut = 0;
 };
@@ -23,7 +24,8 @@ thread_local SRequest current;
 // Few names, whatever is asked: each of them is a counter for ever.
 std::string GetKnown(const std::string &name, std::initializer_list<const char *> known)
 {
-    for (const std::string prefix : known) {
+    for (const char *candidate : known) {
+        const std::string prefix(candidate);
         if (name == prefix || (prefix.back() == '/' && name.compare(0, prefix.size(), prefix) == 0))
             return prefix;
     }
@@ -46,6 +48,12 @@ void AppendValue(QByteArray &text, const std::string &name, const QByteArray &va
 void CRequestLog::Begin()
 {
     current = SRequest();
+    current.begin = TClock::now();
+}
+
+void CRequestLog::CountBytes(std::size_t in)
+{
+    current.uiBytesIn += in;
 }
 
 void CRequestLog::CountRows(quint64 in, quint64 out)
@@ -57,13 +65,14 @@ void CRequestLog::CountRows(quint64 in, quint64 out)
 void CRequestLog::End(const std::string &method, const std::string &path, int status, std::size_t bytesIn,
                       std::size_t bytesOut)
 {
-    const double seconds = TSeconds(TClock::now() - current.begin).count();
+    const bool hasBegun = current.begin != TClock::time_point();
+    const double seconds = hasBegun ? TSeconds(TClock::now() - current.begin).count() : 0;
     const QJsonObject line{{QStringLiteral("time"), QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs)},
                            {QStringLiteral("method"), QString::fromStdString(method)},
                            {QStringLiteral("path"), QString::fromStdString(path)},
                            {QStringLiteral("status"), status},
                            {QStringLiteral("ms"), std::round(seconds * 1e6) / 1000},
-                           {QStringLiteral("bytesin"), static_cast<qint64>(bytesIn)},
+                           {QStringLiteral("bytesin"), static_cast<qint64>(bytesIn + current.uiBytesIn)},
                            {QStringLiteral("bytesout"), static_cast<qint64>(bytesOut)},
                            {QStringLiteral("rowsin"), static_cast<qint64>(current.uiRowsIn)},
                            {QStringLiteral("rowsout"), static_cast<qint64>(current.uiRowsOut)}};
@@ -71,14 +80,14 @@ void CRequestLog::End(const std::string &method, const std::string &path, int st
     const std::string route = GetKnown(
         path, {"/sync", "/sessions", "/sessions/", "/pictures/", "/files/", "/healthz", "/readyz", "/metrics"});
     const std::lock_guard lock(m_mutex);
+    m_uiRowsIn += current.uiRowsIn;
+    m_uiRowsOut += current.uiRowsOut;
+    current = SRequest();
     ++m_requests[{GetKnown(method, {"GET", "HEAD", "POST", "PUT", "DELETE", "OPTIONS"}), route, status}];
     STimes &times = m_times[route];
     ++times.counts[std::size_t(std::lower_bound(BOUNDS.begin(), BOUNDS.end(), seconds) - BOUNDS.begin())];
     times.dSum += seconds;
     ++times.uiCount;
-    m_uiRowsIn += current.uiRowsIn;
-    m_uiRowsOut += current.uiRowsOut;
-    current = SRequest();
 }
 
 QByteArray CRequestLog::GetMetrics(quint64 conflicts, quint64 failures) const
@@ -88,10 +97,10 @@ QByteArray CRequestLog::GetMetrics(quint64 conflicts, quint64 failures) const
     AppendHead(text, "requests_total", "counter", "Answered requests.");
     for (const auto &[request, count] : m_requests) {
         const auto &[method, path, status] = request;
-        AppendValue(text,
-                    "requests_total{method=\"" + method + "\",path=\"" + path + "\",status=\"" +
-                        std::to_string(status) + "\"}",
-                    QByteArray::number(count));
+        const QString labels = QStringLiteral("requests_total{method=\"%1\",path=\"%2\",status=\"%3\"}")
+                                   .arg(QString::fromStdString(method), QString::fromStdString(path))
+                                   .arg(status);
+        AppendValue(text, labels.toStdString(), QByteArray::number(count));
     }
     AppendHead(text, "request_seconds", "histogram", "From a request's head to the end of its answer.");
     for (const auto &[path, times] : m_times) {

@@ -17,10 +17,13 @@ class CRequestLog
 public:
     /// The thread's request begins.
     static void Begin();
+    /// Of a body that the server has read itself, in the thread's request.
+    static void CountBytes(std::size_t in);
     /// Of settings and notes, in the thread's request.
     static void CountRows(quint64 in, quint64 out);
 
-    /// The thread's request ends. \a path is without what follows a question mark, which may be a secret.
+    /// The thread's request ends. \a path is without what follows a question mark, which may be a secret. \a bytesIn:
+    /// of a body that the library has read.
     void End(const std::string &method, const std::string &path, int status, std::size_t bytesIn,
              std::size_t bytesOut);
 

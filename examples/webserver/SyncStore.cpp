@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -11,7 +12,8 @@ namespace {
 
 constexpr int WORDS = 8; // of 32 bits, in a session
 constexpr int ID_LENGTH = 32;
-constexpr qint64 SESSION_SECONDS = 10 * 60;
+constexpr qint64 SESSION_SECONDS = 600;
+constexpr qint64 SWEEP_MS = 10000; // between deletions of those that have ended
 constexpr int MOST_TRIES = 4;
 const QSqlError CLOSED(QString(), QStringLiteral("the connection is closed"), QSqlError::ConnectionError);
 
@@ -40,8 +42,11 @@ bool CSyncStore::AddSession(const SOwner &owner, QString &session)
         session += QStringLiteral("%1").arg(QRandomGenerator::system()->generate(), 8, 16, QLatin1Char('0'));
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     TQuery query;
-    return Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_iExpiry <= ?"), {now}) &&
-           Run(query,
+    if (m_sweep.hasExpired()) {
+        m_sweep.setRemainingTime(SWEEP_MS);
+        Run(query, QStringLiteral("DELETE FROM tbl_session WHERE SES_iExpiry <= ?"), {now});
+    }
+    return Run(query,
                QStringLiteral("INSERT INTO tbl_session (SES_cID, SES_cRest, SES_cUser, SES_cMachine, SES_iExpiry)"
                               " VALUES (?, ?, ?, ?, ?)"),
                {session.left(ID_LENGTH), session.mid(ID_LENGTH), owner.strUser.toLower(), owner.strMachine,
@@ -60,8 +65,11 @@ bool CSyncStore::EndSessions(const SOwner &owner)
 
 bool CSyncStore::FindSession(const QString &session, SOwner &owner)
 {
+    // Not all databases take any text.
+    static const QRegularExpression form(QStringLiteral("\\A(?:[0-9a-f]{32}){1,2}\\z"));
     TQuery query;
-    if (!Run(query,
+    if (!form.match(session).hasMatch() ||
+        !Run(query,
              QStringLiteral("SELECT SES_cUser, SES_cMachine, SES_cRest, SES_iNumber FROM tbl_session"
                             " WHERE SES_cID = ? AND SES_iExpiry > ?"),
              {session.left(ID_LENGTH), QDateTime::currentSecsSinceEpoch()}))

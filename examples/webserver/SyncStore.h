@@ -3,6 +3,7 @@
 #include "StoreDatabase.h"
 #include "SyncJson.h"
 
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QSharedPointer>
 #include <QSqlQuery>
@@ -110,7 +111,8 @@ private:
 
     QHash<QString, TQuery> m_queries; ///< Prepared, by their SQL. They end after the database, which they'd speak to.
     const std::unique_ptr<CStoreDatabase> m_pDatabase;
-    QSqlError m_error; ///< The first one of the operation.
+    QDeadlineTimer m_sweep; ///< Until the sessions are looked through for those that have ended.
+    QSqlError m_error;      ///< The first one of the operation.
     quint64 m_uiConflicts = 0;
     bool m_bTransaction = false;
 };

@@ -14,6 +14,7 @@ constexpr int THREADS = 16; // a slow download keeps one
 constexpr uint PICTURES_A_FOLDER = 1000;
 constexpr std::chrono::milliseconds PIECE_TIME(50);
 constexpr quint32 PIECES_A_SECOND = 20;
+constexpr std::size_t MAX_PIECE = 64 << 10; // of a file
 const char JSON_TYPE[] = "application/json";
 const QByteArray SESSION("session=");
 const QByteArray JSON("&json=");
@@ -30,6 +31,21 @@ std::unique_ptr<httplib::Server> MakeTlsServer(const CWebServer::SOptions &optio
     if (server->is_valid())
         SSL_CTX_set_min_proto_version(server->ssl_context(), TLS1_2_VERSION);
     return server;
+}
+
+// Returns the status that refuses what no client sends, 0 for anything else. The library would read such a body
+// before it looks for whom it is, and unpack it, however large it becomes.
+int FindFault(const httplib::Request &request)
+{
+    const bool isForm = request.path == "/sessions" || request.path == "/sessions/end";
+    if (request.method != "GET" && request.method != "HEAD" && request.method != "POST")
+        return 405;
+    if (request.method == "POST" && !isForm && request.path != "/sync")
+        return 404;
+    if (request.has_header("Content-Encoding") ||
+        request.get_header_value("Content-Type").compare(0, 10, "multipart/") == 0)
+        return 415;
+    return isForm && request.has_header("Transfer-Encoding") ? 411 : 0; // whose length nobody knows
 }
 
 bool IsName(const QString &text)
@@ -81,9 +97,12 @@ int CWebServer::Listen(int port)
     if (port != 0)
         m_thread = std::thread([this] {
             m_pServer->listen_after_bind();
+            m_bEnded = true;
             const int code = m_bEnding ? 0 : 1; // it can't accept any more
             QMetaObject::invokeMethod(QCoreApplication::instance(), [code] { QCoreApplication::exit(code); });
         });
+    while (port != 0 && !m_pServer->is_running() && !m_bEnded) // else the library doesn't notice that it is to end
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return port;
 }
 
@@ -139,14 +158,17 @@ void CWebServer::AddReports()
     m_pServer->Get("/healthz", [](const httplib::Request &, httplib::Response &response) {
         response.set_content("alive\n", "text/plain");
     });
-    m_pServer->set_pre_routing_handler([](const auto &, auto &) {
+    m_pServer->set_pre_routing_handler([](const httplib::Request &request, httplib::Response &response) {
+        using EResponse = httplib::Server::HandlerResponse;
         CRequestLog::Begin();
-        return httplib::Server::HandlerResponse::Unhandled;
+        const int status = FindFault(request);
+        if (status != 0)
+            response.status = status;
+        return status == 0 ? EResponse::Unhandled : EResponse::Handled;
     });
     m_pServer->set_logger([this](const httplib::Request &request, const httplib::Response &response) {
         const std::size_t size = response.body.empty() ? response.content_length_ : response.body.size();
-        m_log.End(request.method, request.path, response.status,
-                  std::size_t(request.get_header_value<uint64_t>("Content-Length")), size);
+        m_log.End(request.method, request.path, response.status, request.body.size(), size);
     });
 }
 
@@ -158,6 +180,7 @@ bool CWebServer::ReadBody(const TReader &reader, httplib::Response &response, st
         // The library asks this of an announced length only.
         return body.size() <= m_options.uiBodyLimit && !limit.hasExpired();
     });
+    CRequestLog::CountBytes(body.size());
     if (!whole)
         response.status = body.size() > m_options.uiBodyLimit ? 413 : response.status > 400 ? response.status : 408;
     return whole;
@@ -256,17 +279,20 @@ int CWebServer::ReadPicture(const httplib::Request &request, std::string &pictur
 
 void CWebServer::SendFile(const httplib::Request &request, httplib::Response &response) const
 {
-    QFile file(m_options.strFiles + QLatin1Char('/') + QString::fromStdString(request.matches[1]));
-    if (m_options.strFiles.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+    const auto file =
+        std::make_shared<QFile>(m_options.strFiles + QLatin1Char('/') + QString::fromStdString(request.matches[1]));
+    if (m_options.strFiles.isEmpty() || !file->open(QIODevice::ReadOnly)) {
         response.status = 404;
         return;
     }
-    const std::string body = file.readAll().toStdString();
-    const std::size_t piece = m_options.uiRate == 0 ? body.size() : 1 + m_options.uiRate / PIECES_A_SECOND;
+    const std::size_t piece = m_options.uiRate == 0 ? MAX_PIECE : 1 + m_options.uiRate / PIECES_A_SECOND;
     const auto pause = m_options.uiRate == 0 ? PIECE_TIME.zero() : PIECE_TIME;
-    const auto give = [body, piece, pause](std::size_t offset, std::size_t length, httplib::DataSink &sink) {
+    const auto give = [this, file, piece, pause](std::size_t offset, std::size_t length, httplib::DataSink &sink) {
         std::this_thread::sleep_for(pause);
-        return sink.write(body.data() + offset, std::min(length, piece));
+        if (m_bEnding || !file->seek(qint64(offset)))
+            return false;
+        const QByteArray bytes = file->read(qint64(std::min({length, piece, MAX_PIECE})));
+        return !bytes.isEmpty() && sink.write(bytes.constData(), std::size_t(bytes.size()));
     };
-    response.set_content_provider(body.size(), "application/octet-stream", give);
+    response.set_content_provider(std::size_t(file->size()), "application/octet-stream", give);
 }

@@ -70,6 +70,7 @@ private:
     quint64 m_uiFailures = 0; // of the store
     SRows m_rows;             // of the request that is being answered
     std::atomic<bool> m_bEnding = false;
+    std::atomic<bool> m_bEnded = false;
     std::unique_ptr<httplib::Server> m_pServer;
     socket_t m_socket = INVALID_SOCKET; // that listens; the server's
     std::thread m_thread;

@@ -90,7 +90,9 @@ private Q_SLOTS:
         row(400, "POST /sessions key=k+%26&nickname=&machine=m");
         row(400, "POST /sessions key=k+%26&nickname=a&machine=" + QByteArray(65, 'm'));
         row(400, "POST /sessions key=k+%26&nickname=a%00&machine=m");
-        row(403, "GET /sync?session=s&playerinfos=0&usersettings=0 ");
+        for (const char *session : {"s", "%00"})
+            row(403, "GET /sync?session=" + QByteArray(session) + "&playerinfos=0&usersettings=0 ");
+        row(404, "POST /sync/x session=S");
         for (const char *time : {"", "x", "-1", "1.5", "4102444800"})
             row(400, "GET /sync?session=S&playerinfos=0&usersettings=" + QByteArray(time) + " ");
         row(403, "POST /sync session=s&json={}");
@@ -200,6 +202,7 @@ private Q_SLOTS:
         QCOMPARE(Send(holding, "x 1 120"_s), 200);
         QCOMPARE(Send(offered, "x ~ 130"_s), 200);
         QCOMPARE(Fetch(AskForSession("Lyra"_s, "new"_s), 0), "x=2"_s);
+        Exec(FROM_5_TO_4); // it can, so that was made
     }
 
     // Who asks meanwhile is told so, and can ask the same again.
@@ -217,6 +220,26 @@ private Q_SLOTS:
         QTRY_COMPARE(m_pWeb->Get("/readyz")->status, 200);
         QCOMPARE(Send(session, "x 2 110"_s), 200);
         QCOMPARE(Fetch(AskForSession("Altair"_s, "new"_s), 0), "x=2"_s);
+    }
+
+    // It would become much longer.
+    void PackedBodyIsRefused()
+    {
+        const httplib::Headers packed{{"Content-Encoding", "gzip"}};
+        QCOMPARE(m_pWeb->Post("/sync", packed, "x", FORM)->status, 415);
+        QCOMPARE(m_pWeb->Post("/sessions", packed, "x", FORM)->status, 415);
+    }
+
+    void EndsRightAfterItsStart()
+    {
+        for (int i = 0; i < 10; ++i) {
+            QProcess server;
+            QVERIFY(StartServer(server, QStringLiteral(WEBSERVER_PATH),
+                                {"--database"_s, m_dir.filePath("other"_s), "--key"_s, "k"_s}) != 0);
+            server.terminate();
+            QVERIFY(server.waitForFinished(5000));
+            QCOMPARE(server.exitCode(), 0);
+        }
     }
 
     void SlowBodyIsRefused()

@@ -64,6 +64,8 @@ public:
         m_iPauseUs = m_random.bounded(MOST_PAUSE_US);
         m_iLate = m_random.bounded(2);
         m_work = {work, other};
+        if (!other && m_random.bounded(2) == 1)
+            std::swap(m_work[0], m_work[1]);
         m_iLeft = other ? 2 : 1;
         m_iAtOnce += other ? 1 : 0;
         m_bGood = true;
