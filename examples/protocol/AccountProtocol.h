@@ -133,9 +133,8 @@ struct SWebSession
 {
     static constexpr char TAG[] = "WEBS";
 
-    quint8 ucLink = 0; ///< The purpose, as in the request.
-    QString
-        strSession; ///< Empty if nobody is logged in, the web server can't be reached or refuses, or for too many.
+    quint8 ucLink = 0;  ///< The purpose, as in the request.
+    QString strSession; ///< Empty if there is none, for whatever reason: nobody is logged in, or there were too many.
 
     auto Fields() { return Payload::List(ucLink, Payload::SText{strSession, MAX_WEB_TEXT_LENGTH}); }
 };
