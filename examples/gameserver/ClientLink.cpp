@@ -55,7 +55,7 @@ void CClientLink::Reach(EProgress progress)
 
 CClientLink::EProgress CClientLink::GetProgress() const
 {
-    return m_strNickname.isEmpty() ? m_eProgress : EProgress::User;
+    return m_strNickname.isEmpty() && !m_bLoginPends ? m_eProgress : EProgress::User;
 }
 
 bool CClientLink::BeginWebRequest(const QString &machine)

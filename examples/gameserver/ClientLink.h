@@ -28,7 +28,7 @@ public:
         Handshake, // it has begun the handshake
         Encrypted, // and ended it
         Packet,    // it has sent a packet
-        User,      // somebody is logged in
+        User,      // somebody is logged in, or waits for it
     };
     EProgress GetProgress() const;
 

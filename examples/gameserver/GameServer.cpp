@@ -94,9 +94,9 @@ void CGameServer::OnNewConnection()
     }
 }
 
-// Returns who makes way if there is a crowd: the one that has got less far of two that are chosen by chance. Were it
-// always the one that has got least far, those that stand or talk would be safe from whoever comes next; were it the
-// oldest, a flood would decide when a client's turn is. Nobody who is logged in.
+// Returns who makes way if there is a crowd: of two that are drawn, the one that has got less far. If it were always
+// the one that has got least far, each newcomer would make way for the next one, and whoever stands or talks would
+// stay; if it were the oldest, a flood would decide how much time a client has. Nobody who is logged in makes way.
 CClientLink *CGameServer::ChooseWhoMakesWay() const
 {
     using EProgress = CClientLink::EProgress;

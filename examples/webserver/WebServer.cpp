@@ -14,7 +14,7 @@ constexpr int THREADS = 16; // a slow download keeps one
 constexpr uint PICTURES_A_FOLDER = 1000;
 constexpr std::chrono::milliseconds PIECE_TIME(50);
 constexpr quint32 PIECES_A_SECOND = 20;
-constexpr std::size_t MAX_PIECE = 64 << 10; // of a file
+constexpr std::size_t PIECE = 64 << 10; // of a file, without a bound of its rate
 const char JSON_TYPE[] = "application/json";
 const QByteArray SESSION("session=");
 const QByteArray JSON("&json=");
@@ -285,13 +285,13 @@ void CWebServer::SendFile(const httplib::Request &request, httplib::Response &re
         response.status = 404;
         return;
     }
-    const std::size_t piece = m_options.uiRate == 0 ? MAX_PIECE : 1 + m_options.uiRate / PIECES_A_SECOND;
+    const std::size_t piece = m_options.uiRate == 0 ? PIECE : 1 + m_options.uiRate / PIECES_A_SECOND;
     const auto pause = m_options.uiRate == 0 ? PIECE_TIME.zero() : PIECE_TIME;
     const auto give = [this, file, piece, pause](std::size_t offset, std::size_t length, httplib::DataSink &sink) {
         std::this_thread::sleep_for(pause);
         if (m_bEnding || !file->seek(qint64(offset)))
             return false;
-        const QByteArray bytes = file->read(qint64(std::min({length, piece, MAX_PIECE})));
+        const QByteArray bytes = file->read(qint64(std::min(length, piece)));
         return !bytes.isEmpty() && sink.write(bytes.constData(), std::size_t(bytes.size()));
     };
     response.set_content_provider(std::size_t(file->size()), "application/octet-stream", give);
