@@ -220,6 +220,7 @@ private Q_SLOTS:
         }
         qInfo("%d exchanges in %lld ms, %d of them repeated by machines", CUser::done.load(), clock.elapsed(),
               repeated);
+        QVERIFY(repeated > 0); // so they have been hit
         const auto metrics = httplib::Client("127.0.0.1", m_ports[SERVERS - 1]).Get("/metrics");
         QVERIFY(metrics && metrics->body.find("path=\"/sync\",status=\"200\"}") != std::string::npos);
     }
